@@ -59,7 +59,7 @@ function(ka_add_program target)
   ka_target_defaults(${target})
 endfunction()
 
-# ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program; every case is a ctest of its own name.
+# ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test.
 function(ka_add_test target)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
   ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} GTest::gtest GTest::gmock GTest::gtest_main)

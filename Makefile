@@ -1,0 +1,57 @@
+# The project's commands. Each does all the set-up it needs; a second run does none of it twice.
+
+SHELL := /bin/bash
+.SHELLFLAGS := -euo pipefail -c
+.DEFAULT_GOAL := help
+.NOTPARALLEL:
+.DELETE_ON_ERROR:
+
+JOBS ?= $(shell nproc)
+OUT ?= out
+
+# Objects are cached by content and by paths relative to the tree, so that a second clone finds them.
+export CCACHE_BASEDIR ?= $(CURDIR)
+export CCACHE_NOHASHDIR ?= 1
+
+sources = find $(wildcard Common Tools Tests Benchmarks Docs) -name "*.h" -o -name "*.cpp"
+
+.PHONY: help
+help: ## list the commands
+	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | expand -t 16
+
+.PHONY: demo
+demo: build-release ## import a real motion, play it and draw it into out/
+	build/release/bin/ka-anim demo -o $(OUT)
+
+.PHONY: test
+test: test-release test-sanitize ## build and run all tests, optimised and then under the sanitizers
+
+.PHONY: format check-format
+format: setup-lint ## lay out every source file with clang-format
+	$(sources) | xargs clang-format-14 -i
+
+check-format: setup-lint ## fail when a source file is not laid out with clang-format
+	$(sources) | xargs clang-format-14 --dry-run --Werror
+
+.PHONY: tidy
+tidy: setup-lint build-sanitize ## look for faults with clang-tidy
+	run-clang-tidy-14 -quiet -j $(JOBS) -p build/sanitize '^$(CURDIR)/(Common|Tools|Tests|Benchmarks)/'
+
+.PHONY: clean
+clean: ## remove everything that was built
+	rm -rf build out
+
+.PHONY: setup
+setup:
+	@scripts/setup.sh
+
+setup-%: setup
+	@scripts/setup.sh scripts/packages-$*.txt
+
+# build-PRESET and test-PRESET, for the presets of CMakePresets.json
+build-%: setup
+	@test -f build/$*/build.ninja || cmake --preset $*
+	cmake --build --preset $*
+
+test-%: build-%
+	ctest --preset $* --no-tests=error -j $(JOBS)
