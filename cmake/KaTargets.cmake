@@ -24,7 +24,7 @@ endif()
 # Warnings and checks of every target of the project.
 function(ka_target_defaults target)
   target_compile_options(${target} PRIVATE
-    -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Woverloaded-virtual -Wold-style-cast
+    -Wall -Wextra -Wpedantic -Wshadow -Wcast-align -Woverloaded-virtual -Wold-style-cast
     -Wformat=2 -Werror)
   # No contraction of a*b+c: a sample must be the same float whatever the compiler finds to fuse.
   target_compile_options(${target} PRIVATE -ffp-contract=off)

@@ -1,0 +1,10 @@
+#pragma once
+
+/// @file
+/// What of the module is visible to a host: everything else stays inside the library.
+
+#if defined(KA_ANIMATION_STATIC)
+#define KA_ANIMATION_API
+#else
+#define KA_ANIMATION_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,334 @@
+#pragma once
+
+#include "kaAnimationExport.h"
+#include "kaAnimationTypes.h"
+
+#include <OpenSG/OSGAction.h>
+#include <OpenSG/OSGAnimationAttachment.h>
+#include <OpenSG/OSGAnimationBlock.h>
+#include <OpenSG/OSGAnimationClip.h>
+#include <OpenSG/OSGAnimationControlPoint.h>
+#include <OpenSG/OSGAnimationCurve.h>
+#include <OpenSG/OSGAnimationTrack.h>
+#include <OpenSG/OSGNode.h>
+
+#include <QDomDocument>
+#include <QObject>
+#include <QString>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+class QWidget;
+class kaAnimationCurve2D;
+class kaAnimationField;
+class kaAnimationObject;
+class kaAnimationSequence;
+class kaAnimationStreak;
+class kaAnimationStrip;
+class kaAnimationUnit;
+class kaConnections;
+class kaControlPoint2D;
+class kaCopyBuffer;
+class kaObjectRegistry;
+class kaSceneSync;
+
+/// The one registry and factory of the module: makes, finds, duplicates and frees every object and field by id, binds
+/// them to scene nodes, copies and pastes, connects triggers, keeps the host's callbacks, saves, loads and imports.
+///
+/// The registry owns every object and field that it made; they are freed only through the destroy operations, a
+/// container together with its whole subtree. Refusals are null, false or an empty list; nothing throws. Used on the
+/// host's user-interface thread only; creating the instance is the one thread-safe step.
+class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionTypes {
+    Q_OBJECT
+
+  public:
+    // Set-up.
+
+    /// The instance, made on first use and destroyed at process exit. Objects still registered then are not freed.
+    static kaAnimationManager* the();
+    ~kaAnimationManager() override;
+
+    /// Called once by the host: seeds the id generator from the calendar time. The widget is not used.
+    void init(QWidget* parent);
+    /// Called by the host at shut-down: `clearCopyBuffer(true)`.
+    void terminate();
+
+    // Ids.
+
+    /// Seeds the process-wide generator unless `seed` is 0, then returns its next number.
+    static unsigned long long random(unsigned long long seed);
+    /// A fresh id: never 0, never one that a registered object or field has.
+    unsigned long long createUID();
+    /// Whether neither an object nor a field has this id; 0 is unique.
+    bool isIDUnique(unsigned long long id) const;
+    /// Gives an object or field the id asked for, or a fresh one where that id is taken (its own included). Read the
+    /// id back to learn which.
+    void setID(unsigned long long id, kaAnimationObject* object);
+    void setID(unsigned long long id, kaAnimationField* field);
+
+    // Lookup. Cost by id: constant. By name: a walk of the registry.
+
+    kaAnimationObject* getObject(unsigned long long id) const;
+    /// The object with the smallest id whose name is `name`; null for an empty name.
+    kaAnimationObject* getObject(const std::string& name) const;
+    kaControlPoint2D* getPoint2D(unsigned long long id) const;
+    kaAnimationCurve2D* getCurve2D(unsigned long long id) const;
+    kaAnimationUnit* getUnit(unsigned long long id) const;
+    kaAnimationStreak* getStreak(unsigned long long id) const;
+    kaAnimationStrip* getStrip(unsigned long long id) const;
+    kaAnimationSequence* getSequence(unsigned long long id) const;
+    kaAnimationField* getField(unsigned long long id) const;
+    std::map<unsigned long long, kaAnimationObject*> getObjects() const; ///< A copy: O(n log n).
+    std::map<unsigned long long, kaAnimationField*> getFields() const;   ///< A copy: O(n).
+    bool isObjectNameUnique(const std::string& name) const;
+
+    // Creation. Id 0 draws a fresh id. An id that is already registered keeps its entry: the new object is returned
+    // but not registered.
+
+    kaControlPoint2D* createPoint2D(unsigned long long id);
+    kaControlPoint2D* createPoint2D(float x, float y, unsigned long long id);
+    kaAnimationCurve2D* createCurve2D(unsigned long long id);
+    /// A curve bound to `field`; with `attach` it is listed on the field's scene node.
+    kaAnimationCurve2D* createCurve2D(kaAnimationField* field, const std::string& name, unsigned long long id,
+                                      bool attach);
+    /// A curve for the node's field of that attribute, named after the attribute; null when there is no such field.
+    kaAnimationCurve2D* createCurve2D(const osg::NodePtr& node, const std::string& attribute);
+    /// A curve with the given keys for an attribute as the interchange format names it ("TransformTX", "Fov", ...).
+    /// Prints one line and gives null for an attribute that is unknown or that the node has no field for.
+    kaAnimationCurve2D* createCurve2D(const osg::NodePtr& node, std::string attribute,
+                                      const std::vector<kaControlPoint2D*>& points, unsigned long long id,
+                                      bool attach);
+    kaAnimationUnit* createUnit(unsigned long long id);
+    kaAnimationUnit* createUnit(const std::string& name, unsigned long long id);
+    /// A block around the given curves; with `attach` it is listed on the node that the curves decide.
+    kaAnimationUnit* createUnit(const std::vector<kaAnimationCurve2D*>& curves, const std::string& name,
+                                unsigned long long id, bool attach);
+    kaAnimationStreak* createStreak(unsigned long long id);
+    kaAnimationStreak* createStreak(const std::string& name, unsigned long long id);
+    kaAnimationStrip* createStrip(unsigned long long id);
+    kaAnimationStrip* createStrip(const std::string& name, unsigned long long id);
+    kaAnimationSequence* createSequence(const std::string& name, unsigned long long id);
+    kaAnimationField* createField(unsigned long long id);
+
+    // Duplication: registered copies with fresh ids; null gives null.
+
+    kaControlPoint2D* duplicatePoint2D(kaControlPoint2D* point);
+    kaAnimationCurve2D* duplicateCurve2D(kaAnimationCurve2D* curve);
+    /// With `attach` the copy is listed on the source's scene node.
+    kaAnimationUnit* duplicateUnit(kaAnimationUnit* unit, bool attach);
+    kaAnimationStreak* duplicateStreak(kaAnimationStreak* streak);
+    kaAnimationStrip* duplicateStrip(kaAnimationStrip* strip);
+    kaAnimationSequence* duplicateSequence(kaAnimationSequence* sequence);
+    kaAnimationField* duplicateField(kaAnimationField* field);
+    /// By type; a sequence gives null, so copied tracks lose their sequences.
+    kaAnimationObject* duplicateObject(kaAnimationObject* object);
+
+    // Keys on curves.
+
+    /// Adds a key. @return false for a null curve, or for a key at x without `replace`.
+    bool createCurvePoint(kaAnimationCurve2D* curve, float x, float y, bool snapX, bool snapY, bool replace);
+    /// Adds a key on the curve itself. With `replace` a key at `frame` is removed first and stays removed when the
+    /// insert constraints or the sampling then refuse.
+    bool createCurvePoint(kaAnimationCurve2D* curve, float frame, bool replace);
+
+    // Destruction: the object leaves its node's listing, its parent and the registry, then it is freed with its whole
+    // subtree. Null does nothing.
+
+    void destroyPoint2D(kaControlPoint2D* point);
+    void destroyCurve2D(kaAnimationCurve2D* curve);
+    void destroyUnit(kaAnimationUnit* unit);
+    void destroyStreak(kaAnimationStreak* streak);
+    void destroyStrip(kaAnimationStrip* strip);
+    void destroySequence(kaAnimationSequence* sequence);
+    void destroyObject(kaAnimationObject* object);
+    void destroyField(kaAnimationField* field); ///< Curves that refer to it are not changed.
+    /// Destroys in ascending id order while at least two objects are registered, so the last one always stays. With
+    /// `all` false objects flagged internal stay too.
+    void destroyAllObjects(bool all);
+    void destroyAllFields();
+
+    // The scene.
+
+    static void setSceneRootNode(const osg::NodePtr& root);
+    static const osg::NodePtr& getSceneRootNode();
+    void changeAnimAttachmentIDs(unsigned long long from, unsigned long long to);
+    void changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to);
+    /// Traversal callbacks: they look at each node's ids but never write the replacement back; hosts rely on it.
+    static osg::Action::ResultE changeSceneAnimAttachmentIDs(const osg::NodePtr& node);
+    static osg::Action::ResultE changeSceneAnimAttachmentFieldIDs(const osg::NodePtr& node);
+    /// The node's fields, discovered and attached when the node has no attachment yet.
+    std::vector<kaAnimationField*> getAnimationFields(const osg::NodePtr& node);
+    std::vector<kaAnimationUnit*> getSceneUnits() const;
+    std::vector<kaAnimationUnit*> getActiveSceneUnits() const;
+    std::vector<kaAnimationStrip*> getSceneStrips() const;
+    std::vector<kaAnimationField*> getReferencedFields(unsigned int fcID) const;
+    std::vector<kaAnimationCurve2D*> getReferencedCurves(unsigned long long fieldID) const;
+    void setExclusiveActiveNodeUnit(kaAnimationUnit* unit);
+
+    // Fields of scene nodes.
+
+    std::vector<kaAnimationField*> createAnimationFields(const osg::NodePtr& node);
+    kaAnimationField* getField(const osg::NodePtr& node, std::string attribute);
+    std::vector<kaAnimationField*> recreateAnimationFields(const osg::NodePtr& node);
+    void checkUniqueAttributes();
+    static osg::Action::ResultE ensureUniqueAttributes(const osg::NodePtr& node);
+    void changeFieldReferences(kaAnimationField* from, kaAnimationField* to);
+    void completeAnimationFieldNodes();
+    static osg::Action::ResultE completeAnimationFieldNode(const osg::NodePtr& node);
+
+    // Names that the host treats as animatable.
+
+    bool isAnimationAttribute(const std::string& name) const;
+    void addAnimationAttribute(std::string name);
+    void addAnimationAttributes(std::string names); ///< Comma separated, taken exactly as they stand.
+    void subAnimationAttribute(const std::string& name);
+    const std::vector<std::string>& getAnimationAttributes() const { return _animationAttributes; }
+
+    // Scene synchronisation.
+
+    static osg::Action::ResultE collectActualObjectsAndFields(const osg::NodePtr& node);
+    void updateActualSceneObjectsAndFields();
+    void destroyUnreferencedObjectsAndFields();
+    void destroyNodeObjects(const osg::NodePtr& node, bool recursive);
+
+    // Copy and paste.
+
+    void clearCopyBuffer(bool destroy);
+    bool copy(kaAnimationObject* object);
+    bool copy(const std::vector<kaAnimationObject*>& objects);
+    bool copy(const osg::NodePtr& node);
+    bool paste(const osg::NodePtr& node, bool force);
+    std::vector<kaAnimationObject*> getCopyBuffer() const;
+
+    // Connections.
+
+    bool createConnection(kaAnimationObject* source, AnimationTrigger trigger, kaAnimationObject* target,
+                          AnimationAction action);
+    bool createConnection(kaAnimationObject* source, AnimationTrigger trigger, void (*function)());
+    void executeTriggers(std::vector<unsigned long long> connectionIDs);
+    /// Connection id to (target, action); a destroyed target leaves a null here.
+    std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
+    std::map<unsigned long long, void (*)()> getCallbackConnections() const;
+    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStreak* streak);
+    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStrip* strip, unsigned int number);
+    void objectInfo() const;                             ///< To standard output.
+    void printFieldInfo(const kaAnimationField* field) const; ///< To standard output; nothing for null.
+
+    // Host callbacks, null until set; a null callback makes the call a no-op. The camera -1 is the active one.
+
+    using GetFromAtUp = void (*)(int camera, osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up);
+    using SetFromAtUp = void (*)(int camera, const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up);
+    using GetRoll = float (*)(int camera);
+    using SetRoll = void (*)(int camera, const float& roll);
+    using ShowCurves = void (*)(const std::vector<kaAnimationCurve2D*>& curves);
+    using FileIOProgress = void (*)(unsigned int percent);
+    using UpdatePaste = void (*)(bool filled);
+
+    static void setGetFromAtUpCB(GetFromAtUp callback);
+    static void setFromAtUpCB(SetFromAtUp callback);
+    static void setGetRollCB(GetRoll callback);
+    static void setRollCB(SetRoll callback);
+    static void setShowCurvesCB(ShowCurves callback);
+    static void setFileIOProgressCB(FileIOProgress callback);
+    static void setUpdatePasteCB(UpdatePaste callback);
+
+    void setFromAtUp(const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up);
+    void getFromAtUp(osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up); ///< Zeros without callback.
+    void setRoll(float roll);
+    void getRoll(float& roll); ///< 0 without callback.
+    void showCurves(const std::vector<kaAnimationCurve2D*>& curves);
+    void setFileIOProgress(unsigned int percent);
+    void updatePaste(bool filled);
+
+    // Documents.
+
+    /// The whole registry as an animation document. Prints one line to standard output.
+    QString createAnimationXML();
+    /// Writes the document to `path` (bytes taken as Latin-1). @return whether the file could be opened: a short or
+    /// failed write is not detected.
+    bool saveAnimations(const char* path);
+    bool saveAnimations(QWidget* parent); ///< Asks for the file.
+    /// Adds a document to the registry. @param isFile whether `source` is a file name or the text itself.
+    /// @return false, with nothing changed, when it cannot be opened or is not well-formed.
+    bool loadAnimations(const QString& source, bool isFile);
+    bool loadAnimations(QWidget* parent); ///< Asks for the file.
+
+    /// Largest file, in bytes, that loading accepts; default 1 GiB.
+    static void setMaximumFileSize(unsigned long long bytes);
+    static unsigned long long getMaximumFileSize();
+
+    QDomElement createFieldDomElement(QDomDocument& document, kaAnimationField* field);
+    QDomElement createPointDomElement(QDomDocument& document, kaControlPoint2D* point);
+    QDomElement createCurveDomElement(QDomDocument& document, kaAnimationCurve2D* curve);
+    QDomElement createBlockDomElement(QDomDocument& document, kaAnimationUnit* unit);
+    QDomElement createTrackDomElement(QDomDocument& document, kaAnimationStreak* streak);
+    QDomElement createClipDomElement(QDomDocument& document, kaAnimationStrip* strip);
+    QDomElement createSequenceDomElement(QDomDocument& document, kaAnimationSequence* sequence);
+
+    kaAnimationField* readFieldDomElement(const QDomElement& element);
+    kaControlPoint2D* readPointDomElement(const QDomElement& element);
+    kaAnimationCurve2D* readCurveDomElement(const QDomElement& element);
+    kaAnimationUnit* readBlockDomElement(const QDomElement& element);
+    kaAnimationStreak* readTrackDomElement(const QDomElement& element);
+    kaAnimationStrip* readClipDomElement(const QDomElement& element);
+    kaAnimationSequence* readSequenceDomElement(const QDomElement& element);
+    /// Second pass: links the children that an element names.
+    void readChildren(const QDomElement& element);
+
+    // Animations that older scenes carry in the scene graph.
+
+    void importORVAAnimations(const osg::NodePtr& root, const osg::NodePtr& camera, unsigned int nodeCount);
+    static osg::Action::ResultE collectORVAAnimations(const osg::NodePtr& node);
+    kaAnimationStrip* importClip(const osg::AnimationClipPtr& clip, kaAnimationStreak* parent);
+    kaAnimationStreak* importTrack(const osg::AnimationTrackPtr& track, kaAnimationStrip* parent);
+    kaAnimationUnit* importBlock(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);
+    kaAnimationSequence* importSequence(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);
+    kaAnimationCurve2D* importCurve(const osg::AnimationCurvePtr& curve, kaAnimationUnit* unit, osg::NodePtr node);
+    kaControlPoint2D* importPoint(const osg::AnimationControlPointPtr& point, kaAnimationCurve2D* curve);
+
+    /// The ids themselves, for the parts of the module that walk them. Not for hosts.
+    kaObjectRegistry& registry() { return *_registry; }
+    const kaObjectRegistry& registry() const { return *_registry; }
+    kaConnections& connections() { return *_connections; }
+    kaCopyBuffer& copyBuffer() { return *_copyBuffer; }
+
+    /// Called once for every object that is about to be freed, so that nothing keeps a pointer to it.
+    static void forget(kaAnimationObject* object);
+
+  private:
+    kaAnimationManager();
+
+    template <class Object, class... Arguments>
+    Object* registered(Arguments&&... arguments);
+    template <class Object>
+    Object* duplicated(Object* source);
+    template <class Object>
+    Object* typed(unsigned long long id) const;
+    template <class Object>
+    void destroyAs(Object* object);
+    void leaveNode(kaAnimationObject* object);
+    void leaveParent(kaAnimationObject* object);
+    unsigned long long freshIDFor(unsigned long long taken, bool isField);
+
+    static osg::NodePtr _sceneRoot;
+    static GetFromAtUp _gCamFAU;
+    static SetFromAtUp _sCamFAU;
+    static GetRoll _gCamRoll;
+    static SetRoll _sCamRoll;
+    static ShowCurves _showCurvesFP;
+    static FileIOProgress _progressFP;
+    static UpdatePaste _updatePasteFP;
+    static unsigned int _importNodeCount;
+    static unsigned int _nodeCounter;
+
+    unsigned long long _changeFromID = 0;
+    unsigned long long _changeToID = 0;
+    std::vector<std::string> _animationAttributes;
+    std::unique_ptr<kaObjectRegistry> _registry;
+    std::unique_ptr<kaSceneSync> _sceneSync;
+    std::unique_ptr<kaConnections> _connections;
+    std::unique_ptr<kaCopyBuffer> _copyBuffer;
+};

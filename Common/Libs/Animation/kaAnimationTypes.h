@@ -1,0 +1,64 @@
+#pragma once
+
+/// @file
+/// Small types that the object family, the registry and the controller share.
+
+/// Unique id of an object, a field or a connection: one id space for all three; 0 means "none".
+using kaUID = unsigned long long;
+
+/// The values that `getTypeID()` returns; registry, controller and documents switch on them.
+enum kaAnimationTypeID : unsigned int {
+    KA_TYPE_OBJECT = 0,
+    KA_TYPE_POINT = 1,
+    KA_TYPE_CURVE = 2,
+    KA_TYPE_UNIT = 3,
+    KA_TYPE_STREAK = 4,
+    KA_TYPE_STRIP = 5,
+    KA_TYPE_SEQUENCE = 6
+};
+
+/// Number of type ids.
+constexpr unsigned int KA_TYPE_COUNT = 7;
+
+/// Largest magnitude of an extent: begin and minimum start here, end and maximum at its negative, so that an
+/// extent that was never computed is empty (begin greater than end). The float has the bits 0x65A96816.
+constexpr float KA_EMPTY_EXTENT = 1e23F;
+
+/// Tolerance of the range tests on begin and end, in frames: a shorter span is refused.
+constexpr float KA_RANGE_TOLERANCE = 0.000001F;
+
+/// Levels of containment that `addObject` accepts below one root. Far beyond any real scene (a key in a curve in a
+/// block on a track in a clip is five); with it every recursive operation fits any stack.
+constexpr unsigned int KA_MAX_DEPTH = 256;
+
+/// Values of a connection, brought into `kaAnimationManager` by inheritance so that the object family can name them
+/// without the whole registry.
+struct kaConnectionTypes {
+    /// The event of a connection's source.
+    enum AnimationTrigger : int {
+        TriggerBegin = 0, ///< the frame has reached the object's begin while the object was not playing
+        TriggerEnd = 1    ///< the frame has passed the object's end while the object was playing
+    };
+
+    /// What a connection does to its target; any other value does nothing.
+    enum AnimationAction : int {
+        ActionPlay = 0, ///< an active target is queued to start
+        ActionStop = 1  ///< the target leaves the running objects
+    };
+};
+
+/// Time and value bounds of an object.
+struct kaExtent {
+    float begin = KA_EMPTY_EXTENT;
+    float end = -KA_EMPTY_EXTENT;
+    float maximum = -KA_EMPTY_EXTENT;
+    float minimum = KA_EMPTY_EXTENT;
+
+    /// Widens to hold `other`; ties and NaN keep what is there.
+    void include(const kaExtent& other) {
+        begin = other.begin < begin ? other.begin : begin;
+        end = other.end > end ? other.end : end;
+        maximum = other.maximum > maximum ? other.maximum : maximum;
+        minimum = other.minimum < minimum ? other.minimum : minimum;
+    }
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "kaAnimationExport.h"
+
+#include <string>
+
+/// Name of an object, one pointer wide: the names that the module itself gives to thousands of keys and handles are
+/// stored once, any other name is owned.
+class KA_ANIMATION_API kaObjectName {
+  public:
+    kaObjectName(); ///< "Unnamed"
+    explicit kaObjectName(const std::string& text);
+    kaObjectName(const kaObjectName& other);
+    kaObjectName(kaObjectName&& other) noexcept;
+    kaObjectName& operator=(kaObjectName other) noexcept;
+    ~kaObjectName();
+
+    const std::string& text() const { return *_text; }
+
+  private:
+    const std::string* _text;
+};
