@@ -1,0 +1,38 @@
+#include "kaCopyBuffer.h"
+
+#include "kaAnimationObject.h"
+
+#include <algorithm>
+#include <iterator>
+
+void kaCopyBuffer::append(kaAnimationObject& object) {
+    if (_places.emplace(&object, _objects.size()).second)
+        _objects.push_back(&object);
+}
+
+std::vector<kaAnimationObject*> kaCopyBuffer::objects() const {
+    std::vector<kaAnimationObject*> present;
+    present.reserve(_places.size());
+    std::copy_if(_objects.begin(), _objects.end(), std::back_inserter(present),
+                 [](const kaAnimationObject* object) { return object != nullptr; });
+    return present;
+}
+
+std::vector<kaUID> kaCopyBuffer::take() {
+    std::vector<kaUID> ids;
+    ids.reserve(_places.size());
+    for (const kaAnimationObject* object : _objects)
+        if (object)
+            ids.push_back(object->getId());
+    _objects.clear();
+    _places.clear();
+    return ids;
+}
+
+void kaCopyBuffer::vacate(kaAnimationObject* object) {
+    const auto found = _places.find(object);
+    if (found == _places.end())
+        return;
+    _objects[found->second] = nullptr;
+    _places.erase(found);
+}
