@@ -1,0 +1,84 @@
+#include "Privilege.h"
+#include "TemporaryFolder.h"
+#include "kaFile.h"
+
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class CheckWrite : public TemporaryFolder {
+  protected:
+    static bool isAllowed(const std::string& name) { return kaFile::checkWrite(name, true, false); }
+};
+
+} // namespace
+
+TEST_F(CheckWrite, AllowsAFileThatExistsAndOneThatCanBeMade) {
+    put(at("old.xml"), "old");
+    EXPECT_TRUE(isAllowed(at("old.xml")));
+    EXPECT_TRUE(isAllowed(at("new.xml")));
+    EXPECT_TRUE(isAllowed(at("\xC3\xA9t\xC3\xA9.xml")));
+    EXPECT_EQ(contentOf(at("old.xml")), "old");
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(CheckWrite, RefusesWhatCannotBeAFile) {
+    put(at("file"), "");
+    EXPECT_FALSE(isAllowed(""));
+    EXPECT_FALSE(isAllowed(_folder.string()));
+    EXPECT_FALSE(isAllowed(at("new/")));
+    EXPECT_FALSE(isAllowed(at("missing/new.xml")));
+    EXPECT_FALSE(isAllowed(at("file/new.xml")));
+    EXPECT_FALSE(isAllowed(std::string("a\0b", 3)));
+    EXPECT_FALSE(isAllowed(at(std::string(300, 'x') + "/new.xml")));
+}
+
+TEST_F(CheckWrite, FollowsLinksToWhereTheFileWouldBe) {
+    fs::create_symlink("new.xml", at("dangling"));
+    fs::create_symlink("missing/new.xml", at("nowhere"));
+    fs::create_symlink(at("round"), at("round"));
+    EXPECT_TRUE(isAllowed(at("dangling")));
+    EXPECT_FALSE(isAllowed(at("nowhere")));
+    EXPECT_FALSE(isAllowed(at("round")));
+}
+
+TEST_F(CheckWrite, GoesByThePermissions) {
+    put(at("readonly.xml"), "");
+    fs::permissions(at("readonly.xml"), fs::perms(0444));
+    fs::create_directory(at("closed"));
+    fs::permissions(at("closed"), fs::perms(0555));
+    fs::permissions(_folder, fs::perms::all);
+
+    const WithoutPrivilege plain;
+    ASSERT_TRUE(plain.isInForce());
+    EXPECT_FALSE(isAllowed(at("readonly.xml")));
+    EXPECT_FALSE(isAllowed(at("closed/new.xml")));
+    EXPECT_TRUE(isAllowed(at("new.xml")));
+}
+
+TEST_F(CheckWrite, LeavesTheDecisionToAHostThatWantsIt) {
+    std::string asked;
+    kaFile::setCheckWriteCallback([&](const std::string& name, bool ask, bool quiet) {
+        asked = name + (ask ? " ask" : "") + (quiet ? " quiet" : "");
+        return name == "yes";
+    });
+    EXPECT_TRUE(kaFile::checkWrite("yes", true, false));
+    EXPECT_EQ(asked, "yes ask");
+    EXPECT_FALSE(kaFile::checkWrite(at("new.xml"), false, true));
+    EXPECT_EQ(asked, at("new.xml") + " quiet");
+
+    kaFile::setCheckWriteCallback(nullptr);
+    EXPECT_TRUE(isAllowed(at("new.xml")));
+}
+
+TEST_F(CheckWrite, LetsTheHostsCallbackTakeItselfAway) {
+    const std::string held(100, 'x');
+    kaFile::setCheckWriteCallback([held](auto&&...) {
+        kaFile::setCheckWriteCallback(nullptr);
+        return held.size() == 100;
+    });
+    EXPECT_TRUE(isAllowed("missing/folder"));
+    EXPECT_FALSE(isAllowed("missing/folder"));
+}
