@@ -4,7 +4,6 @@
 #include "kaAnimationTypes.h"
 
 #include <OpenSG/OSGPerspectiveCamera2.h>
-
 #include <map>
 #include <memory>
 #include <string>
@@ -17,14 +16,15 @@ class kaAnimationObject;
 class kaAnimationSequence;
 class kaEvaluation;
 
-/// The playback engine: plays objects one by one (`loop`) or the global timeline (`playLoop`), evaluates objects at a
-/// frame and writes the values into the scene, and tells the host by messages and callbacks.
+/// The playback engine: plays objects one by one (`loop`) or the global timeline (`playLoop`), evaluates
+/// objects at a frame and writes the values into the scene, and tells the host by messages and callbacks.
 ///
-/// The host's frame timer calls the ticks on the user-interface thread. A callback, a listener or a fired trigger may
-/// do anything in the middle of a tick, destroying objects included; the tick finishes on what is still there.
+/// The host's frame timer calls the ticks on the user-interface thread. A callback, a listener or a fired
+/// trigger may do anything in the middle of a tick, destroying objects included; the tick finishes on what is
+/// still there.
 ///
-/// Times are stored as float seconds. The fallback clock is the time of day, which a float holds only to about two
-/// minutes: for smooth playback register a clock that starts near zero (`setTimeCB`).
+/// Times are stored as float seconds. The fallback clock is the time of day, which a float holds only to
+/// about two minutes: for smooth playback register a clock that starts near zero (`setTimeCB`).
 class KA_ANIMATION_API kaAnimationController {
   public:
     /// Origin of a frame change, the "sender" of "currentFrameChanged".
@@ -49,20 +49,24 @@ class KA_ANIMATION_API kaAnimationController {
     /// Samples a curve, a piecewise cubic Bézier in (frame, value), by the closed cubic formula.
     /// @param frame any frame, whole or not.
     /// @param value in the field's unit; untouched where nothing is written.
-    /// @return whether the curve has a value: false for null, fewer than two keys, or no root in [0, 1]. For a
-    ///         segment of zero length (all keys at one frame) whether the first key's value differs from 0, with
-    ///         `value` untouched.
-    /// Edges: before the first key the *second* key's value; at or after the last key the last key's; handles lying
+    /// @return whether the curve has a value: false for null, fewer than two keys, or no root in [0, 1]. For
+    /// a
+    ///         segment of zero length (all keys at one frame) whether the first key's value differs from 0,
+    ///         with `value` untouched.
+    /// Edges: before the first key the *second* key's value; at or after the last key the last key's; handles
+    /// lying
     ///        on their keys hold the left value; results below 1e-6 in magnitude become 0.
-    /// Cost: O(log n) in keys, constant for frames in order; no allocation once the curve was sampled since its last
+    /// Cost: O(log n) in keys, constant for frames in order; no allocation once the curve was sampled since
+    /// its last
     ///       edit.
     bool computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value);
 
     /// Gathers the curves that `object` reaches at `frame`: ended before it, running, or beginning after it.
-    void collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished, CurveFrames& running,
-                                CurveFrames& upcoming, bool motionBlurOnly);
+    void collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished,
+                                CurveFrames& running, CurveFrames& upcoming, bool motionBlurOnly);
 
-    /// Evaluates an object at a frame: samples its curves, writes the fields, fires sequences when the frame changed.
+    /// Evaluates an object at a frame: samples its curves, writes the fields, fires sequences when the frame
+    /// changed.
     /// @return true when the object has run past its end in its playing direction; true for null.
     bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
 
@@ -71,7 +75,8 @@ class KA_ANIMATION_API kaAnimationController {
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
-    /// Hands the names of the sequences that fire at `frame` to the host, with the host's simulation off meanwhile.
+    /// Hands the names of the sequences that fire at `frame` to the host, with the host's simulation off
+    /// meanwhile.
     void evaluateSequences(const std::vector<kaAnimationSequence*>& sequences, float frame);
 
     /// Writes every field into the scene. @return the number of fields.
@@ -89,16 +94,16 @@ class KA_ANIMATION_API kaAnimationController {
     void setCurrentFrame(float frame, AnimationWidget sender);
     void evaluate(float frame, bool motionBlurOnly);
     void evaluate(float frame, bool evalObject, bool evalCurves, bool evalActiveUnits, bool motionBlurOnly);
-    /// Freezes both playback modes. The global clock is not moved on resume: global playback jumps ahead by the
-    /// paused time.
+    /// Freezes both playback modes. The global clock is not moved on resume: global playback jumps ahead by
+    /// the paused time.
     void pause(bool pausing);
     void pause(kaAnimationObject* object, bool pausing);
     void stop();
     void reset();
     void reset(kaAnimationObject* object);
     void gotoEnd(kaAnimationObject* object);
-    void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin, float end,
-                    float start);
+    void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin,
+                    float end, float start);
     void playGlobal(unsigned long long id, bool reverse, bool repeat, float begin, float end, float start);
     void stopGlobal();
     void gotoGlobalBegin(kaAnimationObject* object);
@@ -145,10 +150,14 @@ class KA_ANIMATION_API kaAnimationController {
     static void setEnableSimCB(void (*callback)(bool enable)) { _enableSimCB = callback; }
     static void setIsSimEnableCB(bool (*callback)()) { _isSimEnableCB = callback; }
     static void setCurrentFrameTimeLineCB(void (*callback)(float)) { _currentFrameTimeLineCB = callback; }
-    static void setCurrentFrameCurveEditorCB(void (*callback)(float)) { _currentFrameCurveEditorCB = callback; }
+    static void setCurrentFrameCurveEditorCB(void (*callback)(float)) {
+        _currentFrameCurveEditorCB = callback;
+    }
     static void setCurrentFrameClipMakerCB(void (*callback)(float)) { _currentFrameClipMakerCB = callback; }
 
-    const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const { return _runningObjects; }
+    const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const {
+        return _runningObjects;
+    }
     const std::vector<kaAnimationObject*>& getWaitingObjects() const { return _waitingObjects; }
     /// Queues an object to start at the end of the next `loop()`; null is ignored.
     void addWaitingObject(kaAnimationObject* object);

@@ -5,15 +5,17 @@
 
 #include <OpenSG/OSGColor.h>
 #include <OpenSG/OSGNode.h>
+#include <cstdint>
 
 class kaAnimationField;
 class kaCurveView;
 
 /// A function of time made of keys, bound to one animated scalar of the scene by the field's id.
 ///
-/// Children are the keys, kept sorted by x; begin and end are the smallest and largest x, minimum and maximum the
-/// smallest and largest y. Key lookups cost O(log n) while the keys are in order, which every operation here leaves
-/// them in; a host that moves keys by their setters gets linear lookups until the next notice to the curve.
+/// Children are the keys, kept sorted by x; begin and end are the smallest and largest x, minimum and maximum
+/// the smallest and largest y. Key lookups cost O(log n) while the keys are in order, which every operation
+/// here leaves them in; a host that moves keys by their setters gets linear lookups until the next notice to
+/// the curve.
 class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
   public:
     using PointPair = std::pair<kaControlPoint2D*, kaControlPoint2D*>;
@@ -30,13 +32,13 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
 
     /// Passes the flag to every key, then stores it; a curve without keys ignores the call.
     void setSelected(bool selected) override;
-    /// Passes the flag to every key and then stores it as the curve's *selected* flag: the curve's own locked flag
-    /// never changes. Hosts rely on it. A curve without keys ignores the call.
+    /// Passes the flag to every key and then stores it as the curve's *selected* flag: the curve's own locked
+    /// flag never changes. Hosts rely on it. A curve without keys ignores the call.
     void setLocked(bool locked) override;
     unsigned int getTypeID() const override { return _typeID; }
 
-    /// Adds a key; a key at exactly the same x is removed and destroyed first. Recomputes the handles of the key and
-    /// its two neighbours. Adding a key that the curve already holds keeps it.
+    /// Adds a key; a key at exactly the same x is removed and destroyed first. Recomputes the handles of the
+    /// key and its two neighbours. Adding a key that the curve already holds keeps it.
     /// @return the key, or null for anything but a control point.
     kaAnimationObject* addObject(kaAnimationObject* point) override;
     /// Removes a key; the neighbours' handles stay.
@@ -44,14 +46,15 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     kaAnimationObject* subObject(kaAnimationObject* point, bool destroy) override;
 
     void move(float offset, bool tellParent) override;
-    /// Stretches about the end; refused unless `begin` is less than the end by more than the tolerance. A curve
-    /// whose span is zero is not stretched.
+    /// Stretches about the end; refused unless `begin` is less than the end by more than the tolerance. A
+    /// curve whose span is zero is not stretched.
     void moveBegin(float begin, bool tellParent) override;
     /// Stretches about the begin; refused unless `end` is greater than the begin by more than the tolerance.
     void moveEnd(float end, bool tellParent) override;
     void trimBegin(float begin, bool tellParent) override; ///< Does nothing.
     void trimEnd(float end, bool tellParent) override;     ///< Does nothing.
-    /// Mirrors keys and handles about the midpoint of the extent and swaps the handles; ancestors are not told.
+    /// Mirrors keys and handles about the midpoint of the extent and swaps the handles; ancestors are not
+    /// told.
     void flip() override;
     void triggerLoop(float frame) override;
 
@@ -70,11 +73,13 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// Binds to `field` and takes its default colour; null unbinds and keeps the colour.
     void setAnimationField(kaAnimationField* field);
 
-    /// Replaces the keys. Nothing happens for an empty list or one whose first entry is null or no control point.
-    /// The former keys are neither destroyed nor detached. Recomputes every key's handles. Cost: O(n log n).
+    /// Replaces the keys. Nothing happens for an empty list or one whose first entry is null or no control
+    /// point. The former keys are neither destroyed nor detached. Recomputes every key's handles. Cost: O(n
+    /// log n).
     void setPoints(const std::vector<kaControlPoint2D*>& points);
     /// Removes and destroys the selected keys.
-    /// @return the curve, or null when it was destroyed because `destroyIfEmpty` is set and no key remains (also
+    /// @return the curve, or null when it was destroyed because `destroyIfEmpty` is set and no key remains
+    /// (also
     ///         when it had none to begin with).
     kaAnimationCurve2D* deleteSelectedPoints(bool tellParent, bool destroyIfEmpty);
     /// The same for all keys; a curve without keys is returned untouched.
@@ -82,8 +87,8 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// Sets the type of every selected key and recomputes its handles; neither neighbours nor bounds follow.
     void changeTangentsOfSelectedPoints(kaControlPoint2D::TangentMode mode);
 
-    /// Moves the selected keys by `delta`, each only where `checkMoveConstraints2` holds; with `fromSaved` from the
-    /// positions saved when the drag began.
+    /// Moves the selected keys by `delta`, each only where `checkMoveConstraints2` holds; with `fromSaved`
+    /// from the positions saved when the drag began.
     void moveSelectedPoints(const osg::Vec2f& delta, bool snapX, bool snapY, bool tellParent, bool fromSaved);
     /// Moves every selected key to the same target; with both locks set nothing happens at all.
     void moveSelectedPointsTo(const osg::Pnt2f& target, bool lockX, bool lockY, bool tellParent);
@@ -97,22 +102,39 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     const osg::Color3f& getColor() const { return _color; }
     void setColor(const osg::Color3f& color) { _color = color; }
 
+    /// What stands around `x` in ascending order of x, of keys at one x the first in child order: whether
+    /// there is a key at exactly `x`, and the keys at the next smaller and larger x.
+    struct Neighbours {
+        bool exists = false;
+        kaControlPoint2D* previous = nullptr;
+        kaControlPoint2D* next = nullptr;
+    };
+    Neighbours neighboursByX(float x) const;
+
     /// The compact form that sampling reads, brought up to date with the keys. Inside the module only.
-    const kaCurveView& view() const;
+    kaCurveView& view() const;
 
   private:
     friend class kaEvaluation;
 
+    void init(kaAnimationField* field, const std::string& name, kaUID id);
     std::vector<kaControlPoint2D*> points() const;
     std::vector<kaControlPoint2D*> selectedPoints() const;
     void computeTangentsAround(kaControlPoint2D* point);
     void dragPoint(kaControlPoint2D* point, const osg::Vec2f& delta, bool snapX, bool snapY, bool fromSaved);
-    void stretch(float fixed, float factor);
+    template <class Map>
+    void mapX(Map&& map);
     void tellParentMoved(bool tellParent);
-    void flipPoint(kaControlPoint2D* point, float middle);
+    static void swapHandles(kaControlPoint2D& point);
     kaAnimationCurve2D* afterDeletion(bool tellParent, bool destroyIfEmpty);
+
+    kaAnimationField* resolvedField() const;
 
     kaUID _field = 0;
     osg::Color3f _color{0.0F, 0.0F, 0.0F};
     mutable std::unique_ptr<kaCurveView> _view;
+    mutable kaAnimationField* _resolvedField =
+        nullptr; ///< of `_resolvedID`, while the registry's epoch stands
+    mutable kaUID _resolvedID = 0;
+    mutable std::uint64_t _resolvedEpoch = 0;
 };

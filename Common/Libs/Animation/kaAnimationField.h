@@ -8,8 +8,8 @@
 
 struct kaFieldBinding;
 
-/// One animated scalar of the scene: component `valuePos` of field `name` of container `fcID`, which belongs to node
-/// `nodeID`. A plain record, owned by the registry; curves refer to it by id.
+/// One animated scalar of the scene: component `valuePos` of field `name` of container `fcID`, which belongs
+/// to node `nodeID`. A plain record, owned by the registry; curves refer to it by id.
 class KA_ANIMATION_API kaAnimationField {
   public:
     /// Id 0 draws a fresh id from the registry.

@@ -11,11 +11,9 @@
 #include <OpenSG/OSGAnimationCurve.h>
 #include <OpenSG/OSGAnimationTrack.h>
 #include <OpenSG/OSGNode.h>
-
 #include <QDomDocument>
 #include <QObject>
 #include <QString>
-
 #include <map>
 #include <memory>
 #include <string>
@@ -35,20 +33,24 @@ class kaCopyBuffer;
 class kaObjectRegistry;
 class kaSceneSync;
 
-/// The one registry and factory of the module: makes, finds, duplicates and frees every object and field by id, binds
-/// them to scene nodes, copies and pastes, connects triggers, keeps the host's callbacks, saves, loads and imports.
+/// The one registry and factory of the module: makes, finds, duplicates and frees every object and field by
+/// id, binds them to scene nodes, copies and pastes, connects triggers, keeps the host's callbacks, saves,
+/// loads and imports.
 ///
-/// The registry owns every object and field that it made; they are freed only through the destroy operations, a
-/// container together with its whole subtree. Refusals are null, false or an empty list; nothing throws. Used on the
-/// host's user-interface thread only; creating the instance is the one thread-safe step.
+/// The registry owns every object and field that it made; they are freed only through the destroy operations,
+/// a container together with its whole subtree. Refusals are null, false or an empty list; nothing throws.
+/// Used on the host's user-interface thread only; creating the instance is the one thread-safe step.
 class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionTypes {
     Q_OBJECT
 
   public:
     // Set-up.
 
-    /// The instance, made on first use and destroyed at process exit. Objects still registered then are not freed.
+    /// The instance, made on first use and destroyed at process exit. Objects still registered then are not
+    /// freed.
     static kaAnimationManager* the();
+    /// Whether there is an instance: false before the first `the()` and once process exit has destroyed it.
+    static bool isAlive();
     ~kaAnimationManager() override;
 
     /// Called once by the host: seeds the id generator from the calendar time. The widget is not used.
@@ -64,8 +66,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     unsigned long long createUID();
     /// Whether neither an object nor a field has this id; 0 is unique.
     bool isIDUnique(unsigned long long id) const;
-    /// Gives an object or field the id asked for, or a fresh one where that id is taken (its own included). Read the
-    /// id back to learn which.
+    /// Gives an object or field the id asked for, or a fresh one where that id is taken (its own included).
+    /// Read the id back to learn which.
     void setID(unsigned long long id, kaAnimationObject* object);
     void setID(unsigned long long id, kaAnimationField* field);
 
@@ -85,8 +87,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     std::map<unsigned long long, kaAnimationField*> getFields() const;   ///< A copy: O(n).
     bool isObjectNameUnique(const std::string& name) const;
 
-    // Creation. Id 0 draws a fresh id. An id that is already registered keeps its entry: the new object is returned
-    // but not registered.
+    // Creation. Id 0 draws a fresh id. An id that is already registered keeps its entry: the new object is
+    // returned but not registered.
 
     kaControlPoint2D* createPoint2D(unsigned long long id);
     kaControlPoint2D* createPoint2D(float x, float y, unsigned long long id);
@@ -94,10 +96,12 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// A curve bound to `field`; with `attach` it is listed on the field's scene node.
     kaAnimationCurve2D* createCurve2D(kaAnimationField* field, const std::string& name, unsigned long long id,
                                       bool attach);
-    /// A curve for the node's field of that attribute, named after the attribute; null when there is no such field.
+    /// A curve for the node's field of that attribute, named after the attribute; null when there is no such
+    /// field.
     kaAnimationCurve2D* createCurve2D(const osg::NodePtr& node, const std::string& attribute);
-    /// A curve with the given keys for an attribute as the interchange format names it ("TransformTX", "Fov", ...).
-    /// Prints one line and gives null for an attribute that is unknown or that the node has no field for.
+    /// A curve with the given keys for an attribute as the interchange format names it ("TransformTX", "Fov",
+    /// ...). Prints one line and gives null for an attribute that is unknown or that the node has no field
+    /// for.
     kaAnimationCurve2D* createCurve2D(const osg::NodePtr& node, std::string attribute,
                                       const std::vector<kaControlPoint2D*>& points, unsigned long long id,
                                       bool attach);
@@ -130,12 +134,12 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     /// Adds a key. @return false for a null curve, or for a key at x without `replace`.
     bool createCurvePoint(kaAnimationCurve2D* curve, float x, float y, bool snapX, bool snapY, bool replace);
-    /// Adds a key on the curve itself. With `replace` a key at `frame` is removed first and stays removed when the
-    /// insert constraints or the sampling then refuse.
+    /// Adds a key on the curve itself. With `replace` a key at `frame` is removed first and stays removed
+    /// when the insert constraints or the sampling then refuse.
     bool createCurvePoint(kaAnimationCurve2D* curve, float frame, bool replace);
 
-    // Destruction: the object leaves its node's listing, its parent and the registry, then it is freed with its whole
-    // subtree. Null does nothing.
+    // Destruction: the object leaves its node's listing, its parent and the registry, then it is freed with
+    // its whole subtree. Null does nothing.
 
     void destroyPoint2D(kaControlPoint2D* point);
     void destroyCurve2D(kaAnimationCurve2D* curve);
@@ -145,8 +149,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void destroySequence(kaAnimationSequence* sequence);
     void destroyObject(kaAnimationObject* object);
     void destroyField(kaAnimationField* field); ///< Curves that refer to it are not changed.
-    /// Destroys in ascending id order while at least two objects are registered, so the last one always stays. With
-    /// `all` false objects flagged internal stay too.
+    /// Destroys in ascending id order while at least two objects are registered, so the last one always
+    /// stays. With `all` false objects flagged internal stay too.
     void destroyAllObjects(bool all);
     void destroyAllFields();
 
@@ -156,7 +160,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     static const osg::NodePtr& getSceneRootNode();
     void changeAnimAttachmentIDs(unsigned long long from, unsigned long long to);
     void changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to);
-    /// Traversal callbacks: they look at each node's ids but never write the replacement back; hosts rely on it.
+    /// Traversal callbacks: they look at each node's ids but never write the replacement back; hosts rely on
+    /// it.
     static osg::Action::ResultE changeSceneAnimAttachmentIDs(const osg::NodePtr& node);
     static osg::Action::ResultE changeSceneAnimAttachmentFieldIDs(const osg::NodePtr& node);
     /// The node's fields, discovered and attached when the node has no attachment yet.
@@ -213,14 +218,17 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
     std::map<unsigned long long, void (*)()> getCallbackConnections() const;
     kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStreak* streak);
-    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStrip* strip, unsigned int number);
-    void objectInfo() const;                             ///< To standard output.
+    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStrip* strip,
+                                          unsigned int number);
+    void objectInfo() const;                                  ///< To standard output.
     void printFieldInfo(const kaAnimationField* field) const; ///< To standard output; nothing for null.
 
-    // Host callbacks, null until set; a null callback makes the call a no-op. The camera -1 is the active one.
+    // Host callbacks, null until set; a null callback makes the call a no-op. The camera -1 is the active
+    // one.
 
     using GetFromAtUp = void (*)(int camera, osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up);
-    using SetFromAtUp = void (*)(int camera, const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up);
+    using SetFromAtUp = void (*)(int camera, const osg::Pnt3f& from, const osg::Pnt3f& at,
+                                 const osg::Vec3f& up);
     using GetRoll = float (*)(int camera);
     using SetRoll = void (*)(int camera, const float& roll);
     using ShowCurves = void (*)(const std::vector<kaAnimationCurve2D*>& curves);
@@ -247,8 +255,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     /// The whole registry as an animation document. Prints one line to standard output.
     QString createAnimationXML();
-    /// Writes the document to `path` (bytes taken as Latin-1). @return whether the file could be opened: a short or
-    /// failed write is not detected.
+    /// Writes the document to `path` (bytes taken as Latin-1). @return whether the file could be opened: a
+    /// short or failed write is not detected.
     bool saveAnimations(const char* path);
     bool saveAnimations(QWidget* parent); ///< Asks for the file.
     /// Adds a document to the registry. @param isFile whether `source` is a file name or the text itself.
@@ -286,7 +294,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationStreak* importTrack(const osg::AnimationTrackPtr& track, kaAnimationStrip* parent);
     kaAnimationUnit* importBlock(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);
     kaAnimationSequence* importSequence(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);
-    kaAnimationCurve2D* importCurve(const osg::AnimationCurvePtr& curve, kaAnimationUnit* unit, osg::NodePtr node);
+    kaAnimationCurve2D* importCurve(const osg::AnimationCurvePtr& curve, kaAnimationUnit* unit,
+                                    osg::NodePtr node);
     kaControlPoint2D* importPoint(const osg::AnimationControlPointPtr& point, kaAnimationCurve2D* curve);
 
     /// The ids themselves, for the parts of the module that walk them. Not for hosts.

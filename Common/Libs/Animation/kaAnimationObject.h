@@ -17,15 +17,16 @@ class kaAnimationSequence;
 class kaChildList;
 struct kaChildChunk;
 
-/// Base of every element of an animation: identity, time and value extent, playback flags, place in the hierarchy
-/// and trigger connections.
+/// Base of every element of an animation: identity, time and value extent, playback flags, place in the
+/// hierarchy and trigger connections.
 ///
 /// The hierarchy is held by ids: an object names its parent and children by id and the registry
-/// (`kaAnimationManager`) resolves them; ids that the registry does not know are skipped everywhere. Objects are
-/// owned by the registry and freed only through its destroy operations, never through a pointer to this base: the
-/// destructor is not virtual.
+/// (`kaAnimationManager`) resolves them; ids that the registry does not know are skipped everywhere. Objects
+/// are owned by the registry and freed only through its destroy operations, never through a pointer to this
+/// base: the destructor is not virtual.
 ///
-/// Frames and values are single precision; clock times are seconds. Used on the host's user-interface thread only.
+/// Frames and values are single precision; clock times are seconds. Used on the host's user-interface thread
+/// only.
 class KA_ANIMATION_API kaAnimationObject {
   public:
     /// What happened below an object (`updateBy`).
@@ -49,8 +50,8 @@ class KA_ANIMATION_API kaAnimationObject {
     kaAnimationObject(kaAnimationObject&&) = delete;
     kaAnimationObject& operator=(kaAnimationObject&&) = delete;
 
-    /// Has the registry destroy every registered child (the object itself excepted) and leaves every place that
-    /// still knows it.
+    /// Has the registry destroy every registered child (the object itself excepted) and leaves every place
+    /// that still knows it.
     ~kaAnimationObject();
 
     // The virtual operations; every class of the family keeps this order.
@@ -60,8 +61,8 @@ class KA_ANIMATION_API kaAnimationObject {
     virtual void setMaximum(float maximum); ///< In the unit of the animated field.
     virtual void setMinimum(float minimum); ///< In the unit of the animated field.
 
-    /// Switches every curve and sequence at or below this object (`_curves`, then `_sequences`; the object itself
-    /// excepted), then stores the flag.
+    /// Switches every curve and sequence at or below this object (`_curves`, then `_sequences`; the object
+    /// itself excepted), then stores the flag.
     virtual void setActive(bool active);
     virtual void setPlaying(bool playing);
     virtual void setReversePlay(bool reversePlay);
@@ -79,28 +80,29 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Adds a child. The base returns the argument and does nothing.
     virtual kaAnimationObject* addObject(kaAnimationObject* object);
 
-    /// Removes a child and, with `destroy`, has the registry free it. The base returns the argument and does nothing.
+    /// Removes a child and, with `destroy`, has the registry free it. The base returns the argument and does
+    /// nothing.
     virtual kaAnimationObject* subObject(kaAnimationObject* object, bool destroy);
 
-    /// Takes in that something changed below: merges (`ADD_OBJECT`) or removes (`SUB_OBJECT`) the child's curve and
-    /// sequence ids, sorts the children by begin (stable) and recomputes the extent; with `recursive` every ancestor
-    /// does the same with the same child. A null child does nothing. The id sets hold no counts: a removal takes an
-    /// id away even where another child contributed it too.
-    /// Cost: O(log n) per level and id when the children were in order, else O(n log n).
+    /// Takes in that something changed below: merges (`ADD_OBJECT`) or removes (`SUB_OBJECT`) the child's
+    /// curve and sequence ids, sorts the children by begin (stable) and recomputes the extent; with
+    /// `recursive` every ancestor does the same with the same child. A null child does nothing. The id sets
+    /// hold no counts: a removal takes an id away even where another child contributed it too. Cost: O(log n)
+    /// per level and id when the children were in order, else O(n log n).
     virtual void updateBy(kaAnimationObject* child, Operation operation, bool recursive);
 
-    /// The same for a batch; the id sets are merged from or removed by the first id's object alone. An empty list
-    /// does nothing at all.
+    /// The same for a batch; the id sets are merged from or removed by the first id's object alone. An empty
+    /// list does nothing at all.
     virtual void updateAll(const std::vector<kaUID>& ids, Operation operation, bool recursive);
 
     virtual void updateCurves(); ///< Does nothing.
 
-    /// Recomputes the extent from the children that have children themselves or are sequences; without children the
-    /// extent stays as it is; when every child is passed over it becomes the empty extent.
+    /// Recomputes the extent from the children that have children themselves or are sequences; without
+    /// children the extent stays as it is; when every child is passed over it becomes the empty extent.
     virtual void updateBounds();
 
-    // Editing in time. The base does nothing, so a control point ignores these. `tellParent`: whether the parent
-    // takes in the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
+    // Editing in time. The base does nothing, so a control point ignores these. `tellParent`: whether the
+    // parent takes in the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
 
     virtual void move(float offset, bool tellParent);
     virtual void moveBegin(float begin, bool tellParent);
@@ -124,7 +126,8 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Replaces `_sequences` by the ids of the non-null entries.
     void setRecursiveSequences(const std::vector<kaAnimationSequence*>& sequences);
 
-    /// Position of the first child entry equal to `id`, and whether there is one (else the number of children).
+    /// Position of the first child entry equal to `id`, and whether there is one (else the number of
+    /// children).
     std::pair<std::size_t, bool> findObject(kaUID id) const;
 
     /// Position of the first registered child whose begin equals `begin` exactly, and whether there is one.
@@ -143,6 +146,8 @@ class KA_ANIMATION_API kaAnimationObject {
     void setId(kaUID id);
     kaUID getParent() const { return _parent; }
     void setParent(kaUID parent) { _parent = parent; }
+    /// The registered object that the parent id names; null for 0, which names nobody.
+    kaAnimationObject* getParentObject() const;
     const std::string& getName() const { return _name.text(); }
     void setName(const std::string& name) { _name = kaObjectName(name); }
 
@@ -213,8 +218,13 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Tells the list that holds this object that something it mirrors has changed.
     void noteChange();
 
-    /// Whether `object` may become a child: it is not this object or one of its ancestors, and the tree stays within
-    /// `KA_MAX_DEPTH`.
+    /// The rule of start and end triggers for one object: a frame at or after the range's begin starts it,
+    /// one after the range's end ends it. The range is the extent or the custom range. What fires may destroy
+    /// this object.
+    void fireTriggers(float frame);
+
+    /// Whether `object` may become a child: it is not this object or one of its ancestors, and the tree stays
+    /// within `KA_MAX_DEPTH`.
     bool mayAdopt(const kaAnimationObject& object) const;
 
     kaUID _id = 0;
@@ -248,9 +258,9 @@ class KA_ANIMATION_API kaAnimationObject {
     /// `getCurves()` without the copy; valid until the registry or `_curves` change.
     const std::vector<kaAnimationCurve2D*>& resolvedCurves() const;
 
-    void mergeIDsOf(const kaAnimationObject& child);
-    void removeIDsOf(const kaAnimationObject& child);
-    void takeIn(const kaAnimationObject& child, Operation operation);
+    void takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation);
+    void takeInUpwards(std::set<kaUID> curves, std::set<kaUID> sequences, Operation operation,
+                       bool recursive);
     void destroyChildren();
 
     kaChildChunk* _home = nullptr; ///< the place in the one list that mirrors this object, if any

@@ -6,16 +6,16 @@ class kaAnimationSequence;
 class kaAnimationStrip;
 class kaAnimationUnit;
 
-/// A track: blocks, clips and sequences laid out in time. `insertObject` keeps them from overlapping; `addObject`
-/// checks neither type nor overlap. Trimming does nothing.
+/// A track: blocks, clips and sequences laid out in time. `insertObject` keeps them from overlapping;
+/// `addObject` checks neither type nor overlap. Trimming does nothing.
 class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationObject {
   public:
     static constexpr unsigned int _typeID = KA_TYPE_STREAK;
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationStreak(const std::string& name, kaUID id);
-    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum and
-    /// maximum are not copied; the parent id is taken if that parent is registered.
+    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum
+    /// and maximum are not copied; the parent id is taken if that parent is registered.
     kaAnimationStreak(kaAnimationStreak& source);
     ~kaAnimationStreak() = default;
 

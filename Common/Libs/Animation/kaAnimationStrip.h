@@ -4,16 +4,16 @@
 
 class kaAnimationStreak;
 
-/// A clip: tracks numbered from 0. Blocks, clips and sequences given to it go each on a track of its own. Trimming
-/// does nothing.
+/// A clip: tracks numbered from 0. Blocks, clips and sequences given to it go each on a track of its own.
+/// Trimming does nothing.
 class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationObject {
   public:
     static constexpr unsigned int _typeID = KA_TYPE_STRIP;
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationStrip(const std::string& name, kaUID id);
-    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum and
-    /// maximum are not copied; the parent id is taken if that parent is registered.
+    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum
+    /// and maximum are not copied; the parent id is taken if that parent is registered.
     kaAnimationStrip(kaAnimationStrip& source);
     ~kaAnimationStrip() = default;
 
@@ -22,11 +22,12 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationObject {
     void setMotionBlur(bool motionBlur) override; ///< Every child, then the own flag.
     unsigned int getTypeID() const override { return _typeID; }
 
-    /// Adds a track, numbered by how many the clip had (numbers can repeat after a removal), or puts a block, clip
-    /// or sequence on a new track. @return the track; null for anything else.
+    /// Adds a track, numbered by how many the clip had (numbers can repeat after a removal), or puts a block,
+    /// clip or sequence on a new track. @return the track; null for anything else.
     kaAnimationObject* addObject(kaAnimationObject* object) override;
     /// Removes a track, or removes another object from the track that holds it.
-    /// @return the track that was removed or that gave the object up; null when a track was destroyed or none holds
+    /// @return the track that was removed or that gave the object up; null when a track was destroyed or none
+    /// holds
     ///         the object.
     kaAnimationObject* subObject(kaAnimationObject* object, bool destroy) override;
 
@@ -50,7 +51,7 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationObject {
 
     /// Removes and destroys every track without children; the others keep their numbers.
     void destroyEmptyStreaks();
-    /// Removes and destroys the empty tracks with the highest numbers, down to the first that is not empty or whose
-    /// number is missing.
+    /// Removes and destroys the empty tracks with the highest numbers, down to the first that is not empty or
+    /// whose number is missing.
     void destroyEmptyStreaksAtEnd();
 };

@@ -25,14 +25,14 @@ constexpr unsigned int KA_TYPE_COUNT = 7;
 constexpr float KA_EMPTY_EXTENT = 1e23F;
 
 /// Tolerance of the range tests on begin and end, in frames: a shorter span is refused.
-constexpr float KA_RANGE_TOLERANCE = 0.000001F;
+constexpr double KA_RANGE_TOLERANCE = 0.000001;
 
-/// Levels of containment that `addObject` accepts below one root. Far beyond any real scene (a key in a curve in a
-/// block on a track in a clip is five); with it every recursive operation fits any stack.
+/// Levels of containment that `addObject` accepts below one root. Far beyond any real scene (a key in a curve
+/// in a block on a track in a clip is five); with it every recursive operation fits any stack.
 constexpr unsigned int KA_MAX_DEPTH = 256;
 
-/// Values of a connection, brought into `kaAnimationManager` by inheritance so that the object family can name them
-/// without the whole registry.
+/// Values of a connection, brought into `kaAnimationManager` by inheritance so that the object family can
+/// name them without the whole registry.
 struct kaConnectionTypes {
     /// The event of a connection's source.
     enum AnimationTrigger : int {

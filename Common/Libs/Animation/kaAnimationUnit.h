@@ -4,17 +4,17 @@
 
 /// A block: the curves that animate one scene node.
 ///
-/// `moveBegin` and `moveEnd` set the block's own begin or end first and unconditionally, and only then test the
-/// range: a refused request still moves the block's extent while its curves stay. `trimBegin` and `trimEnd` change
-/// only the block's extent and mark it trimmed.
+/// `moveBegin` and `moveEnd` set the block's own begin or end first and unconditionally, and only then test
+/// the range: a refused request still moves the block's extent while its curves stay. `trimBegin` and
+/// `trimEnd` change only the block's extent and mark it trimmed.
 class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationObject {
   public:
     static constexpr unsigned int _typeID = KA_TYPE_UNIT;
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationUnit(const std::string& name, kaUID id);
-    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum and
-    /// maximum are not copied; the parent id is taken if that parent is registered.
+    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum
+    /// and maximum are not copied; the parent id is taken if that parent is registered.
     kaAnimationUnit(kaAnimationUnit& source);
     ~kaAnimationUnit() = default;
 
@@ -23,8 +23,8 @@ class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationObject {
     void setMotionBlur(bool motionBlur) override; ///< Every child, then the own flag.
     unsigned int getTypeID() const override { return _typeID; }
 
-    /// Adds a curve (null for anything else). The first curve decides the node: with node id 0 the block takes the
-    /// low 32 bits of the curve's field's `nodeID`.
+    /// Adds a curve (null for anything else). The first curve decides the node: with node id 0 the block
+    /// takes the low 32 bits of the curve's field's `nodeID`.
     kaAnimationObject* addObject(kaAnimationObject* object) override;
     /// Removes a curve. @return the curve, or null when it was destroyed or is no child.
     kaAnimationObject* subObject(kaAnimationObject* object, bool destroy) override;

@@ -7,7 +7,6 @@
 #include <OpenSG/OSGColor.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGVector.h>
-
 #include <string>
 #include <vector>
 
@@ -25,11 +24,13 @@ class KA_ANIMATION_API kaAnimationUtils {
     static bool floatToBool(float value);
     /// The value rounded half away from zero. NaN and values outside the range of int give the smallest int.
     static int floatToInt(float value);
-    /// The same rounding, as float; values too large to have a fraction, infinities and NaN come back unchanged.
+    /// The same rounding, as float; values too large to have a fraction, infinities and NaN come back
+    /// unchanged.
     static float snap(float value);
     /// Rounds the chosen coordinates of a point.
     static osg::Pnt2f snap(osg::Pnt2f point, bool snapX, bool snapY);
-    /// Tangent type of the older in-scene format (1 to 6) as `kaControlPoint2D::TangentMode`; others give flat.
+    /// Tangent type of the older in-scene format (1 to 6) as `kaControlPoint2D::TangentMode`; others give
+    /// flat.
     static unsigned int convertTangentType(unsigned int type);
     /// Sorting of pointers by begin or end; null on either side gives false.
     static bool sortBeginBased(kaAnimationObject* a, kaAnimationObject* b);
@@ -37,15 +38,16 @@ class KA_ANIMATION_API kaAnimationUtils {
 
     // Fields.
 
-    /// Derives a field record's addressing from a node and an attribute as the host spells it. All outputs stay
-    /// unchanged when `nodeID` is no node or `input` is empty. Kept exactly: the name is cut by the length of
-    /// `input`, so that "translateX" gives the attribute "translationX" and the name "translati".
+    /// Derives a field record's addressing from a node and an attribute as the host spells it. All outputs
+    /// stay unchanged when `nodeID` is no node or `input` is empty. Kept exactly: the name is cut by the
+    /// length of `input`, so that "translateX" gives the attribute "translationX" and the name "translati".
     static void computeAnimationFieldAttributes(unsigned long long nodeID, const std::string& input,
                                                 unsigned int& fcID, std::string& attribute, std::string& name,
                                                 unsigned int& valuePos);
     /// Recomputes a field's `fcID` from its `nodeID` and `attribute`.
     static void computeCoreTypeID(kaAnimationField* field);
-    /// Colour in which a curve of this field is drawn, by the attribute's last letter; black for null or no letter.
+    /// Colour in which a curve of this field is drawn, by the attribute's last letter; black for null or no
+    /// letter.
     static osg::Color3f getDefaultCurveColor(kaAnimationField* field);
     /// Writes the field's `value` into the scene where it differs and announces the change.
     /// @return false when the container or the node is missing.
@@ -70,8 +72,8 @@ class KA_ANIMATION_API kaAnimationUtils {
     static bool subAnimationObject(const osg::NodePtr& node, kaAnimationObject* object);
     /// Detaches the attachment and announces the change. @return whether there was one.
     static bool removeAnimationAttachment(osg::NodePtr node);
-    /// The node that animation of `node` is bound to: a geometry's parent when that is a transform, else the node
-    /// itself; null for a null node or one without core.
+    /// The node that animation of `node` is bound to: a geometry's parent when that is a transform, else the
+    /// node itself; null for a null node or one without core.
     static osg::NodePtr getAnimationNode(const osg::NodePtr& node);
 
     // Pasting.

@@ -4,8 +4,9 @@
 
 #include <OpenSG/OSGVector.h>
 
-/// A key of a 2D curve: a point (x = frame, y = value) with an in and an out handle that shape the segments before
-/// and after it. A handle is a `kaControlPoint2D` itself, flagged as a tangent, owned by its key and not registered.
+/// A key of a 2D curve: a point (x = frame, y = value) with an in and an out handle that shape the segments
+/// before and after it. A handle is a `kaControlPoint2D` itself, flagged as a tangent, owned by its key and
+/// not registered.
 ///
 /// However a key is freed its handles go with it; a handle that is freed first is forgotten by its key.
 class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
@@ -16,8 +17,8 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
         TANGENT_BROKEN = 1,    ///< each handle towards its own neighbour; horizontal where there is none
         TANGENT_FLAT = 2,      ///< both handles horizontal
         TANGENT_SMOOTH = 4,    ///< both handles along the chord from the previous to the next key
-        TANGENT_FORWARD = 8,   ///< both handles along the line to the next key; horizontal where there is none
-        TANGENT_USER = 16      ///< set by hand; `computeTangents` leaves them alone
+        TANGENT_FORWARD = 8, ///< both handles along the line to the next key; horizontal where there is none
+        TANGENT_USER = 16    ///< set by hand; `computeTangents` leaves them alone
     };
 
     /// How long the handles are.
@@ -29,8 +30,8 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
 
     static constexpr unsigned int _typeID = KA_TYPE_POINT;
 
-    /// A key at (0, 0). Id 0 draws a fresh id. A key (`isTangent` false) makes its two handles, which draw their ids
-    /// after it, in then out.
+    /// A key at (0, 0). Id 0 draws a fresh id. A key (`isTangent` false) makes its two handles, which draw
+    /// their ids after it, in then out.
     kaControlPoint2D(const std::string& name, kaUID id, bool isTangent);
     kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent);
 
@@ -52,9 +53,10 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     float getMaximum() const override { return _position[1]; }
     float getMinimum() const override { return _position[1]; }
 
-    /// Places both handles according to tangent type and length mode. Handles are written directly: no extent is
-    /// recomputed and no parent told.
-    /// @return false, with nothing changed, when a handle is missing, the parent is not a registered curve, the type
+    /// Places both handles according to tangent type and length mode. Handles are written directly: no extent
+    /// is recomputed and no parent told.
+    /// @return false, with nothing changed, when a handle is missing, the parent is not a registered curve,
+    /// the type
     ///         is `TANGENT_USER`, the curve has no key at exactly this x, or the key has no neighbour.
     /// Edges: neighbours at the same x give infinite or undefined slopes, which are used as they come.
     /// Cost: O(log n) in the curve's keys while they are in order.

@@ -30,11 +30,11 @@ kaObjectName::kaObjectName() : _text(sharedNames().data()) {}
 
 kaObjectName::kaObjectName(const std::string& text) : _text(stored(text)) {}
 
-kaObjectName::kaObjectName(const kaObjectName& other) :
-    _text(isShared(other._text) ? other._text : new std::string(*other._text)) {}
+kaObjectName::kaObjectName(const kaObjectName& other)
+    : _text(isShared(other._text) ? other._text : new std::string(*other._text)) {}
 
-kaObjectName::kaObjectName(kaObjectName&& other) noexcept :
-    _text(std::exchange(other._text, sharedNames().data())) {}
+kaObjectName::kaObjectName(kaObjectName&& other) noexcept
+    : _text(std::exchange(other._text, sharedNames().data())) {}
 
 kaObjectName& kaObjectName::operator=(kaObjectName other) noexcept {
     std::swap(_text, other._text);

@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// Name of an object, one pointer wide: the names that the module itself gives to thousands of keys and handles are
-/// stored once, any other name is owned.
+/// Name of an object, one pointer wide: the names that the module itself gives to thousands of keys and
+/// handles are stored once, any other name is owned.
 class KA_ANIMATION_API kaObjectName {
   public:
     kaObjectName(); ///< "Unnamed"

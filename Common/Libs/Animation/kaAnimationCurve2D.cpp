@@ -1,0 +1,480 @@
+#include "kaAnimationCurve2D.h"
+
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationUtils.h"
+#include "kaChildList.h"
+#include "kaCurveView.h"
+#include "kaObjectRegistry.h"
+
+#include <OpenSG/OSGFieldContainerFactory.h>
+#include <cstdio>
+#include <iostream>
+
+namespace {
+
+kaControlPoint2D* asPoint(kaAnimationObject* object) {
+    const bool isPoint = object && object->getTypeID() == KA_TYPE_POINT;
+    return isPoint ? static_cast<kaControlPoint2D*>(object) : nullptr;
+}
+
+osg::Pnt2f moved(const osg::Pnt2f& point, float dx, float dy) {
+    return {point[0] + dx, point[1] + dy};
+}
+
+/// The x that limits a neighbour: that of its handle on this side, else its own.
+float xOf(const kaControlPoint2D* handle, const kaControlPoint2D& key) {
+    return (handle ? *handle : key).getPosition()[0];
+}
+
+} // namespace
+
+// Life.
+
+kaAnimationCurve2D::kaAnimationCurve2D(const std::string& name, kaUID id) {
+    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
+    init(kaAnimationManager::the()->createField(0), name, _id);
+}
+
+kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationField* field, const std::string& name, kaUID id) {
+    init(field, name, id != 0 ? id : kaAnimationManager::the()->createUID());
+}
+
+void kaAnimationCurve2D::init(kaAnimationField* field, const std::string& name, kaUID id) {
+    _id = id;
+    setName(name);
+    if (field)
+        setAnimationField(field);
+    insertCurveID(_id);
+}
+
+kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationCurve2D& source) {
+    kaAnimationManager* manager = kaAnimationManager::the();
+    _id = manager->createUID();
+    setBegin(source.getBegin());
+    setEnd(source.getEnd());
+    setMaximum(source.getMaximum());
+    setMinimum(source.getMinimum());
+    setRangeBegin(source.getRangeBegin());
+    setRangeEnd(source.getRangeEnd());
+    setName(source.getName());
+    setActive(source.isActive());
+    setPlaying(source.isPlaying());
+    setRepeating(source.isRepeating());
+    _flipped = source.isFlipped();
+    _trimmed = source.isTrimmed();
+    setMotionBlur(source.isMotionBlur());
+    setParent(source.getParentObject() ? source.getParent() : 0);
+    setSelected(source.isSelected());
+    setLocked(source.isLocked());
+    _color = source._color;
+    _field = source._field;
+    for (kaControlPoint2D* point : source.points())
+        addObject(manager->duplicatePoint2D(point));
+    insertCurveID(_id);
+}
+
+kaAnimationCurve2D::~kaAnimationCurve2D() = default;
+
+// Queries.
+
+std::vector<kaControlPoint2D*> kaAnimationCurve2D::points() const {
+    std::vector<kaControlPoint2D*> result;
+    const kaChildList* keys = childrenOrNull();
+    if (!keys)
+        return result;
+    result.reserve(keys->size());
+    keys->forEach([&result](kaAnimationObject& child) {
+        if (kaControlPoint2D* point = asPoint(&child))
+            result.push_back(point);
+    });
+    return result;
+}
+
+std::vector<kaControlPoint2D*> kaAnimationCurve2D::selectedPoints() const {
+    std::vector<kaControlPoint2D*> result;
+    if (const kaChildList* keys = childrenOrNull())
+        for (kaAnimationObject* child : keys->selected())
+            if (kaControlPoint2D* point = asPoint(child))
+                result.push_back(point);
+    return result;
+}
+
+std::map<float, kaControlPoint2D*> kaAnimationCurve2D::getPoints() const {
+    std::map<float, kaControlPoint2D*> result;
+    for (kaControlPoint2D* point : points())
+        result.emplace(point->getPosition()[0], point);
+    return result;
+}
+
+kaControlPoint2D* kaAnimationCurve2D::findPoint(float x) const {
+    const kaChildList* keys = childrenOrNull();
+    return keys ? asPoint(keys->firstAt(x)) : nullptr;
+}
+
+kaControlPoint2D* kaAnimationCurve2D::findPoint(kaUID id) const {
+    const kaChildList* keys = childrenOrNull();
+    return keys && keys->contains(id) ? kaAnimationManager::the()->getPoint2D(id) : nullptr;
+}
+
+kaAnimationCurve2D::Neighbours kaAnimationCurve2D::neighboursByX(float x) const {
+    const kaChildList* keys = childrenOrNull();
+    if (!keys)
+        return {};
+    const kaChildList::Around around = keys->around(x);
+    const auto strange = [](kaAnimationObject* object) { return object && !asPoint(object); };
+    if (!strange(around.at) && !strange(around.before) && !strange(around.after))
+        return {around.at != nullptr, asPoint(around.before), asPoint(around.after)};
+    // Something that is no key stands among the keys.
+    const auto points = getPoints();
+    const auto next = points.upper_bound(x);
+    const auto previous = points.lower_bound(x);
+    return {points.count(x) > 0, previous != points.begin() ? std::prev(previous)->second : nullptr,
+            next != points.end() ? next->second : nullptr};
+}
+
+kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(kaControlPoint2D* point) const {
+    const kaChildList* keys = childrenOrNull();
+    if (!point || !keys || !keys->contains(point->getId()))
+        return {nullptr, nullptr};
+    const kaAnimationObject* listed = kaAnimationManager::the()->getObject(point->getId());
+    if (!listed)
+        return {nullptr, nullptr};
+    const auto beside = keys->beside(*listed);
+    return {asPoint(beside.first), asPoint(beside.second)};
+}
+
+kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(float x) const {
+    const kaChildList* keys = childrenOrNull();
+    if (!keys)
+        return {nullptr, nullptr};
+    const kaChildList::Around around = keys->firstNotBefore(x);
+    const bool atX = around.at && around.at->getBegin() == x;
+    return {asPoint(around.before), asPoint(atX ? around.after : around.at)};
+}
+
+osg::NodePtr kaAnimationCurve2D::getParentOSGNode() const {
+    const kaAnimationField* field = resolvedField();
+    if (!field || field->nodeID == 0)
+        return osg::NullFC;
+    const auto id = static_cast<osg::UInt32>(field->nodeID);
+    return osg::NodePtr::dcast(osg::FieldContainerFactory::the()->getContainer(id));
+}
+
+kaAnimationField* kaAnimationCurve2D::resolvedField() const {
+    const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
+    if (_resolvedEpoch != registry.fieldEpoch() || _resolvedID != _field) {
+        _resolvedField = registry.findField(_field);
+        _resolvedID = _field;
+        _resolvedEpoch = registry.fieldEpoch();
+    }
+    return _resolvedField;
+}
+
+void kaAnimationCurve2D::printInfo() const {
+    std::printf("Curve %s:\n", getName().c_str());
+    std::printf("Points: %u\n", static_cast<unsigned int>(getChildCount()));
+    std::printf("Begin: %f End: %f Min: %f Max: %f\n", static_cast<double>(getBegin()),
+                static_cast<double>(getEnd()), static_cast<double>(getMinimum()),
+                static_cast<double>(getMaximum()));
+    std::fflush(stdout);
+    kaAnimationField* field = resolvedField();
+    std::cout << "FieldPtr " << static_cast<const void*>(field) << std::endl;
+    kaAnimationManager::the()->printFieldInfo(field);
+}
+
+void kaAnimationCurve2D::setAnimationField(kaAnimationField* field) {
+    _field = field ? field->getId() : 0;
+    if (field)
+        _color = kaAnimationUtils::getDefaultCurveColor(field);
+}
+
+kaCurveView& kaAnimationCurve2D::view() const {
+    if (!_view)
+        _view = std::make_unique<kaCurveView>();
+    _view->refresh(*this, childrenOrNull());
+    return *_view;
+}
+
+// Keys.
+
+kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
+    kaControlPoint2D* point = asPoint(object);
+    if (!point)
+        return nullptr;
+    kaControlPoint2D* existing = findPoint(point->getPosition()[0]);
+    if (existing && existing != point)
+        subObject(existing, true);
+    point->setParent(getId());
+    if (!children().contains(point->getId()))
+        children().append(point->getId());
+    children().sort();
+    computeTangentsAround(point);
+    updateBy(point, ADD_OBJECT, true);
+    return point;
+}
+
+kaAnimationObject* kaAnimationCurve2D::subObject(kaAnimationObject* object, bool destroy) {
+    kaControlPoint2D* point = asPoint(object);
+    if (!point || !children().remove(point->getId()))
+        return nullptr;
+    point->setParent(0);
+    updateBy(point, SUB_OBJECT, true);
+    if (!destroy)
+        return point;
+    kaAnimationManager::the()->destroyPoint2D(point);
+    return nullptr;
+}
+
+void kaAnimationCurve2D::setPoints(const std::vector<kaControlPoint2D*>& points) {
+    if (points.empty() || !asPoint(points.front()))
+        return;
+    std::vector<kaUID> ids;
+    ids.reserve(points.size());
+    for (kaControlPoint2D* point : points) {
+        if (!point)
+            continue;
+        point->setParent(getId());
+        ids.push_back(point->getId());
+    }
+    children().assign(std::move(ids));
+    children().sort();
+    for (kaControlPoint2D* point : this->points())
+        point->computeTangents();
+    updateAll(getChildIDs(), ADD_OBJECT, true);
+}
+
+kaAnimationCurve2D* kaAnimationCurve2D::deleteSelectedPoints(bool tellParent, bool destroyIfEmpty) {
+    for (kaControlPoint2D* point : selectedPoints())
+        subObject(point, true);
+    return afterDeletion(tellParent, destroyIfEmpty);
+}
+
+kaAnimationCurve2D* kaAnimationCurve2D::deletePoints(bool tellParent, bool destroyIfEmpty) {
+    if (!hasChildren())
+        return this;
+    for (kaControlPoint2D* point : points())
+        subObject(point, true);
+    return afterDeletion(tellParent, destroyIfEmpty);
+}
+
+kaAnimationCurve2D* kaAnimationCurve2D::afterDeletion(bool tellParent, bool destroyIfEmpty) {
+    if (hasChildren()) {
+        for (kaControlPoint2D* point : points())
+            point->computeTangents();
+        updateBy(this, MOVE_OBJECT, tellParent);
+        return this;
+    }
+    updateBy(this, SUB_OBJECT, tellParent);
+    if (!destroyIfEmpty)
+        return this;
+    kaAnimationManager::the()->destroyCurve2D(this);
+    return nullptr;
+}
+
+void kaAnimationCurve2D::changeTangentsOfSelectedPoints(kaControlPoint2D::TangentMode mode) {
+    for (kaControlPoint2D* point : selectedPoints()) {
+        point->setTangentType(mode);
+        point->computeTangents();
+    }
+}
+
+void kaAnimationCurve2D::computeTangentsAround(kaControlPoint2D* point) {
+    point->computeTangents();
+    const PointPair beside = getPreviousAndNextPoint(point);
+    if (beside.first)
+        beside.first->computeTangents();
+    if (beside.second)
+        beside.second->computeTangents();
+}
+
+// Selection and lock.
+
+void kaAnimationCurve2D::setSelected(bool selected) {
+    if (!hasChildren())
+        return;
+    for (kaControlPoint2D* point : points())
+        point->setSelected(selected);
+    kaAnimationObject::setSelected(selected);
+}
+
+void kaAnimationCurve2D::setLocked(bool locked) {
+    if (!hasChildren())
+        return;
+    for (kaControlPoint2D* point : points())
+        point->setLocked(locked);
+    // Into the selected flag: a slip that hosts have come to rely on.
+    kaAnimationObject::setSelected(locked);
+}
+
+// Moving the selection.
+
+bool kaAnimationCurve2D::checkMoveConstraints(kaControlPoint2D* point, float x, float inX, float outX) const {
+    if (!point || !(inX <= x && x <= outX))
+        return false;
+    const PointPair beside = getPreviousAndNextPoint(point);
+    if (const kaControlPoint2D* previous = beside.first)
+        if (x < xOf(previous->getOutTangent(), *previous) || inX < previous->getPosition()[0])
+            return false;
+    if (const kaControlPoint2D* next = beside.second)
+        if (x > xOf(next->getInTangent(), *next) || outX > next->getPosition()[0])
+            return false;
+    return true;
+}
+
+bool kaAnimationCurve2D::checkMoveConstraints2(kaControlPoint2D* point, float dx, bool fromSaved) const {
+    if (!point)
+        return false;
+    float x = point->getPosition()[0];
+    float inX = xOf(point->getInTangent(), *point);
+    float outX = xOf(point->getOutTangent(), *point);
+    if (fromSaved) {
+        const bool byHand = point->getTangentType() == kaControlPoint2D::TANGENT_USER;
+        x = point->getSavedPosition()[0];
+        inX = byHand ? point->getSavedInTangent()[0] : inX - dx;
+        outX = byHand ? point->getSavedOutTangent()[0] : outX - dx;
+    }
+    const PointPair beside = getPreviousAndNextPoint(point);
+    if (const kaControlPoint2D* previous = beside.first)
+        if (x + dx < xOf(previous->getOutTangent(), *previous) || inX + dx < previous->getPosition()[0])
+            return false;
+    if (const kaControlPoint2D* next = beside.second)
+        if (x + dx > xOf(next->getInTangent(), *next) || outX + dx > next->getPosition()[0])
+            return false;
+    return true;
+}
+
+bool kaAnimationCurve2D::checkInsertConstraints(float x) const {
+    const PointPair beside = getPreviousAndNextPoint(x);
+    if (beside.first && xOf(beside.first->getOutTangent(), *beside.first) > x)
+        return false;
+    return !(beside.second && x > xOf(beside.second->getInTangent(), *beside.second));
+}
+
+void kaAnimationCurve2D::moveSelectedPoints(const osg::Vec2f& delta, bool snapX, bool snapY, bool tellParent,
+                                            bool fromSaved) {
+    if (!hasChildren())
+        return;
+    for (kaControlPoint2D* point : selectedPoints()) {
+        if (!checkMoveConstraints2(point, delta[0], fromSaved))
+            continue;
+        dragPoint(point, delta, snapX, snapY, fromSaved);
+        computeTangentsAround(point);
+    }
+    updateBy(this, MOVE_OBJECT, tellParent);
+}
+
+void kaAnimationCurve2D::dragPoint(kaControlPoint2D* point, const osg::Vec2f& delta, bool snapX, bool snapY,
+                                   bool fromSaved) {
+    const auto target = [&](const osg::Pnt2f& from) {
+        return kaAnimationUtils::snap(moved(from, delta[0], delta[1]), snapX, snapY);
+    };
+    kaControlPoint2D* in = point->getInTangent();
+    kaControlPoint2D* out = point->getOutTangent();
+    point->setPosition(target(fromSaved ? point->getSavedPosition() : point->getPosition()));
+    if (in)
+        in->setPosition(target(fromSaved ? point->getSavedInTangent() : in->getPosition()));
+    if (out)
+        out->setPosition(target(fromSaved ? point->getSavedOutTangent() : out->getPosition()));
+}
+
+void kaAnimationCurve2D::moveSelectedPointsTo(const osg::Pnt2f& target, bool lockX, bool lockY,
+                                              bool tellParent) {
+    if ((lockX && lockY) || !hasChildren())
+        return;
+    for (kaControlPoint2D* point : selectedPoints()) {
+        const float dx = lockX ? 0.0F : target[0] - point->getPosition()[0];
+        const float dy = lockY ? 0.0F : target[1] - point->getPosition()[1];
+        if (!lockX && !checkMoveConstraints2(point, dx, false))
+            continue;
+        for (kaControlPoint2D* part : {point, point->getInTangent(), point->getOutTangent()})
+            if (part)
+                part->setPosition(moved(part->getPosition(), dx, dy));
+        computeTangentsAround(point);
+    }
+    updateBy(this, MOVE_OBJECT, tellParent);
+}
+
+// The whole curve in time.
+
+/// Replaces the x of every key and handle. The order of the keys is looked at once, after all of them have
+/// moved.
+template <class Map>
+void kaAnimationCurve2D::mapX(Map&& map) {
+    for (kaControlPoint2D* point : points())
+        for (kaControlPoint2D* part : {point->getInTangent(), point->getOutTangent(), point})
+            if (part)
+                part->setPosition(map(part->getPosition()[0]), part->getPosition()[1]);
+    children().settle();
+}
+
+void kaAnimationCurve2D::move(float offset, bool tellParent) {
+    if (!hasChildren())
+        return;
+    mapX([offset](float x) { return x + offset; });
+    updateBy(this, MOVE_OBJECT, tellParent);
+}
+
+void kaAnimationCurve2D::moveBegin(float begin, bool tellParent) {
+    const float oldBegin = getBegin();
+    const float end = getEnd();
+    if (!hasChildren() || !(static_cast<double>(begin) < static_cast<double>(end) - KA_RANGE_TOLERANCE) ||
+        oldBegin == end)
+        return;
+    setBegin(begin);
+    const float factor = (end - begin) / (end - oldBegin);
+    mapX([end, factor](float x) { return end - (end - x) * factor; });
+    tellParentMoved(tellParent);
+}
+
+void kaAnimationCurve2D::moveEnd(float end, bool tellParent) {
+    const float begin = getBegin();
+    const float oldEnd = getEnd();
+    if (!hasChildren() || !(static_cast<double>(end) > static_cast<double>(begin) + KA_RANGE_TOLERANCE) ||
+        begin == oldEnd)
+        return;
+    setEnd(end);
+    const float factor = (end - begin) / (oldEnd - begin);
+    mapX([begin, factor](float x) { return (x - begin) * factor + begin; });
+    tellParentMoved(tellParent);
+}
+
+void kaAnimationCurve2D::trimBegin(float /*begin*/, bool /*tellParent*/) {}
+
+void kaAnimationCurve2D::trimEnd(float /*end*/, bool /*tellParent*/) {}
+
+void kaAnimationCurve2D::tellParentMoved(bool tellParent) {
+    if (!tellParent)
+        return;
+    if (kaAnimationObject* parent = getParentObject())
+        parent->updateBy(this, MOVE_OBJECT, true);
+}
+
+void kaAnimationCurve2D::flip() {
+    if (!hasChildren())
+        return;
+    const float middle = static_cast<float>(static_cast<double>(getBegin()) +
+                                            static_cast<double>(getEnd() - getBegin()) * 0.5);
+    mapX([middle](float x) { return middle - x + middle; });
+    for (kaControlPoint2D* point : points())
+        swapHandles(*point);
+    _flipped = !_flipped;
+    updateBy(this, MOVE_OBJECT, false);
+}
+
+/// A key with only one handle gets (0, 0) for it: the place of the handle that is not there.
+void kaAnimationCurve2D::swapHandles(kaControlPoint2D& point) {
+    kaControlPoint2D* in = point.getInTangent();
+    kaControlPoint2D* out = point.getOutTangent();
+    const osg::Pnt2f inPosition = in ? in->getPosition() : osg::Pnt2f(0.0F, 0.0F);
+    const osg::Pnt2f outPosition = out ? out->getPosition() : osg::Pnt2f(0.0F, 0.0F);
+    if (in)
+        in->setPosition(outPosition);
+    if (out)
+        out->setPosition(inPosition);
+}
+
+void kaAnimationCurve2D::triggerLoop(float frame) {
+    if (!getCurveIDs().empty())
+        fireTriggers(frame);
+}

@@ -1,0 +1,526 @@
+#include "kaAnimationObject.h"
+
+#include "kaAliveGuard.h"
+#include "kaAnimationController.h"
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationSequence.h"
+#include "kaChildList.h"
+#include "kaObjectRegistry.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+/// What every object but keys and handles has: children and the ids below them.
+struct kaAnimationObject::Group {
+    explicit Group(kaAnimationObject& owner) : children(owner) {}
+
+    kaChildList children;
+    std::set<kaUID> curves;
+    std::set<kaUID> sequences;
+    std::uint64_t curvesRevision = 0;
+
+    /// The curves that `curves` names, while registry and set are as they were.
+    std::vector<kaAnimationCurve2D*> resolved;
+    std::uint64_t resolvedEpoch = 0;
+    std::uint64_t resolvedRevision = 0;
+};
+
+namespace {
+
+kaAnimationObject* find(kaUID id) {
+    return kaAnimationManager::the()->getObject(id);
+}
+
+/// Takes from `ids` those that stand in `gone`, up to the first shared id that is 0.
+void removeShared(std::set<kaUID>& ids, const std::set<kaUID>& gone) {
+    std::vector<kaUID> shared;
+    for (kaUID id : gone) {
+        if (ids.count(id) == 0)
+            continue;
+        if (id == 0)
+            break;
+        shared.push_back(id);
+    }
+    for (kaUID id : shared)
+        ids.erase(id);
+}
+
+const std::set<kaUID>& noIDs() {
+    static const std::set<kaUID> none;
+    return none;
+}
+
+/// Levels below `object` down to a leaf, itself included. Curves, keys and sequences hold no containers, so
+/// only tracks and clips are walked.
+unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen) {
+    const unsigned int type = object.getTypeID();
+    if (type == KA_TYPE_POINT || type == KA_TYPE_SEQUENCE)
+        return 1;
+    if (type == KA_TYPE_CURVE)
+        return 2;
+    if (type == KA_TYPE_UNIT)
+        return 3;
+    if (!seen.insert(&object).second)
+        return 1;
+    unsigned int below = 0;
+    for (const kaAnimationObject* child : object.getObjects())
+        below = std::max(below, heightOf(*child, seen));
+    return below + 1;
+}
+
+} // namespace
+
+kaAnimationObject kaAnimationObject::_the;
+
+kaAnimationObject::kaAnimationObject()
+    : _active(true),
+      _playing(false),
+      _reversePlay(false),
+      _repeating(false),
+      _pausing(false),
+      _flipped(false),
+      _trimmed(false),
+      _selected(false),
+      _locked(false),
+      _internal(false),
+      _motionBlur(false),
+      _useCustomRange(false),
+      _ownChild(false),
+      _registered(false) {}
+
+kaAnimationObject::~kaAnimationObject() {
+    destroyChildren();
+    if (_home)
+        _home->list->childLost();
+    if (kaAnimationManager::isAlive()) {
+        if (_registered)
+            kaAnimationManager::the()->registry().drop(*this);
+        kaAnimationManager::forget(this);
+    }
+    kaAnimationController::forget(this);
+    kaAliveGuard::forget(*this);
+}
+
+/// Children that stand in this object's list alone are let go first, so that none of them looks for its place
+/// in a list that is about to end.
+void kaAnimationObject::destroyChildren() {
+    if (!_group || _group->children.empty() || !kaAnimationManager::isAlive())
+        return;
+    const std::vector<kaUID> ids = _group->children.ids();
+    _group->children.release();
+    for (kaUID id : ids) {
+        kaAnimationObject* child = find(id);
+        if (child && child != this)
+            kaAnimationManager::the()->destroyObject(child);
+    }
+}
+
+// Plain state.
+
+void kaAnimationObject::setBegin(float begin) {
+    _begin = begin;
+    noteChange();
+}
+
+void kaAnimationObject::setEnd(float end) {
+    _end = end;
+    noteChange();
+}
+
+void kaAnimationObject::setMaximum(float maximum) {
+    _maximum = maximum;
+    noteChange();
+}
+
+void kaAnimationObject::setMinimum(float minimum) {
+    _minimum = minimum;
+    noteChange();
+}
+
+void kaAnimationObject::setActive(bool active) {
+    for (const std::set<kaUID>* ids : {&getCurveIDs(), &getSequenceIDs()}) {
+        const std::vector<kaUID> snapshot(ids->begin(), ids->end());
+        for (kaUID id : snapshot) {
+            kaAnimationObject* object = find(id);
+            if (object && object != this)
+                object->setActive(active);
+        }
+    }
+    _active = active;
+}
+
+void kaAnimationObject::setPlaying(bool playing) {
+    _playing = playing;
+}
+
+void kaAnimationObject::setReversePlay(bool reversePlay) {
+    _reversePlay = reversePlay;
+}
+
+void kaAnimationObject::setRepeating(bool repeating) {
+    _repeating = repeating;
+}
+
+void kaAnimationObject::setPausing(bool pausing) {
+    _pausing = pausing;
+}
+
+void kaAnimationObject::setSelected(bool selected) {
+    _selected = selected;
+    noteChange();
+}
+
+void kaAnimationObject::setLocked(bool locked) {
+    _locked = locked;
+}
+
+void kaAnimationObject::setMotionBlur(bool motionBlur) {
+    _motionBlur = motionBlur;
+}
+
+unsigned int kaAnimationObject::getTypeID() const {
+    return _typeID;
+}
+
+float kaAnimationObject::getBegin() const {
+    return _begin;
+}
+
+float kaAnimationObject::getEnd() const {
+    return _end;
+}
+
+float kaAnimationObject::getMaximum() const {
+    return _maximum;
+}
+
+float kaAnimationObject::getMinimum() const {
+    return _minimum;
+}
+
+void kaAnimationObject::setId(kaUID id) {
+    if (id == _id)
+        return;
+    if (_home)
+        _home->list->childLost();
+    if (_ownChild)
+        children(); // keeps the former id as its only child
+    _id = id;
+}
+
+kaAnimationObject* kaAnimationObject::getParentObject() const {
+    return _parent != 0 ? find(_parent) : nullptr;
+}
+
+void kaAnimationObject::noteChange() {
+    if (_home)
+        _home->list->childChanged(*_home, *this);
+}
+
+void kaAnimationObject::storeExtent(const kaExtent& extent) {
+    _begin = extent.begin;
+    _end = extent.end;
+    _maximum = extent.maximum;
+    _minimum = extent.minimum;
+    noteChange();
+}
+
+const kaAnimationObject::Playback& kaAnimationObject::defaultPlayback() {
+    static const Playback defaults;
+    return defaults;
+}
+
+kaAnimationObject::Playback& kaAnimationObject::editPlayback() {
+    if (!_playback)
+        _playback = std::make_unique<Playback>();
+    return *_playback;
+}
+
+kaAnimationObject::Group& kaAnimationObject::group() {
+    if (!_group)
+        _group = std::make_unique<Group>(*this);
+    return *_group;
+}
+
+// Children.
+
+kaChildList& kaAnimationObject::children() {
+    Group& owned = group();
+    if (_ownChild) {
+        owned.children.assign({_id});
+        _ownChild = false;
+    }
+    return owned.children;
+}
+
+const kaChildList* kaAnimationObject::childrenOrNull() const {
+    return _group ? &_group->children : nullptr;
+}
+
+void kaAnimationObject::becomeOwnChild() {
+    _ownChild = true;
+}
+
+std::vector<kaUID> kaAnimationObject::getChildIDs() const {
+    if (_ownChild)
+        return {_id};
+    return _group ? _group->children.ids() : std::vector<kaUID>();
+}
+
+void kaAnimationObject::setChildIDs(const std::vector<kaUID>& ids) {
+    _ownChild = false;
+    group().children.assign(ids);
+    noteChange();
+}
+
+std::size_t kaAnimationObject::getChildCount() const {
+    return _ownChild ? 1 : (_group ? _group->children.size() : 0);
+}
+
+bool kaAnimationObject::hasChildren() const {
+    return getChildCount() > 0;
+}
+
+std::vector<kaAnimationObject*> kaAnimationObject::getObjects() const {
+    std::vector<kaAnimationObject*> objects;
+    if (_ownChild) {
+        if (kaAnimationObject* object = find(_id))
+            objects.push_back(object);
+    } else if (_group) {
+        objects.reserve(_group->children.size());
+        _group->children.forEach([&objects](kaAnimationObject& child) { objects.push_back(&child); });
+    }
+    return objects;
+}
+
+std::pair<std::size_t, bool> kaAnimationObject::findObject(kaUID id) const {
+    if (_ownChild)
+        return id == _id ? std::make_pair(std::size_t{0}, true) : std::make_pair(std::size_t{1}, false);
+    return _group ? _group->children.position(id) : std::make_pair(std::size_t{0}, false);
+}
+
+std::pair<std::size_t, bool> kaAnimationObject::findObject(float begin) const {
+    if (_ownChild) {
+        const kaAnimationObject* object = find(_id);
+        const bool found = object && object->getBegin() == begin;
+        return {found ? std::size_t{0} : std::size_t{1}, found};
+    }
+    return _group ? _group->children.position(begin) : std::make_pair(std::size_t{0}, false);
+}
+
+bool kaAnimationObject::compareObjectsByBegin(kaUID a, kaUID b) {
+    const kaAnimationObject* first = find(a);
+    const kaAnimationObject* second = find(b);
+    return first && second && first->getBegin() < second->getBegin();
+}
+
+bool kaAnimationObject::mayAdopt(const kaAnimationObject& object) const {
+    if (&object == this)
+        return false;
+    unsigned int depth = 1;
+    for (const kaAnimationObject* ancestor = getParentObject(); ancestor;
+         ancestor = ancestor->getParentObject()) {
+        if (ancestor == &object || ++depth >= KA_MAX_DEPTH)
+            return false;
+    }
+    std::unordered_set<const kaAnimationObject*> seen;
+    return depth + heightOf(object, seen) <= KA_MAX_DEPTH;
+}
+
+// Ids below.
+
+const std::set<kaUID>& kaAnimationObject::getCurveIDs() const {
+    return _group ? _group->curves : noIDs();
+}
+
+const std::set<kaUID>& kaAnimationObject::getSequenceIDs() const {
+    return _group ? _group->sequences : noIDs();
+}
+
+void kaAnimationObject::setCurveIDs(const std::set<kaUID>& ids) {
+    group().curves = ids;
+    ++group().curvesRevision;
+}
+
+void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
+    group().sequences = ids;
+}
+
+void kaAnimationObject::insertCurveID(kaUID id) {
+    group().curves.insert(id);
+    ++group().curvesRevision;
+}
+
+void kaAnimationObject::insertSequenceID(kaUID id) {
+    group().sequences.insert(id);
+}
+
+void kaAnimationObject::setRecursiveSequences(const std::vector<kaAnimationSequence*>& sequences) {
+    std::set<kaUID> ids;
+    for (const kaAnimationSequence* sequence : sequences)
+        if (sequence)
+            ids.insert(sequence->getId());
+    setSequenceIDs(ids);
+}
+
+const std::vector<kaAnimationCurve2D*>& kaAnimationObject::resolvedCurves() const {
+    static const std::vector<kaAnimationCurve2D*> none;
+    if (!_group || _group->curves.empty())
+        return none;
+    Group& owned = *_group;
+    const std::uint64_t epoch = kaAnimationManager::the()->registry().epoch();
+    if (owned.resolvedEpoch != epoch || owned.resolvedRevision != owned.curvesRevision) {
+        owned.resolved.clear();
+        for (kaUID id : owned.curves)
+            if (kaAnimationCurve2D* curve = kaAnimationManager::the()->getCurve2D(id))
+                owned.resolved.push_back(curve);
+        owned.resolvedEpoch = epoch;
+        owned.resolvedRevision = owned.curvesRevision;
+    }
+    return owned.resolved;
+}
+
+std::vector<kaAnimationCurve2D*> kaAnimationObject::getCurves() const {
+    return resolvedCurves();
+}
+
+std::vector<kaAnimationSequence*> kaAnimationObject::getSequencesRecursive() const {
+    std::vector<kaAnimationSequence*> sequences;
+    for (kaUID id : getSequenceIDs())
+        if (kaAnimationSequence* sequence = kaAnimationManager::the()->getSequence(id))
+            sequences.push_back(sequence);
+    return sequences;
+}
+
+// Notices.
+
+void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
+                               Operation operation) {
+    if (operation == MOVE_OBJECT || (curves.empty() && sequences.empty()))
+        return;
+    Group& owned = group();
+    if (operation == ADD_OBJECT) {
+        owned.curves.insert(curves.begin(), curves.end());
+        owned.sequences.insert(sequences.begin(), sequences.end());
+    } else if (operation == SUB_OBJECT) {
+        removeShared(owned.curves, curves);
+        removeShared(owned.sequences, sequences);
+    }
+    ++owned.curvesRevision;
+}
+
+namespace {
+
+/// Calls `step` for `object` and, with `recursive`, its ancestors. Parent ids that a host has bent into a
+/// ring end after as many levels as a tree may have.
+template <class Step>
+void climb(kaAnimationObject& object, bool recursive, Step&& step) {
+    kaAnimationObject* level = &object;
+    for (unsigned int depth = 0; level && depth < KA_MAX_DEPTH; ++depth) {
+        step(*level);
+        level = recursive ? level->getParentObject() : nullptr;
+    }
+}
+
+} // namespace
+
+void kaAnimationObject::updateBy(kaAnimationObject* child, Operation operation, bool recursive) {
+    if (!child)
+        return;
+    takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
+}
+
+void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation operation, bool recursive) {
+    if (ids.empty())
+        return;
+    const kaAnimationObject* first = find(ids.front());
+    takeInUpwards(first ? first->getCurveIDs() : noIDs(), first ? first->getSequenceIDs() : noIDs(),
+                  operation, recursive);
+}
+
+/// The ids are taken by value: an object may stand for its own child (a curve that lost its last key), and
+/// then its own sets lose the very ids that the ancestors are to lose.
+void kaAnimationObject::takeInUpwards(std::set<kaUID> curves, std::set<kaUID> sequences, Operation operation,
+                                      bool recursive) {
+    climb(*this, recursive, [&](kaAnimationObject& level) {
+        level.takeIn(curves, sequences, operation);
+        if (level._group)
+            level._group->children.sort();
+        level.updateBounds();
+    });
+}
+
+void kaAnimationObject::updateCurves() {}
+
+void kaAnimationObject::updateBounds() {
+    if (!hasChildren())
+        return;
+    if (!_ownChild) {
+        storeExtent(_group->children.extent());
+        return;
+    }
+    kaExtent extent;
+    if (const kaAnimationObject* self = find(_id))
+        if (self->hasChildren() || self->getTypeID() == KA_TYPE_SEQUENCE)
+            extent = {self->getBegin(), self->getEnd(), self->getMaximum(), self->getMinimum()};
+    storeExtent(extent);
+}
+
+// Editing in time and containment: nothing here.
+
+kaAnimationObject* kaAnimationObject::addObject(kaAnimationObject* object) {
+    return object;
+}
+
+kaAnimationObject* kaAnimationObject::subObject(kaAnimationObject* object, bool /*destroy*/) {
+    return object;
+}
+
+void kaAnimationObject::move(float /*offset*/, bool /*tellParent*/) {}
+void kaAnimationObject::moveBegin(float /*begin*/, bool /*tellParent*/) {}
+void kaAnimationObject::moveEnd(float /*end*/, bool /*tellParent*/) {}
+void kaAnimationObject::trimBegin(float /*begin*/, bool /*tellParent*/) {}
+void kaAnimationObject::trimEnd(float /*end*/, bool /*tellParent*/) {}
+void kaAnimationObject::flip() {}
+void kaAnimationObject::triggerLoop(float /*frame*/) {}
+
+// Triggers.
+
+const kaAnimationObject::TriggerMap& kaAnimationObject::getTriggers() const {
+    return playback().triggers;
+}
+
+void kaAnimationObject::setTriggers(const TriggerMap& triggers) {
+    editPlayback().triggers = triggers;
+}
+
+void kaAnimationObject::addTrigger(Trigger trigger, kaUID connection) {
+    editPlayback().triggers.emplace(trigger, connection);
+}
+
+void kaAnimationObject::trigger(Trigger trigger) {
+    const auto range = getTriggers().equal_range(trigger);
+    std::vector<kaUID> connections;
+    for (auto it = range.first; it != range.second; ++it)
+        connections.push_back(it->second);
+    if (!connections.empty())
+        kaAnimationManager::the()->executeTriggers(connections);
+}
+
+void kaAnimationObject::fireTriggers(float frame) {
+    const float begin = _useCustomRange ? getCustomBegin() : getBegin();
+    const float end = _useCustomRange ? getCustomEnd() : getEnd();
+    const kaAliveGuard self(*this);
+    if (begin <= frame && !_playing) {
+        trigger(kaConnectionTypes::TriggerBegin);
+        if (!self)
+            return;
+        setPlaying(true);
+    }
+    if (end < frame && _playing) {
+        trigger(kaConnectionTypes::TriggerEnd);
+        if (self)
+            setPlaying(false);
+    }
+}

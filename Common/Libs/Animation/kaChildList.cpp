@@ -1,0 +1,598 @@
+#include "kaChildList.h"
+
+#include "kaAnimationManager.h"
+
+#include <algorithm>
+#include <cmath>
+#include <list>
+
+namespace {
+
+/// Whether taking `part` away may shrink `whole`.
+bool touches(const kaExtent& whole, const kaExtent& part) {
+    return part.begin <= whole.begin || part.end >= whole.end || part.maximum >= whole.maximum ||
+           part.minimum <= whole.minimum;
+}
+
+bool same(const kaExtent& a, const kaExtent& b) {
+    return a.begin == b.begin && a.end == b.end && a.maximum == b.maximum && a.minimum == b.minimum;
+}
+
+bool countsIn(const kaAnimationObject& child) {
+    return child.hasChildren() || child.getTypeID() == KA_TYPE_SEQUENCE;
+}
+
+kaExtent extentOf(const kaAnimationObject& child) {
+    return {child.getBegin(), child.getEnd(), child.getMaximum(), child.getMinimum()};
+}
+
+} // namespace
+
+kaAnimationObject* kaChildList::resolve(kaUID id) {
+    return kaAnimationManager::the()->getObject(id);
+}
+
+/// An id that a host gave an object behind the registry's back does not name it here: the list shows the ids.
+bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
+    return object && object != _owner && !object->_home && object->getId() == id &&
+           !std::isnan(object->getBegin());
+}
+
+kaChildList::Entry kaChildList::entryOf(kaAnimationObject& child) const {
+    return {&child, extentOf(child), countsIn(child), child.isSelected()};
+}
+
+std::vector<kaUID> kaChildList::ids() const {
+    if (!_mirrored)
+        return _ids;
+    std::vector<kaUID> result;
+    result.reserve(_size);
+    for (const auto& chunk : _chunks)
+        for (const Entry& entry : chunk->entries)
+            result.push_back(entry.object->getId());
+    return result;
+}
+
+void kaChildList::sizeChanged(std::size_t size) {
+    const bool flips = (_size == 0) != (size == 0);
+    _size = size;
+    ++_revision;
+    if (flips)
+        _owner->noteChange();
+}
+
+void kaChildList::assign(std::vector<kaUID> ids) {
+    const bool wasEmpty = empty();
+    release();
+    _size = ids.size();
+    _ids = std::move(ids);
+    _mirrored = false;
+    tryMirror();
+    if (wasEmpty != empty())
+        _owner->noteChange();
+}
+
+void kaChildList::append(kaUID id) {
+    if (_mirrored) {
+        kaAnimationObject* object = resolve(id);
+        if (adoptable(id, object)) {
+            appendEntry(entryOf(*object));
+            sizeChanged(_size + 1);
+            return;
+        }
+        becomeLiteral();
+    }
+    _ids.push_back(id);
+    sizeChanged(_size + 1);
+}
+
+bool kaChildList::remove(kaUID id) {
+    if (!_mirrored) {
+        const auto found = std::find(_ids.begin(), _ids.end(), id);
+        if (found == _ids.end())
+            return false;
+        _ids.erase(found);
+        sizeChanged(_size - 1);
+        if (_ids.empty())
+            release();
+        return true;
+    }
+    const kaAnimationObject* object = resolve(id);
+    if (!object || !object->_home || object->_home->list != this)
+        return false;
+    const Place place = find(*object);
+    eraseEntry(*_chunks[place.chunk], place.index);
+    sizeChanged(_size - 1);
+    return true;
+}
+
+void kaChildList::release() {
+    for (const auto& chunk : _chunks)
+        for (const Entry& entry : chunk->entries)
+            entry.object->_home = nullptr;
+    _chunks.clear();
+    _firsts.clear();
+    _ids.clear();
+    _tail = 0;
+    _extent = kaExtent();
+    _extentValid = true;
+    _mirrored = true;
+    _order = Order::Sorted;
+    _size = 0;
+    ++_revision;
+}
+
+void kaChildList::becomeLiteral() {
+    std::vector<kaUID> all = ids();
+    const std::size_t size = _size;
+    release();
+    _ids = std::move(all);
+    _size = size;
+    _mirrored = false;
+}
+
+void kaChildList::childLost() {
+    becomeLiteral();
+}
+
+// Chunks.
+
+void kaChildList::renumber(std::size_t from) {
+    for (std::size_t i = from; i < _chunks.size(); ++i)
+        _chunks[i]->index = i;
+}
+
+void kaChildList::addChunk(std::size_t at) {
+    const auto offset = static_cast<std::ptrdiff_t>(at);
+    _firsts.reserve(_chunks.size() + 1);
+    _chunks.insert(_chunks.begin() + offset, std::make_unique<kaChildChunk>(*this));
+    _firsts.insert(_firsts.begin() + offset, 0.0F);
+    renumber(at);
+}
+
+void kaChildList::splitChunk(std::size_t at) {
+    addChunk(at + 1);
+    kaChildChunk& left = *_chunks[at];
+    kaChildChunk& right = *_chunks[at + 1];
+    const auto middle = left.entries.begin() + static_cast<std::ptrdiff_t>(left.entries.size() / 2);
+    right.entries.reserve(ChunkSize);
+    right.entries.assign(middle, left.entries.end());
+    left.entries.erase(middle, left.entries.end());
+    for (const Entry& entry : right.entries) {
+        entry.object->_home = &right;
+        right.selectedCount += entry.selected ? 1U : 0U;
+    }
+    left.selectedCount -= right.selectedCount;
+    left.extentValid = false;
+    right.extentValid = false;
+    _firsts[at + 1] = right.entries.front().extent.begin;
+}
+
+void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
+    chunk.selectedCount += entry.selected ? 1U : 0U;
+    if (!entry.counts)
+        return;
+    chunk.extent.include(entry.extent);
+    _extent.include(entry.extent);
+}
+
+void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry) {
+    chunk.selectedCount -= entry.selected ? 1U : 0U;
+    if (!entry.counts)
+        return;
+    if (touches(chunk.extent, entry.extent))
+        chunk.extentValid = false;
+    if (touches(_extent, entry.extent))
+        _extentValid = false;
+}
+
+void kaChildList::appendEntry(const Entry& entry) {
+    if (_chunks.empty() || _chunks.back()->entries.size() >= ChunkSize)
+        addChunk(_chunks.size());
+    kaChildChunk& chunk = *_chunks.back();
+    const Entry* last = before({_chunks.size(), 0});
+    if (last && _order == Order::Sorted && entry.extent.begin < last->extent.begin)
+        _order = Order::Tail;
+    if (_order == Order::Tail)
+        ++_tail;
+    chunk.entries.push_back(entry);
+    if (chunk.entries.size() == 1)
+        _firsts.back() = entry.extent.begin;
+    entry.object->_home = &chunk;
+    widen(chunk, entry);
+}
+
+/// Puts the entry behind every child that begins no later. The order must be sorted.
+void kaChildList::insertEntry(const Entry& entry) {
+    const auto next = std::upper_bound(_firsts.begin(), _firsts.end(), entry.extent.begin);
+    auto at = static_cast<std::size_t>(next - _firsts.begin());
+    at -= at > 0 ? 1 : 0;
+    if (_chunks.empty())
+        addChunk(0);
+    if (_chunks[at]->entries.size() >= ChunkSize) {
+        splitChunk(at);
+        at += entry.extent.begin < _firsts[at + 1] ? 0 : 1;
+    }
+    kaChildChunk& chunk = *_chunks[at];
+    const auto place =
+        std::upper_bound(chunk.entries.begin(), chunk.entries.end(), entry.extent.begin,
+                         [](float begin, const Entry& other) { return begin < other.extent.begin; });
+    chunk.entries.insert(place, entry);
+    _firsts[at] = chunk.entries.front().extent.begin;
+    entry.object->_home = &chunk;
+    widen(chunk, entry);
+}
+
+void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
+    const Entry entry = chunk.entries[index];
+    const std::size_t at = chunk.index;
+    if (_order == Order::Tail)
+        _order = Order::Disturbed;
+    entry.object->_home = nullptr;
+    narrow(chunk, entry);
+    chunk.entries.erase(chunk.entries.begin() + static_cast<std::ptrdiff_t>(index));
+    if (chunk.entries.empty()) {
+        _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(at));
+        _firsts.erase(_firsts.begin() + static_cast<std::ptrdiff_t>(at));
+        renumber(at);
+        if (_chunks.empty())
+            _order = Order::Sorted;
+    } else if (index == 0) {
+        _firsts[at] = chunk.entries.front().extent.begin;
+    }
+}
+
+// What the children tell.
+
+void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
+    ++_revision;
+    const Place place = find(child);
+    Entry& entry = chunk.entries[place.index];
+    const Entry now = entryOf(child);
+    if (same(now.extent, entry.extent) && now.counts == entry.counts && now.selected == entry.selected)
+        return;
+    if (std::isnan(now.extent.begin)) {
+        becomeLiteral();
+        return;
+    }
+    const bool moved = now.extent.begin != entry.extent.begin;
+    narrow(chunk, entry);
+    entry = now;
+    widen(chunk, entry);
+    if (place.index == 0)
+        _firsts[place.chunk] = now.extent.begin;
+    if (moved)
+        checkOrder(chunk, place.index);
+}
+
+void kaChildList::checkOrder(const kaChildChunk& chunk, std::size_t index) {
+    if (_order == Order::Tail)
+        _order = Order::Disturbed;
+    const float begin = chunk.entries[index].extent.begin;
+    const Entry* previous = before({chunk.index, index});
+    const Entry* next = at(normalized(chunk.index, index + 1));
+    if ((previous && begin < previous->extent.begin) || (next && next->extent.begin < begin))
+        _order = Order::Disturbed;
+}
+
+// Sorting.
+
+void kaChildList::sort() {
+    if (!_mirrored)
+        sortLiterally();
+    else if (_order == Order::Tail)
+        sortTail();
+    else if (_order == Order::Disturbed)
+        sortAll();
+}
+
+void kaChildList::settle() {
+    if (!_mirrored || _order == Order::Sorted)
+        return;
+    const Entry* previous = nullptr;
+    for (const auto& chunk : _chunks) {
+        for (const Entry& entry : chunk->entries) {
+            if (previous && entry.extent.begin < previous->extent.begin)
+                return;
+            previous = &entry;
+        }
+    }
+    _order = Order::Sorted;
+    _tail = 0;
+}
+
+/// Takes the children that were appended out of order from the end and puts each where a stable sort leaves
+/// it.
+void kaChildList::sortTail() {
+    std::vector<Entry> tail;
+    tail.reserve(_tail);
+    while (_tail > 0) {
+        kaChildChunk& chunk = *_chunks.back();
+        tail.push_back(chunk.entries.back());
+        chunk.entries.pop_back();
+        narrow(chunk, tail.back());
+        if (chunk.entries.empty()) {
+            _chunks.pop_back();
+            _firsts.pop_back();
+        }
+        --_tail;
+    }
+    _order = Order::Sorted;
+    std::for_each(tail.rbegin(), tail.rend(), [this](const Entry& entry) { insertEntry(entry); });
+    ++_revision;
+}
+
+void kaChildList::sortAll() {
+    std::vector<Entry> entries;
+    entries.reserve(_size);
+    for (const auto& chunk : _chunks)
+        entries.insert(entries.end(), chunk->entries.begin(), chunk->entries.end());
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const Entry& a, const Entry& b) { return a.extent.begin < b.extent.begin; });
+    rebuild(entries);
+}
+
+/// The comparator is partial where ids are unknown, so what comes out depends on the merge: that of a list.
+void kaChildList::sortLiterally() {
+    std::list<kaUID> sorted(_ids.begin(), _ids.end());
+    sorted.sort(&kaAnimationObject::compareObjectsByBegin);
+    _ids.assign(sorted.begin(), sorted.end());
+    ++_revision;
+    if (tryMirror())
+        sort();
+}
+
+void kaChildList::rebuild(const std::vector<Entry>& entries) {
+    _chunks.clear();
+    _firsts.clear();
+    _tail = 0;
+    _order = Order::Sorted;
+    _extent = kaExtent();
+    _extentValid = true;
+    for (const Entry& entry : entries)
+        appendEntry(entry);
+    ++_revision;
+}
+
+/// Back to the usual case if every id is registered, stands once and in no other list.
+bool kaChildList::tryMirror() {
+    std::vector<kaUID> all = std::move(_ids);
+    const std::size_t size = _size;
+    release();
+    for (kaUID id : all) {
+        kaAnimationObject* object = resolve(id);
+        if (!adoptable(id, object)) {
+            release();
+            _ids = std::move(all);
+            _mirrored = false;
+            break;
+        }
+        appendEntry(entryOf(*object));
+    }
+    _size = size;
+    return _mirrored;
+}
+
+// Extent.
+
+void kaChildList::recompute(kaChildChunk& chunk) {
+    chunk.extent = kaExtent();
+    for (const Entry& entry : chunk.entries)
+        if (entry.counts)
+            chunk.extent.include(entry.extent);
+    chunk.extentValid = true;
+}
+
+kaExtent kaChildList::extent() {
+    if (!_mirrored) {
+        kaExtent result;
+        forEach([&result](const kaAnimationObject& child) {
+            if (countsIn(child))
+                result.include(extentOf(child));
+        });
+        return result;
+    }
+    if (!_extentValid) {
+        _extent = kaExtent();
+        for (const auto& chunk : _chunks) {
+            if (!chunk->extentValid)
+                recompute(*chunk);
+            _extent.include(chunk->extent);
+        }
+        _extentValid = true;
+    }
+    return _extent;
+}
+
+// Looking up.
+
+kaChildList::Place kaChildList::find(const kaAnimationObject& child) const {
+    const kaChildChunk& chunk = *child._home;
+    const auto found = std::find_if(chunk.entries.begin(), chunk.entries.end(),
+                                    [&child](const Entry& entry) { return entry.object == &child; });
+    return {chunk.index, static_cast<std::size_t>(found - chunk.entries.begin())};
+}
+
+kaChildList::Place kaChildList::normalized(std::size_t chunk, std::size_t index) const {
+    return chunk < _chunks.size() && index >= _chunks[chunk]->entries.size() ? Place{chunk + 1, 0}
+                                                                             : Place{chunk, index};
+}
+
+const kaChildList::Entry* kaChildList::at(Place place) const {
+    return place.chunk < _chunks.size() ? &_chunks[place.chunk]->entries[place.index] : nullptr;
+}
+
+const kaChildList::Entry* kaChildList::before(Place place) const {
+    if (place.index > 0)
+        return &_chunks[place.chunk]->entries[place.index - 1];
+    // A chunk that was just made for an append is still empty.
+    while (place.chunk > 0) {
+        const auto& entries = _chunks[--place.chunk]->entries;
+        if (!entries.empty())
+            return &entries.back();
+    }
+    return nullptr;
+}
+
+kaChildList::Place kaChildList::lowerBound(float begin) const {
+    const auto next = std::lower_bound(_firsts.begin(), _firsts.end(), begin);
+    const auto chunk = static_cast<std::size_t>(next - _firsts.begin());
+    if (chunk == 0)
+        return {0, 0};
+    const auto& entries = _chunks[chunk - 1]->entries;
+    const auto place = std::lower_bound(entries.begin(), entries.end(), begin,
+                                        [](const Entry& entry, float b) { return entry.extent.begin < b; });
+    return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
+}
+
+kaChildList::Place kaChildList::upperBound(float begin) const {
+    const auto next = std::upper_bound(_firsts.begin(), _firsts.end(), begin);
+    const auto chunk = static_cast<std::size_t>(next - _firsts.begin());
+    if (chunk == 0)
+        return {0, 0};
+    const auto& entries = _chunks[chunk - 1]->entries;
+    const auto place = std::upper_bound(entries.begin(), entries.end(), begin,
+                                        [](float b, const Entry& entry) { return b < entry.extent.begin; });
+    return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
+}
+
+std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
+    if (!_mirrored) {
+        const auto found = std::find(_ids.begin(), _ids.end(), id);
+        return {static_cast<std::size_t>(found - _ids.begin()), found != _ids.end()};
+    }
+    const kaAnimationObject* object = resolve(id);
+    if (!object || !object->_home || object->_home->list != this)
+        return {_size, false};
+    const Place place = find(*object);
+    std::size_t result = place.index;
+    for (std::size_t i = 0; i < place.chunk; ++i)
+        result += _chunks[i]->entries.size();
+    return {result, true};
+}
+
+std::pair<std::size_t, bool> kaChildList::position(float begin) const {
+    if (_mirrored) {
+        const kaAnimationObject* object = firstAt(begin);
+        return object ? position(object->getId()) : std::make_pair(_size, false);
+    }
+    for (std::size_t i = 0; i < _ids.size(); ++i) {
+        const kaAnimationObject* object = resolve(_ids[i]);
+        if (object && object->getBegin() == begin)
+            return {i, true};
+    }
+    return {_size, false};
+}
+
+bool kaChildList::contains(kaUID id) const {
+    if (!_mirrored)
+        return std::find(_ids.begin(), _ids.end(), id) != _ids.end();
+    const kaAnimationObject* object = resolve(id);
+    return object && object->_home && object->_home->list == this;
+}
+
+kaAnimationObject* kaChildList::firstAt(float begin) const {
+    if (isSorted()) {
+        const Entry* entry = std::isnan(begin) ? nullptr : at(lowerBound(begin));
+        return entry && entry->extent.begin == begin ? entry->object : nullptr;
+    }
+    kaAnimationObject* found = nullptr;
+    forEach([&found, begin](kaAnimationObject& child) {
+        if (!found && child.getBegin() == begin)
+            found = &child;
+    });
+    return found;
+}
+
+std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAnimationObject& child) const {
+    if (_mirrored) {
+        const Place place = find(child);
+        const Entry* previous = before(place);
+        const Entry* next = at(normalized(place.chunk, place.index + 1));
+        return {previous ? previous->object : nullptr, next ? next->object : nullptr};
+    }
+    std::pair<kaAnimationObject*, kaAnimationObject*> result;
+    bool passed = false;
+    forEach([&](kaAnimationObject& object) {
+        if (&object == &child && !passed)
+            passed = true;
+        else if (!passed)
+            result.first = &object;
+        else if (!result.second)
+            result.second = &object;
+    });
+    return result;
+}
+
+kaChildList::Around kaChildList::around(float begin) const {
+    if (std::isnan(begin))
+        return {};
+    return isSorted() ? aroundSorted(begin) : aroundLinear(begin);
+}
+
+kaChildList::Around kaChildList::aroundSorted(float begin) const {
+    Around result;
+    const Place place = lowerBound(begin);
+    const Entry* entry = at(place);
+    if (entry && entry->extent.begin == begin)
+        result.at = entry->object;
+    if (const Entry* previous = before(place))
+        result.before = at(lowerBound(previous->extent.begin))->object;
+    if (const Entry* next = at(upperBound(begin)))
+        result.after = next->object;
+    return result;
+}
+
+kaChildList::Around kaChildList::aroundLinear(float begin) const {
+    Around result;
+    forEach([&result, begin](kaAnimationObject& child) {
+        const float other = child.getBegin();
+        if (other == begin && !result.at)
+            result.at = &child;
+        else if (other < begin && (!result.before || other > result.before->getBegin()))
+            result.before = &child;
+        else if (other > begin && (!result.after || other < result.after->getBegin()))
+            result.after = &child;
+    });
+    return result;
+}
+
+kaChildList::Around kaChildList::firstNotBefore(float begin) const {
+    Around result;
+    if (isSorted() && !std::isnan(begin)) {
+        const Place place = lowerBound(begin);
+        const Entry* previous = before(place);
+        const Entry* found = at(place);
+        const Entry* next = found ? at(normalized(place.chunk, place.index + 1)) : nullptr;
+        result.before = previous ? previous->object : nullptr;
+        result.at = found ? found->object : nullptr;
+        result.after = next ? next->object : nullptr;
+        return result;
+    }
+    forEach([&result, begin](kaAnimationObject& child) {
+        if (result.at && !result.after)
+            result.after = &child;
+        else if (!result.at && begin <= child.getBegin())
+            result.at = &child;
+        else if (!result.at)
+            result.before = &child;
+    });
+    return result;
+}
+
+std::vector<kaAnimationObject*> kaChildList::selected() const {
+    std::vector<kaAnimationObject*> result;
+    if (_mirrored) {
+        for (const auto& chunk : _chunks)
+            if (chunk->selectedCount > 0)
+                for (const Entry& entry : chunk->entries)
+                    if (entry.selected)
+                        result.push_back(entry.object);
+    } else {
+        forEach([&result](kaAnimationObject& child) {
+            if (child.isSelected())
+                result.push_back(&child);
+        });
+    }
+    return result;
+}

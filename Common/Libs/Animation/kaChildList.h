@@ -1,0 +1,185 @@
+#pragma once
+
+#include "kaAnimationObject.h"
+
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+class kaChildList;
+
+/// A run of up to `kaChildList::ChunkSize` consecutive children. Chunks never move in memory, so a child can
+/// remember the one it stands in.
+struct kaChildChunk {
+    struct Entry {
+        kaAnimationObject* object;
+        kaExtent extent;
+        bool counts;   ///< the child widens its parent's extent
+        bool selected; ///< the child's selected flag
+    };
+
+    explicit kaChildChunk(kaChildList& owner) : list(&owner) {}
+
+    kaChildList* list;
+    std::vector<Entry> entries;
+    kaExtent extent; ///< of the entries that count, while `extentValid`
+    bool extentValid = true;
+    unsigned int selectedCount = 0;
+    std::size_t index = 0; ///< position among the list's chunks
+};
+
+/// The ordered child ids of one object, with what the parent reads of each child kept beside them.
+///
+/// In the usual case, *mirrored*, every id is registered, stands once, in this list only, and has a begin
+/// that is a number. Then the list holds the children themselves in chunks with their begin and extent, each
+/// child knows its chunk and tells it when something changes, and sorting, looking up and uniting extents
+/// touch only what changed. In any other case the list holds nothing but the ids and every operation resolves
+/// and walks them as stated; the next `sort` finds out whether the usual case has come back.
+///
+/// Not for hosts. Costs are for the mirrored case with n children, c = n / ChunkSize.
+class kaChildList {
+  public:
+    static constexpr std::size_t ChunkSize = 128;
+
+    explicit kaChildList(kaAnimationObject& owner) : _owner(&owner) {}
+    kaChildList(const kaChildList&) = delete;
+    kaChildList& operator=(const kaChildList&) = delete;
+    ~kaChildList() { release(); }
+
+    bool empty() const { return _size == 0; }
+    std::size_t size() const { return _size; }
+    std::vector<kaUID> ids() const;
+
+    /// Replaces the ids as they stand, unsorted.
+    void assign(std::vector<kaUID> ids);
+    /// Puts an id at the end, unsorted.
+    void append(kaUID id);
+    /// Takes out the first entry equal to `id`. Cost: O(log c + ChunkSize).
+    bool remove(kaUID id);
+    /// Lets go of all children, which no longer know this list; the list is empty then.
+    void release();
+
+    /// Stable sort by begin; ids that the registry does not know keep their relative order as a list merge
+    /// leaves them. Cost: nothing when in order, O(log n + ChunkSize) per child appended since, else O(n log
+    /// n).
+    void sort();
+
+    /// United extent of the children that count. Cost: O(1), or O(ChunkSize + c) after a child shrank or
+    /// left.
+    kaExtent extent();
+
+    /// Position of the first entry equal to `id`, and whether there is one.
+    std::pair<std::size_t, bool> position(kaUID id) const;
+    /// Position of the first registered child with exactly this begin, and whether there is one.
+    std::pair<std::size_t, bool> position(float begin) const;
+    bool contains(kaUID id) const;
+    kaAnimationObject* firstAt(float begin) const;
+
+    /// The registered children next to `child` in list order; `child` must be in the list.
+    std::pair<kaAnimationObject*, kaAnimationObject*> beside(const kaAnimationObject& child) const;
+
+    /// What stands around a begin in ascending order of begin; of equal begins the first in list order.
+    struct Around {
+        kaAnimationObject* at = nullptr;
+        kaAnimationObject* before = nullptr;
+        kaAnimationObject* after = nullptr;
+    };
+    Around around(float begin) const;
+
+    /// The first registered child in list order that begins at or after `begin`, and its neighbours in list
+    /// order; without one, `before` is the last child.
+    Around firstNotBefore(float begin) const;
+
+    /// Finds out whether children that were all moved one by one are in order again. Cost: O(n) when they
+    /// were not.
+    void settle();
+
+    /// The registered children whose selected flag is set, in list order. Cost: O(c) and the selected ones'
+    /// chunks.
+    std::vector<kaAnimationObject*> selected() const;
+
+    /// Calls `visit(kaAnimationObject&)` for every registered child in list order. `visit` must not edit the
+    /// list.
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        if (_mirrored) {
+            for (const auto& chunk : _chunks)
+                for (const auto& entry : chunk->entries)
+                    visit(*entry.object);
+        } else {
+            for (kaUID id : _ids)
+                if (kaAnimationObject* object = resolve(id))
+                    visit(*object);
+        }
+    }
+
+    bool isMirrored() const { return _mirrored; }
+    /// Whether the children are known to be in ascending order of begin.
+    bool isSorted() const { return _mirrored && _order == Order::Sorted; }
+    /// Grows with every change of the list or of a mirrored child; says nothing while the list is not
+    /// mirrored.
+    std::uint64_t revision() const { return _revision; }
+
+    /// A mirrored child has changed.
+    void childChanged(kaChildChunk& chunk, kaAnimationObject& child);
+    /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.
+    void childLost();
+
+  private:
+    enum class Order {
+        Sorted,
+        Tail,     ///< sorted but for the last `_tail` entries
+        Disturbed ///< a child moved out of order
+    };
+    /// A place among the chunks; the end is {number of chunks, 0}.
+    struct Place {
+        std::size_t chunk;
+        std::size_t index;
+    };
+    using Entry = kaChildChunk::Entry;
+
+    static kaAnimationObject* resolve(kaUID id);
+    bool adoptable(kaUID id, const kaAnimationObject* object) const;
+    Entry entryOf(kaAnimationObject& child) const;
+
+    void appendEntry(const Entry& entry);
+    void insertEntry(const Entry& entry);
+    void eraseEntry(kaChildChunk& chunk, std::size_t index);
+    void addChunk(std::size_t at);
+    void splitChunk(std::size_t at);
+    void renumber(std::size_t from);
+    void widen(kaChildChunk& chunk, const Entry& entry);
+    void narrow(kaChildChunk& chunk, const Entry& entry);
+    void checkOrder(const kaChildChunk& chunk, std::size_t index);
+    static void recompute(kaChildChunk& chunk);
+
+    void sortTail();
+    void sortAll();
+    void sortLiterally();
+    void rebuild(const std::vector<Entry>& entries);
+    bool tryMirror();
+    void becomeLiteral();
+    void sizeChanged(std::size_t size);
+
+    Place lowerBound(float begin) const;
+    Place upperBound(float begin) const;
+    const Entry* at(Place place) const;
+    const Entry* before(Place place) const;
+    Place normalized(std::size_t chunk, std::size_t index) const;
+    Place find(const kaAnimationObject& child) const;
+    Around aroundSorted(float begin) const;
+    Around aroundLinear(float begin) const;
+
+    kaAnimationObject* _owner;
+    std::vector<std::unique_ptr<kaChildChunk>> _chunks;
+    std::vector<float> _firsts; ///< begin of each chunk's first entry
+    std::vector<kaUID> _ids;    ///< the list while it is not mirrored
+    std::size_t _size = 0;
+    std::size_t _tail = 0;
+    std::uint64_t _revision = 0;
+    kaExtent _extent;
+    bool _extentValid = true;
+    bool _mirrored = true;
+    Order _order = Order::Sorted;
+};

@@ -1,0 +1,129 @@
+#include "kaControlPoint2D.h"
+
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationManager.h"
+#include "kaChildList.h"
+#include "kaTangents.h"
+
+kaControlPoint2D::kaControlPoint2D(const std::string& name, kaUID id, bool isTangent)
+    : kaControlPoint2D(0.0F, 0.0F, name, id, isTangent) {}
+
+kaControlPoint2D::kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent)
+    : _position(x, y), _isTangent(isTangent) {
+    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
+    setName(name);
+    if (!isTangent) {
+        auto in = std::make_unique<kaControlPoint2D>(x, y, "InTangent", 0, true);
+        auto out = std::make_unique<kaControlPoint2D>(x, y, "OutTangent", 0, true);
+        own(_inTangent, in.release());
+        own(_outTangent, out.release());
+        _inTangent->setParent(_id);
+        _outTangent->setParent(_id);
+    }
+    becomeOwnChild();
+}
+
+kaControlPoint2D::kaControlPoint2D(kaControlPoint2D& source)
+    : _position(source._position),
+      _tangentType(source._tangentType),
+      _tangentLengthMode(source._tangentLengthMode) {
+    if (source._saved)
+        _saved = std::make_unique<Saved>(*source._saved);
+    kaAnimationManager* manager = kaAnimationManager::the();
+    _id = manager->createUID();
+    if (source._inTangent)
+        own(_inTangent, manager->duplicatePoint2D(source._inTangent));
+    if (source._outTangent)
+        own(_outTangent, manager->duplicatePoint2D(source._outTangent));
+    setName(source.getName());
+    setParent(source.getParentObject() ? source.getParent() : 0);
+    setSelected(source.isSelected());
+    setLocked(source.isLocked());
+    becomeOwnChild();
+}
+
+kaControlPoint2D::~kaControlPoint2D() {
+    if (_owner) {
+        kaControlPoint2D*& slot = _owner->_inTangent == this ? _owner->_inTangent : _owner->_outTangent;
+        slot = nullptr;
+        _owner->noteChange();
+    }
+    freeHandle(_inTangent);
+    freeHandle(_outTangent);
+}
+
+void kaControlPoint2D::own(kaControlPoint2D*& slot, kaControlPoint2D* handle) {
+    slot = handle;
+    handle->_owner = this;
+}
+
+void kaControlPoint2D::freeHandle(kaControlPoint2D*& slot) {
+    if (!slot)
+        return;
+    kaControlPoint2D* handle = slot;
+    slot = nullptr;
+    handle->_owner = nullptr;
+    handle->setParent(0);
+    delete handle;
+}
+
+const kaControlPoint2D::Saved& kaControlPoint2D::saved() const {
+    static const Saved none;
+    return _saved ? *_saved : none;
+}
+
+kaControlPoint2D::Saved& kaControlPoint2D::editSaved() {
+    if (!_saved)
+        _saved = std::make_unique<Saved>();
+    return *_saved;
+}
+
+/// A handle's place matters to the curve of its key.
+void kaControlPoint2D::noteGeometry() {
+    noteChange();
+    if (_owner)
+        _owner->noteChange();
+}
+
+void kaControlPoint2D::setPosition(const osg::Pnt2f& position) {
+    _position = position;
+    noteGeometry();
+}
+
+void kaControlPoint2D::setBegin(float x) {
+    setPosition(x, _position[1]);
+}
+
+void kaControlPoint2D::setEnd(float x) {
+    setPosition(x, _position[1]);
+}
+
+void kaControlPoint2D::setMaximum(float y) {
+    setPosition(_position[0], y);
+}
+
+void kaControlPoint2D::setMinimum(float y) {
+    setPosition(_position[0], y);
+}
+
+void kaControlPoint2D::setSelected(bool selected) {
+    kaAnimationObject::setSelected(selected);
+    for (kaControlPoint2D* handle : {_inTangent, _outTangent})
+        if (handle && handle->isSelected())
+            handle->setSelected(false);
+}
+
+bool kaControlPoint2D::computeTangents() {
+    if (!_inTangent || !_outTangent || _tangentType == TANGENT_USER)
+        return false;
+    const kaAnimationCurve2D* curve = kaAnimationManager::the()->getCurve2D(getParent());
+    if (!curve)
+        return false;
+    const kaAnimationCurve2D::Neighbours neighbours = curve->neighboursByX(_position[0]);
+    if (!neighbours.exists || (!neighbours.previous && !neighbours.next))
+        return false;
+    const kaHandles handles = kaPlaceHandles(*this, neighbours.previous, neighbours.next);
+    _inTangent->setPosition(handles.in);
+    _outTangent->setPosition(handles.out);
+    return true;
+}

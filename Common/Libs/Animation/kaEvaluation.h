@@ -1,0 +1,39 @@
+#pragma once
+
+#include "kaAnimationController.h"
+
+#include <memory>
+#include <vector>
+
+/// Turns objects and a frame into values in the scene: gathers curves, samples them, writes their fields.
+///
+/// Sampling calls nobody outside the module; writing may (a container's `changed`, the host's camera
+/// callbacks), so from the first write on nothing is taken for granted: fields are looked up again once one
+/// has come or gone, and the evaluated object is guarded. Evaluations may nest; each depth keeps its buffers,
+/// so that nothing is allocated once warm.
+class kaEvaluation {
+  public:
+    kaEvaluation();
+    ~kaEvaluation();
+
+    bool computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value);
+    void collectCurvesWithFrame(kaAnimationObject* object, float frame,
+                                kaAnimationController::CurveFrames& finished,
+                                kaAnimationController::CurveFrames& running,
+                                kaAnimationController::CurveFrames& upcoming, bool motionBlurOnly);
+    bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
+    void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
+                        bool motionBlurOnly);
+
+    /// `frame` folded into [lo, hi) by whole lengths, in double, rounded to float; a range of zero length
+    /// gives lo.
+    static float fold(float frame, float lo, float hi);
+
+  private:
+    class Walk;
+    struct Scratch;
+    class ScratchLease;
+
+    std::vector<std::unique_ptr<Scratch>> _scratch;
+    std::size_t _depth = 0;
+};

@@ -1,0 +1,98 @@
+#include "kaObjectRegistry.h"
+
+#include "kaAnimationField.h"
+#include "kaAnimationObject.h"
+#include "kaChildList.h"
+
+#include <algorithm>
+
+bool kaObjectRegistry::insert(kaAnimationObject& object) {
+    const kaUID id = object.getId();
+    if (_index.contains(id))
+        return false;
+    const unsigned int type = object.getTypeID();
+    if (type != KA_TYPE_POINT)
+        _byType[type].emplace(id, &object);
+    try {
+        _index.emplace(id, &object);
+    } catch (...) {
+        _byType[type].erase(id);
+        throw;
+    }
+    object._registered = true;
+    _epoch += type != KA_TYPE_POINT ? 1 : 0;
+    return true;
+}
+
+void kaObjectRegistry::erase(kaUID id) {
+    const auto found = _index.find(id);
+    if (found == _index.end())
+        return;
+    kaAnimationObject& object = *found->second;
+    if (object._home)
+        object._home->list->childLost();
+    object._registered = false;
+    _index.erase(found);
+    if (object.getTypeID() == KA_TYPE_POINT)
+        return;
+    _byType[object.getTypeID()].erase(id);
+    ++_epoch;
+}
+
+/// By its own id first; a host that changed the id behind the registry's back pays for a walk. Called when
+/// the object is all but gone, so its type is not asked.
+void kaObjectRegistry::drop(kaAnimationObject& object) {
+    auto found = _index.find(object.getId());
+    if (found == _index.end() || found->second != &object)
+        found = std::find_if(_index.begin(), _index.end(),
+                             [&object](const auto& entry) { return entry.second == &object; });
+    if (found == _index.end())
+        return;
+    const kaUID id = found->first;
+    _index.erase(found);
+    for (auto& objects : _byType)
+        objects.erase(id);
+    object._registered = false;
+    ++_epoch;
+}
+
+bool kaObjectRegistry::insertField(kaAnimationField& field) {
+    const kaUID id = field.getId();
+    if (_fieldIndex.contains(id))
+        return false;
+    _fields.emplace(id, &field);
+    try {
+        _fieldIndex.emplace(id, &field);
+    } catch (...) {
+        _fields.erase(id);
+        throw;
+    }
+    ++_fieldEpoch;
+    return true;
+}
+
+void kaObjectRegistry::eraseField(kaUID id) {
+    if (_fieldIndex.erase(id) == 0)
+        return;
+    _fields.erase(id);
+    ++_fieldEpoch;
+}
+
+std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
+    std::vector<Entry> entries(_index.begin(), _index.end());
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}
+
+std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ofType(unsigned int type) const {
+    std::vector<Entry> entries;
+    if (type != KA_TYPE_POINT) {
+        entries.assign(_byType[type].begin(), _byType[type].end());
+        return entries;
+    }
+    for (const auto& entry : _index)
+        if (entry.second->getTypeID() == KA_TYPE_POINT)
+            entries.emplace_back(entry.first, entry.second);
+    std::sort(entries.begin(), entries.end());
+    return entries;
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "kaAnimationTypes.h"
+
+#include <array>
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
+
+class kaAnimationField;
+class kaAnimationObject;
+
+/// Objects and fields by id. Finding goes through an index; everything but the keys, which are few kinds of
+/// few objects, also stands in ordered maps by type, so that walks visit only what they ask for. Owns
+/// nothing.
+class kaObjectRegistry {
+  public:
+    using Entry = std::pair<kaUID, kaAnimationObject*>;
+
+    kaAnimationObject* find(kaUID id) const {
+        const auto found = _index.find(id);
+        return found != _index.end() ? found->second : nullptr;
+    }
+    kaAnimationField* findField(kaUID id) const {
+        const auto found = _fieldIndex.find(id);
+        return found != _fieldIndex.end() ? found->second : nullptr;
+    }
+
+    /// Enters an object under its id. @return false, with nothing changed, when the id has an entry.
+    bool insert(kaAnimationObject& object);
+    /// Takes the entry of an id away, whatever object it holds.
+    void erase(kaUID id);
+    /// Takes an object's entry away, under whatever id it stands.
+    void drop(kaAnimationObject& object);
+
+    bool insertField(kaAnimationField& field);
+    void eraseField(kaUID id);
+
+    std::size_t size() const { return _index.size(); }
+    std::size_t fieldCount() const { return _fields.size(); }
+
+    /// Of the objects that `holds(const kaAnimationObject&)` accepts the one with the smallest id, or null.
+    /// Cost: O(n).
+    template <class Holds>
+    kaAnimationObject* smallestID(Holds&& holds) const {
+        const Entry* found = nullptr;
+        Entry best;
+        for (const auto& entry : _index) {
+            if ((!found || entry.first < best.first) && holds(*entry.second)) {
+                best = Entry(entry.first, entry.second);
+                found = &best;
+            }
+        }
+        return found ? best.second : nullptr;
+    }
+
+    /// Every object in ascending id order. Cost: O(n log n).
+    std::vector<Entry> ordered() const;
+    /// The objects of one type in ascending id order. Cost: O(n of that type); for keys O(n log n).
+    std::vector<Entry> ofType(unsigned int type) const;
+    /// The objects of one type other than keys, in ascending id order, without a copy.
+    const std::map<kaUID, kaAnimationObject*>& byType(unsigned int type) const { return _byType[type]; }
+    const std::map<kaUID, kaAnimationField*>& fields() const { return _fields; }
+
+    /// Changes whenever an object other than a key comes or goes; never 0.
+    std::uint64_t epoch() const { return _epoch; }
+    /// Changes whenever a field comes or goes; never 0.
+    std::uint64_t fieldEpoch() const { return _fieldEpoch; }
+
+  private:
+    boost::unordered_flat_map<kaUID, kaAnimationObject*> _index;
+    std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
+    boost::unordered_flat_map<kaUID, kaAnimationField*> _fieldIndex;
+    std::map<kaUID, kaAnimationField*> _fields;
+    std::uint64_t _epoch = 1;
+    std::uint64_t _fieldEpoch = 1;
+};
