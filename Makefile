@@ -37,6 +37,23 @@ check-format: setup-lint ## fail when a source file is not laid out with clang-f
 tidy: setup-lint build-sanitize ## look for faults with clang-tidy
 	run-clang-tidy-14 -quiet -j $(JOBS) -p build/sanitize '^$(CURDIR)/(Common|Tools|Tests|Benchmarks)/'
 
+.PHONY: coverage
+coverage: setup-coverage test-coverage ## line and branch coverage of the libraries, as text and pages in out/coverage/
+	mkdir -p $(OUT)/coverage
+	gcovr --root . --object-directory build/coverage --filter 'Common/Libs/' --exclude-throw-branches \
+		--exclude-unreachable-branches --print-summary --html-details $(OUT)/coverage/index.html \
+		--txt $(OUT)/coverage/summary.txt
+
+.PHONY: package package-check
+package: setup-package build-package ## Debian packages of libraries, headers and tools in out/packages/
+	rm -rf $(OUT)/packages
+	cd build/package && cpack -B $(abspath $(OUT))/packages
+	rm -rf $(OUT)/packages/_CPack_Packages
+	ls -l $(OUT)/packages
+
+package-check: package setup-package-check ## install the packages in a bare system and use them there (root)
+	scripts/package-check.sh $(OUT)/packages build/package-check
+
 .PHONY: clean
 clean: ## remove everything that was built
 	rm -rf build out

@@ -14,6 +14,7 @@ if(NOT CMAKE_BUILD_TYPE)
 endif()
 
 option(KA_SANITIZE "Address and undefined-behaviour sanitizers, float casts included (clang)" OFF)
+option(KA_RELOCATABLE "Installed programs and libraries find each other wherever the prefix is moved" ON)
 option(KA_COVERAGE "Line and branch coverage (g++)" OFF)
 
 find_program(KA_CCACHE ccache)
@@ -39,24 +40,39 @@ function(ka_target_defaults target)
   endif()
 endfunction()
 
-# ka_add_library(<target> EXPORT <name> SOURCES ...): a shared library libka<Name>.so, alias ka::<name>.
+# ka_add_library(<target> EXPORT <name> SOURCES ... HEADERS ... [HEADER_BASE <folder>])
+#   a shared library lib<target>.so, alias ka::<name>. HEADERS are those that hosts include: found, and installed, by
+#   their path below HEADER_BASE, which is the current folder unless given.
 function(ka_add_library target)
-  cmake_parse_arguments(arg "" "EXPORT" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "" "EXPORT;HEADER_BASE" "SOURCES;HEADERS" ${ARGN})
+  set(headers_at ${CMAKE_INSTALL_INCLUDEDIR}/kaAnimation)
   add_library(${target} SHARED ${arg_SOURCES})
   add_library(ka::${arg_EXPORT} ALIAS ${target})
   ka_target_defaults(${target})
+  target_sources(${target} PUBLIC
+    FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/${arg_HEADER_BASE} FILES ${arg_HEADERS})
   set_target_properties(${target} PROPERTIES
     EXPORT_NAME ${arg_EXPORT}
+    INSTALL_RPATH "$<$<BOOL:${KA_RELOCATABLE}>:$ORIGIN>"
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
+  install(TARGETS ${target} EXPORT kaAnimation
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
+    FILE_SET HEADERS DESTINATION ${headers_at} COMPONENT development
+    INCLUDES DESTINATION ${headers_at})
 endfunction()
 
-# ka_add_program(<target> SOURCES ... LIBRARIES ...)
+# ka_add_program(<target> [INSTALL] SOURCES ... LIBRARIES ...)
 function(ka_add_program target)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "INSTALL" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${target} ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE ${arg_LIBRARIES})
   ka_target_defaults(${target})
+  if(arg_INSTALL)
+    cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR} OUTPUT_VARIABLE libraries)
+    set_target_properties(${target} PROPERTIES INSTALL_RPATH "$<$<BOOL:${KA_RELOCATABLE}>:$ORIGIN/${libraries}>")
+    install(TARGETS ${target} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
+  endif()
 endfunction()
 
 # ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test.

@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Installs the Debian packages into a bare system made for the purpose and uses them there: the tool by itself first,
+# then a project built against the library.
+# usage: package-check.sh PACKAGE_FOLDER WORK_FOLDER     needs root; the bare system is kept as WORK_FOLDER/base.tar
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+packages=$(realpath "$1")
+mkdir -p "$2"
+work=$(realpath "$2")
+root=$work/root
+suite=$(. /etc/os-release && echo "$VERSION_CODENAME")
+
+if [ "$(id -u)" -ne 0 ]; then
+    exec sudo "$0" "$@"
+fi
+
+# Mounts of a namespace of this script's own vanish with it, whatever happens.
+if [ -z "${KA_OWN_MOUNTS:-}" ]; then
+    KA_OWN_MOUNTS=1 exec unshare --mount --propagation private "$0" "$@"
+fi
+
+# This machine's own package sources: what they serve is known to be within reach.
+# shellcheck disable=SC2016 # apt fills in the $(...)
+sources() {
+    apt-get indextargets --format '$(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' |
+        awk -v suite="$suite" '$2 ~ "^" suite "(-|$)" && $1 ~ /debian/ { print "deb", $1, $2, $3 }' | sort -u
+}
+
+if [ ! -f "$work/base.tar" ]; then
+    mirror=$(sources | awk -v suite="$suite" '$3 == suite { print $2; exit }')
+    rm -rf "$root"
+    debootstrap --variant=minbase "$suite" "$root" "$mirror"
+    sources >"$root/etc/apt/sources.list"
+    echo 'Acquire::Check-Valid-Until "false";' >"$root/etc/apt/apt.conf.d/90dated-sources"
+    chroot "$root" apt-get clean
+    tar -C "$root" -cf "$work/base.tar.part" .
+    mv "$work/base.tar.part" "$work/base.tar"
+fi
+
+rm -rf "$root"
+mkdir -p "$root"
+tar -C "$root" -xf "$work/base.tar"
+cp /etc/resolv.conf "$root/etc/resolv.conf"
+mount -t proc proc "$root/proc"
+mkdir -p "$root/packages"
+cd "$root" # so that a pattern names the same files outside and inside
+cp "$packages"/*.deb "$root/packages/"
+cp -r "$here/Tests/Install/consumer" "$root/consumer"
+
+inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
+installInside() { inside apt-get -q install -y --no-install-recommends "$@"; }
+
+inside apt-get -q update
+
+echo "== the tool alone"
+installInside ./packages/libkaanimation[0-9]*.deb ./packages/ka-anim_*.deb
+inside ka-anim --version
+inside ka-anim --help >/dev/null
+
+echo "== a project built against the library"
+installInside ./packages/libkaanimation-dev_*.deb cmake g++ ninja-build pkg-config
+inside cmake -G Ninja -S /consumer -B /build
+inside cmake --build /build
+inside /build/consumer
+inside bash /consumer/build-by-pkg-config.sh "$(inside pkg-config --variable=libdir kaAnimation)" g++ /by-pkg-config
+
+echo "== gone without a trace"
+inside apt-get -q remove -y ka-anim libkaanimation-dev 'libkaanimation[0-9]*'
+inside sh -c '! command -v ka-anim && ! ls -d /usr/include/kaAnimation'
+echo "package-check: all packages install, work and leave"
