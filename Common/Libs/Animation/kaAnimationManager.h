@@ -32,6 +32,7 @@ class kaControlPoint2D;
 class kaCopyBuffer;
 class kaObjectRegistry;
 class kaSceneSync;
+struct kaImportReport;
 
 /// The one registry and factory of the module: makes, finds, duplicates and frees every object and field by
 /// id, binds them to scene nodes, copies and pastes, connects triggers, keeps the host's callbacks, saves,
@@ -297,6 +298,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationCurve2D* importCurve(const osg::AnimationCurvePtr& curve, kaAnimationUnit* unit,
                                     osg::NodePtr node);
     kaControlPoint2D* importPoint(const osg::AnimationControlPointPtr& point, kaAnimationCurve2D* curve);
+    /// What the last `importORVAAnimations` made and left out.
+    static const kaImportReport& getImportReport();
 
     /// The ids themselves, for the parts of the module that walk them. Not for hosts.
     kaObjectRegistry& registry() { return *_registry; }

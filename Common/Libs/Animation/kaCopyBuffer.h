@@ -3,7 +3,6 @@
 #include "kaAnimationTypes.h"
 
 #include <boost/unordered/unordered_flat_map.hpp>
-
 #include <cstddef>
 #include <vector>
 
@@ -11,8 +10,8 @@ class kaAnimationObject;
 
 /// The duplicates that wait to be pasted, in the order they were copied. Owns nothing: the registry does.
 ///
-/// An entry whose object is freed meanwhile stays as an empty place, so that the buffer counts as filled until it is
-/// cleared or pasted and the host hears of it just then.
+/// An entry whose object is freed meanwhile stays as an empty place, so that the buffer counts as filled
+/// until it is cleared or pasted and the host hears of it just then.
 class kaCopyBuffer {
   public:
     bool empty() const { return _objects.empty(); }
@@ -26,7 +25,8 @@ class kaCopyBuffer {
     /// Empties the buffer. @return the ids of what was still there, in order.
     std::vector<kaUID> take();
 
-    /// Called for every object that is about to be freed. Cost: nothing while the buffer is empty, else one look-up.
+    /// Called for every object that is about to be freed. Cost: nothing while the buffer is empty, else one
+    /// look-up.
     void forget(kaAnimationObject* object) {
         if (!_places.empty())
             vacate(object);

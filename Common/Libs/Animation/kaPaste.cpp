@@ -1,0 +1,70 @@
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationUnit.h"
+#include "kaAnimationUtils.h"
+#include "kaSceneNodes.h"
+
+#include <OpenSG/OSGFieldContainerFactory.h>
+#include <OpenSG/OSGNodeCore.h>
+#include <algorithm>
+
+namespace {
+
+osg::NodeCorePtr coreOf(const osg::NodePtr& node) {
+    return node == osg::NullFC ? osg::NodeCorePtr() : node->getCore();
+}
+
+/// Whether the curve's field addresses a container of the core's type group, or a node.
+bool canDrive(const kaAnimationCurve2D& curve, osg::UInt16 coreGroup) {
+    const kaAnimationField* field = kaAnimationManager::the()->getField(curve.getField());
+    if (!field)
+        return false;
+    const auto containerID = static_cast<osg::UInt32>(field->fcID);
+    const osg::FieldContainerPtr container = osg::FieldContainerFactory::the()->getContainer(containerID);
+    if (container == osg::NullFC)
+        return false;
+    const osg::UInt16 group = container->getType().getGroupId();
+    return group == coreGroup || group == osg::Node::getClassType().getGroupId();
+}
+
+/// The last of the fields with the same attribute and component; null when there is none.
+kaAnimationField* lastMatch(const std::vector<kaAnimationField*>& fields, const kaAnimationField& wanted) {
+    const auto found = std::find_if(fields.rbegin(), fields.rend(), [&wanted](const kaAnimationField* field) {
+        return field->attribute == wanted.attribute && field->valuePos == wanted.valuePos;
+    });
+    return found != fields.rend() ? *found : nullptr;
+}
+
+} // namespace
+
+bool kaAnimationUtils::checkPasteTo(const osg::NodePtr& node, kaAnimationObject* object) {
+    const osg::NodeCorePtr core = coreOf(node);
+    if (core == osg::NullFC || !object)
+        return false;
+    const osg::UInt16 group = core->getType().getGroupId();
+    const std::vector<kaAnimationCurve2D*> curves = object->getCurves();
+    return std::all_of(curves.begin(), curves.end(),
+                       [group](const kaAnimationCurve2D* curve) { return canDrive(*curve, group); });
+}
+
+bool kaAnimationUtils::checkPasteTo(const osg::NodePtr& node,
+                                    const std::vector<kaAnimationObject*>& objects) {
+    return std::all_of(objects.begin(), objects.end(),
+                       [&node](kaAnimationObject* object) { return !object || checkPasteTo(node, object); });
+}
+
+bool kaAnimationUtils::changeObjectReferenceFields(kaAnimationObject* object, const osg::NodePtr& node) {
+    if (!object || coreOf(node) == osg::NullFC)
+        return false;
+    const std::vector<kaAnimationField*> fields = getAnimationFields(node);
+    for (kaAnimationCurve2D* curve : object->getCurves()) {
+        const kaAnimationField* current = kaAnimationManager::the()->getField(curve->getField());
+        kaAnimationField* match = current ? lastMatch(fields, *current) : nullptr;
+        if (match)
+            curve->setAnimationField(match);
+    }
+    if (object->getTypeID() == KA_TYPE_UNIT)
+        static_cast<kaAnimationUnit*>(object)->setNodeID(kaSceneNodes::idOf(node));
+    return true;
+}
