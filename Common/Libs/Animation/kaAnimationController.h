@@ -2,6 +2,8 @@
 
 #include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
+#include "kaForgetfulList.h"
+#include "kaRunningObjects.h"
 
 #include <OpenSG/OSGPerspectiveCamera2.h>
 #include <map>
@@ -70,52 +72,95 @@ class KA_ANIMATION_API kaAnimationController {
     /// @return true when the object has run past its end in its playing direction; true for null.
     bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
 
-    /// Evaluates loose curves at a frame clamped to their joint range, or to [lo, hi].
+    /// Evaluates loose curves at a frame clamped to their joint range, or to [lo, hi]. Nulls and inactive
+    /// curves are passed over.
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float frame, bool motionBlurOnly);
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
-    /// Hands the names of the sequences that fire at `frame` to the host, with the host's simulation off
-    /// meanwhile.
+    /// Hands the names of the active sequences that fire at `frame` to the host, with the host's simulation
+    /// off meanwhile. A sequence fires while the frame is in its span, and once armed as soon as the frame
+    /// has reached its begin; then it is disarmed. Edges: a host whose sequence callback evaluates objects
+    /// has their sequences fire too, four levels deep; what
+    ///        is reached deeper does not fire.
     void evaluateSequences(const std::vector<kaAnimationSequence*>& sequences, float frame);
 
-    /// Writes every field into the scene. @return the number of fields.
+    /// Writes every field into the scene, in order. Nulls and fields that are destroyed meanwhile are passed
+    /// over.
+    /// @return the number of fields that were written.
     unsigned int updateAnimationFields(std::vector<kaAnimationField*> fields);
 
-    // Ticks.
+    // Ticks. Neither does anything while paused, nor when called in the middle of itself.
 
+    /// Plays every running object on to the clock's time: evaluates it, fires its start and end triggers and
+    /// lets it go when it has run past its end. Objects that wait are started last and move with the next
+    /// tick. Cost: that of the objects that run, however many are registered.
     void loop();
+
+    /// Plays the global timeline on to the clock's time. Sends "currentFrameChanged" at every tick,
+    /// "currentFullFrameChanged" at every whole frame and "finishedPlayingGlobal" when the frame leaves the
+    /// range. Edges: a listener or callback that stops global playback ends it with this tick, without the
+    /// last message; one
+    ///        that jumps or starts anew has taken the timeline over, and nothing more of the tick is done.
+    ///        Folding into a range of length zero gives its begin.
     void playLoop();
+
+    /// Starts the waiting objects. One that is running already goes on.
     void enqueueWaitingObjects();
+    /// Arms the sequences; nulls are passed over.
     void initSequences(const std::vector<kaAnimationSequence*>& sequences);
 
     // Transport.
 
+    /// Makes `frame` the current one and sends "currentFrameChanged"; evaluates nothing.
     void setCurrentFrame(float frame, AnimationWidget sender);
+    /// Evaluates what the host edits: the object of `setObjectID`, the curves of `setCurveIDs` and, with
+    /// `setEvalActiveUnits`, the active blocks of the scene.
     void evaluate(float frame, bool motionBlurOnly);
     void evaluate(float frame, bool evalObject, bool evalCurves, bool evalActiveUnits, bool motionBlurOnly);
-    /// Freezes both playback modes. The global clock is not moved on resume: global playback jumps ahead by
-    /// the paused time.
+    /// Freezes both playback modes, or lets them go on. The running objects go on where they were; the global
+    /// clock is not moved, so that global playback jumps ahead by the paused time. Asking for the present
+    /// state does nothing.
     void pause(bool pausing);
+    /// Freezes one object, or lets it go on where it was. Letting go an object that was not paused moves its
+    /// start by the time since its last pause. Null does nothing.
     void pause(kaAnimationObject* object, bool pausing);
+    /// Ends object playback; values stay where they are.
     void stop();
+    /// Ends object playback with every running object at its begin.
     void reset();
+    /// Takes an object out of object playback and puts it at its begin, or its end: those of the custom range
+    /// where that is used. Null does nothing.
     void reset(kaAnimationObject* object);
     void gotoEnd(kaAnimationObject* object);
+    /// Ends object playback as `reset()` does and starts the global timeline.
+    /// @param begin,end,start frames. All three 0: the joint range of the objects, from the current frame on.
     void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin,
                     float end, float start);
+    /// The same for one object; id 0 does nothing.
     void playGlobal(unsigned long long id, bool reverse, bool repeat, float begin, float end, float start);
+    /// Stops the global timeline without a message and forgets the objects of the last jump.
     void stopGlobal();
+    /// Stops the global timeline, evaluates an object at its begin or end and tells the host's time line,
+    /// curve editor and clip editor, in this order.
     void gotoGlobalBegin(kaAnimationObject* object);
     void gotoGlobalEnd(kaAnimationObject* object);
+    /// The same for loose curves: the smallest begin, but no later than frame 0, or the largest end, but no
+    /// earlier than frame 0. An empty list only stops the timeline.
     void gotoGlobalBegin(const std::vector<kaAnimationCurve2D*>& curves);
     void gotoGlobalEnd(const std::vector<kaAnimationCurve2D*>& curves);
 
-    // Motion blur.
+    // Motion blur: before each sub-frame sample the host has the curves flagged for it moved to the sample's
+    // time, the current frame + frames per second * sample / the active camera's shutter speed. Without a
+    // camera one line goes to standard output and nothing moves.
 
+    /// Moves what `evaluate` evaluates, then tells the host's navigation.
     void executeMotionBlur(float sample);
+    /// Moves the curves of one object; null does nothing.
     void executeMotionBlur(float sample, kaAnimationObject* object);
+    /// Moves the curves of the scene's active blocks.
     void executeMotionBlurOnActiveUnits(float sample);
+    /// Puts what `evaluate` evaluates back to the current frame.
     void resetMotionBlur();
 
     // What the host sets and reads.
@@ -139,11 +184,15 @@ class KA_ANIMATION_API kaAnimationController {
     static void setEmitCurrentFrame(bool emitFrame) { _emitCurrentFrame = emitFrame; }
     static bool isCallWidgets() { return _callWidgets; }
     static void setCallWidgets(bool callWidgets) { _callWidgets = callWidgets; }
-    static const std::vector<unsigned long long>& getPlayingObjects() { return _playingObjects; }
-    static const std::vector<kaAnimationCurve2D*>& getCurves() { return _curves; }
-    static const std::vector<kaAnimationSequence*>& getSeqs() { return _seqs; }
+    /// What global playback evaluates.
+    static const std::vector<unsigned long long>& getPlayingObjects() { return the()->_playingObjects; }
+    /// Curves and sequences of the last global jump. Valid until the next jump or destruction.
+    static const std::vector<kaAnimationCurve2D*>& getCurves();
+    static const std::vector<kaAnimationSequence*>& getSeqs();
 
-    static void setTimeCB(double (*callback)()) { _timeCB = callback; } ///< Seconds.
+    /// Clock in seconds; null for the time of day. For smooth playback it must start near zero: times are
+    /// kept as float, which holds a time of day to minutes only.
+    static void setTimeCB(double (*callback)()) { _timeCB = callback; }
     static void setCameraCB(void (*callback)(osg::PerspectiveCamera2Ptr& camera)) { _cameraCB = callback; }
     static void setUpdateNavCB(void (*callback)(int)) { _updateNavCB = callback; }
     static void setSeqCB(void (*callback)(std::string name)) { _seqCB = callback; }
@@ -155,10 +204,9 @@ class KA_ANIMATION_API kaAnimationController {
     }
     static void setCurrentFrameClipMakerCB(void (*callback)(float)) { _currentFrameClipMakerCB = callback; }
 
-    const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const {
-        return _runningObjects;
-    }
-    const std::vector<kaAnimationObject*>& getWaitingObjects() const { return _waitingObjects; }
+    const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const;
+    /// Valid until the next change or destruction.
+    const std::vector<kaAnimationObject*>& getWaitingObjects() const;
     /// Queues an object to start at the end of the next `loop()`; null is ignored.
     void addWaitingObject(kaAnimationObject* object);
     /// Takes an object out of the running ones.
@@ -170,16 +218,28 @@ class KA_ANIMATION_API kaAnimationController {
     bool isEvalActiveUnits() const { return _evalActiveUnits; }
     void setEvalActiveUnits(bool evalActiveUnits) { _evalActiveUnits = evalActiveUnits; }
 
-    /// Drops every pointer to an object that is about to be freed. Called by the registry.
+    /// Drops every pointer to an object that is about to be freed. Called by the object. Cost: nothing while
+    /// nothing plays or was jumped to, else a look-up each.
     static void forget(kaAnimationObject* object);
 
   private:
     kaAnimationController();
 
     static double now();
-    static bool activeShutter(float& shutterSpeed);
-    static void notifyFrame(float frame);
+    static float nowAsFloat() { return static_cast<float>(now()); }
 
+    bool playOn(kaAnimationObject& object, double time);
+    void leavePlayback(kaAnimationObject& object, float frame, bool rewound);
+    void setGlobalRange();
+    static float globalFrame();
+    static void announceFullFrame(float frame);
+    void jumpTo(kaAnimationObject* object, float frame);
+    void jumpTo(const std::vector<kaAnimationCurve2D*>& curves, float frame);
+    void notifyFrame(float frame);
+    static bool blurredFrame(float sample, const char* operation, float& frame);
+
+    /// The instance while there is one: objects may be freed before and after.
+    static kaAnimationController* _instance;
     static float _fps;
     static float _currentFrame;
     static float _fullFrame;
@@ -204,14 +264,21 @@ class KA_ANIMATION_API kaAnimationController {
     static bool _repeat;
     static bool _reverse;
     static bool _forcePlayLoopFullFrame;
-    static std::vector<unsigned long long> _playingObjects;
-    static std::vector<kaAnimationCurve2D*> _curves;
-    static std::vector<kaAnimationSequence*> _seqs;
 
-    std::map<unsigned long long, kaAnimationObject*> _runningObjects;
-    std::vector<kaAnimationObject*> _waitingObjects;
+    std::vector<unsigned long long> _playingObjects;
+    kaForgetfulList<kaAnimationCurve2D> _curves;
+    kaForgetfulList<kaAnimationSequence> _seqs;
+    kaRunningObjects _runningObjects;
+    kaForgetfulList<kaAnimationObject> _waitingObjects;
     unsigned long long _objectID = 0;
     std::vector<unsigned long long> _curveIDs;
     bool _evalActiveUnits = false;
     std::unique_ptr<kaEvaluation> _evaluation;
+
+    unsigned int _takeovers = 0; ///< how often the timeline was started or jumped
+    unsigned int _loopDepth = 0;
+    unsigned int _playLoopDepth = 0;
+    unsigned int _resetDepth = 0;
+    unsigned int _sequenceDepth = 0;
+    unsigned int _notifyDepth = 0;
 };

@@ -418,8 +418,7 @@ void kaAnimationCurve2D::move(float offset, bool tellParent) {
 void kaAnimationCurve2D::moveBegin(float begin, bool tellParent) {
     const float oldBegin = getBegin();
     const float end = getEnd();
-    if (!hasChildren() || !(static_cast<double>(begin) < static_cast<double>(end) - KA_RANGE_TOLERANCE) ||
-        oldBegin == end)
+    if (!hasChildren() || !beginsBefore(begin, end) || oldBegin == end)
         return;
     setBegin(begin);
     const float factor = (end - begin) / (end - oldBegin);
@@ -430,8 +429,7 @@ void kaAnimationCurve2D::moveBegin(float begin, bool tellParent) {
 void kaAnimationCurve2D::moveEnd(float end, bool tellParent) {
     const float begin = getBegin();
     const float oldEnd = getEnd();
-    if (!hasChildren() || !(static_cast<double>(end) > static_cast<double>(begin) + KA_RANGE_TOLERANCE) ||
-        begin == oldEnd)
+    if (!hasChildren() || !endsAfter(end, begin) || begin == oldEnd)
         return;
     setEnd(end);
     const float factor = (end - begin) / (oldEnd - begin);
@@ -442,13 +440,6 @@ void kaAnimationCurve2D::moveEnd(float end, bool tellParent) {
 void kaAnimationCurve2D::trimBegin(float /*begin*/, bool /*tellParent*/) {}
 
 void kaAnimationCurve2D::trimEnd(float /*end*/, bool /*tellParent*/) {}
-
-void kaAnimationCurve2D::tellParentMoved(bool tellParent) {
-    if (!tellParent)
-        return;
-    if (kaAnimationObject* parent = getParentObject())
-        parent->updateBy(this, MOVE_OBJECT, true);
-}
 
 void kaAnimationCurve2D::flip() {
     if (!hasChildren())

@@ -124,7 +124,6 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     void dragPoint(kaControlPoint2D* point, const osg::Vec2f& delta, bool snapX, bool snapY, bool fromSaved);
     template <class Map>
     void mapX(Map&& map);
-    void tellParentMoved(bool tellParent);
     static void swapHandles(kaControlPoint2D& point);
     kaAnimationCurve2D* afterDeletion(bool tellParent, bool destroyIfEmpty);
 

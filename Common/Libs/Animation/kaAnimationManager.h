@@ -209,18 +209,30 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     bool paste(const osg::NodePtr& node, bool force);
     std::vector<kaAnimationObject*> getCopyBuffer() const;
 
-    // Connections.
+    // Connections: what an object's start or end leads to. They are never removed; a freed target leaves its
+    // connections without effect.
 
+    /// Has `target` started or stopped when `trigger` of `source` fires. @return false for a null source or
+    /// target.
     bool createConnection(kaAnimationObject* source, AnimationTrigger trigger, kaAnimationObject* target,
                           AnimationAction action);
+    /// Has `function` called. @return false for a null source or function.
     bool createConnection(kaAnimationObject* source, AnimationTrigger trigger, void (*function)());
+    /// Carries out connections in the order given: starting queues an active target for the end of the
+    /// controller's next `loop()`, stopping takes the target out of the running objects and leaves its flags
+    /// alone. Unknown ids are passed over. Functions that fire triggers again are followed eight levels deep.
     void executeTriggers(std::vector<unsigned long long> connectionIDs);
     /// Connection id to (target, action); a destroyed target leaves a null here.
     std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
     std::map<unsigned long long, void (*)()> getCallbackConnections() const;
-    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStreak* streak);
-    kaAnimationObject* moveObjectToStreak(kaAnimationObject* object, kaAnimationStrip* strip,
-                                          unsigned int number);
+    /// Moves an object from its track to another, where it may overlap others.
+    /// @return false, with nothing changed, for null, for an object that is on no track or for a track below
+    /// it.
+    bool moveObjectToStreak(kaAnimationObject* object, kaAnimationStreak* streak);
+    /// Moves an object from its track to the clip's track of that number. First the clip is given tracks
+    /// until it has more children than `number`; they stay, whatever comes of the move.
+    /// @return false for null, for a number above 65535, when no track has that number, or as above.
+    bool moveObjectToStreak(kaAnimationObject* object, kaAnimationStrip* strip, unsigned int number);
     void objectInfo() const;                                  ///< To standard output.
     void printFieldInfo(const kaAnimationField* field) const; ///< To standard output; nothing for null.
 
@@ -321,6 +333,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     Object* typed(unsigned long long id) const;
     template <class Object>
     void destroyAs(Object* object);
+    unsigned long long createConnectionID();
     void leaveNode(kaAnimationObject* object);
     void leaveParent(kaAnimationObject* object);
     unsigned long long freshIDFor(unsigned long long taken, bool isField);

@@ -315,7 +315,7 @@ bool kaAnimationObject::compareObjectsByBegin(kaUID a, kaUID b) {
     return first && second && first->getBegin() < second->getBegin();
 }
 
-bool kaAnimationObject::mayAdopt(const kaAnimationObject& object) const {
+bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int levelsBetween) const {
     if (&object == this)
         return false;
     unsigned int depth = 1;
@@ -325,7 +325,7 @@ bool kaAnimationObject::mayAdopt(const kaAnimationObject& object) const {
             return false;
     }
     std::unordered_set<const kaAnimationObject*> seen;
-    return depth + heightOf(object, seen) <= KA_MAX_DEPTH;
+    return depth + levelsBetween + heightOf(object, seen) <= KA_MAX_DEPTH;
 }
 
 // Ids below.
@@ -451,6 +451,13 @@ void kaAnimationObject::takeInUpwards(std::set<kaUID> curves, std::set<kaUID> se
     });
 }
 
+void kaAnimationObject::tellParentMoved(bool tellParent) {
+    if (!tellParent)
+        return;
+    if (kaAnimationObject* parent = getParentObject())
+        parent->updateBy(this, MOVE_OBJECT, true);
+}
+
 void kaAnimationObject::updateCurves() {}
 
 void kaAnimationObject::updateBounds() {
@@ -509,8 +516,8 @@ void kaAnimationObject::trigger(Trigger trigger) {
 }
 
 void kaAnimationObject::fireTriggers(float frame) {
-    const float begin = _useCustomRange ? getCustomBegin() : getBegin();
-    const float end = _useCustomRange ? getCustomEnd() : getEnd();
+    const float begin = getPlayBegin();
+    const float end = getPlayEnd();
     const kaAliveGuard self(*this);
     if (begin <= frame && !_playing) {
         trigger(kaConnectionTypes::TriggerBegin);

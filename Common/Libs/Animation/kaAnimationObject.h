@@ -136,6 +136,10 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Whether a begins before b; false when the registry does not know one of them or the begins are equal.
     static bool compareObjectsByBegin(kaUID a, kaUID b);
 
+    /// Whether `object` may become a child: it is not this object or one of its ancestors, and the tree stays
+    /// within `KA_MAX_DEPTH`, with `levelsBetween` more containers between the two.
+    bool mayAdopt(const kaAnimationObject& object, unsigned int levelsBetween = 0) const;
+
     /// Hands the connections stored under `trigger`, in the order they were made, to
     /// `kaAnimationManager::executeTriggers`.
     void trigger(Trigger trigger);
@@ -181,6 +185,10 @@ class KA_ANIMATION_API kaAnimationObject {
     bool isUseCustomRange() const { return _useCustomRange; }
     void setUseCustomRange(bool useCustomRange) { _useCustomRange = useCustomRange; }
 
+    /// The range that playing goes by: the custom range while it is used, else the extent.
+    float getPlayBegin() const { return _useCustomRange ? getCustomBegin() : getBegin(); }
+    float getPlayEnd() const { return _useCustomRange ? getCustomEnd() : getEnd(); }
+
     float getCustomBegin() const { return playback().customBegin; } ///< Frames.
     void setCustomBegin(float frame) { editPlayback().customBegin = frame; }
     float getCustomEnd() const { return playback().customEnd; } ///< Frames.
@@ -223,9 +231,8 @@ class KA_ANIMATION_API kaAnimationObject {
     /// this object.
     void fireTriggers(float frame);
 
-    /// Whether `object` may become a child: it is not this object or one of its ancestors, and the tree stays
-    /// within `KA_MAX_DEPTH`.
-    bool mayAdopt(const kaAnimationObject& object) const;
+    /// Has the parent, if there is one, take in that this object's extent has changed.
+    void tellParentMoved(bool tellParent);
 
     kaUID _id = 0;
     kaUID _parent = 0;

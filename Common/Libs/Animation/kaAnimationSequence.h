@@ -19,10 +19,10 @@ class KA_ANIMATION_API kaAnimationSequence final : public kaAnimationObject {
 
     /// Prints one line to standard output, with `tellParent` a second one with the parent's address.
     void move(float offset, bool tellParent) override;
-    void moveBegin(float begin,
-                   bool tellParent) override; ///< Refused within the tolerance of the end or beyond.
-    void moveEnd(float end,
-                 bool tellParent) override; ///< Refused within the tolerance of the begin or before.
+    /// Refused within the tolerance of the end or beyond.
+    void moveBegin(float begin, bool tellParent) override;
+    /// Refused within the tolerance of the begin or before.
+    void moveEnd(float end, bool tellParent) override;
     void trimBegin(float begin,
                    bool tellParent) override;          ///< As `moveBegin`, and marks the sequence trimmed.
     void trimEnd(float end, bool tellParent) override; ///< As `moveEnd`, and marks the sequence trimmed.
@@ -33,5 +33,8 @@ class KA_ANIMATION_API kaAnimationSequence final : public kaAnimationObject {
     void setArmed(bool armed) { _armed = armed; }
 
   private:
+    bool changeBegin(float begin, bool tellParent);
+    bool changeEnd(float end, bool tellParent);
+
     bool _armed = true;
 };

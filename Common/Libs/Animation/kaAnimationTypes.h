@@ -27,6 +27,16 @@ constexpr float KA_EMPTY_EXTENT = 1e23F;
 /// Tolerance of the range tests on begin and end, in frames: a shorter span is refused.
 constexpr double KA_RANGE_TOLERANCE = 0.000001;
 
+/// Whether a begin asked for leaves a span before `end`.
+constexpr bool beginsBefore(float begin, float end) {
+    return static_cast<double>(begin) < static_cast<double>(end) - KA_RANGE_TOLERANCE;
+}
+
+/// Whether an end asked for leaves a span after `begin`.
+constexpr bool endsAfter(float end, float begin) {
+    return static_cast<double>(end) > static_cast<double>(begin) + KA_RANGE_TOLERANCE;
+}
+
 /// Levels of containment that `addObject` accepts below one root. Far beyond any real scene (a key in a curve
 /// in a block on a track in a clip is five); with it every recursive operation fits any stack.
 constexpr unsigned int KA_MAX_DEPTH = 256;
@@ -54,10 +64,15 @@ struct kaExtent {
     float maximum = -KA_EMPTY_EXTENT;
     float minimum = KA_EMPTY_EXTENT;
 
+    /// Widens in time to hold a span; ties and NaN keep what is there.
+    void includeSpan(float otherBegin, float otherEnd) {
+        begin = otherBegin < begin ? otherBegin : begin;
+        end = otherEnd > end ? otherEnd : end;
+    }
+
     /// Widens to hold `other`; ties and NaN keep what is there.
     void include(const kaExtent& other) {
-        begin = other.begin < begin ? other.begin : begin;
-        end = other.end > end ? other.end : end;
+        includeSpan(other.begin, other.end);
         maximum = other.maximum > maximum ? other.maximum : maximum;
         minimum = other.minimum < minimum ? other.minimum : minimum;
     }

@@ -1,26 +1,23 @@
 #pragma once
 
-#include "kaAnimationObject.h"
+#include "kaAnimationContainer.h"
 
 /// A block: the curves that animate one scene node.
 ///
 /// `moveBegin` and `moveEnd` set the block's own begin or end first and unconditionally, and only then test
-/// the range: a refused request still moves the block's extent while its curves stay. `trimBegin` and
-/// `trimEnd` change only the block's extent and mark it trimmed.
-class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationObject {
+/// the range: a refused request still moves the block's extent while its curves stay and nobody is told.
+/// `trimBegin` and `trimEnd` change only the block's extent and mark it trimmed.
+class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationContainer {
   public:
     static constexpr unsigned int _typeID = KA_TYPE_UNIT;
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationUnit(const std::string& name, kaUID id);
-    /// A deep copy with a fresh id: every child is duplicated through the registry. Selection, lock, minimum
+    /// A deep copy with a fresh id: every curve is duplicated through the registry. Selection, lock, minimum
     /// and maximum are not copied; the parent id is taken if that parent is registered.
     kaAnimationUnit(kaAnimationUnit& source);
     ~kaAnimationUnit() = default;
 
-    void setActive(bool active) override;         ///< Every child, then the base rule.
-    void setRepeating(bool repeating) override;   ///< Every child, then the own flag.
-    void setMotionBlur(bool motionBlur) override; ///< Every child, then the own flag.
     unsigned int getTypeID() const override { return _typeID; }
 
     /// Adds a curve (null for anything else). The first curve decides the node: with node id 0 the block
@@ -29,15 +26,13 @@ class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationObject {
     /// Removes a curve. @return the curve, or null when it was destroyed or is no child.
     kaAnimationObject* subObject(kaAnimationObject* object, bool destroy) override;
 
-    // Editing in time; none does anything without children. Children are told with tellParent false.
-
-    void move(float offset, bool tellParent) override;
     void moveBegin(float begin, bool tellParent) override;
     void moveEnd(float end, bool tellParent) override;
+    /// Refused within the tolerance of the end or beyond.
     void trimBegin(float begin, bool tellParent) override;
+    /// Refused within the tolerance of the begin or before.
     void trimEnd(float end, bool tellParent) override;
-    /// Flips every child and then moves it to its mirror place; ancestors are not told.
-    void flip() override;
+    /// Fires the block's own triggers; its curves do not take part.
     void triggerLoop(float frame) override;
 
     /// Container id of the scene node that the block animates; 0 = none.

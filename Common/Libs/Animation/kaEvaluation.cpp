@@ -14,11 +14,9 @@
 
 namespace {
 
-/// The span that repeating and ending go by: the custom range where it is set, else the extent.
+/// The span that repeating and ending go by.
 struct Range {
-    explicit Range(const kaAnimationObject& object)
-        : lo(object.isUseCustomRange() ? object.getCustomBegin() : object.getBegin()),
-          hi(object.isUseCustomRange() ? object.getCustomEnd() : object.getEnd()) {}
+    explicit Range(const kaAnimationObject& object) : lo(object.getPlayBegin()), hi(object.getPlayEnd()) {}
 
     float lo;
     float hi;

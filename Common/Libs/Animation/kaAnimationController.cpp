@@ -1,0 +1,305 @@
+#include "kaAnimationController.h"
+
+#include "kaAliveGuard.h"
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationSequence.h"
+#include "kaAnimationUnit.h"
+#include "kaAnimationUtils.h"
+#include "kaEvaluation.h"
+#include "kaNesting.h"
+#include "kaSnapshot.h"
+
+#include <chrono>
+
+namespace {
+
+/// What a host's callback brings about by calling in again is followed this far. Few levels for sequences,
+/// because each level may multiply.
+constexpr unsigned int MaxSequenceDepth = 4;
+
+} // namespace
+
+float kaAnimationController::_fps = 25.0F;
+float kaAnimationController::_currentFrame = 0.0F;
+float kaAnimationController::_fullFrame = 0.0F;
+float kaAnimationController::_pauseStartTime = 0.0F;
+bool kaAnimationController::_pausing = false;
+bool kaAnimationController::_emitCurrentFrame = false;
+bool kaAnimationController::_callWidgets = false;
+double (*kaAnimationController::_timeCB)() = nullptr;
+void (*kaAnimationController::_cameraCB)(osg::PerspectiveCamera2Ptr& camera) = nullptr;
+void (*kaAnimationController::_updateNavCB)(int) = nullptr;
+void (*kaAnimationController::_seqCB)(std::string name) = nullptr;
+void (*kaAnimationController::_enableSimCB)(bool enable) = nullptr;
+bool (*kaAnimationController::_isSimEnableCB)() = nullptr;
+void (*kaAnimationController::_currentFrameTimeLineCB)(float frame) = nullptr;
+void (*kaAnimationController::_currentFrameCurveEditorCB)(float frame) = nullptr;
+void (*kaAnimationController::_currentFrameClipMakerCB)(float frame) = nullptr;
+float kaAnimationController::_begin = 0.0F;
+float kaAnimationController::_end = 0.0F;
+float kaAnimationController::_start = 0.0F;
+float kaAnimationController::_startTime = 0.0F;
+bool kaAnimationController::_playing = false;
+bool kaAnimationController::_repeat = false;
+bool kaAnimationController::_reverse = false;
+bool kaAnimationController::_forcePlayLoopFullFrame = false;
+kaAnimationController* kaAnimationController::_instance = nullptr;
+
+kaAnimationController* kaAnimationController::the() {
+    static kaAnimationController instance;
+    return &instance;
+}
+
+kaAnimationController::kaAnimationController() : _evaluation(std::make_unique<kaEvaluation>()) {
+    _instance = this;
+}
+
+kaAnimationController::~kaAnimationController() {
+    _instance = nullptr;
+}
+
+void kaAnimationController::forget(kaAnimationObject* object) {
+    if (!_instance)
+        return;
+    _instance->_runningObjects.forget(object);
+    _instance->_waitingObjects.forget(object);
+    _instance->_curves.forget(object);
+    _instance->_seqs.forget(object);
+}
+
+const std::vector<kaAnimationCurve2D*>& kaAnimationController::getCurves() {
+    return the()->_curves.objects();
+}
+
+const std::vector<kaAnimationSequence*>& kaAnimationController::getSeqs() {
+    return the()->_seqs.objects();
+}
+
+const std::map<unsigned long long, kaAnimationObject*>& kaAnimationController::getRunningObjects() const {
+    return _runningObjects.map();
+}
+
+const std::vector<kaAnimationObject*>& kaAnimationController::getWaitingObjects() const {
+    return _waitingObjects.objects();
+}
+
+void kaAnimationController::addWaitingObject(kaAnimationObject* object) {
+    if (object)
+        _waitingObjects.append(object);
+}
+
+void kaAnimationController::subRunningObject(unsigned long long id) {
+    _runningObjects.erase(id);
+}
+
+double kaAnimationController::now() {
+    if (_timeCB)
+        return _timeCB();
+    using Microseconds = std::chrono::duration<double, std::micro>;
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<Microseconds>(sinceEpoch).count() / 1e6;
+}
+
+// Evaluation.
+
+bool kaAnimationController::computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value) {
+    return _evaluation->computeCurveValue(curve, frame, value);
+}
+
+void kaAnimationController::collectCurvesWithFrame(kaAnimationObject* object, float frame,
+                                                   CurveFrames& finished, CurveFrames& running,
+                                                   CurveFrames& upcoming, bool motionBlurOnly) {
+    _evaluation->collectCurvesWithFrame(object, frame, finished, running, upcoming, motionBlurOnly);
+}
+
+bool kaAnimationController::evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly) {
+    return _evaluation->evaluateObject(object, frame, motionBlurOnly);
+}
+
+void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float frame,
+                                           bool motionBlurOnly) {
+    kaExtent joint;
+    for (const kaAnimationCurve2D* curve : curves)
+        if (curve && curve->isActive())
+            joint.includeSpan(curve->getBegin(), curve->getEnd());
+    evaluateCurves(std::move(curves), joint.begin, joint.end, frame, motionBlurOnly);
+}
+
+void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi,
+                                           float frame, bool motionBlurOnly) {
+    _evaluation->evaluateCurves(std::move(curves), lo, hi, frame, motionBlurOnly);
+}
+
+void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSequence*>& sequences,
+                                              float frame) {
+    const kaNesting level(_sequenceDepth, MaxSequenceDepth);
+    if (!level)
+        return;
+    const kaSnapshot<kaAnimationSequence> present(sequences);
+    const bool switchedOff = _isSimEnableCB && _isSimEnableCB() && _enableSimCB;
+    if (switchedOff)
+        _enableSimCB(false);
+    present.visit([frame](kaAnimationSequence& sequence) {
+        const bool reached = frame >= sequence.getBegin();
+        if (!sequence.isActive() || !reached || !(sequence.isArmed() || frame <= sequence.getEnd()))
+            return;
+        const kaAliveGuard alive(sequence);
+        if (_seqCB)
+            _seqCB(sequence.getName());
+        if (alive)
+            sequence.setArmed(false);
+    });
+    if (switchedOff && _enableSimCB)
+        _enableSimCB(true);
+}
+
+unsigned int kaAnimationController::updateAnimationFields(std::vector<kaAnimationField*> fields) {
+    return kaSnapshot<kaAnimationField>(fields).visit(
+        [](kaAnimationField& field) { kaAnimationUtils::setOSGFieldValue(&field); });
+}
+
+void kaAnimationController::initSequences(const std::vector<kaAnimationSequence*>& sequences) {
+    for (kaAnimationSequence* sequence : sequences)
+        if (sequence)
+            sequence->setArmed(true);
+}
+
+void kaAnimationController::evaluate(float frame, bool motionBlurOnly) {
+    evaluate(frame, true, true, _evalActiveUnits, motionBlurOnly);
+}
+
+void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurves, bool evalActiveUnits,
+                                     bool motionBlurOnly) {
+    const kaAnimationManager* manager = kaAnimationManager::the();
+    if (evalObject)
+        evaluateObject(manager->getObject(_objectID), frame, motionBlurOnly);
+    if (evalCurves && !_curveIDs.empty()) {
+        std::vector<kaAnimationCurve2D*> curves;
+        for (unsigned long long id : _curveIDs)
+            if (kaAnimationCurve2D* curve = manager->getCurve2D(id))
+                curves.push_back(curve);
+        evaluateCurves(std::move(curves), frame, motionBlurOnly);
+    }
+    if (evalActiveUnits)
+        kaSnapshot<kaAnimationUnit>(manager->getActiveSceneUnits()).visit([&](kaAnimationUnit& unit) {
+            evaluateObject(&unit, frame, motionBlurOnly);
+        });
+}
+
+// Object playback.
+
+void kaAnimationController::loop() {
+    const kaNesting tick(_loopDepth, 1);
+    if (_pausing || !tick)
+        return;
+    const double time = now();
+    std::vector<kaUID> finished;
+    for (kaUID id : _runningObjects.ids()) {
+        kaAnimationObject* object = _runningObjects.find(id);
+        if (object && object->isActive() && !object->isPausing() && playOn(*object, time))
+            finished.push_back(id);
+    }
+    for (kaUID id : finished) {
+        if (kaAnimationObject* object = _runningObjects.find(id))
+            object->setUseCustomRange(false);
+        _runningObjects.erase(id);
+    }
+    enqueueWaitingObjects();
+}
+
+/// @return whether the object has run past its end.
+bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
+    const float begin = object.getPlayBegin();
+    if (!object.isPlaying()) {
+        const auto duration = static_cast<double>((object.getPlayEnd() - begin) / _fps);
+        object.setStartTime(static_cast<float>(time));
+        object.setEndTime(static_cast<float>(time + duration));
+        initSequences(object.getSequencesRecursive());
+    }
+    const float run = (static_cast<float>(time) - object.getStartTime()) * _fps;
+    const float origin = object.isUseCustomRange() ? object.getCustomStart() : begin;
+    const float frame = object.isReversePlay() ? origin - run : origin + run;
+    _currentFrame = frame;
+    const kaAliveGuard alive(object);
+    const bool finished = evaluateObject(&object, frame, false);
+    if (alive)
+        object.triggerLoop(frame);
+    return finished;
+}
+
+void kaAnimationController::enqueueWaitingObjects() {
+    for (kaAnimationObject* object : _waitingObjects.objects())
+        _runningObjects.insert(*object);
+    _waitingObjects.clear();
+}
+
+void kaAnimationController::pause(bool pausing) {
+    if (pausing == _pausing)
+        return;
+    const float time = nowAsFloat();
+    if (pausing) {
+        _pauseStartTime = time;
+    } else {
+        for (const auto& entry : _runningObjects.map())
+            entry.second->setStartTime(entry.second->getStartTime() + (time - _pauseStartTime));
+    }
+    _pausing = pausing;
+}
+
+void kaAnimationController::pause(kaAnimationObject* object, bool pausing) {
+    if (!object)
+        return;
+    const kaAliveGuard alive(*object);
+    const float time = nowAsFloat();
+    if (!alive)
+        return;
+    object->setPausing(pausing);
+    if (pausing)
+        object->setPauseTime(time);
+    else
+        object->setStartTime(object->getStartTime() + (time - object->getPauseTime()));
+}
+
+void kaAnimationController::stop() {
+    for (const auto& entry : _runningObjects.map())
+        entry.second->setPlaying(false);
+    _runningObjects.clear();
+}
+
+void kaAnimationController::reset() {
+    const kaNesting level(_resetDepth, 1);
+    if (!level)
+        return;
+    for (kaUID id : _runningObjects.ids()) {
+        kaAnimationObject* object = _runningObjects.find(id);
+        if (!object)
+            continue;
+        const kaAliveGuard alive(*object);
+        evaluateObject(object, object->getBegin(), false);
+        if (alive)
+            object->setPlaying(false);
+    }
+    _runningObjects.clear();
+}
+
+void kaAnimationController::reset(kaAnimationObject* object) {
+    if (object)
+        leavePlayback(*object, object->getPlayBegin(), true);
+}
+
+void kaAnimationController::gotoEnd(kaAnimationObject* object) {
+    if (object)
+        leavePlayback(*object, object->getPlayEnd(), false);
+}
+
+void kaAnimationController::leavePlayback(kaAnimationObject& object, float frame, bool rewound) {
+    const kaAliveGuard alive(object);
+    evaluateObject(&object, frame, false);
+    if (!alive)
+        return;
+    if (rewound)
+        object.setPlaying(false);
+    _runningObjects.erase(object.getId());
+}

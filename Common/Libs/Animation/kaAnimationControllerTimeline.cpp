@@ -1,0 +1,167 @@
+#include "kaAnimationController.h"
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationSequence.h"
+#include "kaAnimationUtils.h"
+#include "kaNesting.h"
+#include "kaOpenSGUtils.h"
+
+#include <algorithm>
+#include <cmath>
+
+// Global playback and jumps.
+
+namespace {
+
+/// Callbacks for a frame that jump again are followed this far.
+constexpr unsigned int MaxNotifyDepth = 8;
+
+void send(std::string_view name, std::string_view key, boost::any value) {
+    kaMessage message;
+    message.set(key, std::move(value), true);
+    kaOpenSGUtils::call(name, message, 0);
+}
+
+} // namespace
+
+void kaAnimationController::playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat,
+                                       float begin, float end, float start) {
+    ++_takeovers;
+    _playingObjects = ids;
+    _reverse = reverse;
+    _repeat = repeat;
+    _begin = begin;
+    _end = end;
+    _start = start;
+    if (begin == 0.0F && end == 0.0F && start == 0.0F)
+        setGlobalRange();
+    reset();
+    _startTime = nowAsFloat();
+    _playing = true;
+}
+
+void kaAnimationController::setGlobalRange() {
+    kaExtent joint;
+    for (unsigned long long id : _playingObjects) {
+        const kaAnimationObject* object = kaAnimationManager::the()->getObject(id);
+        if (object)
+            joint.includeSpan(object->getBegin(), object->getEnd());
+    }
+    _begin = joint.begin;
+    _end = joint.end;
+    _start = _currentFrame;
+}
+
+void kaAnimationController::playGlobal(unsigned long long id, bool reverse, bool repeat, float begin,
+                                       float end, float start) {
+    if (id != 0)
+        playGlobal(std::vector<unsigned long long>{id}, reverse, repeat, begin, end, start);
+}
+
+void kaAnimationController::playLoop() {
+    const kaNesting tick(_playLoopDepth, 1);
+    if (!_playing || _pausing || !tick)
+        return;
+    const unsigned int takeovers = _takeovers;
+    const auto isTakenOver = [this, takeovers] { return _takeovers != takeovers; };
+    const float frame = globalFrame();
+    if (!isTakenOver())
+        setCurrentFrame(frame, WidgetGlobalPlayback);
+    if (!isTakenOver())
+        announceFullFrame(frame);
+    const std::vector<unsigned long long> ids = _playingObjects;
+    for (auto id = ids.begin(); id != ids.end() && !isTakenOver(); ++id)
+        evaluateObject(kaAnimationManager::the()->getObject(*id), frame, false);
+    const bool hasLeft = _reverse ? frame < _begin : frame > _end;
+    if (isTakenOver() || !_playing || !hasLeft)
+        return;
+    _playing = false;
+    send("finishedPlayingGlobal", "finished", true);
+}
+
+float kaAnimationController::globalFrame() {
+    const float run = (nowAsFloat() - _startTime) * _fps;
+    float frame = _start + (_reverse ? -run : run);
+    if (_repeat) {
+        const float length = _end - _begin;
+        frame = length == 0.0F ? _begin : frame - length * std::floor((frame - _begin) / length);
+    }
+    return _forcePlayLoopFullFrame ? static_cast<float>(kaAnimationUtils::floatToInt(frame)) : frame;
+}
+
+void kaAnimationController::announceFullFrame(float frame) {
+    const float previous = _fullFrame;
+    _fullFrame = std::floor(frame);
+    if (!(_fullFrame == previous))
+        send("currentFullFrameChanged", "frame", kaAnimationUtils::floatToInt(_fullFrame));
+}
+
+void kaAnimationController::setCurrentFrame(float frame, AnimationWidget sender) {
+    _currentFrame = frame;
+    kaMessage message;
+    message.set("frame", frame, true);
+    message.set("sender", sender, true);
+    kaOpenSGUtils::call("currentFrameChanged", message, 0);
+}
+
+void kaAnimationController::stopGlobal() {
+    _playing = false;
+    _curves.clear();
+    _seqs.clear();
+}
+
+void kaAnimationController::gotoGlobalBegin(kaAnimationObject* object) {
+    jumpTo(object, object ? object->getBegin() : 0.0F);
+}
+
+void kaAnimationController::gotoGlobalEnd(kaAnimationObject* object) {
+    jumpTo(object, object ? object->getEnd() : 0.0F);
+}
+
+void kaAnimationController::jumpTo(kaAnimationObject* object, float frame) {
+    _playing = false;
+    if (!object)
+        return;
+    ++_takeovers;
+    _curves.assign(object->getCurves());
+    _seqs.assign(object->getSequencesRecursive());
+    evaluateObject(object, frame, false);
+    notifyFrame(frame);
+}
+
+void kaAnimationController::gotoGlobalBegin(const std::vector<kaAnimationCurve2D*>& curves) {
+    float frame = 0.0F;
+    for (const kaAnimationCurve2D* curve : curves)
+        frame = curve ? std::min(frame, curve->getBegin()) : frame;
+    jumpTo(curves, frame);
+}
+
+void kaAnimationController::gotoGlobalEnd(const std::vector<kaAnimationCurve2D*>& curves) {
+    float frame = 0.0F;
+    for (const kaAnimationCurve2D* curve : curves)
+        frame = curve ? std::max(frame, curve->getEnd()) : frame;
+    jumpTo(curves, frame);
+}
+
+void kaAnimationController::jumpTo(const std::vector<kaAnimationCurve2D*>& curves, float frame) {
+    _playing = false;
+    if (curves.empty())
+        return;
+    ++_takeovers;
+    _curves.assign(curves);
+    _seqs.clear();
+    evaluateCurves(_curves.objects(), frame, false);
+    notifyFrame(frame);
+}
+
+void kaAnimationController::notifyFrame(float frame) {
+    const kaNesting level(_notifyDepth, MaxNotifyDepth);
+    if (!level)
+        return;
+    if (_currentFrameTimeLineCB)
+        _currentFrameTimeLineCB(frame);
+    if (_currentFrameCurveEditorCB)
+        _currentFrameCurveEditorCB(frame);
+    if (_currentFrameClipMakerCB)
+        _currentFrameClipMakerCB(frame);
+}

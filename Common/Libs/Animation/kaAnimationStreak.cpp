@@ -1,0 +1,84 @@
+#include "kaAnimationStreak.h"
+
+#include "kaAnimationManager.h"
+#include "kaAnimationSequence.h"
+#include "kaAnimationStrip.h"
+#include "kaAnimationUnit.h"
+#include "kaChildList.h"
+
+namespace {
+
+kaAnimationObject* copyOf(kaAnimationObject& child) {
+    return kaAnimationManager::the()->duplicateObject(&child);
+}
+
+bool isInside(float frame, const kaExtent& extent) {
+    return extent.begin < frame && frame < extent.end;
+}
+
+bool covers(const kaExtent& whole, const kaExtent& part) {
+    return whole.begin <= part.begin && part.end <= whole.end;
+}
+
+bool overlap(const kaExtent& a, const kaExtent& b) {
+    return isInside(a.begin, b) || isInside(a.end, b) || covers(b, a) || covers(a, b);
+}
+
+kaExtent spanOf(const kaAnimationObject& object) {
+    kaExtent span;
+    span.begin = object.getBegin();
+    span.end = object.getEnd();
+    return span;
+}
+
+} // namespace
+
+kaAnimationStreak::kaAnimationStreak(const std::string& name, kaUID id) : kaAnimationContainer(name, id) {}
+
+kaAnimationStreak::kaAnimationStreak(kaAnimationStreak& source)
+    : kaAnimationContainer(source), _index(source._index) {
+    addCopies(source, &copyOf);
+}
+
+kaAnimationObject* kaAnimationStreak::addObject(kaAnimationObject* object) {
+    return object ? adopt(*object) : nullptr;
+}
+
+kaAnimationObject* kaAnimationStreak::subObject(kaAnimationObject* object, bool destroy) {
+    return object ? release(*object, destroy) : nullptr;
+}
+
+bool kaAnimationStreak::insertObject(kaAnimationObject* object) {
+    return object && isLaidOut(*object) && hasRoomFor(*object) && addObject(object);
+}
+
+bool kaAnimationStreak::hasRoomFor(const kaAnimationObject& object) const {
+    const kaChildList* list = childrenOrNull();
+    if (!list)
+        return true;
+    const kaExtent span = spanOf(object);
+    bool free = true;
+    list->forEach([&](const kaAnimationObject& child) { free = free && !overlap(span, spanOf(child)); });
+    return free;
+}
+
+template <class Object>
+std::vector<Object*> kaAnimationStreak::childrenOf() const {
+    std::vector<Object*> found;
+    for (kaAnimationObject* child : getObjects())
+        if (child->getTypeID() == Object::_typeID)
+            found.push_back(static_cast<Object*>(child));
+    return found;
+}
+
+std::vector<kaAnimationUnit*> kaAnimationStreak::getUnits() const {
+    return childrenOf<kaAnimationUnit>();
+}
+
+std::vector<kaAnimationStrip*> kaAnimationStreak::getStrips() const {
+    return childrenOf<kaAnimationStrip>();
+}
+
+std::vector<kaAnimationSequence*> kaAnimationStreak::getSequences() const {
+    return childrenOf<kaAnimationSequence>();
+}

@@ -1,0 +1,74 @@
+#include "kaAnimationUnit.h"
+
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+
+namespace {
+
+kaAnimationObject* copyOf(kaAnimationObject& child) {
+    kaAnimationManager* manager = kaAnimationManager::the();
+    return manager->duplicateCurve2D(manager->getCurve2D(child.getId()));
+}
+
+bool isCurve(const kaAnimationObject* object) {
+    return object && object->getTypeID() == KA_TYPE_CURVE;
+}
+
+} // namespace
+
+kaAnimationUnit::kaAnimationUnit(const std::string& name, kaUID id) : kaAnimationContainer(name, id) {}
+
+kaAnimationUnit::kaAnimationUnit(kaAnimationUnit& source)
+    : kaAnimationContainer(source), _nodeID(source._nodeID) {
+    addCopies(source, &copyOf);
+}
+
+kaAnimationObject* kaAnimationUnit::addObject(kaAnimationObject* object) {
+    if (!isCurve(object) || !adopt(*object))
+        return nullptr;
+    const kaUID fieldID = static_cast<kaAnimationCurve2D*>(object)->getField();
+    const kaAnimationField* field = kaAnimationManager::the()->getField(fieldID);
+    if (_nodeID == 0 && field)
+        _nodeID = static_cast<unsigned int>(field->nodeID);
+    return object;
+}
+
+kaAnimationObject* kaAnimationUnit::subObject(kaAnimationObject* object, bool destroy) {
+    return isCurve(object) ? release(*object, destroy) : nullptr;
+}
+
+void kaAnimationUnit::moveBegin(float begin, bool tellParent) {
+    if (hasChildren() && !beginsBefore(begin, getEnd()))
+        setBegin(begin);
+    else
+        kaAnimationContainer::moveBegin(begin, tellParent);
+}
+
+void kaAnimationUnit::moveEnd(float end, bool tellParent) {
+    if (hasChildren() && !endsAfter(end, getBegin()))
+        setEnd(end);
+    else
+        kaAnimationContainer::moveEnd(end, tellParent);
+}
+
+void kaAnimationUnit::trimBegin(float begin, bool tellParent) {
+    if (!hasChildren() || !beginsBefore(begin, getEnd()))
+        return;
+    setBegin(begin);
+    _trimmed = true;
+    tellParentMoved(tellParent);
+}
+
+void kaAnimationUnit::trimEnd(float end, bool tellParent) {
+    if (!hasChildren() || !endsAfter(end, getBegin()))
+        return;
+    setEnd(end);
+    _trimmed = true;
+    tellParentMoved(tellParent);
+}
+
+void kaAnimationUnit::triggerLoop(float frame) {
+    if (hasChildren())
+        fireTriggers(frame);
+}
