@@ -1,0 +1,4 @@
+#pragma once
+
+#include <OpenSG/OSGMFSysTypes.h>
+#include <OpenSG/OSGMFVecTypes.h>

@@ -1,0 +1,4 @@
+#pragma once
+
+#include <OpenSG/OSGSFSysTypes.h>
+#include <OpenSG/OSGSFVecTypes.h>

@@ -1,0 +1,4 @@
+#pragma once
+
+#include <OpenSG/OSGMFVecTypes.h>
+#include <OpenSG/OSGSFVecTypes.h>
