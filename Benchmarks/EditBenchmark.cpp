@@ -1,0 +1,62 @@
+#include "Workload.h"
+
+#include <benchmark/benchmark.h>
+#include <kaAnimationManager.h>
+#include <malloc.h>
+
+namespace {
+
+void buildCurve(benchmark::State& state, bool shuffled) {
+    const auto count = static_cast<std::size_t>(state.range(0));
+    for (auto _ : state) {
+        state.PauseTiming();
+        const std::vector<kaControlPoint2D*> keys = workload::looseKeys(count, shuffled);
+        kaAnimationCurve2D* curve = kaAnimationManager::the()->createCurve2D(nullptr, "Curve", 0, false);
+        state.ResumeTiming();
+        for (kaControlPoint2D* key : keys)
+            curve->addObject(key);
+        state.PauseTiming();
+        workload::clearAll();
+        state.ResumeTiming();
+    }
+}
+
+void buildAscending(benchmark::State& state) {
+    buildCurve(state, false);
+}
+
+void buildShuffled(benchmark::State& state) {
+    buildCurve(state, true);
+}
+
+void dragOneOf100000(benchmark::State& state) {
+    kaAnimationCurve2D* curve = workload::curve(100000);
+    curve->findPoint(500000.0F)->setSelected(true);
+    float step = 0.01F;
+    for (auto _ : state) {
+        curve->moveSelectedPoints(osg::Vec2f(step, 0.1F), false, false, true, false);
+        step = -step;
+    }
+    workload::clearAll();
+}
+
+/// What the allocator hands out for a curve of 100 000 keys made one by one and sampled once, per key.
+void memoryPerKey(benchmark::State& state) {
+    constexpr std::size_t Keys = 100000;
+    for (auto _ : state) {
+        const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
+        kaAnimationCurve2D* curve = kaAnimationManager::the()->createCurve2D(nullptr, "Curve", 0, false);
+        for (kaControlPoint2D* key : workload::looseKeys(Keys, false))
+            curve->addObject(key);
+        const std::size_t after = mallinfo2().uordblks + mallinfo2().hblkhd;
+        state.counters["bytes"] = static_cast<double>(after - before) / static_cast<double>(Keys);
+        workload::clearAll();
+    }
+}
+
+BENCHMARK(buildAscending)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(buildShuffled)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+BENCHMARK(dragOneOf100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(memoryPerKey)->Iterations(1);
+
+} // namespace

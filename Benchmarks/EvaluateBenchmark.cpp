@@ -1,0 +1,40 @@
+#include "Workload.h"
+
+#include <benchmark/benchmark.h>
+#include <kaAnimationController.h>
+
+namespace {
+
+constexpr std::size_t Curves = 10000;
+constexpr std::size_t Keys = 16;
+
+/// Frames run through the clip, so that every curve has a new value each time.
+void evaluateChanging(benchmark::State& state) {
+    const workload::BoundClip bound = workload::boundClip(Curves, Keys);
+    float frame = 0.5F;
+    for (auto _ : state) {
+        kaAnimationController::the()->evaluateObject(bound.clip, frame, false);
+        frame += 1.0F;
+        if (frame >= bound.end)
+            frame = 0.5F;
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Curves));
+    workload::clearAll();
+}
+
+/// Frames run on behind the clip's end, where every curve is held.
+void evaluateHeld(benchmark::State& state) {
+    const workload::BoundClip bound = workload::boundClip(Curves, Keys);
+    float frame = bound.end + 1.0F;
+    for (auto _ : state) {
+        kaAnimationController::the()->evaluateObject(bound.clip, frame, false);
+        frame += 1.0F;
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Curves));
+    workload::clearAll();
+}
+
+BENCHMARK(evaluateChanging)->Unit(benchmark::kMicrosecond);
+BENCHMARK(evaluateHeld)->Unit(benchmark::kMicrosecond);
+
+} // namespace

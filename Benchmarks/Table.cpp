@@ -1,0 +1,111 @@
+#include "Table.h"
+
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+namespace {
+
+constexpr double Curves = 10000.0;
+constexpr double DestroyedObjects = 1100001.0 + 2.0;
+constexpr double Micro = 1e3;
+constexpr double Milli = 1e6;
+
+std::string baseName(const std::string& name) {
+    for (const char* suffix : {"_median", "/iterations:1", "/manual_time"}) {
+        const auto at = name.find(suffix);
+        if (at != std::string::npos)
+            return baseName(name.substr(0, at));
+    }
+    return name;
+}
+
+struct Row {
+    const char* what;
+    double measured;
+    double must;
+    const char* unit;
+};
+
+void printRow(const Row& row) {
+    const char* verdict = row.measured <= row.must ? "ok" : "FAIL";
+    std::printf("| %-66s | %10.3g %-5s | %8.3g | %s |\n", row.what, row.measured, row.unit, row.must,
+                verdict);
+}
+
+} // namespace
+
+Table::Table() : benchmark::ConsoleReporter(OO_Tabular) {}
+
+void Table::ReportRuns(const std::vector<Run>& runs) {
+    for (const Run& run : runs) {
+        const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+        if (run.error_occurred || !(median || run.repetitions <= 1))
+            continue;
+        Result& result = _results[baseName(run.benchmark_name())];
+        result.nanoseconds =
+            run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
+        for (const auto& counter : run.counters)
+            result.counters[counter.first] = counter.second.value;
+    }
+    benchmark::ConsoleReporter::ReportRuns(runs);
+}
+
+/// What was not measured counts as infinitely slow.
+double Table::time(const std::string& name) const {
+    const auto found = _results.find(name);
+    const bool known = found != _results.end() && found->second.nanoseconds > 0.0;
+    return known ? found->second.nanoseconds : std::numeric_limits<double>::infinity();
+}
+
+double Table::counter(const std::string& name, const std::string& counter) const {
+    const auto found = _results.find(name);
+    if (found == _results.end() || found->second.counters.count(counter) == 0)
+        return std::numeric_limits<double>::infinity();
+    return found->second.counters.at(counter);
+}
+
+bool Table::print() const {
+    const double reference = time("referenceSegment");
+    const auto ratio = [&](const char* name) { return time(name) / reference; };
+    const double drift = std::fabs(time("loopTenPlaying/100000") / time("loopTenPlaying/100") - 1.0);
+    const double destroyed = time("destroyClip/100000");
+    const std::vector<Row> rows = {
+        {"sample one curve, random frames, 16 keys", ratio("sampleRandom/16"), 1.3, "x ref"},
+        {"sample one curve, random frames, 128 keys", ratio("sampleRandom/128"), 1.3, "x ref"},
+        {"sample one curve, random frames, 1 024 keys", ratio("sampleRandom/1024"), 1.3, "x ref"},
+        {"sample one curve, random frames, 100 000 keys", ratio("sampleRandom/100000"), 2.0, "x ref"},
+        {"sample one curve, frames in order, 16 keys", ratio("sampleInOrder/16"), 1.1, "x ref"},
+        {"sample one curve, frames in order, 1 024 keys", ratio("sampleInOrder/1024"), 1.1, "x ref"},
+        {"evaluateObject, 10 000 curves, all values change, per curve", ratio("evaluateChanging") / Curves,
+         1.6, "x ref"},
+        {"evaluateObject, 10 000 curves, no value changes, per curve", ratio("evaluateHeld") / Curves, 0.5,
+         "x ref"},
+        {"loop(), 10 playing: 100 000 registered against 100, difference", drift, 0.2, "x"},
+        {"build by addObject, ascending: 100 000 keys against 10 000",
+         time("buildAscending/100000") / time("buildAscending/10000"), 15.0, "x"},
+        {"build by addObject, shuffled: 100 000 keys against 10 000",
+         time("buildShuffled/100000") / time("buildShuffled/10000"), 15.0, "x"},
+        {"drag one selected key of 100 000", time("dragOneOf100000") / Micro, 1000.0, "us"},
+        {"add and remove a curve in a clip of 100 000 curves", time("addAndRemoveCurve") / Micro, 1000.0,
+         "us"},
+        {"destroy a clip of 100 000 curves of 10 keys, per object", destroyed / DestroyedObjects / Micro, 1.0,
+         "us"},
+        {"the same: 100 000 curves against 10 000", destroyed / time("destroyClip/10000"), 15.0, "x"},
+        {"load a million elements against bare setContent, time",
+         time("loadDocument") / time("bareSetContent"), 1.0, "x"},
+        {"the same, peak memory", counter("loadDocument", "MB") / counter("bareSetContent", "MB"), 0.5, "x"},
+        {"save it against loading it, time", time("saveDocument") / time("loadDocument"), 1.0, "x"},
+        {"memory per key, handles and registry included", counter("memoryPerKey", "bytes"), 600.0, "bytes"},
+        {"getObject(id) among a million", time("findAmongAMillion"), 50.0, "ns"},
+    };
+    std::printf("\nreference segment: %.1f ns a sample\n\n", reference);
+    std::printf("| %-66s | %-16s | %-8s |    |\n|---|---|---|---|\n", "what", "measured", "must <=");
+    bool holds = true;
+    for (const Row& row : rows) {
+        printRow(row);
+        holds = holds && row.measured <= row.must;
+    }
+    return holds;
+}

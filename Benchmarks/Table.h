@@ -1,0 +1,27 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <map>
+#include <string>
+
+/// Collects the medians of a run and sets them against what each operation must not exceed.
+class Table : public benchmark::ConsoleReporter {
+  public:
+    Table();
+
+    void ReportRuns(const std::vector<Run>& runs) override;
+
+    /// Prints one row per rule. @return whether every row holds.
+    bool print() const;
+
+  private:
+    struct Result {
+        double nanoseconds = 0.0; ///< per iteration
+        std::map<std::string, double> counters;
+    };
+
+    double time(const std::string& name) const;
+    double counter(const std::string& name, const std::string& counter) const;
+
+    std::map<std::string, Result> _results;
+};
