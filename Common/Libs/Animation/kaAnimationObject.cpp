@@ -32,17 +32,12 @@ kaAnimationObject* find(kaUID id) {
     return kaAnimationManager::the()->getObject(id);
 }
 
-/// Takes from `ids` those that stand in `gone`, up to the first shared id that is 0.
+/// Takes from `ids` those that stand in `gone`, up to the first shared id that is 0. Ids ascend, so a shared
+/// 0 comes first and nothing is taken.
 void removeShared(std::set<kaUID>& ids, const std::set<kaUID>& gone) {
-    std::vector<kaUID> shared;
-    for (kaUID id : gone) {
-        if (ids.count(id) == 0)
-            continue;
-        if (id == 0)
-            break;
-        shared.push_back(id);
-    }
-    for (kaUID id : shared)
+    if (ids.empty() || (gone.count(0) > 0 && ids.count(0) > 0))
+        return;
+    for (kaUID id : gone)
         ids.erase(id);
 }
 
@@ -92,7 +87,7 @@ kaAnimationObject::kaAnimationObject()
 kaAnimationObject::~kaAnimationObject() {
     destroyChildren();
     if (_home)
-        _home->list->childLost();
+        _home->list->childLost(*this);
     if (kaAnimationManager::isAlive()) {
         if (_registered)
             kaAnimationManager::the()->registry().drop(*this);
@@ -102,15 +97,14 @@ kaAnimationObject::~kaAnimationObject() {
     kaAliveGuard::forget(*this);
 }
 
-/// Children that stand in this object's list alone are let go first, so that none of them looks for its place
-/// in a list that is about to end.
+/// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
+/// to end. Allocates nothing: destruction cannot fail.
 void kaAnimationObject::destroyChildren() {
     if (!_group || _group->children.empty() || !kaAnimationManager::isAlive())
         return;
-    const std::vector<kaUID> ids = _group->children.ids();
-    _group->children.release();
-    for (kaUID id : ids) {
-        kaAnimationObject* child = find(id);
+    _group->children.beginTaking();
+    while (!_group->children.empty()) {
+        kaAnimationObject* child = find(_group->children.takeNext());
         if (child && child != this)
             kaAnimationManager::the()->destroyObject(child);
     }
@@ -203,7 +197,7 @@ void kaAnimationObject::setId(kaUID id) {
     if (id == _id)
         return;
     if (_home)
-        _home->list->childLost();
+        _home->list->childLost(*this);
     if (_ownChild)
         children(); // keeps the former id as its only child
     _id = id;
@@ -400,7 +394,7 @@ void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaU
     if (operation == MOVE_OBJECT || (curves.empty() && sequences.empty()))
         return;
     Group& owned = group();
-    if (operation == ADD_OBJECT) {
+    if (operation == ADD_OBJECT && &curves != &owned.curves) {
         owned.curves.insert(curves.begin(), curves.end());
         owned.sequences.insert(sequences.begin(), sequences.end());
     } else if (operation == SUB_OBJECT) {
@@ -428,7 +422,15 @@ void climb(kaAnimationObject& object, bool recursive, Step&& step) {
 void kaAnimationObject::updateBy(kaAnimationObject* child, Operation operation, bool recursive) {
     if (!child)
         return;
-    takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
+    if (child != this || operation != SUB_OBJECT) {
+        takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
+        return;
+    }
+    // An object that stands for its own child (a curve that lost its last key) loses the very ids that its
+    // ancestors are to lose, so these are kept aside.
+    const std::set<kaUID> curves = getCurveIDs();
+    const std::set<kaUID> sequences = getSequenceIDs();
+    takeInUpwards(curves, sequences, operation, recursive);
 }
 
 void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation operation, bool recursive) {
@@ -439,10 +441,8 @@ void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation opera
                   operation, recursive);
 }
 
-/// The ids are taken by value: an object may stand for its own child (a curve that lost its last key), and
-/// then its own sets lose the very ids that the ancestors are to lose.
-void kaAnimationObject::takeInUpwards(std::set<kaUID> curves, std::set<kaUID> sequences, Operation operation,
-                                      bool recursive) {
+void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
+                                      Operation operation, bool recursive) {
     climb(*this, recursive, [&](kaAnimationObject& level) {
         level.takeIn(curves, sequences, operation);
         if (level._group)

@@ -266,7 +266,7 @@ class KA_ANIMATION_API kaAnimationObject {
     const std::vector<kaAnimationCurve2D*>& resolvedCurves() const;
 
     void takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation);
-    void takeInUpwards(std::set<kaUID> curves, std::set<kaUID> sequences, Operation operation,
+    void takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation,
                        bool recursive);
     void destroyChildren();
 

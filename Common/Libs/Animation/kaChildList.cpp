@@ -131,8 +131,36 @@ void kaChildList::becomeLiteral() {
     _mirrored = false;
 }
 
-void kaChildList::childLost() {
-    becomeLiteral();
+void kaChildList::childLost(kaAnimationObject& child) {
+    if (!_ending) {
+        becomeLiteral();
+        return;
+    }
+    const Place place = find(child);
+    eraseEntry(*_chunks[place.chunk], place.index);
+    --_size;
+}
+
+void kaChildList::beginTaking() {
+    _ending = true;
+    std::reverse(_ids.begin(), _ids.end());
+    std::reverse(_chunks.begin(), _chunks.end());
+    renumber(0);
+    for (const auto& chunk : _chunks)
+        std::reverse(chunk->entries.begin(), chunk->entries.end());
+}
+
+kaUID kaChildList::takeNext() {
+    --_size;
+    if (!_mirrored) {
+        const kaUID id = _ids.back();
+        _ids.pop_back();
+        return id;
+    }
+    kaChildChunk& chunk = *_chunks.back();
+    const kaUID id = chunk.entries.back().object->getId();
+    eraseEntry(chunk, chunk.entries.size() - 1);
+    return id;
 }
 
 // Chunks.
@@ -245,6 +273,8 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
 // What the children tell.
 
 void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
+    if (_ending)
+        return;
     ++_revision;
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];

@@ -60,6 +60,11 @@ class kaChildList {
     /// Lets go of all children, which no longer know this list; the list is empty then.
     void release();
 
+    /// Taking all children out one by one, in list order, without allocating: for an owner that is being
+    /// destroyed. From `beginTaking` on the list answers nothing but `empty`.
+    void beginTaking();
+    kaUID takeNext();
+
     /// Stable sort by begin; ids that the registry does not know keep their relative order as a list merge
     /// leaves them. Cost: nothing when in order, O(log n + ChunkSize) per child appended since, else O(n log
     /// n).
@@ -124,7 +129,7 @@ class kaChildList {
     /// A mirrored child has changed.
     void childChanged(kaChildChunk& chunk, kaAnimationObject& child);
     /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.
-    void childLost();
+    void childLost(kaAnimationObject& child);
 
   private:
     enum class Order {
@@ -181,5 +186,6 @@ class kaChildList {
     kaExtent _extent;
     bool _extentValid = true;
     bool _mirrored = true;
+    bool _ending = false; ///< `beginTaking` was called
     Order _order = Order::Sorted;
 };

@@ -30,7 +30,7 @@ void kaObjectRegistry::erase(kaUID id) {
         return;
     kaAnimationObject& object = *found->second;
     if (object._home)
-        object._home->list->childLost();
+        object._home->list->childLost(object);
     object._registered = false;
     _index.erase(found);
     if (object.getTypeID() == KA_TYPE_POINT)
