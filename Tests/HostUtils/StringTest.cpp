@@ -106,6 +106,12 @@ TEST(TextFromNumbers, IsShortAndPartedByOneSpace) {
     EXPECT_EQ(kaString::createStringFromValues({INF, -INF}), "inf -inf");
 }
 
+TEST(TextFromNumbers, WritesWholeNumbersWithoutExponent) {
+    EXPECT_EQ(kaString::createStringFromValues({100000, -20000000}), "100000 -20000000");
+    EXPECT_EQ(kaString::createStringFromValues({4294967296.0F}), "4294967296");
+    EXPECT_EQ(kaString::createStringFromValues({1e20F}), "1e+20");
+}
+
 TEST(TextFromNumbers, ReadsBackBitForBit) {
     std::mt19937 random(1); // fixed: the same numbers on every run
     Values values{0.0F,         -0.0F,       FLT_MAX,      -FLT_MAX, FLT_MIN,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <optional>
 #include <system_error>
@@ -77,14 +78,19 @@ std::vector<float> kaString::getValuesFromString(std::string_view text) {
 }
 
 std::string kaString::createStringFromValues(const std::vector<float>& values) {
-    // The longest shortest form of a float, "-1.17549435e-38", has 15 characters.
+    // Scene fields of whole numbers read digits only: "1e+05" would be 1 to them.
+    constexpr float INTEGER_LIMIT = 9223372036854775808.0F;
+    // The longest forms, "-1.17549435e-38" and a sign with 19 digits, fit.
     std::array<char, 24> word{};
     std::string text;
     for (const float value : values) {
         if (!text.empty()) {
             text += ' ';
         }
-        const auto end = std::to_chars(word.data(), word.data() + word.size(), value).ptr;
+        char* const limit = word.data() + word.size();
+        const bool isWhole = std::abs(value) < INTEGER_LIMIT && std::trunc(value) == value;
+        const auto end = isWhole ? std::to_chars(word.data(), limit, value, std::chars_format::fixed).ptr
+                                 : std::to_chars(word.data(), limit, value).ptr;
         text.append(word.data(), end);
     }
     return text;

@@ -23,7 +23,7 @@ namespace kaString {
 KA_HOSTUTILS_API std::vector<float> getValuesFromString(std::string_view text);
 
 /// The text of `values`, parted by one space: for each the shortest decimal that reads back as the same
-/// float.
+/// float, whole numbers within 64 bits in digits alone.
 ///
 /// Edges:  an empty list gives an empty text; NaN is written "nan" or "-nan", the infinities "inf" and
 /// "-inf".
