@@ -38,6 +38,9 @@ class KA_ANIMATION_API kaAnimationUtils {
 
     // Fields.
 
+    /// The attribute under the name that fields carry: "translateX" and "rotateX" are older spellings of
+    /// "translationX" and "rotationX", likewise for Y and Z; other names come back as they are.
+    static std::string fullAttributeName(const std::string& attribute);
     /// Derives a field record's addressing from a node and an attribute as the host spells it. All outputs
     /// stay unchanged when `nodeID` is no node or `input` is empty. Kept exactly: the name is cut by the
     /// length of `input`, so that "translateX" gives the attribute "translationX" and the name "translati".
@@ -62,13 +65,19 @@ class KA_ANIMATION_API kaAnimationUtils {
     static osg::AttachmentPtr getAnimationAttachment(const osg::NodePtr& node);
     /// The node's `osg::AnimationAttachment` of the older format, or null.
     static osg::AttachmentPtr getOldAnimationAttachment(const osg::NodePtr& node);
-    /// The node's attachment, made when missing; a newly made one gets the node's fields with `createFields`.
+    /// The node's attachment, made and announced when missing; a newly made one gets the node's fields with
+    /// `createFields`. Null for a null node, and where the host took node or attachment away in answer to the
+    /// announcement.
     static osg::AttachmentPtr createAnimationAttachment(osg::NodePtr node, bool createFields);
+    /// The registered objects (fields) that the node lists, in list order; nothing is created.
     static std::vector<kaAnimationObject*> getAnimationObjects(const osg::NodePtr& node);
     static std::vector<kaAnimationField*> getAnimationFields(const osg::NodePtr& node);
-    /// Lists the object on the node, unchecked for repeats; a block takes over the listing of its curves.
+    /// Lists the object on the node, unchecked for repeats, making attachment and fields where the node has
+    /// none; for a block the first listing of each of its curves goes.
+    /// @return false for null, and where the host freed the object in answer to the attachment's
+    /// announcement. Cost: O(n log c) for n listed objects and the c curves of a block, else O(1).
     static bool addAnimationObject(const osg::NodePtr& node, kaAnimationObject* object);
-    /// Removes the first listing of the object. @return whether there was one.
+    /// Removes the first listing of the object; the host is not called. @return whether there was one.
     static bool subAnimationObject(const osg::NodePtr& node, kaAnimationObject* object);
     /// Detaches the attachment and announces the change. @return whether there was one.
     static bool removeAnimationAttachment(osg::NodePtr node);

@@ -1,0 +1,29 @@
+#include "kaSceneAccess.h"
+
+#include <OpenSG/OSGChangeList.h>
+#include <OpenSG/OSGFieldContainerFactory.h>
+#include <OpenSG/OSGMaterial.h>
+#include <OpenSG/OSGMaterialGroup.h>
+#include <OpenSG/OSGThread.h>
+
+osg::FieldContainerPtr kaSceneAccess::findContainer(kaUID id) {
+    return osg::FieldContainerFactory::the()->getContainer(static_cast<osg::UInt32>(id));
+}
+
+osg::NodeCorePtr kaSceneAccess::coreOf(const osg::NodePtr& node) {
+    return node != osg::NullFC ? node->getCore() : osg::NodeCorePtr();
+}
+
+osg::FieldContainerPtr kaSceneAccess::materialOf(const osg::NodeCorePtr& core) {
+    const osg::MaterialGroupPtr group = osg::MaterialGroupPtr::dcast(core);
+    return group != osg::NullFC ? osg::FieldContainerPtr(group->getMaterial()) : osg::FieldContainerPtr();
+}
+
+osg::AnimAttachmentPtr kaSceneAccess::attachmentOf(const osg::NodePtr& node) {
+    return osg::AnimAttachmentPtr::dcast(kaAnimationUtils::getAnimationAttachment(node));
+}
+
+void kaSceneAccess::recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) {
+    if (osg::ChangeList* changes = osg::PThreadBase::getCurrentChangeList())
+        changes->addChanged(container, mask);
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "kaAliveGuard.h"
+#include "kaAnimationTypes.h"
+#include "kaAnimationUtils.h"
+
+#include <OpenSG/OSGAnimAttachment.h>
+#include <OpenSG/OSGFieldContainerPtr.h>
+#include <OpenSG/OSGFieldContainerType.h>
+#include <OpenSG/OSGNode.h>
+#include <OpenSG/OSGNodeCore.h>
+
+/// How the module finds its way from a scene node (`kaSceneNodes`) to what hangs on it. Inside the module
+/// only.
+namespace kaSceneAccess {
+
+/// The container with that id, of which the low 32 bits count; null when there is none (any more).
+osg::FieldContainerPtr findContainer(kaUID id);
+
+/// The node's core; null for a null node or one without.
+osg::NodeCorePtr coreOf(const osg::NodePtr& node);
+
+/// The material that a material group holds; null for other cores and for a group without material.
+osg::FieldContainerPtr materialOf(const osg::NodeCorePtr& core);
+
+/// The node's animation attachment; null for a null node or one without.
+osg::AnimAttachmentPtr attachmentOf(const osg::NodePtr& node);
+
+/// Records an edit of an attachment's id lists in the current change list. The container's own notification
+/// is left out: objects leave their node's list in the middle of being destroyed, where the host must not be
+/// called.
+void recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask);
+
+/// Whether the container's own type is of the group of `Reference`: types that share the group count, derived
+/// types, each of a group of its own unless they say otherwise, do not.
+template <class Reference>
+bool isOfGroup(const osg::FieldContainerPtr& container) {
+    return container->getType().getGroupId() == Reference::getClassType().getGroupId();
+}
+
+/// Whether the container's type or one of its ancestors is of the group of `Reference`.
+template <class Reference>
+bool isKindOf(const osg::FieldContainerPtr& container) {
+    const osg::FieldContainerType* type = &container->getType();
+    while (type && type->getGroupId() != Reference::getClassType().getGroupId())
+        type = type->getParent();
+    return type != nullptr;
+}
+
+/// Lists an object on a node, if there is one. @return the object, or null when the host freed it in answer
+/// to the announcement of a new attachment.
+template <class Object>
+Object* listedOn(const osg::NodePtr& node, Object* object) {
+    const kaAliveGuard alive(*object);
+    kaAnimationUtils::addAnimationObject(node, object);
+    return alive ? object : nullptr;
+}
+
+} // namespace kaSceneAccess
