@@ -1,0 +1,135 @@
+#include "Builders.h"
+#include "RegistryFixture.h"
+#include "Rig.h"
+#include "TestScene.h"
+#include "kaAnimationUtils.h"
+
+#include <OpenSG/OSGGroup.h>
+
+namespace {
+
+using namespace binding_test;
+using ka_test::TestScene;
+using Units = std::vector<kaAnimationUnit*>;
+using Curves = std::vector<kaAnimationCurve2D*>;
+using Fields = std::vector<kaAnimationField*>;
+
+class SceneQuery : public ka_test::RegistryFixture {
+  protected:
+    kaAnimationManager& manager = *kaAnimationManager::the();
+};
+
+TEST_F(SceneQuery, RootIsKeptUntilItIsSetToNullOrDestroyed) {
+    EXPECT_EQ(kaAnimationManager::getSceneRootNode(), osg::NullFC);
+    {
+        const TestScene scene;
+        kaAnimationManager::setSceneRootNode(scene.root());
+        EXPECT_EQ(kaAnimationManager::getSceneRootNode(), scene.root());
+    }
+    EXPECT_EQ(kaAnimationManager::getSceneRootNode(), osg::NullFC);
+    manager.checkUniqueAttributes();
+    manager.completeAnimationFieldNodes();
+    manager.changeAnimAttachmentIDs(1, 2);
+
+    const TestScene scene;
+    kaAnimationManager::setSceneRootNode(scene.root());
+    kaAnimationManager::setSceneRootNode(osg::NullFC);
+    EXPECT_EQ(kaAnimationManager::getSceneRootNode(), osg::NullFC);
+}
+
+TEST_F(SceneQuery, UnitsAreTheTopLevelOnesInOrderOfTheirIds) {
+    kaAnimationUnit* late = manager.createUnit(30);
+    kaAnimationUnit* early = manager.createUnit(10);
+    kaAnimationUnit* hidden = manager.createUnit(20);
+    hidden->setInternal(true);
+    kaAnimationUnit* onTrack = manager.createUnit(40);
+    ka_test::makeTrack({onTrack});
+    kaAnimationUnit* orphan = manager.createUnit(50);
+    orphan->setParent(987654321);
+    EXPECT_EQ(manager.getSceneUnits(), (Units{early, late, orphan}));
+
+    early->setActive(false);
+    hidden->setActive(true);
+    EXPECT_EQ(manager.getActiveSceneUnits(), (Units{late, orphan}));
+}
+
+TEST_F(SceneQuery, StripsAreTheTopLevelOnesInOrderOfTheirIds) {
+    kaAnimationStrip* late = manager.createStrip(30);
+    kaAnimationStrip* early = manager.createStrip(10);
+    kaAnimationStrip* inner = manager.createStrip(20);
+    late->addObject(inner);
+    manager.createStrip(5)->setInternal(true);
+    EXPECT_EQ(manager.getSceneStrips(), (std::vector<kaAnimationStrip*>{early, late}));
+}
+
+TEST_F(SceneQuery, ReferencedFieldsComeOncePerCurve) {
+    kaAnimationField* field = manager.createField(7);
+    field->fcID = 77;
+    kaAnimationField* other = manager.createField(8);
+    other->fcID = 78;
+    manager.createCurve2D(field, "a", 30, false);
+    manager.createCurve2D(other, "b", 20, false);
+    manager.createCurve2D(field, "c", 10, false);
+    manager.createCurve2D(nullptr, "d", 40, false);
+    EXPECT_EQ(manager.getReferencedFields(77), (Fields{field, field}));
+    EXPECT_EQ(manager.getReferencedFields(78), (Fields{other}));
+    EXPECT_TRUE(manager.getReferencedFields(79).empty());
+}
+
+TEST_F(SceneQuery, ReferencedCurvesComeInOrderOfTheirIds) {
+    kaAnimationField* field = manager.createField(7);
+    kaAnimationCurve2D* late = manager.createCurve2D(field, "a", 30, false);
+    manager.createCurve2D(0);
+    kaAnimationCurve2D* early = manager.createCurve2D(field, "b", 10, false);
+    EXPECT_EQ(manager.getReferencedCurves(7), (Curves{early, late}));
+    EXPECT_TRUE(manager.getReferencedCurves(0).empty());
+    manager.createCurve2D(nullptr, "unbound", 0, false);
+    EXPECT_TRUE(manager.getReferencedCurves(0).empty());
+    manager.destroyField(field);
+    EXPECT_TRUE(manager.getReferencedCurves(7).empty()) << "the field is not registered";
+}
+
+TEST_F(SceneQuery, FieldsOfANodeAreMadeOnDemand) {
+    TestScene scene;
+    const osg::NodePtr node = scene.add<osg::Group>("group");
+    const Fields fields = manager.getAnimationFields(node);
+    EXPECT_EQ(attributesOf(fields), (std::vector<std::string>{"visible"}));
+    EXPECT_EQ(manager.getAnimationFields(node), fields);
+    EXPECT_TRUE(manager.getAnimationFields(osg::NullFC).empty());
+    const osg::NodePtr bare = scene.addNode("bare", osg::NullFC);
+    EXPECT_TRUE(manager.getAnimationFields(bare).empty());
+    EXPECT_EQ(kaAnimationUtils::getAnimationAttachment(bare), osg::NullFC);
+}
+
+TEST_F(SceneQuery, AnAttachmentWithoutFieldsIsLeftWithoutFields) {
+    TestScene scene;
+    const osg::NodePtr node = scene.add<osg::Group>("group");
+    kaAnimationUtils::createAnimationAttachment(node, false);
+    EXPECT_TRUE(manager.getAnimationFields(node).empty());
+}
+
+TEST_F(SceneQuery, OneUnitOfANodeCanBeTheOnlyActiveOne) {
+    TestScene scene;
+    const osg::NodePtr node = scene.addTransform("arm");
+    kaAnimationUnit* chosen = manager.createUnit(10);
+    kaAnimationUnit* other = manager.createUnit(20);
+    kaAnimationUnit* elsewhere = manager.createUnit(30);
+    kaAnimationCurve2D* curve = manager.createCurve2D(40);
+    for (kaAnimationObject* object : std::vector<kaAnimationObject*>{chosen, other, curve})
+        kaAnimationUtils::addAnimationObject(node, object);
+    chosen->setNodeID(node.getFieldContainerId());
+    chosen->setActive(false);
+    manager.setExclusiveActiveNodeUnit(chosen);
+    EXPECT_FALSE(chosen->isActive()) << "its own flag is not touched";
+    EXPECT_FALSE(other->isActive());
+    EXPECT_TRUE(elsewhere->isActive());
+    EXPECT_TRUE(curve->isActive());
+
+    other->setActive(true);
+    chosen->setNodeID(0);
+    manager.setExclusiveActiveNodeUnit(chosen);
+    manager.setExclusiveActiveNodeUnit(nullptr);
+    EXPECT_TRUE(other->isActive());
+}
+
+} // namespace
