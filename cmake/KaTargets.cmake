@@ -49,6 +49,7 @@ function(ka_add_library target)
   add_library(${target} SHARED ${arg_SOURCES})
   add_library(ka::${arg_EXPORT} ALIAS ${target})
   ka_target_defaults(${target})
+  target_compile_features(${target} PUBLIC cxx_std_17)
   target_sources(${target} PUBLIC
     FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/${arg_HEADER_BASE} FILES ${arg_HEADERS})
   set_target_properties(${target} PROPERTIES
