@@ -24,7 +24,28 @@ demo: build-release ## import a real motion, play it and draw it into out/
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release test-sanitize ## build and run all tests, optimised and then under the sanitizers
+test: test-release test-sanitize programme ## build and run all tests, optimised and under the sanitizers, then fuzz
+
+# Seconds for each fuzzer; two run at a time.
+FUZZ_SECONDS ?= 60
+.PHONY: programme torture
+programme: build-sanitize
+	scripts/programme.sh build/sanitize $(FUZZ_SECONDS)
+
+# Minutes for each fuzzer; two run at a time.
+FUZZ_MINUTES ?= 60
+torture: build-sanitize build-release ## the hardening programme at length: FUZZ_MINUTES=60 a fuzzer
+	scripts/torture.sh build/sanitize build/release $(FUZZ_MINUTES)
+
+.PHONY: bench
+bench: build-release ## measure the hot operations as ratios to a plain reference, into out/bench.json
+	mkdir -p $(OUT)
+	build/release/bin/ka-bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+		--benchmark_out=$(OUT)/bench.json --benchmark_out_format=json
+
+.PHONY: docs
+docs: setup-docs build-release ## API pages into out/docs/, and the pictures of the pages in Docs/
+	scripts/docs.sh build/release $(OUT)
 
 .PHONY: format check-format
 format: setup-lint ## lay out every source file with clang-format

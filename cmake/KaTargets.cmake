@@ -15,6 +15,7 @@ endif()
 
 option(KA_SANITIZE "Address and undefined-behaviour sanitizers, float casts included (clang)" OFF)
 option(KA_RELOCATABLE "Installed programs and libraries find each other wherever the prefix is moved" ON)
+option(KA_FUZZ "Build the fuzzers and let the libraries guide them (clang)" OFF)
 option(KA_COVERAGE "Line and branch coverage (g++)" OFF)
 
 find_program(KA_CCACHE ccache)
@@ -33,6 +34,9 @@ function(ka_target_defaults target)
     target_compile_options(${target} PRIVATE
       -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=address,undefined,float-cast-overflow)
+  endif()
+  if(KA_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
   if(KA_COVERAGE)
     target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)

@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Saving under bad conditions: whatever goes wrong, the old file stays and the exit code says so.
+# usage: writers.sh KA_ANIM
+set -euo pipefail
+
+ka_anim=$1
+model=/usr/share/assimp/models/BVH/Boxing_Toes.bvh
+work=$(mktemp -d)
+full=$work/full
+trap 'umount "$full" 2>/dev/null || true; rm -rf "$work"' EXIT
+
+fail() {
+    echo "writers: $1" >&2
+    exit 1
+}
+
+# save INTO: imports the model to INTO/scene.osg and INTO/animation.xml
+save() {
+    "$ka_anim" import "$model" -o "$1/scene.osg" --animation "$1/animation.xml" >/dev/null 2>"$work/message"
+}
+
+# expect_kept FOLDER: the animation document is byte for byte the old one, and no temporary is left
+expect_kept() {
+    cmp -s "$1/animation.xml" "$work/old.xml" || fail "the old document is gone after: $2"
+    [ "$(find "$1" -name '.ka-*.tmp' | wc -l)" -eq 0 ] || fail "a temporary file is left after: $2"
+}
+
+# expect_failure FOLDER WHAT: saving fails with exit code 4 and one line, and costs nothing
+expect_failure() {
+    local status=0
+    save "$1" || status=$?
+    [ "$status" -eq 4 ] || fail "$2: exit code $status instead of 4"
+    [ "$(grep -c . "$work/message")" -ge 1 ] || fail "$2: no message"
+    expect_kept "$1" "$2"
+}
+
+mkdir "$work/good"
+save "$work/good"
+printf '<!DOCTYPE ORVA>\n<AnimationPool objects="0"/>\n' >"$work/old.xml"
+
+# A limit on the size of files.
+mkdir "$work/limit"
+cp "$work/old.xml" "$work/limit/animation.xml"
+(
+    trap '' XFSZ
+    ulimit -f 8
+    expect_failure "$work/limit" "a limit on file sizes"
+)
+
+if [ "$(id -u)" -eq 0 ]; then
+    # A full disk and a folder that can only be read, on file systems of their own.
+    mkdir "$full"
+    mount -t tmpfs -o size=64k tmpfs "$full"
+    cp "$work/old.xml" "$full/animation.xml"
+    expect_failure "$full" "a full disk"
+    mount -o remount,ro "$full"
+    expect_failure "$full" "a read-only folder"
+else
+    echo "writers: the full disk and the read-only folder need root; passed over" >&2
+fi
+
+# Killed while it saves: the document is the old one or the new one, never half of one.
+mkdir "$work/killed"
+cp "$work/old.xml" "$work/killed/animation.xml"
+for i in $(seq 50); do
+    save "$work/killed" &
+    child=$!
+    sleep "0.$(printf '%03d' $((i * 17 % 400)))"
+    kill -9 "$child" 2>/dev/null || true
+    wait "$child" 2>/dev/null || true
+    cmp -s "$work/killed/animation.xml" "$work/old.xml" ||
+        cmp -s <(wc -l <"$work/killed/animation.xml") <(wc -l <"$work/good/animation.xml") ||
+        fail "half a document after a kill"
+    rm -f "$work/killed"/.ka-*.tmp
+done
+echo "writers: every failure was told, nothing was lost"
