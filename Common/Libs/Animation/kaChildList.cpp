@@ -362,14 +362,36 @@ void kaChildList::sortAll() {
     rebuild(entries);
 }
 
-/// The comparator is partial where ids are unknown, so what comes out depends on the merge: that of a list.
+/// Where an id is unknown or a begin is no number the comparator is partial, and what comes out depends on
+/// the merge: that of a list.
 void kaChildList::sortLiterally() {
-    std::list<kaUID> sorted(_ids.begin(), _ids.end());
-    sorted.sort(&kaAnimationObject::compareObjectsByBegin);
-    _ids.assign(sorted.begin(), sorted.end());
+    if (!sortKnown()) {
+        std::list<kaUID> sorted(_ids.begin(), _ids.end());
+        sorted.sort(&kaAnimationObject::compareObjectsByBegin);
+        _ids.assign(sorted.begin(), sorted.end());
+    }
     ++_revision;
     if (tryMirror())
         sort();
+}
+
+/// @return false, with nothing changed, when not every id is known with a begin that is a number.
+bool kaChildList::sortKnown() {
+    using Begin = std::pair<float, kaUID>;
+    const auto earlier = [](const Begin& a, const Begin& b) { return a.first < b.first; };
+    std::vector<Begin> begins;
+    begins.reserve(_ids.size());
+    for (kaUID id : _ids) {
+        const kaAnimationObject* object = resolve(id);
+        if (!object || std::isnan(object->getBegin()))
+            return false;
+        begins.emplace_back(object->getBegin(), id);
+    }
+    if (!std::is_sorted(begins.begin(), begins.end(), earlier))
+        std::stable_sort(begins.begin(), begins.end(), earlier);
+    std::transform(begins.begin(), begins.end(), _ids.begin(),
+                   [](const Begin& begin) { return begin.second; });
+    return true;
 }
 
 void kaChildList::rebuild(const std::vector<Entry>& entries) {

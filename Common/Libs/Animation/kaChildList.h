@@ -162,6 +162,7 @@ class kaChildList {
     void sortTail();
     void sortAll();
     void sortLiterally();
+    bool sortKnown();
     void rebuild(const std::vector<Entry>& entries);
     bool tryMirror();
     void becomeLiteral();
