@@ -80,9 +80,13 @@ function(ka_add_program target)
   endif()
 endfunction()
 
-# ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test.
+# ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test. Program and test are
+#   called after the folder: Tests/Core gives ka-test-core.
 function(ka_add_test target)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
-  ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} GTest::gtest GTest::gmock GTest::gtest_main)
-  add_test(NAME ${target} COMMAND ${target})
+  cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME area)
+  string(TOLOWER ka-test-${area} name)
+  ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} ka_test_main)
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name})
+  add_test(NAME ${name} COMMAND ${target})
 endfunction()

@@ -45,7 +45,7 @@ class CommaLocale {
     }
     ~CommaLocale() {
         std::locale::global(_old);
-        std::setlocale(LC_ALL, "C");
+        std::setlocale(LC_ALL, "");
     }
     CommaLocale(const CommaLocale&) = delete;
     CommaLocale& operator=(const CommaLocale&) = delete;

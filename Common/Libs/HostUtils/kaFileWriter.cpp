@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <streambuf>
@@ -14,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t PENDING_LIMIT = 64 * 1024;
+constexpr std::size_t PENDING_LIMIT = std::size_t{64} * 1024;
 constexpr int MAX_NAMES_TRIED = 100;
 
 // A write beyond the process's file size limit kills it by default; here it is to fail like any other.
@@ -51,6 +52,12 @@ int writeAll(int descriptor, std::string_view bytes) {
         bytes.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
     }
     return 0;
+}
+
+// The same words in every locale.
+std::string describe(int code) {
+    const char* words = ::strerrordesc_np(code);
+    return words ? words : "error " + std::to_string(code);
 }
 
 // Short, so that it fits beside a target whose name has the greatest length.
@@ -134,7 +141,8 @@ void kaFileWriter::openTemporary() {
     }
     if (_target->exists()) {
         const struct stat& old = _target->getStatus();
-        // Only a privileged process can keep another owner; the mode comes second, since a new owner may reset it.
+        // Only a privileged process can keep another owner; the mode comes second, since a new owner may
+        // reset it.
         [[maybe_unused]] const int kept = ::fchown(_descriptor, old.st_uid, old.st_gid);
         if (::fchmod(_descriptor, old.st_mode & 0777) != 0) {
             fail(errno);
@@ -210,7 +218,7 @@ void kaFileWriter::cancel() {
 
 bool kaFileWriter::fail(int code) {
     if (_error.empty()) {
-        _error = "cannot write '" + _name + "': " + std::system_category().message(code);
+        _error = "cannot write '" + _name + "': " + describe(code);
     }
     cancel();
     return false;

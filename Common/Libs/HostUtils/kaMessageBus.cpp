@@ -78,6 +78,7 @@ void kaMessageBus::call(std::string_view name, const kaMessage& message, int fla
     const auto deliver = [&](const Listeners& listeners, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
             // A share of its own: the list may move while the callback runs.
+            // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
             const auto listener = listeners[i];
             if (listener->isListening()) {
                 listener->call(name, message, flags);
