@@ -9,7 +9,6 @@
 #include "kaAnimationUnit.h"
 
 #include <QString>
-
 #include <algorithm>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -23,16 +22,16 @@ namespace ka_test {
 namespace {
 
 void put(std::ostream& out, const kaControlPoint2D& point) {
-    out << " at " << point.getPosition()[0] << ' ' << point.getPosition()[1] << " modes " << point.getTangentType()
-        << ' ' << point.getTangentLengthMode();
+    out << " at " << point.getPosition()[0] << ' ' << point.getPosition()[1] << " modes "
+        << point.getTangentType() << ' ' << point.getTangentLengthMode();
     for (const kaControlPoint2D* handle : {point.getInTangent(), point.getOutTangent()})
         if (handle)
             out << " handle " << handle->getPosition()[0] << ' ' << handle->getPosition()[1];
 }
 
 void put(std::ostream& out, const kaAnimationCurve2D& curve) {
-    out << " field " << curve.getField() << " colour " << curve.getColor()[0] << ' ' << curve.getColor()[1] << ' '
-        << curve.getColor()[2];
+    out << " field " << curve.getField() << " colour " << curve.getColor()[0] << ' ' << curve.getColor()[1]
+        << ' ' << curve.getColor()[2];
 }
 
 void put(std::ostream& out, const char* what, const std::set<kaUID>& ids) {
@@ -43,10 +42,10 @@ void put(std::ostream& out, const char* what, const std::set<kaUID>& ids) {
 
 void put(std::ostream& out, const kaAnimationObject& object) {
     out << object.getId() << " type " << object.getTypeID() << " parent " << object.getParent() << " '"
-        << object.getName() << "' " << object.getBegin() << ' ' << object.getEnd() << ' ' << object.getMinimum() << ' '
-        << object.getMaximum() << " flags " << object.isActive() << object.isRepeating() << object.isFlipped()
-        << object.isMotionBlur() << object.isPlaying() << object.isTrimmed() << object.isSelected()
-        << object.isLocked() << " children";
+        << object.getName() << "' " << object.getBegin() << ' ' << object.getEnd() << ' '
+        << object.getMinimum() << ' ' << object.getMaximum() << " flags " << object.isActive()
+        << object.isRepeating() << object.isFlipped() << object.isMotionBlur() << object.isPlaying()
+        << object.isTrimmed() << object.isSelected() << object.isLocked() << " children";
     for (kaUID id : object.getChildIDs())
         out << ' ' << id;
     put(out, "curves", object.getCurveIDs());
@@ -70,13 +69,17 @@ void expectNamedBothWays(const kaAnimationObject& object) {
     const kaAnimationManager* manager = kaAnimationManager::the();
     for (kaUID id : object.getChildIDs()) {
         const kaAnimationObject* child = manager->getObject(id);
-        const bool isListedKey = child && child->getTypeID() == KA_TYPE_POINT && object.getTypeID() <= KA_TYPE_CURVE;
-        if (child && !isListedKey)
+        const bool isListedKey =
+            child && child->getTypeID() == KA_TYPE_POINT && object.getTypeID() <= KA_TYPE_CURVE;
+        if (child && !isListedKey) {
             EXPECT_EQ(child->getParent(), object.getId()) << "of child " << id;
+        }
     }
-    if (const kaAnimationObject* parent = object.getParentObject())
+    const kaAnimationObject* parent = object.getParentObject();
+    if (parent) {
         EXPECT_TRUE(contains(parent->getChildIDs(), object.getId()))
             << parent->getId() << " does not list its child " << object.getId();
+    }
 }
 
 void expectOutsideItself(const kaAnimationObject& object) {
@@ -97,13 +100,15 @@ std::string documentOf(const std::string& elements) {
 std::string pointElement(const std::string& id, float x, float y) {
     std::ostringstream at;
     at << x << ' ' << y;
-    return " <point id=\"" + id + "\" typeID=\"1\" tangentType=\"16\" tangentLengthMode=\"64\"><position>" + at.str() +
-           "</position><inTangent>" + at.str() + "</inTangent><outTangent>" + at.str() + "</outTangent></point>\n";
+    return " <point id=\"" + id + "\" typeID=\"1\" tangentType=\"16\" tangentLengthMode=\"64\"><position>" +
+           at.str() + "</position><inTangent>" + at.str() + "</inTangent><outTangent>" + at.str() +
+           "</outTangent></point>\n";
 }
 
-std::string containerElement(const std::string& tag, int typeID, const std::string& id, const std::string& attributes,
-                             const std::vector<std::string>& references) {
-    std::string element = " <" + tag + " id=\"" + id + "\" typeID=\"" + std::to_string(typeID) + "\" " + attributes + ">";
+std::string containerElement(const std::string& tag, int typeID, const std::string& id,
+                             const std::string& attributes, const std::vector<std::string>& references) {
+    std::string element =
+        " <" + tag + " id=\"" + id + "\" typeID=\"" + std::to_string(typeID) + "\" " + attributes + ">";
     for (const std::string& reference : references)
         element += "<ref id=\"" + reference + "\"/>";
     return element + "</" + tag + ">\n";
@@ -111,8 +116,8 @@ std::string containerElement(const std::string& tag, int typeID, const std::stri
 
 bool load(const std::string& latin1) {
     const CapturedOutput swallowed;
-    return kaAnimationManager::the()->loadAnimations(QString::fromLatin1(latin1.data(), static_cast<int>(latin1.size())),
-                                                     false);
+    return kaAnimationManager::the()->loadAnimations(
+        QString::fromLatin1(latin1.data(), static_cast<int>(latin1.size())), false);
 }
 
 std::string saved() {
@@ -127,7 +132,8 @@ std::string stateOfRegistry() {
     out.precision(9);
     for (const auto& [id, field] : kaAnimationManager::the()->getFields())
         out << id << " field " << field->fcID << ' ' << field->nodeID << " '" << field->name << "' '"
-            << field->attribute << "' " << field->value << ' ' << field->valuePos << ' ' << field->dirty << '\n';
+            << field->attribute << "' " << field->value << ' ' << field->valuePos << ' ' << field->dirty
+            << '\n';
     for (const auto& [id, object] : kaAnimationManager::the()->getObjects()) {
         EXPECT_EQ(id, object->getId());
         put(out, *object);
@@ -140,7 +146,8 @@ std::string withSortedAttributes(const std::string& xml) {
     std::istringstream lines(xml);
     std::string result;
     for (std::string line; std::getline(lines, line); result += line + '\n') {
-        std::vector<std::string> attributes{std::sregex_token_iterator(line.begin(), line.end(), attribute, 1), {}};
+        std::vector<std::string> attributes{
+            std::sregex_token_iterator(line.begin(), line.end(), attribute, 1), {}};
         std::sort(attributes.begin(), attributes.end());
         for (const std::string& text : attributes) {
             const std::size_t at = line.find(' ' + text);

@@ -28,8 +28,8 @@ std::string stateOfRegistry();
 /// The text with the attributes of every tag in alphabetical order.
 std::string withSortedAttributes(const std::string& xml);
 
-/// Fails the test unless parents and children name each other (a key may be listed by curves that it no longer
-/// belongs to), no object contains itself, and every object can be destroyed once.
+/// Fails the test unless parents and children name each other (a key may be listed by curves that it no
+/// longer belongs to), no object contains itself, and every object can be destroyed once.
 void expectSoundRegistry();
 
 /// A file of this folder.

@@ -4,15 +4,14 @@
 #include "kaAnimationManager.h"
 
 #include <QString>
-
 #include <algorithm>
 #include <string>
 #include <vector>
 
 using namespace ka_test;
 
-// elements/ keeps one document for every kind of element, as they were first written, and broken/ one for every kind
-// of damage.
+// elements/ keeps one document for every kind of element, as they were first written, and broken/ one for
+// every kind of damage.
 
 namespace {
 

@@ -9,7 +9,6 @@
 #include "kaAnimationUnit.h"
 
 #include <QDomDocument>
-
 #include <string>
 
 using namespace ka_test;
@@ -36,9 +35,9 @@ void expectAt(const kaControlPoint2D* point, float x, float y) {
 } // namespace
 
 TEST_F(ElementReaders, AField) {
-    const kaAnimationField* field = manager().readFieldDomElement(
-        element("<field id='7' typeID='-1' fcID='412' name='scale' attribute='scaleY' value='2.5' valuePos='1' "
-                "dirty='1'/>"));
+    const kaAnimationField* field = manager().readFieldDomElement(element(
+        "<field id='7' typeID='-1' fcID='412' name='scale' attribute='scaleY' value='2.5' valuePos='1' "
+        "dirty='1'/>"));
     ASSERT_NE(field, nullptr);
     EXPECT_EQ(manager().getField(7), field);
     EXPECT_EQ(field->getId(), 7U);
@@ -115,19 +114,20 @@ struct PlaceRow {
 class PlaceReading : public ElementReaders, public testing::WithParamInterface<PlaceRow> {};
 
 TEST_P(PlaceReading, StopsAtWhatDoesNotParse) {
-    const std::string text = std::string("<point id='11' typeID='1'><position>") + GetParam().text + "</position></point>";
+    const std::string text =
+        std::string("<point id='11' typeID='1'><position>") + GetParam().text + "</position></point>";
     expectAt(manager().readPointDomElement(element(text.c_str())), GetParam().x, GetParam().y);
 }
 
-INSTANTIATE_TEST_SUITE_P(Texts, PlaceReading,
-                         testing::Values(PlaceRow{"two_numbers", "1 2", 1, 2}, PlaceRow{"spaces", "\n 1\t\n2 ", 1, 2},
-                                         PlaceRow{"one_number", "1", 1, 0}, PlaceRow{"none", "", 0, 0},
-                                         PlaceRow{"second_unfit", "1 x", 1, 0}, PlaceRow{"first_unfit", "x 2", 0, 0},
-                                         PlaceRow{"text_between", "1mm 2", 1, 0}, PlaceRow{"comma", "1,5 2", 1, 0},
-                                         PlaceRow{"more_numbers", "1 2 3", 1, 2}, PlaceRow{"not_finite", "nan 2", 0, 0},
-                                         PlaceRow{"second_not_finite", "1 inf", 1, 0},
-                                         PlaceRow{"joined_by_sign", "1-2", 1, -2}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Texts, PlaceReading,
+    testing::Values(PlaceRow{"two_numbers", "1 2", 1, 2}, PlaceRow{"spaces", "\n 1\t\n2 ", 1, 2},
+                    PlaceRow{"one_number", "1", 1, 0}, PlaceRow{"none", "", 0, 0},
+                    PlaceRow{"second_unfit", "1 x", 1, 0}, PlaceRow{"first_unfit", "x 2", 0, 0},
+                    PlaceRow{"text_between", "1mm 2", 1, 0}, PlaceRow{"comma", "1,5 2", 1, 0},
+                    PlaceRow{"more_numbers", "1 2 3", 1, 2}, PlaceRow{"not_finite", "nan 2", 0, 0},
+                    PlaceRow{"second_not_finite", "1 inf", 1, 0}, PlaceRow{"joined_by_sign", "1-2", 1, -2}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(ElementReaders, ACurveWithItsField) {
     kaAnimationField* field = manager().createField(7);
@@ -148,7 +148,8 @@ TEST_F(ElementReaders, ACurveWithItsField) {
 }
 
 TEST_F(ElementReaders, ACurveWithoutItsFieldGetsAnEmptyOneAndAllFlags) {
-    const kaAnimationCurve2D* curve = manager().readCurveDomElement(element("<curve id='21' typeID='2' field='7'/>"));
+    const kaAnimationCurve2D* curve =
+        manager().readCurveDomElement(element("<curve id='21' typeID='2' field='7'/>"));
     EXPECT_EQ(curve->getName(), "");
     EXPECT_NE(curve->getField(), 7U);
     EXPECT_NE(manager().getField(curve->getField()), nullptr);
@@ -159,7 +160,8 @@ TEST_F(ElementReaders, ACurveWithoutItsFieldGetsAnEmptyOneAndAllFlags) {
 }
 
 TEST_F(ElementReaders, ABlockWithoutFlagsHasThemAll) {
-    const kaAnimationUnit* unit = manager().readBlockDomElement(element("<block id='31' typeID='3' name='b'/>"));
+    const kaAnimationUnit* unit =
+        manager().readBlockDomElement(element("<block id='31' typeID='3' name='b'/>"));
     ASSERT_NE(unit, nullptr);
     EXPECT_EQ(manager().getUnit(31), unit);
     EXPECT_EQ(unit->getName(), "b");
@@ -179,8 +181,9 @@ TEST_F(ElementReaders, AFlagIsSetByAnyNumberButZero) {
 }
 
 TEST_F(ElementReaders, ATrackKeepsTheNumberOfItsMaking) {
-    const kaAnimationStreak* streak = manager().readTrackDomElement(
-        element("<track id='41' typeID='4' name='t' number='5' active='1' repeating='0' flipped='0' motionBlur='0'/>"));
+    const kaAnimationStreak* streak =
+        manager().readTrackDomElement(element("<track id='41' typeID='4' name='t' number='5' active='1' "
+                                              "repeating='0' flipped='0' motionBlur='0'/>"));
     ASSERT_NE(streak, nullptr);
     EXPECT_EQ(manager().getStreak(41), streak);
     EXPECT_EQ(streak->getName(), "t");
@@ -209,7 +212,8 @@ TEST_F(ElementReaders, ASequence) {
 }
 
 TEST_F(ElementReaders, ASequencesDefaults) {
-    const kaAnimationSequence* sequence = manager().readSequenceDomElement(element("<field id='61' typeID='6'/>"));
+    const kaAnimationSequence* sequence =
+        manager().readSequenceDomElement(element("<field id='61' typeID='6'/>"));
     EXPECT_EQ(sequence->getName(), "");
     EXPECT_TRUE(sequence->isActive());
     EXPECT_EQ(sequence->getBegin(), 0.0F);
@@ -224,7 +228,8 @@ TEST_F(ElementReaders, AnotherTypeGivesNull) {
     EXPECT_EQ(manager().readBlockDomElement(clip), nullptr);
     EXPECT_EQ(manager().readTrackDomElement(clip), nullptr);
     EXPECT_EQ(manager().readSequenceDomElement(clip), nullptr);
-    EXPECT_EQ(manager().readClipDomElement(element("<clip id='51'/>")), nullptr) << "a missing type counts as -1";
+    EXPECT_EQ(manager().readClipDomElement(element("<clip id='51'/>")), nullptr)
+        << "a missing type counts as -1";
     EXPECT_TRUE(manager().getObjects().empty());
     EXPECT_TRUE(manager().getFields().empty());
 }
@@ -274,7 +279,8 @@ TEST_F(ElementReaders, ChildrenAreFoundByIdWhateverTheirTag) {
     kaAnimationUnit* unit = manager().createUnit("b", 31);
     manager().createCurve2D(nullptr, "c", 21, false);
     manager().createCurve2D(nullptr, "d", 22, false);
-    manager().readChildren(element("<x id='31' typeID='3'><y id='21'/><block id='22'/><z/><block id='99'/></x>"));
+    manager().readChildren(
+        element("<x id='31' typeID='3'><y id='21'/><block id='22'/><z/><block id='99'/></x>"));
     EXPECT_EQ(unit->getChildIDs(), (std::vector<kaUID>{21, 22}));
 }
 
@@ -299,7 +305,8 @@ TEST_F(ElementReaders, ACurveTakesItsFieldColourAndKeys) {
     manager().createPoint2D(25.0F, 1.0F, 12);
     manager().createPoint2D(5.0F, 1.0F, 11);
     manager().createUnit("no key", 31);
-    manager().readChildren(element("<curve id='21' typeID='2' field='7'><p id='12'/><p id='31'/><p id='11'/></curve>"));
+    manager().readChildren(
+        element("<curve id='21' typeID='2' field='7'><p id='12'/><p id='31'/><p id='11'/></curve>"));
     EXPECT_EQ(curve->getField(), 7U);
     EXPECT_FLOAT_EQ(curve->getColor()[2], 0.816F);
     EXPECT_EQ(curve->getChildIDs(), (std::vector<kaUID>{11, 12}));
@@ -316,12 +323,12 @@ TEST_F(ElementReaders, ACurveWithoutReferencesKeepsItsKeys) {
 
 TEST_F(ElementReaders, HandSetHandlesSurviveConnectingAndComputedOnesAreComputed) {
     manager().createCurve2D(nullptr, "c", 21, false);
-    const kaControlPoint2D* user = manager().readPointDomElement(
-        element("<point id='11' typeID='1' tangentType='16'><position>0 0</position><inTangent>-3 1</inTangent>"
-                "<outTangent>3 1</outTangent></point>"));
-    const kaControlPoint2D* flat = manager().readPointDomElement(
-        element("<point id='12' typeID='1' tangentType='2'><position>10 5</position><inTangent>-3 1</inTangent>"
-                "<outTangent>3 1</outTangent></point>"));
+    const kaControlPoint2D* user = manager().readPointDomElement(element(
+        "<point id='11' typeID='1' tangentType='16'><position>0 0</position><inTangent>-3 1</inTangent>"
+        "<outTangent>3 1</outTangent></point>"));
+    const kaControlPoint2D* flat = manager().readPointDomElement(element(
+        "<point id='12' typeID='1' tangentType='2'><position>10 5</position><inTangent>-3 1</inTangent>"
+        "<outTangent>3 1</outTangent></point>"));
     manager().readChildren(element("<curve id='21' typeID='2'><p id='11'/><p id='12'/></curve>"));
     expectAt(user->getInTangent(), -3.0F, 1.0F);
     expectAt(user->getOutTangent(), 3.0F, 1.0F);

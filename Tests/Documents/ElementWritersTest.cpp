@@ -9,7 +9,6 @@
 #include "kaAnimationUnit.h"
 
 #include <QDomDocument>
-
 #include <limits>
 #include <string>
 
@@ -46,8 +45,9 @@ TEST_F(ElementWriters, AField) {
     field->value = 0.1F;
     field->valuePos = 2;
     EXPECT_EQ(textOf(manager().createFieldDomElement(_document, field)),
-              withSortedAttributes("<field id=\"7\" typeID=\"-1\" fcID=\"18446744073709551615\" name=\"translation\" "
-                                   "attribute=\"translationX\" value=\"0.1\" valuePos=\"2\" dirty=\"1\"/>\n"));
+              withSortedAttributes(
+                  "<field id=\"7\" typeID=\"-1\" fcID=\"18446744073709551615\" name=\"translation\" "
+                  "attribute=\"translationX\" value=\"0.1\" valuePos=\"2\" dirty=\"1\"/>\n"));
 }
 
 TEST_F(ElementWriters, APointsCoordinatesHaveSixDecimals) {
@@ -56,12 +56,13 @@ TEST_F(ElementWriters, APointsCoordinatesHaveSixDecimals) {
     point->getOutTangent()->setPosition(0.0F, 2.0F);
     point->setTangentType(kaControlPoint2D::TANGENT_USER);
     point->setTangentLengthMode(kaControlPoint2D::LENGTH_FIXED);
-    EXPECT_EQ(textOf(manager().createPointDomElement(_document, point)),
-              withSortedAttributes("<point id=\"11\" typeID=\"1\" tangentType=\"16\" tangentLengthMode=\"32\">\n"
-                                   " <position>12.000000 0.100000</position>\n"
-                                   " <inTangent>-1.500000 1000000.000000</inTangent>\n"
-                                   " <outTangent>0.000000 2.000000</outTangent>\n"
-                                   "</point>\n"));
+    EXPECT_EQ(
+        textOf(manager().createPointDomElement(_document, point)),
+        withSortedAttributes("<point id=\"11\" typeID=\"1\" tangentType=\"16\" tangentLengthMode=\"32\">\n"
+                             " <position>12.000000 0.100000</position>\n"
+                             " <inTangent>-1.500000 1000000.000000</inTangent>\n"
+                             " <outTangent>0.000000 2.000000</outTangent>\n"
+                             "</point>\n"));
 }
 
 TEST_F(ElementWriters, APointWithoutHandlesWritesItsOwnPositionForThem) {
@@ -91,12 +92,13 @@ TEST_F(ElementWriters, ACurveListsItsKeysInOrderOfFrame) {
     curve->addObject(manager().createPoint2D(25.0F, 1.0F, 11));
     curve->addObject(manager().createPoint2D(5.0F, 1.0F, 12));
     curve->setRepeating(true);
-    EXPECT_EQ(textOf(manager().createCurveDomElement(_document, curve)),
-              withSortedAttributes("<curve id=\"21\" typeID=\"2\" name=\"translationX\" field=\"7\" active=\"1\" "
-                                   "repeating=\"1\" flipped=\"0\" motionBlur=\"0\" parentNodeID=\"0\">\n"
-                                   " <point id=\"12\"/>\n"
-                                   " <point id=\"11\"/>\n"
-                                   "</curve>\n"));
+    EXPECT_EQ(
+        textOf(manager().createCurveDomElement(_document, curve)),
+        withSortedAttributes("<curve id=\"21\" typeID=\"2\" name=\"translationX\" field=\"7\" active=\"1\" "
+                             "repeating=\"1\" flipped=\"0\" motionBlur=\"0\" parentNodeID=\"0\">\n"
+                             " <point id=\"12\"/>\n"
+                             " <point id=\"11\"/>\n"
+                             "</curve>\n"));
 }
 
 TEST_F(ElementWriters, OfTwoKeysAtOneFrameOneIsListed) {
@@ -121,12 +123,13 @@ TEST_F(ElementWriters, ABlockListsItsCurvesInOrderOfId) {
     unit->addObject(manager().createCurve2D(makeField(8), "first", 21, false));
     unit->setActive(false);
     unit->setFlipped(true);
-    EXPECT_EQ(textOf(manager().createBlockDomElement(_document, unit)),
-              withSortedAttributes("<block id=\"31\" typeID=\"3\" name=\"Block\" active=\"0\" repeating=\"0\" "
-                                   "flipped=\"1\" motionBlur=\"0\">\n"
-                                   " <block id=\"21\"/>\n"
-                                   " <block id=\"22\"/>\n"
-                                   "</block>\n"));
+    EXPECT_EQ(
+        textOf(manager().createBlockDomElement(_document, unit)),
+        withSortedAttributes("<block id=\"31\" typeID=\"3\" name=\"Block\" active=\"0\" repeating=\"0\" "
+                             "flipped=\"1\" motionBlur=\"0\">\n"
+                             " <block id=\"21\"/>\n"
+                             " <block id=\"22\"/>\n"
+                             "</block>\n"));
 }
 
 TEST_F(ElementWriters, ATrackListsItsObjectsAsTheyStand) {

@@ -1,7 +1,6 @@
 #include "kaAnimationXmlNumber.h"
 
 #include <QString>
-
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -109,20 +108,21 @@ TEST_P(FloatParsing, FollowsStreamExtraction) {
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, FloatParsing,
-    testing::Values(FloatRow{"plain", "1.5", 1.5F}, FloatRow{"empty", "", 7.0F}, FloatRow{"blank", "  \t\n", 7.0F},
-                    FloatRow{"space_before", " \t\n\v\f\r2", 2.0F}, FloatRow{"text_after", "2.5mm", 2.5F},
-                    FloatRow{"second_point", "1.5.7", 1.5F}, FloatRow{"decimal_comma", "1,5", 1.0F},
-                    FloatRow{"plus", "+3", 3.0F}, FloatRow{"two_signs", "+-3", 7.0F}, FloatRow{"sign_alone", "-", 7.0F},
-                    FloatRow{"point_alone", ".", 7.0F}, FloatRow{"leading_point", ".5", 0.5F},
-                    FloatRow{"trailing_point", "5.", 5.0F}, FloatRow{"exponent", "-2.5e-05", -2.5e-5F},
-                    FloatRow{"capital_exponent", "1E+2x", 100.0F}, FloatRow{"exponent_without_digits", "1e", 7.0F},
-                    FloatRow{"hexadecimal", "0x10", 0.0F}, FloatRow{"not_a_number", "nan", 7.0F},
-                    FloatRow{"infinite", "inf", 7.0F}, FloatRow{"infinity_in_full", "-infinity", 7.0F},
-                    FloatRow{"too_large", "1e50", 7.0F}, FloatRow{"far_too_large", "-1e99999999999999999999", 7.0F},
-                    FloatRow{"too_small", "1e-50", 0.0F}, FloatRow{"far_too_small", "1e-99999999999999999999", 0.0F},
-                    FloatRow{"zeros_after_point", "0.0000000000000000000000000000000000000000000000000000001", 0.0F},
-                    FloatRow{"large_with_negative_exponent", "1000000000000000000000000000000000000000000000e-2", 7.0F},
-                    FloatRow{"zero_with_exponent", "0e99999", 0.0F}, FloatRow{"word", "off", 7.0F}),
+    testing::Values(
+        FloatRow{"plain", "1.5", 1.5F}, FloatRow{"empty", "", 7.0F}, FloatRow{"blank", "  \t\n", 7.0F},
+        FloatRow{"space_before", " \t\n\v\f\r2", 2.0F}, FloatRow{"text_after", "2.5mm", 2.5F},
+        FloatRow{"second_point", "1.5.7", 1.5F}, FloatRow{"decimal_comma", "1,5", 1.0F},
+        FloatRow{"plus", "+3", 3.0F}, FloatRow{"two_signs", "+-3", 7.0F}, FloatRow{"sign_alone", "-", 7.0F},
+        FloatRow{"point_alone", ".", 7.0F}, FloatRow{"leading_point", ".5", 0.5F},
+        FloatRow{"trailing_point", "5.", 5.0F}, FloatRow{"exponent", "-2.5e-05", -2.5e-5F},
+        FloatRow{"capital_exponent", "1E+2x", 100.0F}, FloatRow{"exponent_without_digits", "1e", 7.0F},
+        FloatRow{"hexadecimal", "0x10", 0.0F}, FloatRow{"not_a_number", "nan", 7.0F},
+        FloatRow{"infinite", "inf", 7.0F}, FloatRow{"infinity_in_full", "-infinity", 7.0F},
+        FloatRow{"too_large", "1e50", 7.0F}, FloatRow{"far_too_large", "-1e99999999999999999999", 7.0F},
+        FloatRow{"too_small", "1e-50", 0.0F}, FloatRow{"far_too_small", "1e-99999999999999999999", 0.0F},
+        FloatRow{"zeros_after_point", "0.0000000000000000000000000000000000000000000000000000001", 0.0F},
+        FloatRow{"large_with_negative_exponent", "1000000000000000000000000000000000000000000000e-2", 7.0F},
+        FloatRow{"zero_with_exponent", "0e99999", 0.0F}, FloatRow{"word", "off", 7.0F}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(NumberParsing, AgreesWithAStreamOnAnyText) {
@@ -149,8 +149,9 @@ TEST(NumberParsing, ReadsWrittenFloatsBackAsTheSameText) {
             continue;
         const std::string written = textOf(Text(value));
         const float read = parse(written, 7.0F);
-        if (std::fabs(value) < 3.40282e38F)
+        if (std::fabs(value) < 3.40282e38F) {
             ASSERT_EQ(textOf(Text(read)), written);
+        }
     }
 }
 

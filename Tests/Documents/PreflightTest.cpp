@@ -3,7 +3,6 @@
 
 #include <QBuffer>
 #include <QDomDocument>
-
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -26,8 +25,8 @@ std::string textOf(const kaAnimationXmlRecord& record) {
             if (!element.attributes[i].empty())
                 text += ' ' + std::to_string(i) + '=' + std::string(element.attributes[i]);
         for (const auto& child : element.children)
-            text += " child " + std::to_string(static_cast<int>(child.tag)) + ' ' + std::string(child.id) + " '" +
-                    std::string(child.text) + '\'';
+            text += " child " + std::to_string(static_cast<int>(child.tag)) + ' ' + std::string(child.id) +
+                    " '" + std::string(child.text) + '\'';
         text += '\n';
     });
     return text;
@@ -38,7 +37,8 @@ std::string textOf(const QDomDocument& document) {
     kaAnimationXmlRecord record;
     const QDomElement root = document.documentElement();
     record.setObjects(root.attribute("objects"));
-    for (QDomElement element = root.firstChildElement(); !element.isNull(); element = element.nextSiblingElement())
+    for (QDomElement element = root.firstChildElement(); !element.isNull();
+         element = element.nextSiblingElement())
         record.append(element);
     return textOf(record);
 }
@@ -77,36 +77,40 @@ TEST_P(PreflightAgrees, WithADom) {
     const bool accepted = document.setContent(&buffer);
     const auto fromFile = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
     ASSERT_EQ(fromFile.has_value(), accepted);
-    if (accepted)
+    if (accepted) {
         EXPECT_EQ(textOf(*fromFile), textOf(document));
+    }
 
     QDomDocument textDocument;
     const QString text = QString::fromLatin1(bytes);
     const bool textAccepted = textDocument.setContent(text);
     const auto fromText = kaXmlPreflight::readText(text);
     ASSERT_EQ(fromText.has_value(), textAccepted);
-    if (textAccepted)
+    if (textAccepted) {
         EXPECT_EQ(textOf(*fromText), textOf(textDocument));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Documents, PreflightAgrees,
     testing::Values(
-        "", " ", "text", "<a", "<a>", "<a></b>", "<a/><b/>", "<a/>text", "<a x=1/>", "<a x=\"1/>", "<a x='1'/>",
-        "<a x=\"<\"/>", "<a x=\"&\"/>", "<a>&</a>", "<a>&lt;</a>", "<1/>", "<a x=\"1\"y=\"2\"/>", "<?xml?><a/>",
-        "<?xml version=\"2.0\"?><a/>", " <?xml version=\"1.0\"?><a/>", "<!-- a -- b --><a/>", "<a><!-- c --></a>",
-        "<a><![CDATA[]]]]></a>", "<a>]]></a>", "<!DOCTYPE><a/>", "<!DOCTYPE ORVA><a/>", "<!DOCTYPE ORVA []><a/>",
-        "<!DOCTYPE ORVA SYSTEM \"orva.dtd\"><a/>", "<!DOCTYPE a [<!ELEMENT a (b|(c,d)*)>]><a/>",
-        "<!DOCTYPE a [<!ATTLIST a id CDATA \"7\">]><p><a/></p>", "<a objects=\"1\" objects=\"2\"/>",
-        "<a><b id=\"1\" id=\"2\" typeID=\"3\"/></a>", "<a><b id=\"1\" id=\"\"/></a>",
-        "<a><b name=\"x\ty\nz\r\nw\"/></a>", "<a><b name=\"&#9;&#10;&#13;&#xe9;\"/></a>",
-        "<a><b name=\"x&unknown;y\"/></a>", "<a><b><position>1&unknown;2</position></b></a>",
-        "<a><b name=\"\x01\x1f\x7f\"/></a>", "<a><b:c d:id=\"1\" id=\"2\"/></a>",
-        "<a><b><position>1 <!-- x -->2</position></b></a>", "<a><b><position> \n </position></b></a>",
-        "<a><b><position><![CDATA[1 ]]>2</position></b></a>", "<a><b><position>1<c> 2<d>3</d></c>4</position></b></a>",
-        "<a><b><inTangent>1 2</inTangent><inTangent>3 4</inTangent></b></a>", "<a><b><c id=\"1\">text</c></b></a>",
-        "<a>text<b id=\"1\"/>text<!-- c --><b id=\"2\"/><?pi pi?></a>", "<a><b><c><position>1 2</position></c></b></a>",
-        "<a><b name=\"\xc3\xa9\"/></a>", "\xef\xbb\xbf<a><b name=\"\xc3\xa9\"/></a>",
+        "", " ", "text", "<a", "<a>", "<a></b>", "<a/><b/>", "<a/>text", "<a x=1/>", "<a x=\"1/>",
+        "<a x='1'/>", "<a x=\"<\"/>", "<a x=\"&\"/>", "<a>&</a>", "<a>&lt;</a>", "<1/>",
+        "<a x=\"1\"y=\"2\"/>", "<?xml?><a/>", "<?xml version=\"2.0\"?><a/>", " <?xml version=\"1.0\"?><a/>",
+        "<!-- a -- b --><a/>", "<a><!-- c --></a>", "<a><![CDATA[]]]]></a>", "<a>]]></a>", "<!DOCTYPE><a/>",
+        "<!DOCTYPE ORVA><a/>", "<!DOCTYPE ORVA []><a/>", "<!DOCTYPE ORVA SYSTEM \"orva.dtd\"><a/>",
+        "<!DOCTYPE a [<!ELEMENT a (b|(c,d)*)>]><a/>", "<!DOCTYPE a [<!ATTLIST a id CDATA \"7\">]><p><a/></p>",
+        "<a objects=\"1\" objects=\"2\"/>", "<a><b id=\"1\" id=\"2\" typeID=\"3\"/></a>",
+        "<a><b id=\"1\" id=\"\"/></a>", "<a><b name=\"x\ty\nz\r\nw\"/></a>",
+        "<a><b name=\"&#9;&#10;&#13;&#xe9;\"/></a>", "<a><b name=\"x&unknown;y\"/></a>",
+        "<a><b><position>1&unknown;2</position></b></a>", "<a><b name=\"\x01\x1f\x7f\"/></a>",
+        "<a><b:c d:id=\"1\" id=\"2\"/></a>", "<a><b><position>1 <!-- x -->2</position></b></a>",
+        "<a><b><position> \n </position></b></a>", "<a><b><position><![CDATA[1 ]]>2</position></b></a>",
+        "<a><b><position>1<c> 2<d>3</d></c>4</position></b></a>",
+        "<a><b><inTangent>1 2</inTangent><inTangent>3 4</inTangent></b></a>",
+        "<a><b><c id=\"1\">text</c></b></a>", "<a>text<b id=\"1\"/>text<!-- c --><b id=\"2\"/><?pi pi?></a>",
+        "<a><b><c><position>1 2</position></c></b></a>", "<a><b name=\"\xc3\xa9\"/></a>",
+        "\xef\xbb\xbf<a><b name=\"\xc3\xa9\"/></a>",
         "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><a><b name=\"\xe9\"/></a>",
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a><b name=\"\xc3\xa9\xe9\"/></a>",
         "<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?><a><b name=\"\xa4\"/></a>",
@@ -155,16 +159,16 @@ TEST(Preflight, AFileWithoutDeclarationThatIsUtf8IsUtf8) {
     const std::string file = folder.put("a.xml", "<a><b name=\"caf\xc3\xa9 \xe2\x82\xac\"/></a>");
     const auto record = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
     ASSERT_TRUE(record);
-    record->forEach([](const kaAnimationXmlElement& element) {
-        EXPECT_EQ(element[kaXmlAttribute::Name], "caf\xe9 ?");
-    });
+    record->forEach(
+        [](const kaAnimationXmlElement& element) { EXPECT_EQ(element[kaXmlAttribute::Name], "caf\xe9 ?"); });
 }
 
 TEST(Preflight, AnUtf8CharacterMayLieAcrossAChunksEnd) {
     const TemporaryFolder folder;
     for (std::size_t shift = 0; shift < 3; ++shift) {
         const std::string padding((1U << 16) - 20 + shift, ' ');
-        const std::string file = folder.put("a.xml", padding + "<a><b name=\"\xc3\xa9\xc3\xa9\xc3\xa9\"/></a>");
+        const std::string file =
+            folder.put("a.xml", padding + "<a><b name=\"\xc3\xa9\xc3\xa9\xc3\xa9\"/></a>");
         const auto record = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
         ASSERT_TRUE(record);
         EXPECT_NE(textOf(*record).find("\xe9\xe9\xe9"), std::string::npos);
@@ -198,9 +202,9 @@ TEST(Preflight, WideEncodingsAreReadByTheirByteOrderMark) {
 // Refusals.
 
 TEST(Preflight, EntityDeclarationsAreRefused) {
-    for (const char* declaration :
-         {"<!ENTITY a \"b\">", "<!ENTITY a SYSTEM \"/etc/passwd\">", "<!ENTITY % a \"b\">",
-          "<!ENTITY % a SYSTEM \"a.dtd\">", "<!NOTATION n SYSTEM \"n\"><!ENTITY a SYSTEM \"a.gif\" NDATA n>"}) {
+    for (const char* declaration : {"<!ENTITY a \"b\">", "<!ENTITY a SYSTEM \"/etc/passwd\">",
+                                    "<!ENTITY % a \"b\">", "<!ENTITY % a SYSTEM \"a.dtd\">",
+                                    "<!NOTATION n SYSTEM \"n\"><!ENTITY a SYSTEM \"a.gif\" NDATA n>"}) {
         const std::string text = std::string("<!DOCTYPE a [") + declaration + "]><a/>";
         kaXmlPreflight::Fault fault;
         EXPECT_FALSE(kaXmlPreflight::readText(QString::fromStdString(text), &fault)) << text;

@@ -12,7 +12,6 @@
 
 #include <QDomDocument>
 #include <QString>
-
 #include <algorithm>
 #include <string>
 #include <unistd.h>
@@ -143,7 +142,7 @@ TEST_F(Saving, KindsComeInOrderAndWithinAKindIds) {
     const std::string text = saved();
     std::vector<std::size_t> places;
     for (const char* id : {"10", "15", "3", "4", "5", "6", "7", "8", "2", "9"}) {
-        places.push_back(text.find(" id=\"" + std::string(id) + "\" typeID");
+        places.push_back(text.find(" id=\"" + std::string(id) + "\" typeID"));
         EXPECT_NE(places.back(), std::string::npos) << id;
     }
     EXPECT_TRUE(std::is_sorted(places.begin(), places.end())) << text;
@@ -186,7 +185,8 @@ TEST_F(Saving, TheTextIsWhatADomWouldWriteButForTheOrderOfAttributes) {
     root.appendChild(manager().createBlockDomElement(document, manager().getUnit(32)));
     root.appendChild(manager().createTrackDomElement(document, manager().getStreak(41)));
     root.appendChild(manager().createClipDomElement(document, manager().getStrip(51)));
-    EXPECT_EQ(withSortedAttributes(saved()), withSortedAttributes(document.toString(1).toLatin1().toStdString()));
+    EXPECT_EQ(withSortedAttributes(saved()),
+              withSortedAttributes(document.toString(1).toLatin1().toStdString()));
 }
 
 // Files.

@@ -1,7 +1,6 @@
 #include "kaAnimationXmlOutput.h"
 
 #include <QDomDocument>
-
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -12,8 +11,7 @@ namespace {
 class Both {
   public:
     Both()
-        : _document("ORVA"), _dom(_document),
-          _text([this](std::string_view piece) { _written += piece; }) {
+        : _document("ORVA"), _dom(_document), _text([this](std::string_view piece) { _written += piece; }) {
         _text.documentType("ORVA");
     }
 
