@@ -4,7 +4,7 @@
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
-#include "kaFieldBinding.h"
+#include "kaFieldAccess.h"
 #include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
 
@@ -206,11 +206,11 @@ osg::Color3f kaAnimationUtils::getDefaultCurveColor(kaAnimationField* field) {
 }
 
 bool kaAnimationUtils::setOSGFieldValue(kaAnimationField* field) {
-    return field && kaFieldBinding::write(*field);
+    return field && kaFieldAccess::write(*field);
 }
 
 float kaAnimationUtils::getOSGFieldValue(kaAnimationField* field) {
-    return field ? kaFieldBinding::read(*field) : 0.0F;
+    return field ? kaFieldAccess::read(*field) : 0.0F;
 }
 
 // Animation attachments of scene nodes.

@@ -6,26 +6,19 @@
 #include <OpenSG/OSGField.h>
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGNode.h>
+#include <OpenSG/OSGTransformAttachment.h>
 #include <string>
+#include <string_view>
 
 /// What a field record addresses in the scene: resolved once, remembered with the record and checked at every
-/// use.
+/// use (`kaFieldAccess`).
 ///
-/// The check asks the container store whether the container is still there (ids are never reused, so an
-/// occupied slot means the same container, and its storage stands) and compares the record's addressing
-/// members with those that were resolved, because the host writes them directly. Whatever differs is resolved
-/// anew. What can change behind an unchanged record (the camera-path flag, a node's attachments, the values)
-/// is read at each use.
-///
-/// Reading and writing live here because they are what the remembered form is for; `kaAnimationUtils` offers
-/// them. Cost: one store look-up and a few compares while nothing changed; no allocation then, text forms
-/// aside.
+/// The check compares the record's addressing members with those that were resolved, because the host writes
+/// them directly; whatever differs is resolved anew. That the container is still there is asked of the
+/// container store: ids are never reused, so an occupied slot means the same container, and its storage
+/// stands. What can change behind an unchanged record (the camera-path flag, a node's attachments, the
+/// values) is read at each use.
 struct kaFieldBinding {
-    /// `kaAnimationUtils::setOSGFieldValue` and `getOSGFieldValue` of a record that is there.
-    static bool write(kaAnimationField& field);
-    static float read(kaAnimationField& field);
-
-  private:
     /// How the addressed scalar is held.
     enum class Target : unsigned char {
         Floats, ///< single-precision components side by side in a single field
@@ -35,7 +28,7 @@ struct kaFieldBinding {
         Node    ///< visibility or rotation of the scene node
     };
 
-    /// Which of the special attributes is addressed, or which field that the host's camera mirrors.
+    /// Which special attribute is addressed, or which field that the host's camera mirrors.
     enum class Role : unsigned char {
         None,
         Distance,
@@ -53,48 +46,59 @@ struct kaFieldBinding {
         Roll
     };
 
-    struct RoleName;
+    /// The record's binding, brought up to date.
+    /// @param container  the one that the record names; it is there.
+    /// Cost: a few compares while nothing changed; else a walk of the container type's fields.
+    static kaFieldBinding& of(kaAnimationField& field, const osg::FieldContainerPtr& container) {
+        kaFieldBinding* binding = field._binding.get();
+        return binding && binding->standsFor(field) ? *binding : renewed(field, container);
+    }
 
-    static kaFieldBinding& of(kaAnimationField& field, const osg::FieldContainerPtr& container);
-    static Role roleNamed(const std::string& name, Role first, Role last);
-    bool standsFor(const kaAnimationField& field) const;
+    /// Whether the record's node is there; `node` is it then. For `Target::Node`.
+    bool hasNode(const kaAnimationField& field);
+
+    /// The Euler angles of `node` in degrees; zeros without transform attachment.
+    osg::Vec3f rotation();
+
+    /// The component that a position addresses: of a scalar its only one.
+    unsigned int componentAt(unsigned int valuePos) const { return componentCount == 1 ? 0 : valuePos; }
+
+    // What was resolved from. The texts belong to the scene's types, to the attribute names or to `ownNames`.
+
+    std::string_view name;
+    std::string_view attribute; ///< null where the attribute does not count
+    osg::UInt32 fcID = 0;       ///< 0 = nothing resolved
+    osg::UInt32 nodeID = 0;     ///< of `node`; 0 = none found
+
+    // What it was resolved to.
+
+    Target target = Target::Node;
+    Role role = Role::None;
+    bool isCamera = false;           ///< the container is a camera setting
+    bool isAngle = false;            ///< radians in the scene, degrees in the record
+    unsigned int componentCount = 0; ///< of `floats`
+    union {
+        osg::Real32* floats = nullptr; ///< for `Target::Floats`
+        osg::Real64* number;           ///< for `Target::Double`
+        osg::Field* text;              ///< for `Target::Text`
+    };
+    osg::BitVector mask = 0; ///< announced after a store
+
+    osg::CameraSettingPtr camera; ///< the container, when it is a camera setting
+    osg::NodePtr node;
+    osg::TransformAttachmentPtr attachment; ///< of `node` when its rotation was last asked for
+    osg::UInt32 attachmentID = 0;           ///< 0 = none found
+    std::string ownNames[2];                ///< name and attribute where no lasting text equals them
+
+  private:
+    static kaFieldBinding& renewed(kaAnimationField& field, const osg::FieldContainerPtr& container);
     void resolve(const kaAnimationField& field, const osg::FieldContainerPtr& container);
-    void resolveSceneField(osg::Field& sceneField, osg::BitVector mask);
+    void resolveSceneField(osg::Field& sceneField);
     void resolveAttribute(const kaAnimationField& field);
-    osg::NodePtr currentNode(const kaAnimationField& field);
-    bool followsCameraPath() const;
-    /// A scalar is addressed by any position.
-    unsigned int componentAt(unsigned int valuePos) const { return _componentCount == 1 ? 0 : valuePos; }
+    std::string_view lasting(const std::string& text, std::size_t place);
 
-    void writeFloat(const kaAnimationField& field, const osg::FieldContainerPtr& container) const;
-    void writeDouble(const kaAnimationField& field, const osg::FieldContainerPtr& container) const;
-    void writeText(const kaAnimationField& field, const osg::FieldContainerPtr& container) const;
-    void writeCamera(float value) const;
-    bool writeNode(const kaAnimationField& field);
-    static void writeHostCamera(Role role, unsigned int component, float value);
-    static void announce(const osg::FieldContainerPtr& container, osg::BitVector mask, Role role);
-
-    float readFloat(unsigned int valuePos) const;
-    float readDouble() const;
-    float readText(unsigned int valuePos) const;
-    float readCamera() const;
-    float readNode(const kaAnimationField& field);
-
-    // Read at every write, so kept together.
-    std::string _name;     ///< the record's name when it was resolved
-    osg::UInt32 _fcID = 0; ///< the container; 0 = nothing resolved
-    Target _target = Target::Node;
-    Role _role = Role::None;
-    bool _isCamera = false;           ///< the container is a camera setting
-    bool _isAngle = false;            ///< radians in the scene, degrees in the record
-    unsigned int _componentCount = 0; ///< of `_floats`
-    osg::UInt32 _nodeID = 0;          ///< of `_node`
-    osg::Real32* _floats = nullptr;   ///< for `Target::Floats`
-    osg::BitVector _mask = 0;         ///< announced after a store
-
-    osg::Real64* _double = nullptr; ///< for `Target::Double`
-    osg::Field* _text = nullptr;    ///< for `Target::Text`
-    osg::CameraSettingPtr _camera;  ///< the container when it is a camera setting
-    osg::NodePtr _node;             ///< for `Target::Node`
-    std::string _attribute;         ///< the record's, for the targets that go by it
+    bool standsFor(const kaAnimationField& field) const {
+        return fcID == static_cast<osg::UInt32>(field.fcID) && name == field.name &&
+               (!attribute.data() || attribute == field.attribute);
+    }
 };

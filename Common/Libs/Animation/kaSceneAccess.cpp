@@ -1,14 +1,9 @@
 #include "kaSceneAccess.h"
 
 #include <OpenSG/OSGChangeList.h>
-#include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGMaterial.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGThread.h>
-
-osg::FieldContainerPtr kaSceneAccess::findContainer(kaUID id) {
-    return osg::FieldContainerFactory::the()->getContainer(static_cast<osg::UInt32>(id));
-}
 
 osg::NodeCorePtr kaSceneAccess::coreOf(const osg::NodePtr& node) {
     return node != osg::NullFC ? node->getCore() : osg::NodeCorePtr();

@@ -5,6 +5,7 @@
 #include "kaAnimationUtils.h"
 
 #include <OpenSG/OSGAnimAttachment.h>
+#include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGFieldContainerType.h>
 #include <OpenSG/OSGNode.h>
@@ -15,7 +16,9 @@
 namespace kaSceneAccess {
 
 /// The container with that id, of which the low 32 bits count; null when there is none (any more).
-osg::FieldContainerPtr findContainer(kaUID id);
+inline osg::FieldContainerPtr findContainer(kaUID id) {
+    return osg::FieldContainerFactory::the()->getContainer(static_cast<osg::UInt32>(id));
+}
 
 /// The node's core; null for a null node or one without.
 osg::NodeCorePtr coreOf(const osg::NodePtr& node);
