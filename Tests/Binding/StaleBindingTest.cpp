@@ -1,3 +1,4 @@
+#include "AllocationCount.h"
 #include "RegistryFixture.h"
 #include "Rig.h"
 #include "TestScene.h"
@@ -168,6 +169,43 @@ TEST_F(StaleBinding, ACopyOfARecordIsResolvedOnItsOwn) {
     kaAnimationManager::the()->destroyField(field);
     EXPECT_TRUE(write(copy, 2.0F));
     EXPECT_EQ(rig->vec3f.getValue()[1], 2.0F);
+}
+
+TEST_F(StaleBinding, NamesThatMeanNothingAreCheckedAllTheSame) {
+    TestScene scene;
+    const osg::NodePtr node = scene.addTransform("arm");
+    kaAnimationField* field = makeNodeField(node, "nothing that the scene knows");
+    EXPECT_TRUE(write(field, 0.0F));
+    field->name = "no less unknown to the scene";
+    EXPECT_TRUE(write(field, 0.0F));
+    EXPECT_EQ(node->getTravMask(), 0xFFFFFFFFU);
+    field->attribute = "visible";
+    EXPECT_TRUE(write(field, 0.0F));
+    EXPECT_EQ(node->getTravMask(), 0U);
+    field->attribute = "nothing that the scene knows";
+    EXPECT_TRUE(write(field, 1.0F));
+    EXPECT_EQ(node->getTravMask(), 0U);
+    field->name = "travMask"; // a field of the node after all, of whole numbers
+    EXPECT_TRUE(write(field, 3.0F));
+    EXPECT_EQ(node->getTravMask(), 3U);
+}
+
+TEST_F(StaleBinding, WarmWritesAllocateNothing) {
+    TestScene scene;
+    const osg::NodePtr node = scene.addTransform("arm");
+    const osg::CameraSettingPtr camera = osg::CameraSetting::create();
+    const Kept keptCamera(camera);
+    const std::vector<kaAnimationField*> fields{
+        makeField(rig, "vec3f", 2),    makeField(rig, "rotateReal32"),   makeField(rig, "real64"),
+        makeField(camera, "distance"), makeNodeField(node, "rotationY"), makeNodeField(node, "visible")};
+    for (kaAnimationField* field : fields)
+        EXPECT_TRUE(write(field, 1.0F));
+    watch().calls.reserve(100);
+    const std::size_t before = allocationCount();
+    for (const float value : {1.0F, 0.25F, 0.75F, 0.75F})
+        for (kaAnimationField* field : fields)
+            write(field, value);
+    EXPECT_EQ(allocationCount(), before);
 }
 
 TEST_F(StaleBinding, ARecordFreedInAnswerToItsWriteIsLeftAlone) {

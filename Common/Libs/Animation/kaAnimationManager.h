@@ -155,34 +155,55 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void destroyAllObjects(bool all);
     void destroyAllFields();
 
-    // The scene.
+    // The scene. A node that is null or gone counts as a node without animation.
 
+    /// Hands the scene over; null takes it back. The node stays the host's: a root that is destroyed later is
+    /// noticed and counts as none.
     static void setSceneRootNode(const osg::NodePtr& root);
     static const osg::NodePtr& getSceneRootNode();
+    /// With a scene root, notes that an id gave way to another. The lists that nodes hold are left as they
+    /// are: what a node lists after a load that met taken ids is what it listed before, and hosts rely on it.
     void changeAnimAttachmentIDs(unsigned long long from, unsigned long long to);
     void changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to);
-    /// Traversal callbacks: they look at each node's ids but never write the replacement back; hosts rely on
-    /// it.
+    /// The visitors of the same; they change nothing and go on.
     static osg::Action::ResultE changeSceneAnimAttachmentIDs(const osg::NodePtr& node);
     static osg::Action::ResultE changeSceneAnimAttachmentFieldIDs(const osg::NodePtr& node);
-    /// The node's fields, discovered and attached when the node has no attachment yet.
+    /// The node's fields, discovered and attached when the node has no attachment yet. A node without core
+    /// has none and gets none.
     std::vector<kaAnimationField*> getAnimationFields(const osg::NodePtr& node);
+    /// Blocks (clips) that stand in no registered object and are not internal, in ascending id order.
     std::vector<kaAnimationUnit*> getSceneUnits() const;
     std::vector<kaAnimationUnit*> getActiveSceneUnits() const;
     std::vector<kaAnimationStrip*> getSceneStrips() const;
+    /// The fields of one container that curves animate, once per curve, in ascending order of the curves'
+    /// ids.
     std::vector<kaAnimationField*> getReferencedFields(unsigned int fcID) const;
+    /// The curves that animate a registered field, in ascending id order.
     std::vector<kaAnimationCurve2D*> getReferencedCurves(unsigned long long fieldID) const;
+    /// Switches every other block that is listed on the block's node off. The block's own flag stays.
     void setExclusiveActiveNodeUnit(kaAnimationUnit* unit);
 
     // Fields of scene nodes.
 
+    /// The fields that the node lists; without any, those that are discovered (`kaFieldDiscovery`), which are
+    /// then listed. Empty for a node without core.
     std::vector<kaAnimationField*> createAnimationFields(const osg::NodePtr& node);
+    /// The first of the node's fields with that attribute, older spellings included ("rotateX"), discovering
+    /// the fields first; null when there is none.
     kaAnimationField* getField(const osg::NodePtr& node, std::string attribute);
+    /// Destroys the fields that the node lists and discovers them anew. Prints one line.
     std::vector<kaAnimationField*> recreateAnimationFields(const osg::NodePtr& node);
+    /// `ensureUniqueAttributes` for every node of the scene.
     void checkUniqueAttributes();
+    /// Leaves one field per attribute on the node's list, the first; the curves of the others move to it. The
+    /// others stay registered.
     static osg::Action::ResultE ensureUniqueAttributes(const osg::NodePtr& node);
+    /// Moves the curves of one registered field to another, whose default colour they take.
     void changeFieldReferences(kaAnimationField* from, kaAnimationField* to);
+    /// `completeAnimationFieldNode` for every node of the scene.
     void completeAnimationFieldNodes();
+    /// Points what the node lists at the node: its fields at the core, or at the material of a material group
+    /// that has one, and its blocks at the node.
     static osg::Action::ResultE completeAnimationFieldNode(const osg::NodePtr& node);
 
     // Names that the host treats as animatable.

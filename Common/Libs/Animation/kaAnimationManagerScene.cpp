@@ -133,12 +133,15 @@ void kaAnimationManager::setID(unsigned long long id, kaAnimationObject* object)
         return;
     const unsigned long long old = object->getId();
     const unsigned long long given = isIDUnique(id) ? id : freshIDFor(id, false);
-    const bool isRegistered = _registry->find(old) != nullptr;
-    if (isRegistered)
-        _registry->erase(old);
     object->setId(given);
-    if (isRegistered)
-        _registry->insert(*object);
+    if (!_registry->find(old))
+        return;
+    try {
+        _registry->replace(old, *object, given);
+    } catch (...) {
+        object->setId(old);
+        throw;
+    }
 }
 
 void kaAnimationManager::setID(unsigned long long id, kaAnimationField* field) {
@@ -146,12 +149,9 @@ void kaAnimationManager::setID(unsigned long long id, kaAnimationField* field) {
         return;
     const unsigned long long old = field->getId();
     const unsigned long long given = isIDUnique(id) ? id : freshIDFor(id, true);
-    const bool isRegistered = _registry->findField(old) != nullptr;
-    if (isRegistered)
-        _registry->eraseField(old);
+    if (_registry->findField(old))
+        _registry->replaceField(old, *field, given);
     field->setId(given);
-    if (isRegistered)
-        _registry->insertField(*field);
 }
 
 /// Visiting the nodes would change none of them (the visitors never write back), and a document full of taken
@@ -260,9 +260,14 @@ std::vector<kaAnimationField*> kaAnimationManager::createAnimationFields(const o
     fields = kaAnimationUtils::getAnimationFields(current);
     if (!fields.empty())
         return fields;
-    fields = kaFieldDiscovery(current).run();
+    kaFieldDiscovery discovery(current);
+    fields = discovery.run();
+    std::vector<osg::UInt64> ids;
     for (const kaAnimationField* field : fields)
-        attachment->getFieldIDs().push_back(field->getId());
+        ids.push_back(field->getId());
+    osg::MFUInt64& listed = attachment->getFieldIDs();
+    listed.insert(listed.end(), ids.begin(), ids.end());
+    discovery.keep();
     recordChange(attachment, osg::AnimAttachment::FieldIDsFieldMask);
     return fields;
 }
@@ -306,17 +311,19 @@ osg::Action::ResultE kaAnimationManager::ensureUniqueAttributes(const osg::NodeP
     std::map<std::string, kaAnimationField*> first;
     FieldReplacements replacements;
     osg::MFUInt64& listed = attachment->getFieldIDs();
-    const auto end = std::remove_if(listed.begin(), listed.end(), [&](osg::UInt64 id) {
+    std::vector<osg::UInt64> kept;
+    for (const osg::UInt64 id : listed) {
         kaAnimationField* field = the()->getField(id);
         if (!field)
-            return true;
+            continue;
         const auto [entry, isNew] = first.emplace(field->attribute, field);
-        if (!isNew)
+        if (isNew)
+            kept.push_back(id);
+        else
             replacements.emplace(field, entry->second);
-        return !isNew;
-    });
-    if (end != listed.end()) {
-        listed.erase(end, listed.end());
+    }
+    if (kept.size() != listed.size()) {
+        listed.erase(std::copy(kept.begin(), kept.end(), listed.begin()), listed.end());
         recordChange(attachment, osg::AnimAttachment::FieldIDsFieldMask);
     }
     replaceFields(*the(), replacements);

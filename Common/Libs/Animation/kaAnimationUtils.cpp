@@ -58,13 +58,14 @@ typename Attachment::Ptr findAttachment(const osg::NodePtr& node) {
 }
 
 /// Takes the first listing of each of `ids`, which are in ascending order, out of a list in one pass.
-void removeFirstListings(osg::MFUInt64& list, const std::vector<kaUID>& ids) {
-    std::vector<bool> removed(ids.size(), false);
+/// @param removed  a false for each id. Nothing is allocated here.
+void removeFirstListings(osg::MFUInt64& list, const std::vector<kaUID>& ids, std::vector<bool>& removed) {
     const auto end = std::remove_if(list.begin(), list.end(), [&](osg::UInt64 listed) {
         const auto found = std::lower_bound(ids.begin(), ids.end(), listed);
-        if (found == ids.end() || *found != listed || removed[static_cast<std::size_t>(found - ids.begin())])
+        const auto place = static_cast<std::size_t>(found - ids.begin());
+        if (found == ids.end() || *found != listed || removed[place])
             return false;
-        removed[static_cast<std::size_t>(found - ids.begin())] = true;
+        removed[place] = true;
         return true;
     });
     list.erase(end, list.end());
@@ -265,14 +266,14 @@ bool kaAnimationUtils::addAnimationObject(const osg::NodePtr& node, kaAnimationO
     if (!alive || attachment == osg::NullFC)
         return false;
     osg::MFUInt64& listed = attachment->getObjectIDs();
-    if (object->getTypeID() == KA_TYPE_UNIT && !listed.empty()) {
-        std::vector<kaUID> curves;
+    std::vector<kaUID> curves;
+    if (object->getTypeID() == KA_TYPE_UNIT && !listed.empty())
         for (const kaAnimationCurve2D* curve : object->getCurves())
             curves.push_back(curve->getId());
-        std::sort(curves.begin(), curves.end());
-        removeFirstListings(listed, curves);
-    }
+    std::sort(curves.begin(), curves.end());
+    std::vector<bool> removed(curves.size(), false);
     listed.push_back(object->getId());
+    removeFirstListings(listed, curves, removed);
     recordChange(attachment, osg::AnimAttachment::ObjectIDsFieldMask);
     return true;
 }

@@ -37,6 +37,11 @@ std::string suffixesOf(const std::string& type, const std::string& name, std::si
 kaFieldDiscovery::kaFieldDiscovery(const osg::NodePtr& node)
     : _node(node), _nodeID(node.getFieldContainerId()) {}
 
+kaFieldDiscovery::~kaFieldDiscovery() {
+    for (kaAnimationField* field : _made)
+        kaAnimationManager::the()->destroyField(field);
+}
+
 std::vector<kaAnimationField*> kaFieldDiscovery::run() {
     const osg::NodeCorePtr core = _node->getCore();
     const bool isMaterial = isKindOf<osg::MaterialGroup>(core);
@@ -104,9 +109,11 @@ void kaFieldDiscovery::addVisibleField() {
     add(_nodeID, "visible", "", _node->getTravMask() == 0xFFFFFFFFU ? 1.0F : 0.0F, 0);
 }
 
-kaAnimationField& kaFieldDiscovery::add(osg::UInt32 containerID, const std::string& name,
-                                        const std::string& suffix, float value, unsigned int component) {
+void kaFieldDiscovery::add(osg::UInt32 containerID, const std::string& name, const std::string& suffix,
+                           float value, unsigned int component) {
+    _made.push_back(nullptr);
     kaAnimationField* field = kaAnimationManager::the()->createField(0);
+    _made.back() = field;
     field->fcID = containerID;
     field->nodeID = _nodeID;
     field->name = name;
@@ -114,6 +121,4 @@ kaAnimationField& kaFieldDiscovery::add(osg::UInt32 containerID, const std::stri
     field->value = value;
     field->valuePos = component;
     field->dirty = false;
-    _made.push_back(field);
-    return *field;
 }

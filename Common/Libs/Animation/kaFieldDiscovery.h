@@ -27,9 +27,16 @@ class kaFieldDiscovery {
   public:
     /// The node has a core. Nothing calls out to the host, so that the node stays while this is at work.
     explicit kaFieldDiscovery(const osg::NodePtr& node);
+    kaFieldDiscovery(const kaFieldDiscovery&) = delete;
+    kaFieldDiscovery& operator=(const kaFieldDiscovery&) = delete;
+    /// Destroys the records unless they are kept.
+    ~kaFieldDiscovery();
 
     /// The new records, last made first.
     std::vector<kaAnimationField*> run();
+
+    /// The records are listed on the node and stay.
+    void keep() { _made.clear(); }
 
   private:
     void addContainerFields(const osg::FieldContainerPtr& container);
@@ -38,10 +45,10 @@ class kaFieldDiscovery {
     void addCameraFields();
     void addRotationFields();
     void addVisibleField();
-    kaAnimationField& add(osg::UInt32 containerID, const std::string& name, const std::string& suffix,
-                          float value, unsigned int component);
+    void add(osg::UInt32 containerID, const std::string& name, const std::string& suffix, float value,
+             unsigned int component);
 
     osg::NodePtr _node;
     osg::UInt32 _nodeID;
-    std::vector<kaAnimationField*> _made; ///< in order of making
+    std::vector<kaAnimationField*> _made; ///< in order of making, until they are kept
 };

@@ -78,6 +78,27 @@ void kaObjectRegistry::eraseField(kaUID id) {
     ++_fieldEpoch;
 }
 
+/// The new entries are made first; taking the old one away and merging a node allocate nothing.
+void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) {
+    const unsigned int type = object.getTypeID();
+    std::map<kaUID, kaAnimationObject*> entry;
+    if (type != KA_TYPE_POINT)
+        entry.emplace(to, &object);
+    _index.emplace(to, &object);
+    erase(from);
+    _byType[type].merge(entry);
+    object._registered = true;
+    _epoch += type != KA_TYPE_POINT ? 1 : 0;
+}
+
+void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID to) {
+    std::map<kaUID, kaAnimationField*> entry{{to, &field}};
+    _fieldIndex.emplace(to, &field);
+    eraseField(from);
+    _fields.merge(entry);
+    ++_fieldEpoch;
+}
+
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
     std::vector<Entry> entries(_index.begin(), _index.end());
     std::sort(entries.begin(), entries.end());

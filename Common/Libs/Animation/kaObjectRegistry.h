@@ -36,8 +36,14 @@ class kaObjectRegistry {
     /// Takes an object's entry away, under whatever id it stands.
     void drop(kaAnimationObject& object);
 
+    /// Takes the entry of `from` away, whatever object it holds, and enters `object` under `to`, which is
+    /// free and the object's id. When memory runs out nothing is changed.
+    void replace(kaUID from, kaAnimationObject& object, kaUID to);
+
     bool insertField(kaAnimationField& field);
     void eraseField(kaUID id);
+    /// The same for fields.
+    void replaceField(kaUID from, kaAnimationField& field, kaUID to);
 
     std::size_t size() const { return _index.size(); }
     std::size_t fieldCount() const { return _fields.size(); }

@@ -4,6 +4,7 @@
 #include <OpenSG/OSGMaterial.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGThread.h>
+#include <new>
 
 osg::NodeCorePtr kaSceneAccess::coreOf(const osg::NodePtr& node) {
     return node != osg::NullFC ? node->getCore() : osg::NodeCorePtr();
@@ -18,7 +19,10 @@ osg::AnimAttachmentPtr kaSceneAccess::attachmentOf(const osg::NodePtr& node) {
     return osg::AnimAttachmentPtr::dcast(kaAnimationUtils::getAnimationAttachment(node));
 }
 
-void kaSceneAccess::recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) {
-    if (osg::ChangeList* changes = osg::PThreadBase::getCurrentChangeList())
-        changes->addChanged(container, mask);
+void kaSceneAccess::recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) noexcept {
+    try {
+        if (osg::ChangeList* changes = osg::PThreadBase::getCurrentChangeList())
+            changes->addChanged(container, mask);
+    } catch (const std::bad_alloc&) {
+    }
 }

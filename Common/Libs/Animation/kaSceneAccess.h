@@ -31,8 +31,8 @@ osg::AnimAttachmentPtr attachmentOf(const osg::NodePtr& node);
 
 /// Records an edit of an attachment's id lists in the current change list. The container's own notification
 /// is left out: objects leave their node's list in the middle of being destroyed, where the host must not be
-/// called.
-void recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask);
+/// called. For the same reason a list that finds no memory goes without the entry.
+void recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) noexcept;
 
 /// Whether the container's own type is of the group of `Reference`: types that share the group count, derived
 /// types, each of a group of its own unless they say otherwise, do not.
