@@ -17,6 +17,25 @@ kaDescent::Path& editPath() {
     return path;
 }
 
+/// Levels of containers, this one included, that are stretched.
+constexpr unsigned int MaxStretchLevels = 12;
+
+/// Levels of containers from `object` down, counted no further than `limit` and so through a ring, too.
+unsigned int levelsOf(const kaAnimationObject& object, unsigned int limit) {
+    const unsigned int type = object.getTypeID();
+    if (type == KA_TYPE_UNIT)
+        return 1;
+    if (limit == 0 || (type != KA_TYPE_STREAK && type != KA_TYPE_STRIP))
+        return 0;
+    unsigned int below = 0;
+    for (const kaAnimationObject* child : object.getObjects()) {
+        below = std::max(below, levelsOf(*child, limit - 1));
+        if (below + 1 >= limit)
+            break;
+    }
+    return below + 1;
+}
+
 kaDescent::Path& triggerPath() {
     static kaDescent::Path path;
     return path;
@@ -135,10 +154,16 @@ void kaAnimationContainer::move(float offset, bool tellParent) {
     updateBy(this, MOVE_OBJECT, tellParent);
 }
 
+/// Asked once, of the container that the host stretches.
+bool kaAnimationContainer::isTooDeepToStretch() const {
+    const bool isOutermost = editPath().size() == 1;
+    return isOutermost && levelsOf(*this, MaxStretchLevels + 1) > MaxStretchLevels;
+}
+
 /// A factor that is no number, as a span of zero gives, would leave none to the children either.
 void kaAnimationContainer::moveBegin(float begin, bool tellParent) {
     const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent)
+    if (!hasChildren() || !descent || isTooDeepToStretch())
         return;
     const float end = getEnd();
     const float factor = (end - begin) / (end - getBegin());
@@ -156,7 +181,7 @@ void kaAnimationContainer::moveBegin(float begin, bool tellParent) {
 
 void kaAnimationContainer::moveEnd(float end, bool tellParent) {
     const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent)
+    if (!hasChildren() || !descent || isTooDeepToStretch())
         return;
     const float begin = getBegin();
     const float factor = (end - begin) / (getEnd() - begin);

@@ -15,9 +15,11 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     void move(float offset, bool tellParent) override;
     /// Sets the begin, whatever it is, and stretches the children about the end. A span of zero is not
     /// stretched.
+    /// Edges: ignored by containers nested more than twelve deep, because each level doubles the work.
     void moveBegin(float begin, bool tellParent) override;
     /// Sets the end, whatever it is, and stretches the children about the begin. A span of zero is not
     /// stretched.
+    /// Edges: ignored by containers nested more than twelve deep, because each level doubles the work.
     void moveEnd(float end, bool tellParent) override;
     void trimBegin(float begin, bool tellParent) override; ///< Does nothing.
     void trimEnd(float end, bool tellParent) override;     ///< Does nothing.
@@ -54,6 +56,8 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     /// Whether editing in time and triggers reach this child.
     virtual bool reaches(const kaAnimationObject& child) const;
     std::vector<kaAnimationObject*> reachedChildren() const;
+
+    bool isTooDeepToStretch() const;
 
     template <class Edit>
     void editChildren(Edit&& edit);

@@ -9,6 +9,7 @@
 #include "kaAnimationUtils.h"
 #include "kaEvaluation.h"
 #include "kaNesting.h"
+#include "kaPlayedObjects.h"
 #include "kaSnapshot.h"
 
 #include <chrono>
@@ -52,7 +53,8 @@ kaAnimationController* kaAnimationController::the() {
     return &instance;
 }
 
-kaAnimationController::kaAnimationController() : _evaluation(std::make_unique<kaEvaluation>()) {
+kaAnimationController::kaAnimationController()
+    : _evaluation(std::make_unique<kaEvaluation>()), _played(std::make_unique<kaPlayedObjects>()) {
     _instance = this;
 }
 
@@ -61,37 +63,33 @@ kaAnimationController::~kaAnimationController() {
 }
 
 void kaAnimationController::forget(kaAnimationObject* object) {
-    if (!_instance)
-        return;
-    _instance->_runningObjects.forget(object);
-    _instance->_waitingObjects.forget(object);
-    _instance->_curves.forget(object);
-    _instance->_seqs.forget(object);
+    if (_instance)
+        _instance->_played->forget(object);
 }
 
 const std::vector<kaAnimationCurve2D*>& kaAnimationController::getCurves() {
-    return the()->_curves.objects();
+    return the()->_played->curves.objects();
 }
 
 const std::vector<kaAnimationSequence*>& kaAnimationController::getSeqs() {
-    return the()->_seqs.objects();
+    return the()->_played->sequences.objects();
 }
 
 const std::map<unsigned long long, kaAnimationObject*>& kaAnimationController::getRunningObjects() const {
-    return _runningObjects.map();
+    return _played->running.map();
 }
 
 const std::vector<kaAnimationObject*>& kaAnimationController::getWaitingObjects() const {
-    return _waitingObjects.objects();
+    return _played->waiting.objects();
 }
 
 void kaAnimationController::addWaitingObject(kaAnimationObject* object) {
     if (object)
-        _waitingObjects.append(object);
+        _played->waiting.append(object);
 }
 
 void kaAnimationController::subRunningObject(unsigned long long id) {
-    _runningObjects.erase(id);
+    _played->running.erase(id);
 }
 
 double kaAnimationController::now() {
@@ -196,15 +194,15 @@ void kaAnimationController::loop() {
         return;
     const double time = now();
     std::vector<kaUID> finished;
-    for (kaUID id : _runningObjects.ids()) {
-        kaAnimationObject* object = _runningObjects.find(id);
+    for (kaUID id : _played->running.ids()) {
+        kaAnimationObject* object = _played->running.find(id);
         if (object && object->isActive() && !object->isPausing() && playOn(*object, time))
             finished.push_back(id);
     }
     for (kaUID id : finished) {
-        if (kaAnimationObject* object = _runningObjects.find(id))
+        if (kaAnimationObject* object = _played->running.find(id))
             object->setUseCustomRange(false);
-        _runningObjects.erase(id);
+        _played->running.erase(id);
     }
     enqueueWaitingObjects();
 }
@@ -230,9 +228,9 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
 }
 
 void kaAnimationController::enqueueWaitingObjects() {
-    for (kaAnimationObject* object : _waitingObjects.objects())
-        _runningObjects.insert(*object);
-    _waitingObjects.clear();
+    for (kaAnimationObject* object : _played->waiting.objects())
+        _played->running.insert(*object);
+    _played->waiting.clear();
 }
 
 void kaAnimationController::pause(bool pausing) {
@@ -242,7 +240,7 @@ void kaAnimationController::pause(bool pausing) {
     if (pausing) {
         _pauseStartTime = time;
     } else {
-        for (const auto& entry : _runningObjects.map())
+        for (const auto& entry : _played->running.map())
             entry.second->setStartTime(entry.second->getStartTime() + (time - _pauseStartTime));
     }
     _pausing = pausing;
@@ -263,17 +261,17 @@ void kaAnimationController::pause(kaAnimationObject* object, bool pausing) {
 }
 
 void kaAnimationController::stop() {
-    for (const auto& entry : _runningObjects.map())
+    for (const auto& entry : _played->running.map())
         entry.second->setPlaying(false);
-    _runningObjects.clear();
+    _played->running.clear();
 }
 
 void kaAnimationController::reset() {
     const kaNesting level(_resetDepth, 1);
     if (!level)
         return;
-    for (kaUID id : _runningObjects.ids()) {
-        kaAnimationObject* object = _runningObjects.find(id);
+    for (kaUID id : _played->running.ids()) {
+        kaAnimationObject* object = _played->running.find(id);
         if (!object)
             continue;
         const kaAliveGuard alive(*object);
@@ -281,7 +279,7 @@ void kaAnimationController::reset() {
         if (alive)
             object->setPlaying(false);
     }
-    _runningObjects.clear();
+    _played->running.clear();
 }
 
 void kaAnimationController::reset(kaAnimationObject* object) {
@@ -301,5 +299,5 @@ void kaAnimationController::leavePlayback(kaAnimationObject& object, float frame
         return;
     if (rewound)
         object.setPlaying(false);
-    _runningObjects.erase(object.getId());
+    _played->running.erase(object.getId());
 }

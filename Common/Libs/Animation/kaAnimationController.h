@@ -2,8 +2,6 @@
 
 #include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
-#include "kaForgetfulList.h"
-#include "kaRunningObjects.h"
 
 #include <OpenSG/OSGPerspectiveCamera2.h>
 #include <map>
@@ -17,6 +15,7 @@ class kaAnimationField;
 class kaAnimationObject;
 class kaAnimationSequence;
 class kaEvaluation;
+struct kaPlayedObjects;
 
 /// The playback engine: plays objects one by one (`loop`) or the global timeline (`playLoop`), evaluates
 /// objects at a frame and writes the values into the scene, and tells the host by messages and callbacks.
@@ -266,14 +265,11 @@ class KA_ANIMATION_API kaAnimationController {
     static bool _forcePlayLoopFullFrame;
 
     std::vector<unsigned long long> _playingObjects;
-    kaForgetfulList<kaAnimationCurve2D> _curves;
-    kaForgetfulList<kaAnimationSequence> _seqs;
-    kaRunningObjects _runningObjects;
-    kaForgetfulList<kaAnimationObject> _waitingObjects;
     unsigned long long _objectID = 0;
     std::vector<unsigned long long> _curveIDs;
     bool _evalActiveUnits = false;
     std::unique_ptr<kaEvaluation> _evaluation;
+    std::unique_ptr<kaPlayedObjects> _played;
 
     unsigned int _takeovers = 0; ///< how often the timeline was started or jumped
     unsigned int _loopDepth = 0;

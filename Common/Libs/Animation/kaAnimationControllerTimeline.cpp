@@ -5,6 +5,7 @@
 #include "kaAnimationUtils.h"
 #include "kaNesting.h"
 #include "kaOpenSGUtils.h"
+#include "kaPlayedObjects.h"
 
 #include <algorithm>
 #include <cmath>
@@ -106,8 +107,8 @@ void kaAnimationController::setCurrentFrame(float frame, AnimationWidget sender)
 
 void kaAnimationController::stopGlobal() {
     _playing = false;
-    _curves.clear();
-    _seqs.clear();
+    _played->curves.clear();
+    _played->sequences.clear();
 }
 
 void kaAnimationController::gotoGlobalBegin(kaAnimationObject* object) {
@@ -123,8 +124,8 @@ void kaAnimationController::jumpTo(kaAnimationObject* object, float frame) {
     if (!object)
         return;
     ++_takeovers;
-    _curves.assign(object->getCurves());
-    _seqs.assign(object->getSequencesRecursive());
+    _played->curves.assign(object->getCurves());
+    _played->sequences.assign(object->getSequencesRecursive());
     evaluateObject(object, frame, false);
     notifyFrame(frame);
 }
@@ -148,9 +149,9 @@ void kaAnimationController::jumpTo(const std::vector<kaAnimationCurve2D*>& curve
     if (curves.empty())
         return;
     ++_takeovers;
-    _curves.assign(curves);
-    _seqs.clear();
-    evaluateCurves(_curves.objects(), frame, false);
+    _played->curves.assign(curves);
+    _played->sequences.clear();
+    evaluateCurves(_played->curves.objects(), frame, false);
     notifyFrame(frame);
 }
 
