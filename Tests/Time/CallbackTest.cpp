@@ -25,7 +25,8 @@ class Callback : public TimeFixture {
     }
 
     void playAll() {
-        controller->playGlobal({first->getId(), second->getId(), third->getId()}, false, false, 0.0F, 100.0F, 0.0F);
+        controller->playGlobal({first->getId(), second->getId(), third->getId()}, false, false, 0.0F, 100.0F,
+                               0.0F);
     }
 
     kaAnimationUnit* first = nullptr;
@@ -147,6 +148,7 @@ TEST_F(Callback, OfASequenceMayDestroyTheObjectThatIsEvaluated) {
     start(track);
     inCallback = [this, track] { manager->destroyStreak(track); };
     loopAt(0.0);
+    loopAt(0.1);
     EXPECT_THAT(fired, ElementsAre("door"));
     EXPECT_THAT(controller->getRunningObjects(), IsEmpty());
 }
@@ -211,10 +213,9 @@ TEST_F(Callback, ThatStartsGlobalPlaybackAnewTakesItOver) {
 
 TEST_F(Callback, ThatJumpsTakesGlobalPlaybackOver) {
     playAll();
-    const kaMessageListener listener =
-        kaOpenSGUtils::addListener("currentFullFrameChanged", [this](std::string_view, const kaMessage&, int) {
-            controller->gotoGlobalEnd(first);
-        });
+    const kaMessageListener listener = kaOpenSGUtils::addListener(
+        "currentFullFrameChanged",
+        [this](std::string_view, const kaMessage&, int) { controller->gotoGlobalEnd(first); });
     playLoopAt(1.0);
     EXPECT_FALSE(Controller::isPlaying());
     EXPECT_EQ(first->getLastFrame(), 100.0F) << "stays where the jump put it";
@@ -223,8 +224,10 @@ TEST_F(Callback, ThatJumpsTakesGlobalPlaybackOver) {
 
 TEST_F(Callback, MayDestroyWhatGlobalPlaybackEvaluates) {
     playAll();
-    const kaMessageListener listener = kaOpenSGUtils::addListener(
-        "currentFrameChanged", [this](std::string_view, const kaMessage&, int) { manager->destroyAllObjects(true); });
+    const kaMessageListener listener =
+        kaOpenSGUtils::addListener("currentFrameChanged", [this](std::string_view, const kaMessage&, int) {
+            manager->destroyAllObjects(true);
+        });
     playLoopAt(1.0);
     EXPECT_TRUE(Controller::isPlaying());
     EXPECT_EQ(Controller::getCurrentFrame(), 25.0F);
@@ -248,8 +251,8 @@ TEST_F(Callback, CannotPlayOnInTheMiddleOfTheTick) {
 }
 
 TEST_F(Callback, MaySetTheFrameAgain) {
-    const kaMessageListener listener =
-        kaOpenSGUtils::addListener("currentFrameChanged", [this](std::string_view, const kaMessage& message, int) {
+    const kaMessageListener listener = kaOpenSGUtils::addListener(
+        "currentFrameChanged", [this](std::string_view, const kaMessage& message, int) {
             if (*message.get<float>("frame") < 3.0F)
                 controller->setCurrentFrame(*message.get<float>("frame") + 1.0F, Controller::WidgetHost);
         });

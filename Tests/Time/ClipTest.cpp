@@ -47,8 +47,8 @@ TEST_F(Clip, NumbersTracksInTheOrderOfAdding) {
 
 TEST_F(Clip, PutsALooseObjectOnANewTrackNumberedByTheTracksItHad) {
     kaAnimationStrip* clip = clipOf({true, true});
-    for (Object* object :
-         std::vector<Object*>{makeBlock(5.0F, 6.0F), makeClip({makeBlock(7.0F, 8.0F)}), makeSequence("s", 9.0F, 9.5F)}) {
+    for (Object* object : std::vector<Object*>{makeBlock(5.0F, 6.0F), makeClip({makeBlock(7.0F, 8.0F)}),
+                                               makeSequence("s", 9.0F, 9.5F)}) {
         const auto had = static_cast<unsigned int>(clip->getChildCount());
         auto* track = static_cast<kaAnimationStreak*>(clip->addObject(object));
         ASSERT_NE(track, nullptr);

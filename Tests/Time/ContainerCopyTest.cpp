@@ -107,7 +107,8 @@ TEST_F(ContainerCopy, OfAClipNumbersItsTracksAnewInChildOrder) {
     EXPECT_THAT(copy->getCurves(), Not(testing::Contains(clip->getCurves().at(0))));
 }
 
-/// The copy names the source's parent without being its child; as its children arrive the parent takes in their ids.
+/// The copy names the source's parent without being its child; as its children arrive the parent takes in
+/// their ids.
 TEST_F(ContainerCopy, KeepsTheParentWhichTakesInTheCurvesThatArrive) {
     kaAnimationUnit* block = makeBlock(2.0F, 6.0F);
     kaAnimationStreak* track = makeTrack({block});

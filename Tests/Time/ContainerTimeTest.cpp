@@ -92,9 +92,8 @@ TEST_F(ContainerTime, AClipStretchesThroughItsTracks) {
 }
 
 TEST_F(ContainerTime, ABlockStretchesItsCurves) {
-    kaAnimationUnit* block =
-        makeBlock({makeCurve(std::vector<Spot>{{0.0F, 0.0F}, {10.0F, 1.0F}}),
-                   makeCurve(std::vector<Spot>{{10.0F, 0.0F}, {20.0F, 1.0F}})});
+    kaAnimationUnit* block = makeBlock({makeCurve(std::vector<Spot>{{0.0F, 0.0F}, {10.0F, 1.0F}}),
+                                        makeCurve(std::vector<Spot>{{10.0F, 0.0F}, {20.0F, 1.0F}})});
     block->moveBegin(-20.0F, false); // twice as long
     const auto curves = block->getObjects();
     expectSpan(curves.at(0), -20.0F, 0.0F);
@@ -104,9 +103,9 @@ TEST_F(ContainerTime, ABlockStretchesItsCurves) {
     expectSpan(curves.at(1), 20.0F, 60.0F);
 }
 
-/// A block sets its begin before the test, so a begin that passes the block's end leaves it inverted, and the end that
-/// follows is scaled from there: factor (25 - 20) / (10 - 20). The curve's end goes to (10 - 20) * -0.5 + 20 = 25; its
-/// begin is asked to 30, beyond the new end, and stays.
+/// A block sets its begin before the test, so a begin that passes the block's end leaves it inverted, and the
+/// end that follows is scaled from there: factor (25 - 20) / (10 - 20). The curve's end goes to (10 - 20) *
+/// -0.5 + 20 = 25; its begin is asked to 30, beyond the new end, and stays.
 TEST_F(ContainerTime, ABeginThatPassesABlocksEndLeavesItsCurveBehind) {
     track->moveBegin(20.0F, false);
     expectSpan(early, 20.0F, 25.0F);
@@ -170,8 +169,8 @@ TEST_F(ContainerTime, FlippingDoesNotTellTheAncestors) {
     expectSpan(clip, 0.0F, 40.0F);
 }
 
-/// The flip of a trimmed block puts its curve at [4, 14] and gives the block that extent; from there the track moves
-/// it by (10 - 14) + 4 - 4.
+/// The flip of a trimmed block puts its curve at [4, 14] and gives the block that extent; from there the
+/// track moves it by (10 - 14) + 4 - 4.
 TEST_F(ContainerTime, AChildFlipsBeforeItIsMovedToItsMirrorPlace) {
     kaAnimationUnit* block = makeBlock(0.0F, 10.0F);
     kaAnimationStreak* own = makeTrack({block});
@@ -221,7 +220,8 @@ TEST_P(ContainerFlag, ReachesEverythingBelow) {
     kaAnimationStrip* clip = makeClip({track});
     const bool before = (clip->*row.get)();
     (clip->*row.set)(!before);
-    for (const Object* object : std::vector<Object*>{clip, track, early, late, curveOf(early), curveOf(late), sequence})
+    for (const Object* object :
+         std::vector<Object*>{clip, track, early, late, curveOf(early), curveOf(late), sequence})
         EXPECT_NE((object->*row.get)(), before) << object->getTypeID();
     (track->*row.set)(before);
     EXPECT_NE((clip->*row.get)(), before) << "ancestors keep theirs";
@@ -232,7 +232,8 @@ INSTANTIATE_TEST_SUITE_P(
     Flags, ContainerFlag,
     testing::Values(FlagRow{"active", &kaAnimationObject::setActive, &kaAnimationObject::isActive},
                     FlagRow{"repeating", &kaAnimationObject::setRepeating, &kaAnimationObject::isRepeating},
-                    FlagRow{"motion_blur", &kaAnimationObject::setMotionBlur, &kaAnimationObject::isMotionBlur}),
+                    FlagRow{"motion_blur", &kaAnimationObject::setMotionBlur,
+                            &kaAnimationObject::isMotionBlur}),
     [](const auto& row) { return std::string(row.param.name); });
 
 /// The base rule switches what `_curves` lists, wherever it sits.

@@ -68,7 +68,8 @@ class Foreign : public std::numpunct<char> {
 
 TEST_F(Dump, LooksTheSameWhateverTheHostMadeOfTheStream) {
     const std::locale before = std::cout.imbue(std::locale(std::locale::classic(), new Foreign));
-    const std::ios::fmtflags flags = std::cout.flags(std::ios::hex | std::ios::boolalpha | std::ios::showbase);
+    const std::ios::fmtflags flags =
+        std::cout.flags(std::ios::hex | std::ios::boolalpha | std::ios::showbase);
     field->value = 0.5F;
     field->dirty = false;
     std::string text;

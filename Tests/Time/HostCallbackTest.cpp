@@ -42,12 +42,13 @@ TEST_F(HostCallback, WithoutOneTheCameraIsAllZeros) {
 }
 
 TEST_F(HostCallback, TheCameraGoesToAndComesFromTheActiveOne) {
-    Manager::setFromAtUpCB([](int camera, const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up) {
-        askedCamera = camera;
-        camFrom = from;
-        camAt = at;
-        camUp = up;
-    });
+    Manager::setFromAtUpCB(
+        [](int camera, const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up) {
+            askedCamera = camera;
+            camFrom = from;
+            camAt = at;
+            camUp = up;
+        });
     Manager::setGetFromAtUpCB([](int camera, osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up) {
         askedCamera = camera;
         from = camFrom;

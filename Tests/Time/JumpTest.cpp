@@ -19,11 +19,13 @@ class Jump : public TimeFixture {
         told.clear();
         Controller::setCurrentFrameClipMakerCB([](float frame) { told.emplace_back("clip maker", frame); });
         Controller::setCurrentFrameTimeLineCB([](float frame) { told.emplace_back("time line", frame); });
-        Controller::setCurrentFrameCurveEditorCB([](float frame) { told.emplace_back("curve editor", frame); });
+        Controller::setCurrentFrameCurveEditorCB(
+            [](float frame) { told.emplace_back("curve editor", frame); });
     }
 
     static void expectAllTold(float frame) {
-        EXPECT_THAT(told, ElementsAre(Pair("time line", frame), Pair("curve editor", frame), Pair("clip maker", frame)));
+        EXPECT_THAT(told, ElementsAre(Pair("time line", frame), Pair("curve editor", frame),
+                                      Pair("clip maker", frame)));
     }
 };
 
@@ -91,11 +93,12 @@ TEST_P(CurveJump, GoesNoLaterThanFrameZeroForTheBeginAndNoEarlierForTheEnd) {
     expectAllTold(GetParam().end);
 }
 
-INSTANTIATE_TEST_SUITE_P(Spans, CurveJump,
-                         testing::Values(CurveJumpRow{"after_zero", {10.0F, 20.0F}, {15.0F, 30.0F}, 0.0F, 30.0F},
-                                         CurveJumpRow{"before_zero", {-30.0F, -20.0F}, {-15.0F, -10.0F}, -30.0F, 0.0F},
-                                         CurveJumpRow{"around_zero", {-5.0F, 5.0F}, {-2.0F, 8.0F}, -5.0F, 8.0F}),
-                         [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Spans, CurveJump,
+    testing::Values(CurveJumpRow{"after_zero", {10.0F, 20.0F}, {15.0F, 30.0F}, 0.0F, 30.0F},
+                    CurveJumpRow{"before_zero", {-30.0F, -20.0F}, {-15.0F, -10.0F}, -30.0F, 0.0F},
+                    CurveJumpRow{"around_zero", {-5.0F, 5.0F}, {-2.0F, 8.0F}, -5.0F, 8.0F}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(Jump, OfCurvesForgetsTheSequencesOfTheJumpBefore) {
     kaAnimationUnit* block = makeBlock(10.0F, 20.0F);

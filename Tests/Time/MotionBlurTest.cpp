@@ -44,7 +44,9 @@ class MotionBlur : public TimeFixture {
     }
 
     /// Has the value of the frame, over [0, 100].
-    static kaAnimationCurve2D* rising() { return makeCurve(std::vector<Spot>{{0.0F, 0.0F}, {100.0F, 100.0F}}); }
+    static kaAnimationCurve2D* rising() {
+        return makeCurve(std::vector<Spot>{{0.0F, 0.0F}, {100.0F, 100.0F}});
+    }
 
     void expectValues(float ofBlurred, float ofSharp) {
         EXPECT_NEAR(valueOf(blurred), ofBlurred, 1e-3F);

@@ -14,7 +14,8 @@ class NestedContainers : public TimeFixture {
     int stack(Object* bottom, int wanted) {
         top = bottom;
         for (int level = 0; level < wanted; ++level) {
-            Object* above = level % 2 == 0 ? static_cast<Object*>(manager->createStreak(0)) : manager->createStrip(0);
+            Object* above =
+                level % 2 == 0 ? static_cast<Object*>(manager->createStreak(0)) : manager->createStrip(0);
             if (!above->addObject(top))
                 return level;
             top = above;

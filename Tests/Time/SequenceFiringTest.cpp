@@ -51,14 +51,18 @@ TEST_P(SequenceFiringAt, GoesBySpanAndArming) {
     EXPECT_EQ(sequence->isArmed(), row.armed && !row.fires);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Frames, SequenceFiringAt,
-    testing::Values(FireRow{"armed_before_the_begin", 9.5F, true, false}, FireRow{"armed_at_the_begin", 10.0F, true, true},
-                    FireRow{"armed_past_the_end", 50.0F, true, true}, FireRow{"unarmed_before", 9.5F, false, false},
-                    FireRow{"unarmed_at_the_begin", 10.0F, false, true}, FireRow{"unarmed_inside", 15.0F, false, true},
-                    FireRow{"unarmed_at_the_end", 20.0F, false, true}, FireRow{"unarmed_past_the_end", 20.5F, false, false},
-                    FireRow{"at_no_number", std::numeric_limits<float>::quiet_NaN(), true, false}),
-    [](const auto& row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Frames, SequenceFiringAt,
+                         testing::Values(FireRow{"armed_before_the_begin", 9.5F, true, false},
+                                         FireRow{"armed_at_the_begin", 10.0F, true, true},
+                                         FireRow{"armed_past_the_end", 50.0F, true, true},
+                                         FireRow{"unarmed_before", 9.5F, false, false},
+                                         FireRow{"unarmed_at_the_begin", 10.0F, false, true},
+                                         FireRow{"unarmed_inside", 15.0F, false, true},
+                                         FireRow{"unarmed_at_the_end", 20.0F, false, true},
+                                         FireRow{"unarmed_past_the_end", 20.5F, false, false},
+                                         FireRow{"at_no_number", std::numeric_limits<float>::quiet_NaN(),
+                                                 true, false}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(SequenceFiring, PassesOverNullsAndInactiveSequences) {
     kaAnimationSequence* inactive = makeSequence("window", 0.0F, 100.0F);

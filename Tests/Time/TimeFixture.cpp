@@ -41,9 +41,10 @@ void TimeFixture::SetUp() {
     sent.clear();
     Controller::setTimeCB(&clockNow);
     Controller::setSeqCB(&onSequence);
-    _listener = kaOpenSGUtils::addListener("", [](std::string_view name, const kaMessage& message, int /*flags*/) {
-        sent.push_back({std::string(name), message});
-    });
+    _listener =
+        kaOpenSGUtils::addListener("", [](std::string_view name, const kaMessage& message, int /*flags*/) {
+            sent.push_back({std::string(name), message});
+        });
 }
 
 void TimeFixture::TearDown() {
@@ -74,8 +75,8 @@ bool TimeFixture::isRunning(const Object* object) const {
 }
 
 std::size_t TimeFixture::count(const std::string& name) {
-    return static_cast<std::size_t>(
-        std::count_if(sent.begin(), sent.end(), [&name](const Sent& message) { return message.name == name; }));
+    return static_cast<std::size_t>(std::count_if(
+        sent.begin(), sent.end(), [&name](const Sent& message) { return message.name == name; }));
 }
 
 float TimeFixture::valueOf(const kaAnimationCurve2D* curve) {

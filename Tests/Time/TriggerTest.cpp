@@ -83,13 +83,16 @@ kaAnimationObject* makeSpannedCurve() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, TriggerLoopOf,
-                         testing::Values(KindRow{"curve", &makeSpannedCurve}, KindRow{"block", &makeSpannedBlock},
-                                         KindRow{"track", &makeSpannedTrack}, KindRow{"clip", &makeSpannedClip},
+                         testing::Values(KindRow{"curve", &makeSpannedCurve},
+                                         KindRow{"block", &makeSpannedBlock},
+                                         KindRow{"track", &makeSpannedTrack},
+                                         KindRow{"clip", &makeSpannedClip},
                                          KindRow{"sequence", &makeSpanned}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(TriggerLoop, DoesNothingForAContainerWithoutChildren) {
-    for (Object* object : std::vector<Object*>{manager->createUnit(0), manager->createStreak(0), manager->createStrip(0)}) {
+    for (Object* object :
+         std::vector<Object*>{manager->createUnit(0), manager->createStreak(0), manager->createStrip(0)}) {
         object->setBegin(0.0F);
         object->setEnd(10.0F);
         manager->createConnection(object, Manager::TriggerBegin, &note<0>);
@@ -110,7 +113,8 @@ TEST_F(TriggerLoop, DescendsFromClipToTrackToBlockButNotToCurves) {
     manager->createConnection(block, Manager::TriggerBegin, &note<2>);
     manager->createConnection(sequence, Manager::TriggerBegin, &note<3>);
     clip->triggerLoop(5.0F);
-    EXPECT_THAT(heard, ElementsAre("0", "1", "2", "3")) << "the container before its children, those by begin";
+    EXPECT_THAT(heard, ElementsAre("0", "1", "2", "3"))
+        << "the container before its children, those by begin";
     EXPECT_FALSE(later->isPlaying());
     EXPECT_FALSE(curveOf(block)->isPlaying());
 }
@@ -120,7 +124,8 @@ TEST_F(TriggerLoop, IsNotPlayingYetWhileItsStartIsAnnounced) {
     static kaUID id = 0;
     kaAnimationUnit* block = makeBlock(0.0F, 10.0F);
     id = block->getId();
-    manager->createConnection(block, Manager::TriggerBegin, [] { playing = Manager::the()->getUnit(id)->isPlaying(); });
+    manager->createConnection(block, Manager::TriggerBegin,
+                              [] { playing = Manager::the()->getUnit(id)->isPlaying(); });
     block->triggerLoop(5.0F);
     EXPECT_FALSE(playing);
     EXPECT_TRUE(block->isPlaying());
