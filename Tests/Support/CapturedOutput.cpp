@@ -1,9 +1,10 @@
 #include "CapturedOutput.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace ka_test {
@@ -16,11 +17,9 @@ void flushAll() {
 }
 
 int openUnnamedFile() {
-    std::string path = "/tmp/ka_test_outputXXXXXX";
-    const int file = mkstemp(path.data());
+    const int file = memfd_create("captured output", MFD_CLOEXEC);
     if (file < 0)
-        throw std::runtime_error("no temporary file for captured output");
-    unlink(path.c_str());
+        throw std::runtime_error("no memory file for captured output");
     return file;
 }
 

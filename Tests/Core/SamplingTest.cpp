@@ -1,0 +1,226 @@
+#include "Builders.h"
+#include "RegistryFixture.h"
+#include "kaAnimationController.h"
+#include "kaAnimationManager.h"
+
+#include <cmath>
+
+using namespace ka_test;
+
+namespace {
+
+using Spots = std::vector<Spot>;
+using Keys = std::vector<Key>;
+
+constexpr float UNTOUCHED = -12345.0F;
+
+class Sampling : public RegistryFixture {
+  protected:
+    kaAnimationManager* manager = kaAnimationManager::the();
+
+    static bool sample(kaAnimationCurve2D* curve, float frame, float& value) {
+        value = UNTOUCHED;
+        return kaAnimationController::the()->computeCurveValue(curve, frame, value);
+    }
+    static void expectValue(kaAnimationCurve2D* curve, float frame, float expected) {
+        float value = 0.0F;
+        EXPECT_TRUE(sample(curve, frame, value)) << "at " << frame;
+        EXPECT_FLOAT_EQ(value, expected) << "at " << frame;
+    }
+    static void expectAnswerAlone(kaAnimationCurve2D* curve, float frame, bool answer) {
+        float value = 0.0F;
+        EXPECT_EQ(sample(curve, frame, value), answer) << "at " << frame;
+        EXPECT_EQ(value, UNTOUCHED) << "at " << frame;
+    }
+    /// (0, 0) to (30, 1).
+    static kaAnimationCurve2D* segment(const Spot& out, const Spot& in) {
+        return makeCurve(Keys{{{0, 0}, {0, 0}, out}, {{30, 1}, in, {30, 1}}});
+    }
+};
+
+TEST_F(Sampling, NeedsACurveWithTwoKeys) {
+    expectAnswerAlone(nullptr, 0, false);
+    expectAnswerAlone(manager->createCurve2D(0ULL), 0, false);
+    for (float frame : {-1.0F, 5.0F, 9.0F})
+        expectAnswerAlone(makeCurve(Spots{{5, 7}}), frame, false);
+}
+
+TEST_F(Sampling, KeysThatTheRegistryDoesNotKnowDoNotCount) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{5, 7}, {9, 8}});
+    kaControlPoint2D* last = curve->findPoint(9.0F);
+    last->setParent(0);
+    manager->destroyPoint2D(last);
+    ASSERT_EQ(curve->getChildCount(), 2U);
+    expectAnswerAlone(curve, 6, false);
+}
+
+TEST_F(Sampling, KeysAllAtOneFrameAnswerWhetherTheFirstHasAValue) {
+    for (float frame : {4.0F, 5.0F, 6.0F}) {
+        expectAnswerAlone(makeCurve(Keys{stepKey(5, 2), stepKey(5, 0)}), frame, true);
+        expectAnswerAlone(makeCurve(Keys{stepKey(5, 0), stepKey(5, 2)}), frame, false);
+        expectAnswerAlone(makeCurve(Keys{stepKey(5, -0.0F), stepKey(5, 2), stepKey(5, 3)}), frame, false);
+    }
+}
+
+TEST_F(Sampling, OfTwoKeysAtOneFrameAmongOthersTheFirstCounts) {
+    kaAnimationCurve2D* curve = makeCurve(Keys{stepKey(0, 1), stepKey(10, 5), stepKey(10, 9)});
+    expectValue(curve, 10, 5);
+    expectValue(curve, -1, 5); // the second of the two keys that are left
+}
+
+TEST_F(Sampling, BeforeTheFirstKeyGivesTheSecondKeysValue) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 1}, {10, 2}, {20, 3}});
+    expectValue(curve, -0.001F, 2);
+    expectValue(curve, -1e30F, 2);
+    expectValue(curve, -INFINITY, 2);
+}
+
+TEST_F(Sampling, AtAndAfterTheLastKeyGivesItsValue) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 1}, {10, 2}, {20, 3}});
+    for (float frame : {20.0F, 20.001F, 1e30F, INFINITY})
+        expectValue(curve, frame, 3);
+}
+
+TEST_F(Sampling, OnAKeyGivesItsValue) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 1}, {10, 2}, {20, 3}});
+    expectValue(curve, 0, 1);
+    expectValue(curve, 10, 2);
+}
+
+TEST_F(Sampling, HandlesOnTheirKeysHoldTheLeftValue) {
+    kaAnimationCurve2D* curve = makeCurve(Keys{stepKey(0, 4), stepKey(10, 8), stepKey(20, 1)});
+    for (float frame : {0.0F, 5.0F, 9.999F})
+        expectValue(curve, frame, 4);
+    expectValue(curve, 10, 8);
+    expectValue(curve, 19.999F, 8);
+    expectValue(curve, 20, 1);
+}
+
+TEST_F(Sampling, AStepNeedsAllFourHandleCoordinatesOnTheirKeys) {
+    float value = 0.0F;
+    ASSERT_TRUE(sample(segment({0, 0}, {30, 1}), 15, value));
+    EXPECT_EQ(value, 0.0F);
+    ASSERT_TRUE(sample(segment({0, 0.5F}, {30, 1}), 15, value)); // t = 1/2: 3/8 of 0.5, 3/8 of 1, 1/8 of 1
+    EXPECT_FLOAT_EQ(value, 0.6875F);
+}
+
+TEST_F(Sampling, AStepsValueIsTakenAsItIs) {
+    expectValue(makeCurve(Keys{stepKey(0, 5e-7F), stepKey(10, 1)}), 5, 5e-7F);
+}
+
+TEST_F(Sampling, GivesHandWorkedValuesByTheCubicFormula) {
+    // Handles half way, flat: by symmetry the middle is the middle.
+    kaAnimationCurve2D* ease = segment({15, 0}, {15, 1});
+    expectValue(ease, 15, 0.5F);
+    // At t = 1/4 the time is 1.5/4 * 9/16 + 1.5/16 * 3/4 + 1/64 = 0.296875 and the value 3/16 * 3/4 + 1/64.
+    expectValue(ease, 8.90625F, 0.15625F);
+    expectValue(ease, 21.09375F, 0.84375F);
+}
+
+TEST_F(Sampling, HandlesAtThirdsMakeTheTimeLinear) {
+    kaAnimationCurve2D* curve = segment({10, 0.5F}, {20, 0.5F});
+    expectValue(curve, 15, 0.5F);
+    expectValue(curve, 6, 0.248F); // t = 0.2: 0.5 * (0.384 + 0.096) + 0.008
+    expectValue(curve, 24, 0.752F);
+    float value = 0.0F;
+    ASSERT_TRUE(sample(curve, 0, value));
+    EXPECT_EQ(value, 0.0F);
+}
+
+TEST_F(Sampling, WithoutACubicTermTheTimeIsAParabola) {
+    // Out handle on its key's frame, in handle at a third: the time is t^2.
+    expectValue(segment({0, 0.25F}, {10, 0.5F}), 7.5F, 0.40625F); // t = 1/2: 0.375 * 0.75 + 0.125
+    // Out handle at two thirds, in handle on the last frame: 2 t - t^2; 3/4 of the way at t = 1/2.
+    expectValue(segment({20, 0.25F}, {30, 0.5F}), 22.5F, 0.40625F);
+    // Out handle a third before the segment, in handle on its begin: 2 t^2 - t, which is 0 at 0 and at 1/2;
+    // the smallest root counts.
+    expectValue(segment({-10, 8}, {0, 8}), 0.0F, 0.0F);
+}
+
+TEST_F(Sampling, NearATripleRootThePlainPowerRefusesOnOneSide) {
+    // Handles on the far keys' frames: the time is 4 t^3 - 6 t^2 + 3 t, so p = 0, and q = 1/8 - s/4. For s =
+    // 0.506 q = -0.0015 and the discriminant is 5.6e-7: the powers of negative numbers are undefined. For s =
+    // 0.494 t = 1/2 - (0.006)^(1/3) = 0.318288, where the value is 3 t^2 - 2 t^3 = 0.239432.
+    kaAnimationCurve2D* curve = segment({30, 0}, {0, 1});
+    expectAnswerAlone(curve, 15.18F, false);
+    float value = 0.0F;
+    ASSERT_TRUE(sample(curve, 14.82F, value));
+    EXPECT_NEAR(static_cast<double>(value), 0.239432, 1e-5);
+    expectValue(curve, 15, 0.5F); // here p and q are both 0
+}
+
+TEST_F(Sampling, BesidesATripleRootTheSignedRootHolds) {
+    // s = 0.6: q = -0.025, discriminant 1.6e-4; t = 1/2 + 0.025^(1/3) = 0.792402, 3 t^2 - 2 t^3 = 0.888603.
+    float value = 0.0F;
+    ASSERT_TRUE(sample(segment({30, 0}, {0, 1}), 18, value));
+    EXPECT_NEAR(static_cast<double>(value), 0.888603, 1e-5);
+}
+
+TEST_F(Sampling, OfThreeRootsTheFirstTriedCounts) {
+    // Handles at 1.5 and -0.5 of the way: the time is 7 t^3 - 10.5 t^2 + 4.5 t, half way at t = 1/2 and at
+    // 1/2 +- sqrt(3/28) = 0.827327 and 0.172673. The first tried is the largest.
+    float value = 0.0F;
+    ASSERT_TRUE(sample(segment({45, 0}, {-15, 1}), 15, value));
+    EXPECT_NEAR(static_cast<double>(value), 0.920849, 1e-5); // 3 t^2 - 2 t^3 at 0.827327
+}
+
+TEST_F(Sampling, ResultsNearZeroBecomeZero) {
+    const auto level = [](float y) {
+        return makeCurve(Keys{{{0, y}, {0, y}, {5, y}}, {{10, y}, {5, y}, {10, y}}});
+    };
+    float value = 0.0F;
+    ASSERT_TRUE(sample(level(5e-7F), 5, value));
+    EXPECT_EQ(value, 0.0F);
+    ASSERT_TRUE(sample(level(-9.9e-7F), 5, value));
+    EXPECT_EQ(value, 0.0F);
+    expectValue(level(-2e-6F), 5, -2e-6F);
+    expectValue(level(2e-6F), 5, 2e-6F);
+    expectValue(level(5e-7F), 10, 5e-7F); // a key's value as such is not a result of the formula
+}
+
+TEST_F(Sampling, MissingHandlesStandOnTheirKeys) {
+    kaAnimationCurve2D* curve = segment({15, 0}, {15, 1});
+    manager->destroyPoint2D(curve->findPoint(0.0F)->getOutTangent());
+    manager->destroyPoint2D(curve->findPoint(30.0F)->getInTangent());
+    float value = 0.0F;
+    ASSERT_TRUE(sample(curve, 15, value));
+    EXPECT_EQ(value, 0.0F) << "a step now";
+}
+
+TEST_F(Sampling, SeesEveryDirectWrite) {
+    kaAnimationCurve2D* curve = segment({15, 0}, {15, 1});
+    kaControlPoint2D* first = curve->findPoint(0.0F);
+    kaControlPoint2D* last = curve->findPoint(30.0F);
+    expectValue(curve, 15, 0.5F);
+    first->setPosition(0, 1);
+    place(*first->getOutTangent(), {15, 1});
+    expectValue(curve, 15, 1);
+    last->setMaximum(5);
+    expectValue(curve, 30, 5);
+    last->setBegin(40);
+    place(*last->getInTangent(), {20, 5});
+    place(*first->getOutTangent(), {20, 1});
+    expectValue(curve, 20, 3);
+    expectValue(curve, 28.125F, 4.375F); // t = 3/4: the time is 45/64 of 40, the value 1 + 4 * 27/32
+}
+
+TEST_F(Sampling, SeesKeysComeAndGo) {
+    kaAnimationCurve2D* curve = makeCurve(Keys{stepKey(0, 1), stepKey(10, 2)});
+    expectValue(curve, 7, 1);
+    curve->addObject(makeKey(stepKey(5, 9)));
+    expectValue(curve, 7, 9);
+    manager->destroyPoint2D(curve->findPoint(5.0F));
+    expectValue(curve, 7, 1);
+    curve->setChildIDs({curve->getChildIDs()[0]});
+    expectAnswerAlone(curve, 7, false);
+}
+
+TEST_F(Sampling, SeesKeysThatAreOutOfOrder) {
+    kaAnimationCurve2D* curve = makeCurve(Keys{stepKey(0, 1), stepKey(10, 2), stepKey(20, 3)});
+    curve->findPoint(0.0F)->setPosition(15, 7);
+    expectValue(curve, 12, 2);
+    expectValue(curve, 17, 7);
+    expectValue(curve, 5, 7); // before the first key, now at 10, the second's value
+}
+
+} // namespace

@@ -1,0 +1,183 @@
+#include "RegistryFixture.h"
+#include "SegmentSupport.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+using namespace ka_test;
+
+namespace {
+
+constexpr int SEGMENTS = 100000;
+
+/// Segments whose handles stand a third of the span apart but for a little: the cubic coefficient A of the
+/// time polynomial is 3 times that little.
+SegmentCase nearDegenerate(Random& random) {
+    const double starts[] = {0.0, 0.0, 1.0, 10.0, 1000.0};
+    const double spans[] = {1.0, 3.0, 7.0, 30.0, 25.0, 100.0, 48.0, 4096.0};
+    const double x0 = starts[random.next() % 5];
+    const double span = spans[random.next() % 8];
+    const double offset = random.chance(0.5) ? 1.0 / 3.0 : random.between(0.0, 2.0 / 3.0);
+    const double apart = std::pow(10.0, random.between(-18.0, -1.0)) * (random.chance(0.5) ? 1.0 : -1.0);
+    SegmentCase segment;
+    segment.left.key = {static_cast<float>(x0), 0.0F};
+    segment.right.key = {static_cast<float>(x0 + span), 1.0F};
+    segment.left.out = {static_cast<float>(x0 + span * offset), static_cast<float>(random.unit())};
+    segment.right.in = {static_cast<float>(x0 + span * (offset + 1.0 / 3.0 + apart)),
+                        static_cast<float>(random.unit())};
+    segment.left.in = segment.left.key;
+    segment.right.out = segment.right.key;
+    segment.frame = static_cast<float>(x0 + span * random.unit());
+    if (segment.frame >= segment.right.key.x)
+        segment.frame = segment.left.key.x;
+    return segment;
+}
+
+/// The decimal magnitude of A; 0 stands for A = 0.
+int decadeOf(double a) {
+    return a == 0.0 ? 0 : static_cast<int>(std::floor(std::log10(std::fabs(a))));
+}
+
+struct Row {
+    int count = 0;
+    int refused = 0; ///< no value at all
+    double error = -1.0;
+    SegmentCase worst;
+};
+
+using Table = std::map<int, Row>;
+
+std::string keyOf(int decade) {
+    return decade == 0 ? "0" : "1e" + std::to_string(decade);
+}
+
+/// What the formula, worked out apart from the module, makes of the segments.
+Table computeTable() {
+    Table table;
+    Random random(3);
+    for (int i = 0; i < SEGMENTS; ++i) {
+        const SegmentCase segment = nearDegenerate(random);
+        Row& row = table[decadeOf(timePolynomial(segment.left, segment.right).a)];
+        ++row.count;
+        const Sample sample = referenceSegment(segment.left, segment.right, segment.frame);
+        if (!sample.written) {
+            ++row.refused;
+            continue;
+        }
+        const double error =
+            errorAgainst(trueValues(segment.left, segment.right, segment.frame), sample.value);
+        if (error > row.error || std::isnan(error)) {
+            row.error = error;
+            row.worst = segment;
+        }
+    }
+    return table;
+}
+
+void write(const Table& table, const std::string& path) {
+    std::ofstream file(path);
+    file << "# How far the closed cubic formula is off where the cubic coefficient A of the time polynomial "
+            "is nearly\n"
+            "# 0: it divides by A three times over, so that the digits cancel. Values run from 0 to 1. One "
+            "row for each\n"
+            "# decimal magnitude of A (0: A is exactly 0, where the polynomial of lower degree is solved): "
+            "how many of\n"
+            "# the segments fell there, how many of them got no value, the worst error in value, and for "
+            "which segment:\n"
+            "# left key, its out handle, in handle of the right key, right key, frame. Written by "
+            "KA_WRITE_GOLDEN=1.\n"
+            "# A count refused error | x0 y0 x1 y1 x2 y2 x3 y3 frame\n";
+    for (const auto& entry : table) {
+        char error[32];
+        std::snprintf(error, sizeof(error), "%.2e", entry.second.error);
+        file << keyOf(entry.first) << ' ' << entry.second.count << ' ' << entry.second.refused << ' ' << error
+             << " | " << entry.second.worst << '\n';
+    }
+}
+
+Table read(const std::string& path) {
+    Table table;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::istringstream words(line);
+        std::string key;
+        std::string bar;
+        Row row;
+        words >> key >> row.count >> row.refused >> row.error >> bar;
+        if (bar != "|" || !readSegment(words, row.worst))
+            throw std::runtime_error("not a row of the table: " + line);
+        table[key == "0" ? 0 : std::atoi(key.c_str() + 2)] = row;
+    }
+    return table;
+}
+
+class NearDegenerate : public RegistryFixture {
+  protected:
+    void SetUp() override {
+        RegistryFixture::SetUp();
+        if (std::getenv("KA_WRITE_GOLDEN"))
+            write(computeTable(), KA_NEAR_DEGENERATE_TABLE);
+    }
+};
+
+TEST_F(NearDegenerate, SegmentsAreSampledToTheSameFloatAsThePlainFormula) {
+    ModuleSegment module;
+    Random random(3);
+    int shown = 0;
+    for (int i = 0; i < SEGMENTS && shown < 5; ++i) {
+        const SegmentCase segment = nearDegenerate(random);
+        const Sample expected = referenceSegment(segment.left, segment.right, segment.frame);
+        const Sample actual = module.sample(segment);
+        if (!sameSample(actual, expected)) {
+            ADD_FAILURE() << segment << "\n  gives " << actual << ", expected " << expected;
+            ++shown;
+        }
+    }
+}
+
+TEST_F(NearDegenerate, SegmentsAreOffByWhatTheTableSays) {
+    const Table recorded = read(KA_NEAR_DEGENERATE_TABLE);
+    const Table computed = computeTable();
+    ASSERT_EQ(recorded.size(), computed.size());
+    for (const auto& entry : recorded) {
+        SCOPED_TRACE(keyOf(entry.first));
+        ASSERT_EQ(computed.count(entry.first), 1U);
+        const Row& now = computed.at(entry.first);
+        const Row& then = entry.second;
+        EXPECT_EQ(now.count, then.count) << "the input is not the same";
+        // Another mathematical library may round otherwise; a change of magnitude is a change of the formula.
+        EXPECT_NEAR(now.refused, then.refused, 0.02 * then.count + 1.0);
+        EXPECT_LE(now.error, then.error * 2.0 + 1e-7);
+        EXPECT_GE(now.error, then.error * 0.5 - 1e-7);
+    }
+}
+
+TEST_F(NearDegenerate, TheRecordedSegmentsThemselvesAreOffByAsMuch) {
+    ModuleSegment module;
+    for (const auto& entry : read(KA_NEAR_DEGENERATE_TABLE)) {
+        const Row& row = entry.second;
+        if (row.error < 0.0)
+            continue;
+        const Sample sample = module.sample(row.worst);
+        ASSERT_TRUE(sample.written) << row.worst;
+        const auto truth = trueValues(row.worst.left, row.worst.right, row.worst.frame);
+        EXPECT_NEAR(errorAgainst(truth, sample.value), row.error, 0.5 * row.error + 1e-7) << row.worst;
+    }
+}
+
+TEST_F(NearDegenerate, WithNoCubicTermAtAllNothingIsOff) {
+    const Table recorded = read(KA_NEAR_DEGENERATE_TABLE);
+    ASSERT_EQ(recorded.count(0), 1U);
+    EXPECT_GT(recorded.at(0).count, 1000);
+    EXPECT_EQ(recorded.at(0).refused, 0);
+    EXPECT_LT(recorded.at(0).error, 1e-6);
+}
+
+} // namespace

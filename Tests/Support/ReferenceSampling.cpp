@@ -1,0 +1,237 @@
+#include "ReferenceSampling.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <limits>
+#include <optional>
+
+namespace ka_test {
+
+namespace {
+
+constexpr double SMALL = 1e-6;
+constexpr double PI = 3.14159265358;
+
+bool same(const Spot& a, const Spot& b) {
+    return a.x == b.x && a.y == b.y;
+}
+
+bool inUnit(double t) {
+    return 0.0 <= t && t <= 1.0;
+}
+
+double signedCubeRoot(double x) {
+    return x < 0.0 ? -std::pow(-x, 1.0 / 3.0) : std::pow(x, 1.0 / 3.0);
+}
+
+double radians(double degrees) {
+    return degrees * PI / 180.0;
+}
+
+/// The smallest root in [0, 1] of the polynomial without its cubic term.
+std::optional<double> lowerDegreeRoot(double b, double c, double s) {
+    std::vector<double> roots;
+    if (b == 0.0) {
+        if (c != 0.0)
+            roots.push_back(s / c);
+    } else {
+        const double square = c * c + 4.0 * b * s;
+        if (square >= 0.0) {
+            roots.push_back((-c - std::sqrt(square)) / (2.0 * b));
+            roots.push_back((-c + std::sqrt(square)) / (2.0 * b));
+        }
+    }
+    std::sort(roots.begin(), roots.end());
+    const auto found = std::find_if(roots.begin(), roots.end(), inUnit);
+    return found == roots.end() ? std::nullopt : std::optional<double>(*found);
+}
+
+std::optional<double> root(double a, double b, double c, double s) {
+    if (a == 0.0)
+        return lowerDegreeRoot(b, c, s);
+    const double p = (3.0 * a * c - b * b) / (3.0 * a * a);
+    const double q = 2.0 * b * b * b / (27.0 * a * a * a) - b * c / (3.0 * a * a) - s / a;
+    const double shift = b / (3.0 * a);
+    const double d = (p / 3.0) * (p / 3.0) * (p / 3.0) + (q / 2.0) * (q / 2.0);
+    if (std::fabs(d) < SMALL) {
+        if (p == 0.0 && q == 0.0)
+            return -shift;
+        const double first = -std::pow(4.0 * q, 1.0 / 3.0) - shift;
+        if (inUnit(first))
+            return first;
+        const double second = std::pow(q / 2.0, 1.0 / 3.0) - shift;
+        return inUnit(second) ? std::optional<double>(second) : std::nullopt;
+    }
+    if (d >= SMALL) {
+        const double w = std::sqrt(d);
+        return signedCubeRoot(-q / 2.0 + w) + signedCubeRoot(-q / 2.0 - w) - shift;
+    }
+    const double r = -2.0 * std::sqrt((-p / 3.0) * (-p / 3.0) * (-p / 3.0));
+    const double theta = std::acos(q / r) * 180.0 / PI / 3.0;
+    const double m = 2.0 * std::sqrt(-p / 3.0);
+    for (double turn : {0.0, 120.0, 240.0}) {
+        const double t = m * std::cos(radians(theta + turn)) - shift;
+        if (t + SMALL >= 0.0 && t <= 1.0)
+            return t;
+    }
+    return std::nullopt;
+}
+
+template <class Number>
+Number bezier(Number y0, Number y1, Number y2, Number y3, Number t) {
+    const Number t2 = t * t;
+    const Number t3 = t2 * t;
+    return y0 * (1 - 3 * t + 3 * t2 - t3) + y1 * (3 * t - 6 * t2 + 3 * t3) + y2 * (3 * t2 - 3 * t3) + y3 * t3;
+}
+
+Sample found(double value) {
+    Sample sample;
+    sample.returned = true;
+    sample.written = true;
+    sample.value = std::fabs(value) < SMALL ? 0.0F : static_cast<float>(value);
+    return sample;
+}
+
+} // namespace
+
+TimePolynomial timePolynomial(const Key& left, const Key& right) {
+    const double x0 = static_cast<double>(left.key.x);
+    const double dx = static_cast<double>(right.key.x) - x0;
+    const double a = (static_cast<double>(left.out.x) - x0) / dx;
+    const double b = (static_cast<double>(right.in.x) - x0) / dx;
+    return {1.0 - 3.0 * b + 3.0 * a, 3.0 * (b - 2.0 * a), 3.0 * a};
+}
+
+Sample referenceSegment(const Key& left, const Key& right, float frame) {
+    const double x0 = static_cast<double>(left.key.x);
+    const double dx = static_cast<double>(right.key.x) - x0;
+    if (dx == 0.0) {
+        Sample sample;
+        sample.returned = left.key.y != 0.0F;
+        return sample;
+    }
+    double s = (static_cast<double>(frame) - x0) / dx;
+    if (frame == left.key.x)
+        s = 0.0;
+    else if (frame == right.key.x)
+        s = 1.0;
+    if (same(left.out, left.key) && same(right.in, right.key)) {
+        Sample sample;
+        sample.returned = true;
+        sample.written = true;
+        sample.value = left.key.y;
+        return sample;
+    }
+    const TimePolynomial x = timePolynomial(left, right);
+    const std::optional<double> t = root(x.a, x.b, x.c, s);
+    if (!t)
+        return {};
+    return found(bezier(static_cast<double>(left.key.y), static_cast<double>(left.out.y),
+                        static_cast<double>(right.in.y), static_cast<double>(right.key.y), *t));
+}
+
+std::map<float, Key> referencePoints(const std::vector<Key>& keys) {
+    std::map<float, Key> points;
+    for (const Key& key : keys)
+        points.emplace(key.key.x, key);
+    return points;
+}
+
+Sample referenceSample(const std::vector<Key>& keys, float frame) {
+    Sample sample;
+    if (keys.size() < 2)
+        return sample;
+    const std::map<float, Key> points = referencePoints(keys);
+    if (points.size() == 1) {
+        sample.returned = points.begin()->second.key.y != 0.0F;
+        return sample;
+    }
+    const auto right = points.upper_bound(frame);
+    sample.returned = true;
+    sample.written = true;
+    if (right == points.begin()) {
+        sample.value = std::next(points.begin())->second.key.y;
+        return sample;
+    }
+    if (right == points.end()) {
+        sample.value = std::prev(right)->second.key.y;
+        return sample;
+    }
+    return referenceSegment(std::prev(right)->second, right->second, frame);
+}
+
+namespace {
+
+using Wide = long double;
+
+/// The time of a segment at t, relative to its first key: exact in its inputs, rounded only in long double.
+struct WideTime {
+    Wide x1;
+    Wide x2;
+    Wide x3;
+    Wide target;
+
+    Wide operator()(Wide t) const { return bezier<Wide>(0, x1, x2, x3, t) - target; }
+};
+
+Wide bisect(const WideTime& time, Wide low, Wide high) {
+    const bool rising = time(low) < 0;
+    for (int i = 0; i < 80; ++i) {
+        const Wide middle = (low + high) / 2;
+        ((time(middle) < 0) == rising ? low : high) = middle;
+    }
+    return (low + high) / 2;
+}
+
+/// Where the derivative of the time changes sign within (0, 1): between these places the time is monotone.
+std::vector<Wide> monotonePieces(const WideTime& time) {
+    const Wide c2 = 3 * (3 * time.x1 - 3 * time.x2 + time.x3);
+    const Wide c1 = 6 * (time.x2 - 2 * time.x1);
+    const Wide c0 = 3 * time.x1;
+    std::vector<Wide> places = {0, 1};
+    const auto add = [&](Wide t) {
+        if (t > 0 && t < 1)
+            places.push_back(t);
+    };
+    const Wide square = c1 * c1 - 4 * c2 * c0;
+    if (square > 0) {
+        // The sum of like signs loses no digits, whichever coefficient is nearly 0.
+        const Wide sum = -(c1 + std::copysign(std::sqrt(square), c1)) / 2;
+        if (c2 != 0)
+            add(sum / c2);
+        if (sum != 0)
+            add(c0 / sum);
+    }
+    std::sort(places.begin(), places.end());
+    return places;
+}
+
+} // namespace
+
+std::vector<long double> trueValues(const Key& left, const Key& right, float frame) {
+    const Wide x0 = left.key.x;
+    const WideTime time{left.out.x - x0, right.in.x - x0, right.key.x - x0, frame - x0};
+    const std::vector<Wide> places = monotonePieces(time);
+    std::vector<Wide> values;
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        const Wide low = time(places[i - 1]);
+        const Wide high = time(places[i]);
+        if ((low <= 0 && high >= 0) || (low >= 0 && high <= 0)) {
+            const Wide t = low == 0    ? places[i - 1]
+                           : high == 0 ? places[i]
+                                       : bisect(time, places[i - 1], places[i]);
+            values.push_back(bezier<Wide>(left.key.y, left.out.y, right.in.y, right.key.y, t));
+        }
+    }
+    return values;
+}
+
+double errorAgainst(const std::vector<long double>& values, float value) {
+    long double error = std::numeric_limits<long double>::infinity();
+    for (long double candidate : values)
+        error = std::min(error, std::fabs(candidate - static_cast<long double>(value)));
+    return static_cast<double>(error);
+}
+
+} // namespace ka_test
