@@ -4,6 +4,7 @@
 #include "kaAnimationSequence.h"
 #include "kaAnimationStreak.h"
 #include "kaAnimationUnit.h"
+#include "kaAnimationUtils.h"
 
 #include <OpenSG/OSGAnimAttachment.h>
 #include <algorithm>

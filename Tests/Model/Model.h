@@ -243,13 +243,8 @@ class World {
     bool canPaste(const Node& node, const Object& object);
     bool groupOf(unsigned int container, unsigned int& group, bool& isNode);
 
-    struct Sampled {
-        float key;
-        Object* curve;
-        float frame;
-    };
-    void collect(const Object& object, float frame, std::vector<Sampled>& finished,
-                 std::vector<Sampled>& running, std::vector<Sampled>& upcoming);
+    using Bucket = std::multimap<float, std::pair<Object*, float>>;
+    void collect(const Object& object, float frame, Bucket& finished, Bucket& running, Bucket& upcoming);
 };
 
 } // namespace ka_model

@@ -81,7 +81,7 @@ void World::takeIn(Object* object, const std::set<Id>& curves, const std::set<Id
 /// as a tree may have.
 void World::climb(Object* object, const std::set<Id>& curves, const std::set<Id>& sequences,
                   Operation operation, bool recursive) {
-    constexpr int LEVELS = 256;
+    constexpr int LEVELS = static_cast<int>(KA_MAX_DEPTH);
     Object* level = object;
     for (int i = 0; level && i < LEVELS; ++i) {
         takeIn(level, curves, sequences, operation);

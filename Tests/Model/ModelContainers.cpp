@@ -407,13 +407,16 @@ bool World::evaluate(Object* object, float frame) {
     Bucket running;
     Bucket upcoming;
     collect(*object, frame, finished, running, upcoming);
-    std::vector<Bucket::value_type> order(upcoming.rbegin(), upcoming.rend());
-    order.insert(order.end(), finished.begin(), finished.end());
-    order.insert(order.end(), running.begin(), running.end());
+    std::vector<std::pair<Object*, float>> order;
+    for (auto entry = upcoming.rbegin(); entry != upcoming.rend(); ++entry)
+        order.push_back(entry->second);
+    for (const Bucket* bucket : {&finished, &running})
+        for (const auto& entry : *bucket)
+            order.push_back(entry.second);
     for (const auto& entry : order) {
-        const Object* curve = entry.second.first;
+        const Object* curve = entry.first;
         Field* field = findField(curve->field);
-        const Value value = sample(*curve, heldWithin(*curve, entry.second.second));
+        const Value value = sample(*curve, heldWithin(*curve, entry.second));
         if (curve->active && value.written && field)
             field->value = value.value;
     }

@@ -48,7 +48,7 @@ TEST(RandomEdits, LeaveTheModuleAsTheModelSays) {
 
 TEST(RandomEdits, CanFail) {
     // A program runs on both sides by itself; here the model is told a lie, which must be noticed.
-    Run run;
+    ka_model::Run run;
     for (const Step& step : makeProgram(5, 60))
         ASSERT_EQ(run.perform(step), "");
     ASSERT_FALSE(run.world.objects.empty());
@@ -66,7 +66,7 @@ TEST(RandomEdits, CanFail) {
 
 TEST(RandomEdits, ReachEveryOperation) {
     std::vector<int> counts(operations().size(), 0);
-    Run run;
+    ka_model::Run run;
     for (const Step& step : makeProgram(11, 3000)) {
         ASSERT_EQ(run.perform(step), "");
         if (run.story().find('(') == std::string::npos)

@@ -238,7 +238,7 @@ void moveToTrack(Run& run, const Step& step) {
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(track));
     const bool moved = run.world.moveToTrack(object, track);
     run.expect("what moveObjectToStreak returns", moved,
-               run.manager().moveObjectToStreak(run.real(object), run.realTrack(track)) != nullptr);
+               run.manager().moveObjectToStreak(run.real(object), run.realTrack(track)));
 }
 
 void moveToClip(Run& run, const Step& step) {
@@ -254,7 +254,7 @@ void moveToClip(Run& run, const Step& step) {
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(clip) + ", track " + to_string(number));
     const bool moved = run.world.moveToTrack(object, clip, number);
     run.expect("what moveObjectToStreak returns", moved,
-               run.manager().moveObjectToStreak(run.real(object), run.realClip(clip), number) != nullptr);
+               run.manager().moveObjectToStreak(run.real(object), run.realClip(clip), number));
 }
 
 // Editing in time.
