@@ -1,0 +1,84 @@
+#include "import/ConfinedFolder.h"
+
+#include "ToolsTesting.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+namespace ka::tools {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::EndsWith;
+
+class ConfinedFolderTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        fs::create_directories(_temporary.path("models/parts"));
+        _temporary.write("secret.txt", "secret");
+        _temporary.write("models/walk.gltf", "model");
+        _temporary.write("models/parts/a.bin", "part");
+    }
+
+    testing::TemporaryFolder _temporary;
+};
+
+TEST_F(ConfinedFolderTest, ReadsTheModelAndWhatLiesBelowItsFolder) {
+    const ConfinedFolder folder(_temporary.path("models/walk.gltf"));
+    EXPECT_EQ(folder.modelName(), "walk.gltf");
+    EXPECT_EQ(folder.read("walk.gltf", 100), "model");
+    EXPECT_EQ(folder.read("./parts/a.bin", 100), "part");
+    EXPECT_EQ(folder.read("parts/../walk.gltf", 100), "model");
+}
+
+TEST_F(ConfinedFolderTest, RefusesEveryWayOut) {
+    fs::create_symlink("../secret.txt", _temporary.path("models/link.txt"));
+    fs::create_directory_symlink("..", _temporary.path("models/up"));
+    const ConfinedFolder folder(_temporary.path("models/walk.gltf"));
+    for (const std::string& name :
+         {std::string("../secret.txt"), std::string("parts/../../secret.txt"), _temporary.path("secret.txt"),
+          std::string("link.txt"), std::string("up/secret.txt"), std::string("/etc/passwd"),
+          std::string("../../../../../../etc/passwd")}) {
+        EXPECT_EQ(folder.resolve(name), std::nullopt) << name;
+        EXPECT_EQ(folder.read(name, 100), std::nullopt) << name;
+    }
+}
+
+TEST_F(ConfinedFolderTest, ANeighbourWhoseNameBeginsTheSameIsOutside) {
+    fs::create_directories(_temporary.path("models2"));
+    _temporary.write("models2/b.bin", "other");
+    const ConfinedFolder folder(_temporary.path("models/walk.gltf"));
+    EXPECT_EQ(folder.resolve("../models2/b.bin"), std::nullopt);
+}
+
+TEST_F(ConfinedFolderTest, TakesPlainFilesOnly) {
+    ASSERT_EQ(mkfifo(_temporary.path("models/pipe").c_str(), 0600), 0);
+    const ConfinedFolder folder(_temporary.path("models/walk.gltf"));
+    EXPECT_EQ(folder.read("parts", 100), std::nullopt);
+    EXPECT_EQ(folder.read("pipe", 100), std::nullopt);
+    EXPECT_EQ(folder.read("missing", 100), std::nullopt);
+}
+
+TEST_F(ConfinedFolderTest, RefusesFilesBeyondTheLimit) {
+    const ConfinedFolder folder(_temporary.path("models/walk.gltf"));
+    EXPECT_EQ(folder.read("walk.gltf", 5), "model");
+    EXPECT_EQ(folder.read("walk.gltf", 4), std::nullopt);
+}
+
+TEST_F(ConfinedFolderTest, AModelNamedByALinkStandsWhereTheLinkLeads) {
+    fs::create_symlink("models/walk.gltf", _temporary.path("shortcut.gltf"));
+    const ConfinedFolder folder(_temporary.path("shortcut.gltf"));
+    EXPECT_EQ(folder.read("parts/a.bin", 100), "part");
+    EXPECT_EQ(folder.resolve("../secret.txt"), std::nullopt);
+}
+
+TEST_F(ConfinedFolderTest, SaysWhyAModelCannotBeRead) {
+    const auto reason = [&](const std::string& name) {
+        return testing::failureOf([&] { ConfinedFolder folder(_temporary.path(name)); });
+    };
+    EXPECT_THAT(reason("none.gltf"), EndsWith("none.gltf: no such file"));
+    EXPECT_THAT(reason("models"), EndsWith("models: not a plain file"));
+}
+
+} // namespace
+} // namespace ka::tools

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace ka::tools {
+
+/// `value` as C's `%.<digits>g` prints it in the "C" locale, whatever locale is set.
+std::string formatNumber(double value, int digits = 9);
+
+/// The double nearest to `formatNumber(value)`. Gives JSON the digits that a float really has.
+double shortened(double value);
+
+/// The number that the whole of `text` spells, in the "C" locale; "nan" and "inf" count as numbers, and a
+/// value too large for a double is none.
+std::optional<double> parseNumber(std::string_view text);
+
+/// `text` without control characters and line breaks, cut to `limit` bytes: text of unknown origin, fit for
+/// one line of a message.
+std::string oneLine(std::string_view text, std::size_t limit = 200);
+
+/// Names inside the animation are Latin-1 bytes, files and terminals speak UTF-8.
+/// @param lossy  set when a character has no Latin-1 form (it becomes '?'); never cleared.
+std::string latin1FromUtf8(std::string_view text, bool& lossy);
+std::string utf8FromLatin1(std::string_view text);
+
+/// The last suffix of a file name in lower case, without its dot; empty when there is none.
+std::string extensionOf(const std::string& path);
+
+} // namespace ka::tools

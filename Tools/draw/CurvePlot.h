@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QPointF>
+#include <QString>
+#include <vector>
+
+namespace ka::tools {
+
+/// One curve of a plot.
+struct PlotCurve {
+    QString label;
+    QColor color;
+    std::vector<QPointF> samples; ///< frame and value; a NaN value breaks the line
+    std::vector<QPointF> keys;    ///< drawn as dots while they are few enough to tell apart
+    /// Handle and key by turns; drawn as thin lines with a ring at the handle.
+    std::vector<std::pair<QPointF, QPointF>> handles;
+};
+
+/// Curves of one unit under one another's eyes.
+struct PlotPanel {
+    QString title;
+    QString unit; ///< of the values, written along the axis
+    std::vector<PlotCurve> curves;
+};
+
+/// Draws the panels below one another over a common axis of frames.
+/// @param framesPerSecond  for a second row of labels in seconds; 0 leaves it out.
+QImage drawPlot(const QString& title, const std::vector<PlotPanel>& panels, double framesPerSecond,
+                QSize size);
+
+} // namespace ka::tools

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "import/Rotation.h"
+
+#include <QImage>
+#include <QString>
+#include <vector>
+
+namespace ka::tools {
+
+/// Which side of the body a joint is on; told apart by colour.
+enum class BodySide { Middle, Left, Right };
+
+/// A line of the figure between two joints.
+struct FigureBone {
+    std::size_t from = 0, to = 0;
+    BodySide side = BodySide::Middle;
+};
+
+/// The figure at one frame: world positions of the joints, Y up.
+struct FigurePose {
+    QString label;
+    std::vector<Vec3> joints;
+};
+
+/// The side that a joint's name tells ("LeftArm", "RThumb", "arm.L", "hand_r").
+BodySide sideOfName(const std::string& name);
+
+/// Draws the poses side by side with one scale and one direction of view. The camera goes along with the
+/// figure; the lines on the ground stand still in the world and show how far it went.
+QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& poses,
+                       const std::vector<FigureBone>& bones, QSize size);
+
+} // namespace ka::tools

@@ -1,0 +1,149 @@
+#include "import/CurveKey.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace ka::tools {
+
+namespace {
+
+float nudged(float value, int steps) {
+    const float towards =
+        steps < 0 ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity();
+    for (int i = 0; i < std::abs(steps); ++i)
+        value = std::nextafter(value, towards);
+    return value;
+}
+
+double bezier(double p0, double p1, double p2, double p3, double t) {
+    const double v = 1.0 - t;
+    return v * v * v * p0 + 3 * v * v * t * p1 + 3 * v * t * t * p2 + t * t * t * p3;
+}
+
+/// The handles' places in time, as parts of the way from the first key to the second.
+struct HandleTimes {
+    float x1 = 0.0F, x2 = 0.0F;
+    double a = 0.0, b = 0.0;
+
+    HandleTimes(float x0, float h1, float h2, float x3) : x1(h1), x2(h2) {
+        const double dx = static_cast<double>(x3) - static_cast<double>(x0);
+        a = (static_cast<double>(x1) - static_cast<double>(x0)) / dx;
+        b = (static_cast<double>(x2) - static_cast<double>(x0)) / dx;
+    }
+
+    /// Whether the time polynomial A·t³ + B·t² + C·t of the segment is solved without loss: either it is of
+    /// the first degree exactly, or A is far enough from zero and time has no turning point anywhere, which
+    /// leaves one real root.
+    bool isSolvedExactly() const {
+        const double A = 1.0 - 3.0 * b + 3.0 * a, B = 3.0 * (b - 2.0 * a), C = 3.0 * a;
+        return a >= 0.0 && b <= 1.0 && ((A == 0.0 && B == 0.0) || (A > 1e-9 && B * B <= A * C));
+    }
+
+    /// The curve's parameter at the part `u` of the time. Time runs almost evenly, so few steps are enough.
+    double parameter(double u) const {
+        double t = u;
+        for (int i = 0; i < 4; ++i)
+            t -= bezier(0.0, a, b, 1.0, t) - u; // its slope is 1 up to the rounding of the handles
+        return t;
+    }
+};
+
+/// The values of the handles that lead a segment through those of `from` and `to` at two places, and how far
+/// it is off elsewhere.
+struct HandleValues {
+    double y1 = 0.0, y2 = 0.0, error = 0.0;
+
+    HandleValues(const HandleTimes& times, const CurveKey& from, const CurveKey& to) {
+        // With these two places the largest error in between is least.
+        constexpr double first = 0.3, second = 0.7;
+        const double t = times.parameter(first), s = times.parameter(second);
+        const double p = segmentValue(from, to, first) - bezier(from.value, 0, 0, to.value, t);
+        const double q = segmentValue(from, to, second) - bezier(from.value, 0, 0, to.value, s);
+        const double t1 = bezier(0, 1, 0, 0, t), t2 = bezier(0, 0, 1, 0, t);
+        const double s1 = bezier(0, 1, 0, 0, s), s2 = bezier(0, 0, 1, 0, s);
+        const double determinant = t1 * s2 - t2 * s1;
+        y1 = (p * s2 - q * t2) / determinant;
+        y2 = (t1 * q - s1 * p) / determinant;
+        for (const double u : {0.12, 0.5, 0.88}) {
+            const double value = bezier(from.value, y1, y2, to.value, times.parameter(u));
+            error = std::max(error, std::abs(value - segmentValue(from, to, u)));
+        }
+    }
+};
+
+/// Handles near the thirds, chosen among the floats around them for the least error.
+void placeSmoothHandles(const CurveKey& from, const CurveKey& to, BezierKey& a, BezierKey& b) {
+    const double x0 = a.frame, dx = b.frame - x0;
+    const auto third = static_cast<float>(x0 + dx / 3.0), twoThirds = static_cast<float>(x0 + 2.0 * dx / 3.0);
+    constexpr int reach = 3;
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = -reach; i <= reach; ++i) {
+        for (int j = -reach; j <= reach; ++j) {
+            const HandleTimes times(a.frame, nudged(third, i), nudged(twoThirds, j), b.frame);
+            if (!times.isSolvedExactly())
+                continue;
+            const HandleValues values(times, from, to);
+            if (values.error >= least)
+                continue;
+            least = values.error;
+            a.outFrame = times.x1;
+            a.outValue = static_cast<float>(values.y1);
+            b.inFrame = times.x2;
+            b.inValue = static_cast<float>(values.y2);
+        }
+    }
+}
+
+void placeHandles(const CurveKey& from, const CurveKey& to, double fps, BezierKey& a, BezierKey& b) {
+    a.outFrame = a.frame;
+    a.outValue = a.value;
+    b.inFrame = b.frame;
+    b.inValue = b.value;
+    if (from.toNext == SegmentShape::Step)
+        return;
+    // A smooth segment keeps these where so few floats lie between its keys that no other handles fit.
+    const double x0 = a.frame, x3 = b.frame, y0 = a.value, y3 = b.value;
+    a.outFrame = b.inFrame = static_cast<float>(x0 + (x3 - x0) / 2.0);
+    a.outValue = b.inValue = static_cast<float>(y0 + (y3 - y0) * ((a.outFrame - x0) / (x3 - x0)));
+    if (from.toNext == SegmentShape::Smooth)
+        placeSmoothHandles({x0 / fps, y0, 0.0, from.outSlope, SegmentShape::Smooth},
+                           {x3 / fps, y3, to.inSlope, 0.0, SegmentShape::Smooth}, a, b);
+}
+
+} // namespace
+
+double segmentValue(const CurveKey& a, const CurveKey& b, double u) {
+    if (a.toNext == SegmentShape::Step)
+        return u < 1.0 ? a.value : b.value;
+    if (a.toNext == SegmentShape::Straight)
+        return a.value + (b.value - a.value) * u;
+    const double span = b.time - a.time, v = 1.0 - u;
+    return v * v * (1 + 2 * u) * a.value + u * u * (1 + 2 * v) * b.value +
+           span * (v * v * u * a.outSlope - u * u * v * b.inSlope);
+}
+
+BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps) {
+    BezierCurve curve;
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const auto frame = static_cast<float>(keys[i].time * fps), value = static_cast<float>(keys[i].value);
+        if (!curve.keys.empty() && !(frame > curve.keys.back().frame)) {
+            ++curve.merged;
+            continue;
+        }
+        curve.keys.push_back({frame, value, frame, value, frame, value});
+        curve.sources.push_back(i);
+    }
+    for (std::size_t i = 0; i + 1 < curve.keys.size(); ++i)
+        placeHandles(keys[curve.sources[i]], keys[curve.sources[i + 1]], fps, curve.keys[i],
+                     curve.keys[i + 1]);
+    if (curve.keys.size() == 1) {
+        BezierKey next = curve.keys.front();
+        next.frame = next.inFrame = next.outFrame = std::max(next.frame + 1.0F, nudged(next.frame, 1));
+        curve.keys.push_back(next);
+        curve.sources.push_back(curve.sources.front());
+    }
+    return curve;
+}
+
+} // namespace ka::tools

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace ka::tools {
+
+/// How a curve runs from one of its keys to the next.
+enum class SegmentShape : unsigned char {
+    Step,     ///< holds the key's value
+    Straight, ///< handles at half way, on the line
+    Smooth    ///< a cubic in time with the slopes given at its two ends
+};
+
+/// A key of one scalar curve that is still in seconds and doubles. Slopes are in value per second and count
+/// only next to a `Smooth` segment.
+struct CurveKey {
+    double time = 0.0;
+    double value = 0.0;
+    double inSlope = 0.0;
+    double outSlope = 0.0;
+    SegmentShape toNext = SegmentShape::Straight;
+};
+
+/// The value at `u` in [0, 1] of the segment from `a` to `b`.
+double segmentValue(const CurveKey& a, const CurveKey& b, double u);
+
+/// A key with both handles as the animation stores it: frames and values in single precision.
+struct BezierKey {
+    float frame = 0.0F, value = 0.0F;
+    float inFrame = 0.0F, inValue = 0.0F;
+    float outFrame = 0.0F, outValue = 0.0F;
+};
+
+struct BezierCurve {
+    std::vector<BezierKey> keys;
+    std::vector<std::size_t> sources; ///< for each key its place in the list it was made from
+    std::size_t merged = 0;           ///< keys left out because a float cannot tell their frames apart
+};
+
+/// Turns keys into Bézier keys at `fps` frames a second. Keys that fall on the frame of their predecessor are
+/// left out. A single key is repeated one frame later, because a curve of one key has no value.
+///
+/// Handles stand on their keys for steps, half way for straight segments, and near the thirds for smooth
+/// ones, where time runs evenly along the curve. Near, because the sampler divides by a coefficient that
+/// vanishes at the thirds: the nearest floats are taken for which the solution stays exact.
+BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps);
+
+} // namespace ka::tools

@@ -1,0 +1,60 @@
+#include "import/ModelReader.h"
+
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "import/AssimpReader.h"
+#include "import/BvhReader.h"
+#include "import/ConfinedFolder.h"
+#include "import/GltfReader.h"
+
+#include <filesystem>
+
+namespace ka::tools {
+
+namespace {
+
+constexpr std::size_t largestBvh = std::size_t{1} << 30;
+
+bool isGltf(const std::string& extension) {
+    return extension == "gltf" || extension == "glb";
+}
+
+Motion readBvhFile(const ConfinedFolder& folder, const std::string& path) {
+    const std::optional<std::string> text = folder.read(folder.modelName(), largestBvh);
+    if (!text)
+        throw unreadable(path, "cannot be read, or larger than 1 GiB");
+    return readBvh(*text, path, std::filesystem::path(path).stem().string());
+}
+
+Motion readByExtension(const std::string& path, const ReaderLimits& limits) {
+    const std::string extension = extensionOf(path);
+    const ConfinedFolder folder(path);
+    if (extension == "bvh")
+        return readBvhFile(folder, path);
+    if (!isGltf(extension) && !isKnownToAssimp(extension))
+        throw unreadable(path, extension.empty() ? "no extension tells what kind of model it is"
+                                                 : "no reader for '." + oneLine(extension, 20) + "' files");
+    return readInChild(folder, path, limits, [&] {
+        return isGltf(extension) && !isFirstGltf(folder) ? readGltf(folder) : readWithAssimp(folder);
+    });
+}
+
+} // namespace
+
+bool isModel(const std::string& path) {
+    const std::string extension = extensionOf(path);
+    return extension == "bvh" || isGltf(extension) || isKnownToAssimp(extension);
+}
+
+ReadModel readModel(const std::string& path, const ReaderLimits& limits) {
+    ReadModel result;
+    result.motion = readByExtension(path, limits);
+    try {
+        result.findings = checkMotion(result.motion);
+    } catch (const Failure& failure) {
+        throw unreadable(path, failure.what());
+    }
+    return result;
+}
+
+} // namespace ka::tools
