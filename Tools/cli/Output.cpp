@@ -6,13 +6,10 @@
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <filesystem>
-#include <sys/stat.h>
+#include <kaFile.h>
 #include <unistd.h>
 
 namespace ka::tools {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -33,39 +30,6 @@ int writeAll(int descriptor, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(wrote));
     }
     return 0;
-}
-
-/// The permissions that the new file shall have: those of the old one, or what the user's mask leaves.
-mode_t permissionsFor(const std::string& path) {
-    struct stat old {};
-    if (stat(path.c_str(), &old) == 0)
-        return old.st_mode & 07777;
-    const mode_t mask = umask(0);
-    umask(mask);
-    return 0666 & ~mask;
-}
-
-int writeInto(int descriptor, const std::string& path, std::string_view bytes) {
-    if (descriptor < 0)
-        return errno;
-    int error = writeAll(descriptor, bytes);
-    if (error == 0 && fchmod(descriptor, permissionsFor(path)) != 0)
-        error = errno;
-    // A full disk may show only when the data is really stored.
-    if (error == 0 && fsync(descriptor) != 0)
-        error = errno;
-    if (close(descriptor) != 0 && error == 0)
-        error = errno;
-    return error;
-}
-
-void writeDirectly(const std::string& path, std::string_view bytes) {
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    int error = descriptor < 0 ? errno : writeAll(descriptor, bytes);
-    if (descriptor >= 0 && close(descriptor) != 0 && error == 0)
-        error = errno;
-    if (error != 0)
-        throw outputFailed(path, error);
 }
 
 } // namespace
@@ -100,22 +64,9 @@ void Output::finish() {
 }
 
 void replaceFile(const std::string& path, std::string_view bytes) {
-    std::error_code ignored;
-    if (fs::is_directory(path, ignored))
-        throw outputFailed(path, EISDIR);
-    if (fs::exists(path, ignored) && !fs::is_regular_file(path, ignored))
-        return writeDirectly(path, bytes);
-    const fs::path real = fs::exists(path, ignored) ? fs::canonical(path, ignored) : fs::path(path);
-    std::string temporary = real.string() + ".XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
-    int error = descriptor < 0 ? errno : writeInto(descriptor, real.string(), bytes);
-    if (error == 0 && std::rename(temporary.c_str(), real.c_str()) != 0)
-        error = errno;
-    if (error == 0)
-        return;
-    if (descriptor >= 0)
-        unlink(temporary.c_str());
-    throw outputFailed(path, error);
+    std::string error;
+    if (!kaFile::writeSafely(path, bytes, error))
+        throw Failure(ExitCode::OutputFailed, error);
 }
 
 } // namespace ka::tools

@@ -28,9 +28,7 @@ class Output {
     std::string _pending;
 };
 
-/// Replaces a file by `bytes` in one step: they are written to a temporary file beside it, which then takes
-/// its name. Until that has succeeded in full the old file stays as it was. Links are followed; a device or
-/// pipe is written to directly.
+/// Writes a file as a whole; one that was there before stays as it was when that fails.
 /// @throws Failure (OutputFailed).
 void replaceFile(const std::string& path, std::string_view bytes);
 

@@ -95,6 +95,10 @@ Stage stageFor(const std::vector<FigurePose>& poses) {
     return stage;
 }
 
+int rowsFor(int poses) {
+    return std::max(1, (poses + columns - 1) / columns);
+}
+
 class SheetPainter {
   public:
     SheetPainter(QImage& image, const Stage& stage, const std::vector<FigureBone>& bones)
@@ -220,7 +224,7 @@ QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& pose
     QImage image(size, QImage::Format_RGB32);
     SheetPainter painter(image, stageFor(poses), bones);
     painter.drawTitle(title, size.width());
-    const int rows = std::max(1, (static_cast<int>(poses.size()) + columns - 1) / columns);
+    const int rows = rowsFor(static_cast<int>(poses.size()));
     const double width = (size.width() - 2.0 * margin - (columns - 1) * gap) / columns;
     const double height = (size.height() - 2.0 * margin - titleHeight - (rows - 1) * gap) / rows;
     for (int i = 0; i < static_cast<int>(poses.size()); ++i)
@@ -228,6 +232,11 @@ QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& pose
                                 margin + titleHeight + (i / columns) * (height + gap), width, height),
                          poses[static_cast<std::size_t>(i)]);
     return image;
+}
+
+int sheetHeight(int width, int count) {
+    const int cell = (width - 2 * margin - (columns - 1) * gap) / columns;
+    return 2 * margin + titleHeight + rowsFor(count) * (cell + gap) - gap;
 }
 
 } // namespace ka::tools

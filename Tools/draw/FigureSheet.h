@@ -31,4 +31,7 @@ BodySide sideOfName(const std::string& name);
 QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& poses,
                        const std::vector<FigureBone>& bones, QSize size);
 
+/// The height at which `count` poses fill a sheet of this width with cells that are almost square.
+int sheetHeight(int width, int count);
+
 } // namespace ka::tools

@@ -1,0 +1,82 @@
+#include "cli/Options.h"
+
+#include "base/Text.h"
+
+#include <cmath>
+#include <map>
+
+namespace ka::tools {
+
+const CLI::Validator Finite(
+    [](std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        return value && std::isfinite(*value) ? std::string()
+                                              : "'" + oneLine(text) + "' is not a finite number";
+    },
+    "NUMBER");
+
+const CLI::Validator AboveZero(
+    [](std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        return value && std::isfinite(*value) && *value > 0.0
+                   ? std::string()
+                   : "'" + oneLine(text) + "' is not a number above zero";
+    },
+    "NUMBER>0");
+
+void addModelOptions(CLI::App& command, ProjectFiles& files) {
+    command.add_option("--fps", files.import.framesPerSecond, "frames to a second of the model")
+        ->type_name("")
+        ->check(AboveZero)
+        ->capture_default_str();
+    command
+        .add_option("--tolerance", files.import.rotationTolerance,
+                    "degrees that a converted rotation may be off between keys")
+        ->type_name("")
+        ->check(AboveZero)
+        ->capture_default_str();
+    command
+        .add_option("--reader-memory", files.reader.megabytes, "megabytes that a third-party reader may use")
+        ->type_name("")
+        ->check(CLI::Range(16, 1 << 20))
+        ->capture_default_str();
+    command
+        .add_option("--reader-seconds", files.reader.seconds, "seconds that a third-party reader may take")
+        ->type_name("")
+        ->check(AboveZero)
+        ->check(CLI::Range(0.0, 86400.0))
+        ->capture_default_str();
+}
+
+void addProjectOptions(CLI::App& command, ProjectFiles& files) {
+    command.add_option("FILE", files.file, "a model")->type_name("")->required();
+    addModelOptions(command, files);
+}
+
+void addFormatOption(CLI::App& command, Format& format) {
+    static const std::map<std::string, Format> names{{"csv", Format::Csv}, {"json", Format::Json}};
+    command.add_option("--format", format, "csv or json")
+        ->type_name("")
+        ->transform(CLI::CheckedTransformer(names).description(""))
+        ->default_str(format == Format::Csv ? "csv" : "json");
+}
+
+void addObjectOption(CLI::App& command, std::string& object) {
+    command
+        .add_option("--object", object,
+                    "a clip, track, block or curve by name or id (default: the first clip)")
+        ->type_name("NAME");
+}
+
+void addOutputOption(CLI::App& command, std::string& path, const std::string& what) {
+    command.add_option("-o,--output", path, what)->type_name("PATH")->required();
+}
+
+void addExamples(CLI::App& command, const std::vector<std::string>& lines) {
+    std::string text = "Examples:";
+    for (const std::string& line : lines)
+        text += "\n  " + line;
+    command.footer(text);
+}
+
+} // namespace ka::tools

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "base/Failure.h"
+#include "cli/Output.h"
+
+#include <functional>
+
+namespace CLI {
+class App;
+}
+
+namespace ka::tools {
+
+/// What the chosen command does once the whole command line has been read. It throws a Failure, or gives the
+/// code to end with.
+using Action = std::function<ExitCode(Output&)>;
+
+// Each of these adds one command, with its options, help and examples, to the program. Choosing it sets
+// `action`.
+
+void addImportCommand(CLI::App& program, Action& action);
+void addSampleCommand(CLI::App& program, Action& action);
+void addPoseCommand(CLI::App& program, Action& action);
+void addPlotCommand(CLI::App& program, Action& action);
+void addRenderCommand(CLI::App& program, Action& action);
+void addDemoCommand(CLI::App& program, Action& action);
+
+} // namespace ka::tools

@@ -1,0 +1,77 @@
+#include "base/Text.h"
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "commands/Commands.h"
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+namespace ka::tools {
+
+namespace {
+
+struct ImportCommandOptions {
+    ProjectFiles files;
+    bool strict = false;
+    bool asJson = false;
+};
+
+std::string reportAsJson(const ImportReport& report) {
+    nlohmann::ordered_json document{{"nodes", report.nodes},
+                                    {"clips", report.clips},
+                                    {"blocks", report.blocks},
+                                    {"curves", report.curves},
+                                    {"keys", report.keys},
+                                    {"addedKeys", report.addedKeys},
+                                    {"mergedKeys", report.mergedKeys},
+                                    {"worstMiddle", shortened(report.worstMiddle)},
+                                    {"worstRotation", shortened(report.worstRotation)},
+                                    {"rotationTolerance", report.rotationTolerance},
+                                    {"unreachedSegments", report.unreachedSegments},
+                                    {"valuelessSegments", report.valuelessSegments},
+                                    {"findings", report.findings},
+                                    {"notes", report.notes}};
+    return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
+}
+
+void sayReport(const ImportReport& report) {
+    for (const std::string& note : report.notes)
+        say(note);
+    say(std::to_string(report.nodes) + " nodes, " + std::to_string(report.clips) + " clips, " +
+        std::to_string(report.blocks) + " blocks, " + std::to_string(report.curves) + " curves, " +
+        std::to_string(report.keys) + " keys");
+    say("in the middle of segments curves differ from the source by at most " +
+        formatNumber(report.worstMiddle, 2) + " of their range");
+    if (report.worstRotation > 0.0)
+        say("converted rotations differ between keys by at most " + formatNumber(report.worstRotation, 2) +
+            " degrees (asked for: " + formatNumber(report.rotationTolerance, 3) + "), for which " +
+            std::to_string(report.addedKeys) + " keys were added");
+    if (report.valuelessSegments > 0)
+        say(std::to_string(report.valuelessSegments) + " segments give no value");
+}
+
+ExitCode import(const ImportCommandOptions& options, Output& output) {
+    const Project project(options.files);
+    sayReport(project.report());
+    if (options.asJson)
+        output.write(reportAsJson(project.report()));
+    return options.strict && project.report().findings > 0 ? ExitCode::Findings : ExitCode::Fine;
+}
+
+} // namespace
+
+void addImportCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<ImportCommandOptions>();
+    CLI::App* command = program.add_subcommand("import", "Turn a model's motion into editable curves");
+    command->add_option("MODEL", options->files.file, "a .bvh, .gltf, .glb or any other model file")
+        ->type_name("")
+        ->required();
+    addModelOptions(*command, options->files);
+    command->add_flag("--strict", options->strict, "end with code 1 when the file holds damage");
+    command->add_flag("--json", options->asJson, "print the report as JSON");
+    addExamples(*command, {"ka-anim import walk.bvh", "ka-anim import walk.bvh --fps 30 --strict --json"});
+    command->callback(
+        [options, &action] { action = [options](Output& output) { return import(*options, output); }; });
+}
+
+} // namespace ka::tools

@@ -1,0 +1,111 @@
+#include "scene/Pictures.h"
+
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "commands/Commands.h"
+#include "draw/Canvas.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace ka::tools {
+
+namespace {
+
+struct PictureOptions {
+    ProjectFiles files;
+    std::vector<std::string> curves;
+    std::string object, output;
+    std::optional<double> from, to;
+    bool withHandles = false;
+    int count = 12;
+    int width = 1600, height = 0;
+};
+
+PictureRange rangeOf(const PictureOptions& options, const std::vector<kaAnimationObject*>& objects) {
+    const auto [begin, end] = frameRange(objects);
+    return {static_cast<float>(options.from.value_or(static_cast<double>(begin))),
+            static_cast<float>(options.to.value_or(static_cast<double>(end))),
+            options.files.import.framesPerSecond};
+}
+
+QString titleOf(const PictureOptions& options) {
+    const QString file =
+        QString::fromStdString(std::filesystem::path(options.files.file).filename().string());
+    return options.object.empty() ? file : file + ": " + QString::fromStdString(options.object);
+}
+
+ExitCode plot(const PictureOptions& options) {
+    const Project project(options.files);
+    const auto objects = project.playable(options.object);
+    CurveList curves = curvesBelow(objects);
+    curves = options.curves.empty() ? tellingCurves(curves) : chooseCurves(curves, options.curves);
+    const QSize size(options.width, options.height > 0 ? options.height : options.width * 9 / 16);
+    const QImage image =
+        plotCurves(titleOf(options), curves, rangeOf(options, objects), size, options.withHandles);
+    replaceFile(options.output, pngBytes(image));
+    say("wrote " + options.output);
+    return ExitCode::Fine;
+}
+
+ExitCode render(const PictureOptions& options) {
+    const Project project(options.files);
+    const auto objects = project.playable(options.object);
+    const QSize size(options.width,
+                     options.height > 0 ? options.height : sheetHeight(options.width, options.count));
+    const QImage image =
+        renderFigure(titleOf(options), project, objects, rangeOf(options, objects), options.count, size);
+    replaceFile(options.output, pngBytes(image));
+    say("wrote " + options.output);
+    return ExitCode::Fine;
+}
+
+void addPictureOptions(CLI::App& command, PictureOptions& options) {
+    addProjectOptions(command, options.files);
+    addOutputOption(command, options.output, "the PNG file to write");
+    addObjectOption(command, options.object);
+    command.add_option("--from", options.from, "first frame")->type_name("")->check(Finite);
+    command.add_option("--to", options.to, "last frame")->type_name("")->check(Finite);
+    command.add_option("--width", options.width, "pixels")
+        ->type_name("")
+        ->check(CLI::Range(320, 16384))
+        ->capture_default_str();
+    command.add_option("--height", options.height, "pixels (default: by the width)")
+        ->type_name("")
+        ->check(CLI::Range(240, 16384));
+}
+
+} // namespace
+
+void addPlotCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<PictureOptions>();
+    CLI::App* command = program.add_subcommand("plot", "Draw curves over time into a PNG file");
+    addPictureOptions(*command, *options);
+    command
+        ->add_option("--curve", options->curves,
+                     "a curve by id, name, node or label; repeatable (default: a telling few)")
+        ->type_name("NAME")
+        ->take_all()
+        ->allow_extra_args(false);
+    command->add_flag("--handles", options->withHandles, "draw the handles of the keys too");
+    addExamples(*command,
+                {"ka-anim plot walk.bvh -o curves.png",
+                 "ka-anim plot walk.bvh -o hips.png --curve Hips.translationY --from 0 --to 20 --handles"});
+    command->callback([options, &action] { action = [options](Output&) { return plot(*options); }; });
+}
+
+void addRenderCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<PictureOptions>();
+    CLI::App* command = program.add_subcommand("render", "Draw the figure at several frames into a PNG file");
+    addPictureOptions(*command, *options);
+    command->add_option("--count", options->count, "how many frames to draw")
+        ->type_name("")
+        ->check(CLI::Range(1, 400))
+        ->capture_default_str();
+    addExamples(*command, {"ka-anim render walk.bvh -o figure.png",
+                           "ka-anim render walk.bvh -o steps.png --from 0 --to 20 --count 8 --width 1200"});
+    command->callback([options, &action] { action = [options](Output&) { return render(*options); }; });
+}
+
+} // namespace ka::tools

@@ -1,0 +1,80 @@
+#include "commands/Program.h"
+
+#include "base/Text.h"
+#include "cli/Progress.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+
+namespace ka::tools {
+
+namespace {
+
+void addCommands(CLI::App& program, Action& action) {
+    addImportCommand(program, action);
+    addSampleCommand(program, action);
+    addPoseCommand(program, action);
+    addPlotCommand(program, action);
+    addRenderCommand(program, action);
+    addDemoCommand(program, action);
+}
+
+/// The command that the user got as far as naming.
+std::string commandName(const CLI::App& program) {
+    const auto chosen = program.get_subcommands();
+    return chosen.empty() ? "ka-anim" : "ka-anim " + chosen.front()->get_name();
+}
+
+int run(std::vector<std::string> arguments) {
+    Output output;
+    const CommandLine line = readCommandLine(std::move(arguments));
+    if (!line.mistake.empty())
+        say(line.mistake);
+    output.write(line.answer);
+    const ExitCode code = line.action ? line.action(output) : line.code;
+    output.finish();
+    return static_cast<int>(code);
+}
+
+} // namespace
+
+CommandLine readCommandLine(std::vector<std::string> arguments) {
+    CLI::App program("Imports, samples, plays and draws keyframe animations of 3D scenes.", "ka-anim");
+    program.set_version_flag("--version", "ka-anim " KA_VERSION);
+    program.require_subcommand(1);
+    program.get_formatter()->column_width(32);
+    CommandLine line;
+    addCommands(program, line.action);
+    try {
+        std::reverse(arguments.begin(), arguments.end());
+        program.parse(std::move(arguments));
+    } catch (const CLI::ParseError& outcome) {
+        line.action = nullptr;
+        if (outcome.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            std::ostringstream answer, none;
+            program.exit(outcome, answer, none);
+            line.answer = answer.str();
+        } else {
+            line.mistake = oneLine(outcome.what()) + " (see " + commandName(program) + " --help)";
+            line.code = ExitCode::Usage;
+        }
+    }
+    return line;
+}
+
+int runProgram(std::vector<std::string> arguments) {
+    try {
+        return run(std::move(arguments));
+    } catch (const Failure& failure) {
+        say(failure.what());
+        return static_cast<int>(failure.code());
+    } catch (const std::bad_alloc&) {
+        say("out of memory");
+    } catch (const std::exception& failure) {
+        say(oneLine(failure.what()));
+    }
+    return static_cast<int>(ExitCode::Unreadable);
+}
+
+} // namespace ka::tools

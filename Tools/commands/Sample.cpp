@@ -1,0 +1,109 @@
+#include "base/Text.h"
+#include "cli/Options.h"
+#include "commands/Commands.h"
+#include "scene/CurveChoice.h"
+
+#include <cmath>
+#include <kaAnimationController.h>
+#include <kaAnimationCurve2D.h>
+#include <memory>
+#include <optional>
+
+namespace ka::tools {
+
+namespace {
+
+struct SampleOptions {
+    ProjectFiles files;
+    std::vector<std::string> curves;
+    std::string object;
+    std::optional<double> from, to;
+    double step = 1.0;
+    Format format = Format::Csv;
+};
+
+/// Writes one line for each sample; the brackets around them depend on the format.
+class SampleWriter {
+  public:
+    SampleWriter(Output& output, Format format) : _output(output), _isJson(format == Format::Json) {
+        _output.write(_isJson ? "[" : "curve,frame,value\n");
+    }
+
+    void write(kaUID curve, float frame, bool hasValue, float value) {
+        const std::string id = std::to_string(curve), at = formatNumber(static_cast<double>(frame));
+        const std::string number = hasValue ? formatNumber(static_cast<double>(value)) : "";
+        if (!_isJson)
+            return _output.write(id + "," + at + "," + number + "\n");
+        const bool isNumber = hasValue && std::isfinite(value);
+        _output.write((_isFirst ? "\n" : ",\n") + ("{\"curve\":" + id) + ",\"frame\":" + at +
+                      ",\"value\":" + (isNumber ? number : "null") + "}");
+        _isFirst = false;
+    }
+
+    void finish() {
+        if (_isJson)
+            _output.write(_isFirst ? "]\n" : "\n]\n");
+    }
+
+  private:
+    Output& _output;
+    bool _isJson;
+    bool _isFirst = true;
+};
+
+void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, SampleWriter& writer) {
+    const double from = options.from.value_or(static_cast<double>(curve->getBegin()));
+    const double to = options.to.value_or(static_cast<double>(curve->getEnd()));
+    // Steps are counted, not added up, so that a thousand steps of 0.1 end where they should.
+    const double count = std::floor((to - from) / options.step + 1e-9);
+    for (double i = 0; i <= count; ++i) {
+        const auto frame = static_cast<float>(from + i * options.step);
+        float value = 0.0F;
+        const bool hasValue = kaAnimationController::the()->computeCurveValue(curve, frame, value);
+        writer.write(curve->getId(), frame, hasValue, value);
+    }
+}
+
+ExitCode sample(const SampleOptions& options, Output& output) {
+    const Project project(options.files);
+    CurveList curves = options.object.empty() ? allCurves() : curvesBelow(project.playable(options.object));
+    if (!options.curves.empty())
+        curves = chooseCurves(curves, options.curves);
+    SampleWriter writer(output, options.format);
+    for (kaAnimationCurve2D* curve : curves)
+        sampleCurve(curve, options, writer);
+    writer.finish();
+    return ExitCode::Fine;
+}
+
+} // namespace
+
+void addSampleCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<SampleOptions>();
+    CLI::App* command = program.add_subcommand("sample", "Print the values of curves at many frames");
+    addProjectOptions(*command, options->files);
+    command
+        ->add_option("--curve", options->curves,
+                     "a curve by id, name, node or label such as Hips.translationX; repeatable")
+        ->type_name("NAME")
+        ->take_all()
+        ->allow_extra_args(false);
+    addObjectOption(*command, options->object);
+    command->add_option("--from", options->from, "first frame (default: each curve's own)")
+        ->type_name("")
+        ->check(Finite);
+    command->add_option("--to", options->to, "last frame (default: each curve's own)")
+        ->type_name("")
+        ->check(Finite);
+    command->add_option("--step", options->step, "frames from sample to sample")
+        ->type_name("")
+        ->check(AboveZero)
+        ->capture_default_str();
+    addFormatOption(*command, options->format);
+    addExamples(*command, {"ka-anim sample walk.bvh --curve Hips.translationX",
+                           "ka-anim sample walk.bvh --curve Hips --from 0 --to 10 --step 0.5 --format json"});
+    command->callback(
+        [options, &action] { action = [options](Output& output) { return sample(*options, output); }; });
+}
+
+} // namespace ka::tools

@@ -1,0 +1,123 @@
+#include "scene/CurveChoice.h"
+
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "scene/Project.h"
+
+#include <algorithm>
+#include <kaAnimationCurve2D.h>
+#include <kaAnimationField.h>
+#include <kaAnimationManager.h>
+
+namespace ka::tools {
+
+namespace {
+
+const kaAnimationField* fieldOf(const kaAnimationCurve2D* curve) {
+    return kaAnimationManager::the()->getField(curve->getField());
+}
+
+std::string attributeOf(const kaAnimationCurve2D* curve) {
+    const kaAnimationField* field = fieldOf(curve);
+    return utf8FromLatin1(field == nullptr || field->attribute.empty() ? curve->getName() : field->attribute);
+}
+
+bool startsWith(const std::string& text, const char* start) {
+    return text.rfind(start, 0) == 0;
+}
+
+bool isNamed(const kaAnimationCurve2D* curve, const std::string& name) {
+    const osg::NodePtr node = curve->getParentOSGNode();
+    return std::to_string(curve->getId()) == name || utf8FromLatin1(curve->getName()) == name ||
+           attributeOf(curve) == name || curveLabel(curve) == name ||
+           (node != osg::NullFC && nodeName(node) == name);
+}
+
+float rangeOf(const kaAnimationCurve2D* curve) {
+    return curve->getMaximum() - curve->getMinimum();
+}
+
+CurveList byLabel(const CurveList& curves) {
+    std::vector<std::pair<std::string, kaAnimationCurve2D*>> labelled;
+    for (kaAnimationCurve2D* curve : curves)
+        labelled.emplace_back(curveLabel(curve), curve);
+    std::stable_sort(labelled.begin(), labelled.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    CurveList sorted;
+    for (const auto& [label, curve] : labelled)
+        sorted.push_back(curve);
+    return sorted;
+}
+
+} // namespace
+
+std::string curveLabel(const kaAnimationCurve2D* curve) {
+    const osg::NodePtr node = curve->getParentOSGNode();
+    const std::string owner = node == osg::NullFC ? std::string() : nodeName(node);
+    return owner.empty() ? attributeOf(curve) : owner + "." + attributeOf(curve);
+}
+
+std::string curveUnit(const kaAnimationCurve2D* curve) {
+    const std::string attribute = attributeOf(curve);
+    if (startsWith(attribute, "rotation") || attribute == "fieldOfView")
+        return "degrees";
+    return startsWith(attribute, "translation") ? "units" : "";
+}
+
+CurveList allCurves() {
+    CurveList curves;
+    for (const auto& [id, object] : kaAnimationManager::the()->getObjects())
+        if (object->getTypeID() == KA_TYPE_CURVE)
+            curves.push_back(static_cast<kaAnimationCurve2D*>(object));
+    return byLabel(curves);
+}
+
+CurveList curvesBelow(const std::vector<kaAnimationObject*>& objects) {
+    CurveList curves;
+    for (const kaAnimationObject* object : objects)
+        for (kaAnimationCurve2D* curve : object->getCurves())
+            if (std::find(curves.begin(), curves.end(), curve) == curves.end())
+                curves.push_back(curve);
+    return byLabel(curves);
+}
+
+CurveList chooseCurves(const CurveList& curves, const std::vector<std::string>& names) {
+    CurveList chosen;
+    for (const std::string& name : names) {
+        bool found = false;
+        for (kaAnimationCurve2D* curve : curves) {
+            if (!isNamed(curve, name))
+                continue;
+            found = true;
+            if (std::find(chosen.begin(), chosen.end(), curve) == chosen.end())
+                chosen.push_back(curve);
+        }
+        if (!found)
+            throw Failure(ExitCode::Usage, "no curve is called '" + oneLine(name) + "'");
+    }
+    return chosen;
+}
+
+CurveList tellingCurves(const CurveList& curves) {
+    constexpr std::size_t mostRotations = 5;
+    const auto isTranslation = [](const auto* curve) {
+        return startsWith(attributeOf(curve), "translation");
+    };
+    const auto moves = [&](const auto* curve) { return isTranslation(curve) && rangeOf(curve) > 0.0F; };
+    const auto first = std::find_if(curves.begin(), curves.end(), moves);
+    CurveList telling, rotations;
+    for (kaAnimationCurve2D* curve : curves) {
+        if (startsWith(attributeOf(curve), "rotation"))
+            rotations.push_back(curve);
+        else if (first != curves.end() && isTranslation(curve) &&
+                 curve->getParentOSGNode() == (*first)->getParentOSGNode())
+            telling.push_back(curve);
+    }
+    std::stable_sort(rotations.begin(), rotations.end(),
+                     [](const auto* a, const auto* b) { return rangeOf(a) > rangeOf(b); });
+    rotations.resize(std::min(rotations.size(), mostRotations));
+    telling.insert(telling.end(), rotations.begin(), rotations.end());
+    return telling.empty() ? curves : telling;
+}
+
+} // namespace ka::tools

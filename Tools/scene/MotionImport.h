@@ -1,0 +1,24 @@
+#pragma once
+
+#include "import/CurveFit.h"
+#include "import/Motion.h"
+#include "scene/ImportReport.h"
+
+#include <OpenSG/OSGNode.h>
+
+namespace ka::tools {
+
+struct ImportOptions {
+    double framesPerSecond = 25.0;
+    double rotationTolerance = 0.01; ///< degrees that a converted rotation may be off between keys
+};
+
+/// Builds a motion, already checked, into the scene and the animation registry.
+///
+/// Every node becomes a scene node with a Transform3D below `root`. Every take becomes a clip with one block
+/// for each node that it moves, on as many tracks as they need; curves are made through the module's
+/// interchange and listed, with their block, on their node. Names become Latin-1. The middle of every segment
+/// is compared with the source.
+ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options);
+
+} // namespace ka::tools

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "import/ReaderProcess.h"
+#include "scene/ImportReport.h"
+#include "scene/MotionImport.h"
+
+#include <OpenSG/OSGNode.h>
+#include <string>
+#include <vector>
+
+class kaAnimationCurve2D;
+class kaAnimationObject;
+
+namespace ka::tools {
+
+/// What a command works on, and how it is to be read.
+struct ProjectFiles {
+    std::string file;      ///< a model, a scene or an animation document
+    std::string animation; ///< the animation document that goes with a scene; may be empty
+    ImportOptions import;
+    ReaderLimits reader;
+};
+
+/// A scene and its animation in memory, the way a host holds them. There is one at a time, because the
+/// animation registry is one: when the project goes, everything registered goes with it.
+class Project {
+  public:
+    /// Reads the files.
+    /// @throws Failure (Unreadable).
+    explicit Project(const ProjectFiles& files);
+    ~Project();
+    Project(const Project&) = delete;
+    Project& operator=(const Project&) = delete;
+
+    const osg::NodePtr& root() const { return _root; }
+    /// What was lost and found on the way; its counts are of the model only where a model was read.
+    const ImportReport& report() const { return _report; }
+
+    /// Every node whose core places it, parents before children.
+    std::vector<osg::NodePtr> placedNodes() const;
+
+    /// The objects that make up the animation called `name` (or with that number as id). Without a name: all
+    /// blocks that stand by themselves, and of the clips the first by name, because clips of one model are
+    /// takes of the same nodes.
+    /// @throws Failure (Usage) when nothing has that name.
+    std::vector<kaAnimationObject*> playable(const std::string& name) const;
+
+  private:
+    void readModel(const ProjectFiles& files);
+
+    osg::NodePtr _root;
+    ImportReport _report;
+};
+
+/// The frames from the earliest begin to the latest end of the objects; both 0 when there is nothing.
+std::pair<float, float> frameRange(const std::vector<kaAnimationObject*>& objects);
+
+/// Puts the scene into the state that the objects give it at a frame.
+void evaluate(const std::vector<kaAnimationObject*>& objects, float frame);
+
+/// The name of a node as UTF-8; empty when it has none.
+std::string nodeName(const osg::NodePtr& node);
+
+} // namespace ka::tools
