@@ -262,11 +262,10 @@ std::vector<kaAnimationField*> kaAnimationManager::createAnimationFields(const o
         return fields;
     kaFieldDiscovery discovery(current);
     fields = discovery.run();
-    std::vector<osg::UInt64> ids;
-    for (const kaAnimationField* field : fields)
-        ids.push_back(field->getId());
     osg::MFUInt64& listed = attachment->getFieldIDs();
-    listed.insert(listed.end(), ids.begin(), ids.end());
+    listed.reserve(listed.size() + fields.size()); // from here on nothing can fail
+    for (const kaAnimationField* field : fields)
+        listed.push_back(field->getId());
     discovery.keep();
     recordChange(attachment, osg::AnimAttachment::FieldIDsFieldMask);
     return fields;
