@@ -7,12 +7,13 @@
 #include <OpenSG/OSGRefPtr.h>
 #include <OpenSG/OSGSimpleMaterial.h>
 #include <OpenSG/OSGTransform3D.h>
-
 #include <gtest/gtest.h>
 
 namespace {
 
-osg::FieldContainerFactory* factory() { return osg::FieldContainerFactory::the(); }
+osg::FieldContainerFactory* factory() {
+    return osg::FieldContainerFactory::the();
+}
 
 TEST(Handle, IsSixteenBytes) {
     EXPECT_EQ(16U, sizeof(osg::FieldContainerPtr));

@@ -1,5 +1,4 @@
 #include <OpenSG/OSGSimpleAttachments.h>
-#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -55,7 +54,7 @@ void AttachmentContainer::addAttachment(const AttachmentPtr& attachment, UInt16 
     addRefCP(attachment);
     detach(key);
     _sfAttachments.getValue()[key] = attachment;
-    attachment->_mfParents.push_back(FieldContainerPtr(*this));
+    attachment->_parentIndex.add(attachment->_mfParents, FieldContainerPtr(*this));
     endEditCP(attachment, Attachment::ParentsFieldMask);
 }
 
@@ -74,14 +73,7 @@ void AttachmentContainer::detach(UInt32 key) {
     if (attachment == NullFC)
         return;
     // One entry per binding: the same attachment may hang here twice.
-    MFFieldContainerPtr& parents = attachment->_mfParents;
-    const auto self = std::find_if(parents.begin(), parents.end(), [this](const FieldContainerPtr& parent) {
-        return parent.getFieldContainerId() == getFieldContainerId();
-    });
-    if (self != parents.end()) {
-        *self = parents.back();
-        parents.erase(parents.end() - 1);
-    }
+    attachment->_parentIndex.remove(attachment->_mfParents, getFieldContainerId());
     endEditCP(attachment, Attachment::ParentsFieldMask);
     releaseRefCP(attachment);
 }
@@ -99,7 +91,7 @@ AttachmentPtr AttachmentContainer::findAttachment(const FieldContainerType& type
 void AttachmentContainer::onCopied() {
     for (const auto& [key, attachment] : _sfAttachments.getValue()) {
         addRefCP(attachment);
-        attachment->_mfParents.push_back(FieldContainerPtr(*this));
+        attachment->_parentIndex.add(attachment->_mfParents, FieldContainerPtr(*this));
     }
     Inherited::onCopied();
 }

@@ -75,6 +75,17 @@ void FieldContainer::onCopied() {
 
 void FieldContainer::onDestroy() {
     forEachOwned(*this, releaseRefCP);
+    if (_kept != nullptr) {
+        for (const FieldContainerPtr& handle : *_kept)
+            releaseRefCP(handle);
+    }
+}
+
+void FieldContainer::keepAlive(const FieldContainerPtr& handle) {
+    if (_kept == nullptr)
+        _kept = std::make_unique<std::vector<FieldContainerPtr>>();
+    addRefCP(handle);
+    _kept->push_back(handle);
 }
 
 void FieldContainer::destroy(FieldContainer* container) {

@@ -47,14 +47,7 @@ void Node::releaseCore() {
     _sfCore.setValue(NodeCorePtr());
     if (core == NullFC)
         return;
-    MFNodePtr& parents = core->_mfParents;
-    const auto self = std::find_if(parents.begin(), parents.end(), [this](const NodePtr& parent) {
-        return parent.getFieldContainerId() == getFieldContainerId();
-    });
-    if (self != parents.end()) {
-        *self = parents.back();
-        parents.erase(parents.end() - 1);
-    }
+    core->_parentIndex.remove(core->_mfParents, getFieldContainerId());
     endEditCP(core, NodeCore::ParentsFieldMask);
     releaseRefCP(core);
 }
@@ -68,7 +61,7 @@ void Node::setCore(const NodeCorePtr& core) {
     if (kept == NullFC)
         return;
     _sfCore.setValue(kept);
-    kept->_mfParents.push_back(NodePtr(*this));
+    kept->_parentIndex.add(kept->_mfParents, NodePtr(*this));
     endEditCP(kept, NodeCore::ParentsFieldMask);
 }
 
@@ -117,6 +110,11 @@ void Node::insertChild(UInt32 index, const NodePtr& child) {
     adopt(kept);
     const auto where = std::min<std::size_t>(index, _mfChildren.size());
     _mfChildren.insert(_mfChildren.begin() + static_cast<std::ptrdiff_t>(where), kept);
+}
+
+void Node::appendUnchecked(const NodePtr& child) {
+    adopt(child);
+    _mfChildren.push_back(child);
 }
 
 void Node::replaceChild(UInt32 index, const NodePtr& child) {

@@ -13,6 +13,13 @@ UInt32 nextTypeId() {
     return ++last;
 }
 
+/// "bool" is held by an SFBool.
+std::string fieldName(std::string contentName, FieldType::Cardinality cardinality) {
+    if (!contentName.empty() && contentName[0] >= 'a' && contentName[0] <= 'z')
+        contentName[0] = static_cast<char>(contentName[0] - 'a' + 'A');
+    return (cardinality == FieldType::SINGLE_FIELD ? "SF" : "MF") + contentName;
+}
+
 } // namespace
 
 TypeBase::TypeBase(std::string name, std::string parentName)
@@ -27,7 +34,7 @@ DataType::~DataType() = default;
 
 FieldType::FieldType(const std::string& contentName, Cardinality cardinality, const DataType& content,
                      CreateField create)
-    : DataType((cardinality == SINGLE_FIELD ? "SF" : "MF") + contentName),
+    : DataType(fieldName(contentName, cardinality)),
       _content(content),
       _cardinality(cardinality),
       _create(create) {

@@ -2,6 +2,7 @@
 
 #include <OpenSG/OSGContainer.h>
 #include <OpenSG/OSGFieldContainerFields.h>
+#include <OpenSG/OSGParentIndex.h>
 #include <OpenSG/OSGSFSysTypes.h>
 
 namespace osg {
@@ -37,6 +38,7 @@ class KA_SCENEGRAPH_API Attachment : public Container<Attachment, FieldContainer
     friend class AttachmentContainer;
 
     MFFieldContainerPtr _mfParents;
+    ParentIndex _parentIndex;
     SFBool _sfInternal{false};
 };
 

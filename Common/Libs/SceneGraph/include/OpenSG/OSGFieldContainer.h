@@ -5,7 +5,9 @@
 #include <OpenSG/OSGMField.h>
 #include <OpenSG/OSGSField.h>
 #include <functional>
+#include <memory>
 #include <variant>
+#include <vector>
 
 namespace osg {
 
@@ -72,14 +74,21 @@ class KA_SCENEGRAPH_API FieldContainer {
   private:
     friend class FieldContainerPtrBase;
     friend struct ContainerAccess;
+    friend class SceneFileLinker;
     friend KA_SCENEGRAPH_API void addRefCP(const FieldContainerPtr& handle);
     friend KA_SCENEGRAPH_API void releaseRefCP(const FieldContainerPtr& handle);
 
     /// Destroys the container and, one after the other and not nested, whatever goes with it.
     static void destroy(FieldContainer* container);
 
+    /// Counts `handle` up and, when this container goes, down again.
+    void keepAlive(const FieldContainerPtr& handle);
+
     UInt32 _id;
     Int32 _refCount = 0;
+    /// What this container keeps alive without an owning field: containers that a scene file defined inside
+    /// of it.
+    std::unique_ptr<std::vector<FieldContainerPtr>> _kept;
 };
 
 /// Lets the declaration of a type reach the constructors of its class; see declareType.

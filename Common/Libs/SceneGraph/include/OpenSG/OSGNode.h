@@ -99,10 +99,13 @@ class KA_SCENEGRAPH_API Node : public Container<Node, AttachmentContainer, NodeP
   private:
     friend class NodeCore;
     friend struct ContainerAccess;
+    friend class SceneFileLinker;
 
     bool canAdopt(const NodePtr& child) const;
     void adopt(const NodePtr& child);
     void abandon(UInt32 index);
+    /// For who knows already that `child` can be one.
+    void appendUnchecked(const NodePtr& child);
     void releaseCore();
     void updateOwnVolume();
 

@@ -3,6 +3,7 @@
 #include <OpenSG/OSGAttachmentContainer.h>
 #include <OpenSG/OSGMatrix.h>
 #include <OpenSG/OSGNodeFields.h>
+#include <OpenSG/OSGParentIndex.h>
 
 namespace osg {
 
@@ -39,6 +40,7 @@ class KA_SCENEGRAPH_API NodeCore : public Container<NodeCore, AttachmentContaine
     friend class Node;
 
     MFNodePtr _mfParents;
+    ParentIndex _parentIndex;
 };
 
 } // namespace osg
