@@ -196,6 +196,8 @@ class World {
     void triggerLoop(Object* object, float frame);
     bool evaluate(Object* object, float frame);
 
+    /// Whether the tree stays well below the greatest depth when `container` takes `object`.
+    bool isShallow(const Object& container, const Object& object) const;
     /// Whether `to` can be reached from `from` through lists of children; a key's own id is no way.
     bool reaches(const Object& from, const Object& to) const;
 

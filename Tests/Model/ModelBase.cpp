@@ -1,4 +1,5 @@
 #include "Model.h"
+#include "kaAnimationTypes.h"
 
 namespace ka_model {
 
@@ -81,9 +82,8 @@ void World::takeIn(Object* object, const std::set<Id>& curves, const std::set<Id
 /// as a tree may have.
 void World::climb(Object* object, const std::set<Id>& curves, const std::set<Id>& sequences,
                   Operation operation, bool recursive) {
-    constexpr int LEVELS = static_cast<int>(KA_MAX_DEPTH);
     Object* level = object;
-    for (int i = 0; level && i < LEVELS; ++i) {
+    for (unsigned int i = 0; level && i < KA_MAX_DEPTH; ++i) {
         takeIn(level, curves, sequences, operation);
         sortChildren(level);
         updateBounds(level);

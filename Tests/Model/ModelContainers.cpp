@@ -1,4 +1,5 @@
 #include "Model.h"
+#include "kaAnimationTypes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -66,7 +67,7 @@ Object* World::addToClip(Object* clip, Object* object) {
     if ((!isLoose(*object) && object->type != STREAK) || !mayAdopt(*clip, *object))
         return nullptr;
     if (object->type == STREAK) {
-        object->index = static_cast<unsigned int>(tracksIn(*clip).size());
+        object->index = static_cast<unsigned int>(clip->children.size());
         append(clip, object);
         return object;
     }
@@ -100,10 +101,10 @@ Object* World::subObject(Object* container, Object* object, bool destroyIt) {
     case STREAK:
         return unlink();
     case STRIP:
-        if (object->type == STREAK)
+        if (object->type == STREAK && isChild(*container, object->id))
             return unlink();
         for (Object* track : tracksIn(*container))
-            if (isLoose(*object) && isChild(*track, object->id)) {
+            if ((isLoose(*object) || object->type == STREAK) && isChild(*track, object->id)) {
                 subObject(track, object, destroyIt);
                 return track;
             }
@@ -152,7 +153,7 @@ void World::destroyEmptyTracks(Object* clip) {
 void World::destroyEmptyTracksAtEnd(Object* clip) {
     const std::map<unsigned int, Object*> tracks = tracksOf(*clip);
     std::vector<Object*> chosen;
-    for (std::size_t number = tracksIn(*clip).size(); number-- > 0;) {
+    for (std::size_t number = clip->children.size(); number-- > 0;) {
         const auto found = tracks.find(static_cast<unsigned int>(number));
         if (found == tracks.end() || !found->second->children.empty())
             break;
@@ -164,17 +165,36 @@ void World::destroyEmptyTracksAtEnd(Object* clip) {
 
 bool World::moveToTrack(Object* object, Object* track) {
     Object* parent = parentOf(*object);
-    if (!parent || parent->type != STREAK || !subObject(parent, object, false))
+    if (!parent || parent->type != STREAK || !mayAdopt(*track, *object) || !subObject(parent, object, false))
         return false;
     return addObject(track, object) != nullptr;
 }
 
 bool World::moveToTrack(Object* object, Object* clip, unsigned int number) {
-    while (tracksIn(*clip).size() <= number)
+    while (clip->children.size() <= number)
         addToClip(clip, createContainer(STREAK, 0));
     const std::map<unsigned int, Object*> tracks = tracksOf(*clip);
     const auto found = tracks.find(number);
     return found != tracks.end() && moveToTrack(object, found->second);
+}
+
+namespace {
+
+std::size_t heightOf(const World& world, const Object& object) {
+    std::size_t below = 0;
+    for (const Object* child : world.childrenOf(object))
+        if (child != &object)
+            below = std::max(below, heightOf(world, *child));
+    return below + 1;
+}
+
+} // namespace
+
+bool World::isShallow(const Object& container, const Object& object) const {
+    std::set<const Object*> ancestors = {&container};
+    for (const Object* level = parentOf(container); level && ancestors.insert(level).second;)
+        level = parentOf(*level);
+    return ancestors.size() + heightOf(*this, object) + 4 < KA_MAX_DEPTH;
 }
 
 bool World::reaches(const Object& from, const Object& to) const {

@@ -171,7 +171,8 @@ Object* pickFor(Run& run, const Object& container, unsigned int number) {
 void addObject(Run& run, const Step& step) {
     Object* container = run.pick(step.a, isContainer);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
-    if (!object || (run.world.mayAdopt(*container, *object) && run.world.reaches(*object, *container)))
+    if (!object || (run.world.mayAdopt(*container, *object) && run.world.reaches(*object, *container)) ||
+        !run.world.isShallow(*container, *object))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(container));
     const Object* taken = run.world.addObject(container, object);
@@ -200,7 +201,8 @@ void subObject(Run& run, const Step& step) {
 void insertObject(Run& run, const Step& step) {
     Object* container = run.ofType(step.a / 2, step.a % 2 == 0 ? STREAK : STRIP);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
-    if (!object || run.isCrowded() || run.world.reaches(*object, *container))
+    if (!object || run.isCrowded() || run.world.reaches(*object, *container) ||
+        !run.world.isShallow(*container, *object))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " into " + Run::nameOf(container));
     if (container->type == STREAK) {
@@ -233,7 +235,7 @@ void destroyEmptyTracks(Run& run, const Step& step) {
 void moveToTrack(Run& run, const Step& step) {
     Object* object = run.any(step.a);
     Object* track = run.ofType(step.b, STREAK);
-    if (!object || !track || run.world.reaches(*object, *track))
+    if (!object || !track || run.world.reaches(*object, *track) || !run.world.isShallow(*track, *object))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(track));
     const bool moved = run.world.moveToTrack(object, track);
@@ -246,7 +248,7 @@ void moveToClip(Run& run, const Step& step) {
     Object* clip = run.ofType(step.b, STRIP);
     const unsigned int number = step.c % 4;
     if (!object || !clip || run.isCrowded() || run.world.reaches(*object, *clip) ||
-        !run.world.mayAdopt(*clip, Object()))
+        !run.world.isShallow(*clip, *object) || !run.world.mayAdopt(*clip, Object()))
         return run.skip("none");
     for (const auto& entry : run.world.tracksOf(*clip))
         if (run.world.reaches(*object, *entry.second))
