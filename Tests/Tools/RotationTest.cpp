@@ -1,5 +1,6 @@
 #include "import/Rotation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
@@ -78,6 +79,17 @@ TEST(NearestAngles, TakesTheOtherSolutionWhereItIsNearer) {
     EXPECT_LT(largestStep(nearestAngles(flipped, sceneOrder, before), {11, 86, 19}), 1e-9);
 }
 
+TEST(ContinuedAngles, KeepTheFilesNumbersUpToWholeTurns) {
+    // Nearer in sum would be (-4, -101, 5), but no file that says -79 wants to read that.
+    EXPECT_LT(largestStep(continuedAngles({176, -79, -175}, sceneOrder, {0, 0, 0}), {176, -79, -175}), 1e-9);
+    EXPECT_LT(largestStep(continuedAngles({0, 0, -179}, sceneOrder, {0, 0, 539}), {0, 0, 541}), 1e-9);
+}
+
+TEST(ContinuedAngles, FollowTheRotationWhereTheFileFlipsOver) {
+    const Vec3 flipped{190 + 1, 180 - 86, 200 - 1};
+    EXPECT_LT(largestStep(continuedAngles(flipped, sceneOrder, {10, 85, 20}), {11, 86, 19}), 1e-9);
+}
+
 TEST(NearestAngles, GiveTheSameRotationInEveryOrder) {
     std::mt19937_64 random(3);
     std::uniform_real_distribution<double> any(-500.0, 500.0);
@@ -88,6 +100,10 @@ TEST(NearestAngles, GiveTheSameRotationInEveryOrder) {
             const Vec3 nearest = nearestAngles(angles, order, previous);
             EXPECT_LT(angleBetween(matrixFromAngles(angles, order), matrixFromAngles(nearest, order)), 1e-9);
             EXPECT_LE(largestStep(nearest, previous), 180.0 + 1e-9);
+            const Vec3 continued = continuedAngles(angles, order, previous);
+            EXPECT_LT(angleBetween(matrixFromAngles(angles, order), matrixFromAngles(continued, order)),
+                      1e-9);
+            EXPECT_LE(largestStep(continued, previous), 180.0 + 1e-9);
         }
 }
 

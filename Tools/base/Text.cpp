@@ -34,6 +34,10 @@ std::optional<double> parseNumber(std::string_view text) {
     return error == std::errc() ? std::optional<double>(value) : std::nullopt;
 }
 
+std::string counted(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
 std::string oneLine(std::string_view text, std::size_t limit) {
     std::string line;
     for (const char c : text.substr(0, limit)) {

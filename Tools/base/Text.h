@@ -16,6 +16,9 @@ double shortened(double value);
 /// value too large for a double is none.
 std::optional<double> parseNumber(std::string_view text);
 
+/// "1 key", "2 keys".
+std::string counted(std::size_t count, const std::string& noun);
+
 /// `text` without control characters and line breaks, cut to `limit` bytes: text of unknown origin, fit for
 /// one line of a message.
 std::string oneLine(std::string_view text, std::size_t limit = 200);

@@ -3,48 +3,56 @@
 #include "base/Text.h"
 
 #include <cmath>
+#include <limits>
 #include <map>
 
 namespace ka::tools {
 
-const CLI::Validator Finite(
-    [](std::string& text) {
+CLI::Validator finite() {
+    const auto check = [](std::string& text) {
         const std::optional<double> value = parseNumber(text);
-        return value && std::isfinite(*value) ? std::string()
-                                              : "'" + oneLine(text) + "' is not a finite number";
-    },
-    "NUMBER");
+        if (!value || !std::isfinite(*value))
+            return "'" + oneLine(text) + "' is not a finite number";
+        const bool fits = std::abs(*value) <= static_cast<double>(std::numeric_limits<float>::max());
+        return fits ? std::string() : "'" + oneLine(text) + "' is beyond the range of a float";
+    };
+    return CLI::Validator(check, "");
+}
 
-const CLI::Validator AboveZero(
-    [](std::string& text) {
+CLI::Validator aboveZero(double high) {
+    const auto check = [high](std::string& text) {
         const std::optional<double> value = parseNumber(text);
-        return value && std::isfinite(*value) && *value > 0.0
-                   ? std::string()
-                   : "'" + oneLine(text) + "' is not a number above zero";
-    },
-    "NUMBER>0");
+        if (!value || !(*value > 0.0))
+            return "'" + oneLine(text) + "' is not a number above zero";
+        return *value <= high ? std::string() : "'" + oneLine(text) + "' is above " + formatNumber(high);
+    };
+    return CLI::Validator(check, "");
+}
+
+CLI::Validator between(int low, int high) {
+    return CLI::Range(low, high).description("");
+}
 
 void addModelOptions(CLI::App& command, ProjectFiles& files) {
     command.add_option("--fps", files.import.framesPerSecond, "frames to a second of the model")
         ->type_name("")
-        ->check(AboveZero)
+        ->check(aboveZero(1e6))
         ->capture_default_str();
     command
         .add_option("--tolerance", files.import.rotationTolerance,
                     "degrees that a converted rotation may be off between keys")
         ->type_name("")
-        ->check(AboveZero)
+        ->check(aboveZero(360))
         ->capture_default_str();
     command
         .add_option("--reader-memory", files.reader.megabytes, "megabytes that a third-party reader may use")
         ->type_name("")
-        ->check(CLI::Range(16, 1 << 20))
+        ->check(between(16, 1 << 20))
         ->capture_default_str();
     command
         .add_option("--reader-seconds", files.reader.seconds, "seconds that a third-party reader may take")
         ->type_name("")
-        ->check(AboveZero)
-        ->check(CLI::Range(0.0, 86400.0))
+        ->check(aboveZero(86400))
         ->capture_default_str();
 }
 

@@ -27,9 +27,14 @@ void addObjectOption(CLI::App& command, std::string& object);
 /// `-o PATH`, needed.
 void addOutputOption(CLI::App& command, std::string& path, const std::string& what);
 
-/// Accepts finite numbers; `AboveZero` only those greater than 0 as well.
-extern const CLI::Validator Finite;
-extern const CLI::Validator AboveZero;
+/// Accepts the numbers that a float can hold: frames.
+CLI::Validator finite();
+
+/// Accepts numbers greater than 0, up to `high`.
+CLI::Validator aboveZero(double high = 1e30);
+
+/// Accepts whole numbers from `low` to `high`.
+CLI::Validator between(int low, int high);
 
 /// Sets the examples that stand at the end of the command's help, one command line each.
 void addExamples(CLI::App& command, const std::vector<std::string>& lines);

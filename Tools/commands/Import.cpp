@@ -37,17 +37,17 @@ std::string reportAsJson(const ImportReport& report) {
 void sayReport(const ImportReport& report) {
     for (const std::string& note : report.notes)
         say(note);
-    say(std::to_string(report.nodes) + " nodes, " + std::to_string(report.clips) + " clips, " +
-        std::to_string(report.blocks) + " blocks, " + std::to_string(report.curves) + " curves, " +
-        std::to_string(report.keys) + " keys");
+    say(counted(report.nodes, "node") + ", " + counted(report.clips, "clip") + ", " +
+        counted(report.blocks, "block") + ", " + counted(report.curves, "curve") + ", " +
+        counted(report.keys, "key"));
     say("in the middle of segments curves differ from the source by at most " +
         formatNumber(report.worstMiddle, 2) + " of their range");
     if (report.worstRotation > 0.0)
         say("converted rotations differ between keys by at most " + formatNumber(report.worstRotation, 2) +
             " degrees (asked for: " + formatNumber(report.rotationTolerance, 3) + "), for which " +
-            std::to_string(report.addedKeys) + " keys were added");
+            counted(report.addedKeys, "key") + " had to be added");
     if (report.valuelessSegments > 0)
-        say(std::to_string(report.valuelessSegments) + " segments give no value");
+        say(counted(report.valuelessSegments, "segment") + " without a value in the middle");
 }
 
 ExitCode import(const ImportCommandOptions& options, Output& output) {

@@ -65,15 +65,15 @@ void addPictureOptions(CLI::App& command, PictureOptions& options) {
     addProjectOptions(command, options.files);
     addOutputOption(command, options.output, "the PNG file to write");
     addObjectOption(command, options.object);
-    command.add_option("--from", options.from, "first frame")->type_name("")->check(Finite);
-    command.add_option("--to", options.to, "last frame")->type_name("")->check(Finite);
+    command.add_option("--from", options.from, "first frame")->type_name("")->check(finite());
+    command.add_option("--to", options.to, "last frame")->type_name("")->check(finite());
     command.add_option("--width", options.width, "pixels")
         ->type_name("")
-        ->check(CLI::Range(320, 16384))
+        ->check(between(320, 16384))
         ->capture_default_str();
     command.add_option("--height", options.height, "pixels (default: by the width)")
         ->type_name("")
-        ->check(CLI::Range(240, 16384));
+        ->check(between(240, 16384));
 }
 
 } // namespace
@@ -101,7 +101,7 @@ void addRenderCommand(CLI::App& program, Action& action) {
     addPictureOptions(*command, *options);
     command->add_option("--count", options->count, "how many frames to draw")
         ->type_name("")
-        ->check(CLI::Range(1, 400))
+        ->check(between(1, 400))
         ->capture_default_str();
     addExamples(*command, {"ka-anim render walk.bvh -o figure.png",
                            "ka-anim render walk.bvh -o steps.png --from 0 --to 20 --count 8 --width 1200"});

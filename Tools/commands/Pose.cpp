@@ -74,7 +74,7 @@ void addPoseCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PoseOptions>();
     CLI::App* command = program.add_subcommand("pose", "Print how every node stands at one frame");
     addProjectOptions(*command, options->files);
-    command->add_option("--frame", options->frame, "the frame")->type_name("")->check(Finite)->required();
+    command->add_option("--frame", options->frame, "the frame")->type_name("")->check(finite())->required();
     addObjectOption(*command, options->object);
     addFormatOption(*command, options->format);
     addExamples(*command,

@@ -26,6 +26,15 @@ std::string commandName(const CLI::App& program) {
     return chosen.empty() ? "ka-anim" : "ka-anim " + chosen.front()->get_name();
 }
 
+/// @param arguments  in reverse.
+std::string mistakeOf(const CLI::App& program, const CLI::ParseError& outcome,
+                      const std::vector<std::string>& arguments) {
+    const bool isUnknownCommand =
+        program.get_subcommands().empty() && !arguments.empty() && arguments.back().rfind('-', 0) != 0;
+    return isUnknownCommand ? "no command is called '" + oneLine(arguments.back(), 40) + "'"
+                            : oneLine(outcome.what());
+}
+
 int run(std::vector<std::string> arguments) {
     Output output;
     const CommandLine line = readCommandLine(std::move(arguments));
@@ -48,7 +57,7 @@ CommandLine readCommandLine(std::vector<std::string> arguments) {
     addCommands(program, line.action);
     try {
         std::reverse(arguments.begin(), arguments.end());
-        program.parse(std::move(arguments));
+        program.parse(arguments);
     } catch (const CLI::ParseError& outcome) {
         line.action = nullptr;
         if (outcome.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
@@ -56,7 +65,8 @@ CommandLine readCommandLine(std::vector<std::string> arguments) {
             program.exit(outcome, answer, none);
             line.answer = answer.str();
         } else {
-            line.mistake = oneLine(outcome.what()) + " (see " + commandName(program) + " --help)";
+            line.mistake =
+                mistakeOf(program, outcome, arguments) + " (see " + commandName(program) + " --help)";
             line.code = ExitCode::Usage;
         }
     }

@@ -22,6 +22,8 @@ struct SampleOptions {
     Format format = Format::Csv;
 };
 
+constexpr double mostSamples = 1e9;
+
 /// Writes one line for each sample; the brackets around them depend on the format.
 class SampleWriter {
   public:
@@ -56,6 +58,8 @@ void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, Sample
     const double to = options.to.value_or(static_cast<double>(curve->getEnd()));
     // Steps are counted, not added up, so that a thousand steps of 0.1 end where they should.
     const double count = std::floor((to - from) / options.step + 1e-9);
+    if (count > mostSamples)
+        throw Failure(ExitCode::Usage, "more than a billion samples of one curve");
     for (double i = 0; i <= count; ++i) {
         const auto frame = static_cast<float>(from + i * options.step);
         float value = 0.0F;
@@ -91,13 +95,13 @@ void addSampleCommand(CLI::App& program, Action& action) {
     addObjectOption(*command, options->object);
     command->add_option("--from", options->from, "first frame (default: each curve's own)")
         ->type_name("")
-        ->check(Finite);
+        ->check(finite());
     command->add_option("--to", options->to, "last frame (default: each curve's own)")
         ->type_name("")
-        ->check(Finite);
+        ->check(finite());
     command->add_option("--step", options->step, "frames from sample to sample")
         ->type_name("")
-        ->check(AboveZero)
+        ->check(aboveZero())
         ->capture_default_str();
     addFormatOption(*command, options->format);
     addExamples(*command, {"ka-anim sample walk.bvh --curve Hips.translationX",

@@ -26,7 +26,8 @@ void startDrawing() {
     static char name[] = "ka-anim";
     static char* arguments[] = {name, nullptr};
     static int count = 1;
-    // Never taken down: at the process's end the library's platform plugin is gone before the application would be.
+    // Never taken down: at the process's end the library's platform plugin is gone before the application
+    // would be.
     static const QGuiApplication* const application = new QGuiApplication(count, arguments);
     static_cast<void>(application);
 }

@@ -150,8 +150,8 @@ class SceneReader {
                 take.tracks.push_back(readTrack(channel, place->second, ticks));
         }
         if (lost > 0)
-            _motion.notes.push_back("take '" + oneLine(take.name) + "': left out " + std::to_string(lost) +
-                                    (lost == 1 ? " channel" : " channels") + " that move no node");
+            _motion.notes.push_back("take '" + oneLine(take.name) + "': left out " +
+                                    counted(lost, "channel") + " without a node to move");
         _motion.takes.push_back(std::move(take));
     }
 

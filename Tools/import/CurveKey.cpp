@@ -16,6 +16,12 @@ float nudged(float value, int steps) {
     return value;
 }
 
+/// The float nearest to a value; the largest one for what no float can hold.
+float single(double value) {
+    constexpr double largest = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(value, -largest, largest));
+}
+
 double bezier(double p0, double p1, double p2, double p3, double t) {
     const double v = 1.0 - t;
     return v * v * v * p0 + 3 * v * v * t * p1 + 3 * v * t * t * p2 + t * t * t * p3;
@@ -75,7 +81,7 @@ struct HandleValues {
 /// Handles near the thirds, chosen among the floats around them for the least error.
 void placeSmoothHandles(const CurveKey& from, const CurveKey& to, BezierKey& a, BezierKey& b) {
     const double x0 = a.frame, dx = b.frame - x0;
-    const auto third = static_cast<float>(x0 + dx / 3.0), twoThirds = static_cast<float>(x0 + 2.0 * dx / 3.0);
+    const auto third = single(x0 + dx / 3.0), twoThirds = single(x0 + 2.0 * dx / 3.0);
     constexpr int reach = 3;
     double least = std::numeric_limits<double>::infinity();
     for (int i = -reach; i <= reach; ++i) {
@@ -84,13 +90,13 @@ void placeSmoothHandles(const CurveKey& from, const CurveKey& to, BezierKey& a, 
             if (!times.isSolvedExactly())
                 continue;
             const HandleValues values(times, from, to);
-            if (values.error >= least)
+            if (!(values.error < least))
                 continue;
             least = values.error;
             a.outFrame = times.x1;
-            a.outValue = static_cast<float>(values.y1);
+            a.outValue = single(values.y1);
             b.inFrame = times.x2;
-            b.inValue = static_cast<float>(values.y2);
+            b.inValue = single(values.y2);
         }
     }
 }
@@ -104,8 +110,8 @@ void placeHandles(const CurveKey& from, const CurveKey& to, double fps, BezierKe
         return;
     // A smooth segment keeps these where so few floats lie between its keys that no other handles fit.
     const double x0 = a.frame, x3 = b.frame, y0 = a.value, y3 = b.value;
-    a.outFrame = b.inFrame = static_cast<float>(x0 + (x3 - x0) / 2.0);
-    a.outValue = b.inValue = static_cast<float>(y0 + (y3 - y0) * ((a.outFrame - x0) / (x3 - x0)));
+    a.outFrame = b.inFrame = single(x0 + (x3 - x0) / 2.0);
+    a.outValue = b.inValue = single(y0 + (y3 - y0) * ((a.outFrame - x0) / (x3 - x0)));
     if (from.toNext == SegmentShape::Smooth)
         placeSmoothHandles({x0 / fps, y0, 0.0, from.outSlope, SegmentShape::Smooth},
                            {x3 / fps, y3, to.inSlope, 0.0, SegmentShape::Smooth}, a, b);
@@ -126,7 +132,7 @@ double segmentValue(const CurveKey& a, const CurveKey& b, double u) {
 BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps) {
     BezierCurve curve;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        const auto frame = static_cast<float>(keys[i].time * fps), value = static_cast<float>(keys[i].value);
+        const float frame = single(keys[i].time * fps), value = single(keys[i].value);
         if (!curve.keys.empty() && !(frame > curve.keys.back().frame)) {
             ++curve.merged;
             continue;

@@ -168,8 +168,8 @@ class TakeReader {
                 ++ignored[channel.target_node < 0 ? "without a node"
                                                   : "of '" + oneLine(channel.target_path, 40) + "'"];
         for (const auto& [what, count] : ignored)
-            _notes.push_back("take '" + oneLine(take.name) + "': left out " + std::to_string(count) +
-                             " channel" + (count == 1 ? " " : "s ") + what);
+            _notes.push_back("take '" + oneLine(take.name) + "': left out " + counted(count, "channel") +
+                             " " + what);
         return take;
     }
 

@@ -27,10 +27,6 @@ bool hasDirection(const std::array<double, 4>& q) {
     return std::any_of(q.begin(), q.end(), [](double v) { return std::abs(v) > 1e-12; });
 }
 
-std::string counted(std::size_t count, const char* what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 /// Drops the keys of one channel that cannot be used and says so.
 class ChannelCheck {
   public:

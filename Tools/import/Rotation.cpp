@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ka::tools {
 
@@ -35,6 +36,23 @@ double squaredDistance(const Vec3& a, const Vec3& b) {
     for (int i = 0; i < 3; ++i)
         sum += (a[i] - b[i]) * (a[i] - b[i]);
     return sum;
+}
+
+double largestStep(const Vec3& a, const Vec3& b) {
+    return std::max({std::abs(a[0] - b[0]), std::abs(a[1] - b[1]), std::abs(a[2] - b[2])});
+}
+
+/// The two sets of angles that describe a rotation, each within half a turn of `previous`.
+std::pair<Vec3, Vec3> bothNear(const Vec3& degrees, const EulerOrder& order, const Vec3& previous) {
+    Vec3 same = degrees, other = degrees;
+    other[order[0]] += 180.0;
+    other[order[1]] = 180.0 - other[order[1]];
+    other[order[2]] += 180.0;
+    for (int axis = 0; axis < 3; ++axis) {
+        same[axis] = nearestTurn(same[axis], previous[axis]);
+        other[axis] = nearestTurn(other[axis], previous[axis]);
+    }
+    return {same, other};
 }
 
 } // namespace
@@ -122,16 +140,16 @@ double angleBetween(const Matrix3& a, const Matrix3& b) {
 }
 
 Vec3 nearestAngles(const Vec3& degrees, const EulerOrder& order, const Vec3& previous) {
-    Vec3 other = degrees;
-    other[order[0]] += 180.0;
-    other[order[1]] = 180.0 - other[order[1]];
-    other[order[2]] += 180.0;
-    Vec3 same = degrees;
-    for (int axis = 0; axis < 3; ++axis) {
-        same[axis] = nearestTurn(same[axis], previous[axis]);
-        other[axis] = nearestTurn(other[axis], previous[axis]);
-    }
+    const auto [same, other] = bothNear(degrees, order, previous);
     return squaredDistance(other, previous) < squaredDistance(same, previous) ? other : same;
+}
+
+Vec3 continuedAngles(const Vec3& degrees, const EulerOrder& order, const Vec3& previous) {
+    // No joint turns by a right angle between two keys and no flip is less than one; what lies between is
+    // left alone.
+    constexpr double flip = 90.0, close = 45.0;
+    const auto [same, other] = bothNear(degrees, order, previous);
+    return largestStep(same, previous) > flip && largestStep(other, previous) < close ? other : same;
 }
 
 Vec3 sceneAngles(const Matrix3& m, const Vec3& previous) {

@@ -41,6 +41,10 @@ double angleBetween(const Matrix3& a, const Matrix3& b);
 /// taken. No angle of the result is more than half a turn from the previous one.
 Vec3 nearestAngles(const Vec3& degrees, const EulerOrder& order, const Vec3& previous);
 
+/// The same for angles that a file states itself: its numbers stay, whole turns aside. The other set is taken
+/// only where the file flips over to it from one key to the next, which the rotation itself does not do.
+Vec3 continuedAngles(const Vec3& degrees, const EulerOrder& order, const Vec3& previous);
+
 /// The scene's angles, in degrees, for a rotation, nearest to `previous`. Where the Y angle stands at a right
 /// angle only the sum or difference of the others is given by the rotation; both then move by the same
 /// amount.

@@ -14,7 +14,7 @@ RotationSource::RotationSource(const MotionChannel<3>& angles, const EulerOrder&
     : _interpolation(angles.interpolation), _order(order) {
     for (const MotionKey<3>& key : angles.keys) {
         _times.push_back(key.time);
-        _angles.push_back(_angles.empty() ? key.value : nearestAngles(key.value, order, _angles.back()));
+        _angles.push_back(_angles.empty() ? key.value : continuedAngles(key.value, order, _angles.back()));
     }
 }
 

@@ -8,8 +8,8 @@ namespace ka::tools {
 /// conversion.
 class RotationSource {
   public:
-    /// Angles about the axes of `order`. They are read as straight between keys after every key was given its
-    /// nearest equal form, so that 179 followed by -179 is a turn of two degrees.
+    /// Angles about the axes of `order`, read as straight between keys once each continues the one before it,
+    /// so that 179 followed by -179 is a turn of two degrees.
     RotationSource(const MotionChannel<3>& angles, const EulerOrder& order);
     /// Quaternions: linear ones turn the shortest way at constant speed, cubic ones follow the normalised
     /// spline.

@@ -8,6 +8,7 @@
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
+#include <set>
 
 namespace ka::tools {
 
@@ -47,6 +48,25 @@ CurveList byLabel(const CurveList& curves) {
     for (const auto& [label, curve] : labelled)
         sorted.push_back(curve);
     return sorted;
+}
+
+/// The rotations with the largest ranges, one of each node. What turns further than half way round says more
+/// about how angles wind up than about the motion.
+CurveList widestRotations(const CurveList& curves) {
+    constexpr std::size_t most = 5;
+    CurveList rotations, widest;
+    for (kaAnimationCurve2D* curve : curves)
+        if (startsWith(attributeOf(curve), "rotation") && rangeOf(curve) > 0.0F && rangeOf(curve) <= 180.0F)
+            rotations.push_back(curve);
+    std::stable_sort(rotations.begin(), rotations.end(),
+                     [](const auto* a, const auto* b) { return rangeOf(a) > rangeOf(b); });
+    std::set<kaUID> nodes;
+    for (kaAnimationCurve2D* curve : rotations) {
+        const kaAnimationField* field = fieldOf(curve);
+        if (widest.size() < most && (field == nullptr || nodes.insert(field->nodeID).second))
+            widest.push_back(curve);
+    }
+    return widest;
 }
 
 } // namespace
@@ -99,23 +119,17 @@ CurveList chooseCurves(const CurveList& curves, const std::vector<std::string>& 
 }
 
 CurveList tellingCurves(const CurveList& curves) {
-    constexpr std::size_t mostRotations = 5;
     const auto isTranslation = [](const auto* curve) {
         return startsWith(attributeOf(curve), "translation");
     };
     const auto moves = [&](const auto* curve) { return isTranslation(curve) && rangeOf(curve) > 0.0F; };
     const auto first = std::find_if(curves.begin(), curves.end(), moves);
-    CurveList telling, rotations;
-    for (kaAnimationCurve2D* curve : curves) {
-        if (startsWith(attributeOf(curve), "rotation"))
-            rotations.push_back(curve);
-        else if (first != curves.end() && isTranslation(curve) &&
-                 curve->getParentOSGNode() == (*first)->getParentOSGNode())
+    CurveList telling;
+    for (kaAnimationCurve2D* curve : curves)
+        if (first != curves.end() && isTranslation(curve) &&
+            curve->getParentOSGNode() == (*first)->getParentOSGNode())
             telling.push_back(curve);
-    }
-    std::stable_sort(rotations.begin(), rotations.end(),
-                     [](const auto* a, const auto* b) { return rangeOf(a) > rangeOf(b); });
-    rotations.resize(std::min(rotations.size(), mostRotations));
+    const CurveList rotations = widestRotations(curves);
     telling.insert(telling.end(), rotations.begin(), rotations.end());
     return telling.empty() ? curves : telling;
 }

@@ -90,12 +90,13 @@ class MotionImporter {
         if (_lossyNames)
             _report.notes.emplace_back("names with characters outside Latin-1 got a '?' in their place");
         if (_report.mergedKeys > 0)
-            _report.notes.push_back(std::to_string(_report.mergedKeys) +
-                                    " keys left out because a float cannot tell their frames apart");
+            _report.notes.push_back(counted(_report.mergedKeys, "key") +
+                                    " left out because a float cannot tell their frames apart");
         if (_report.unreachedSegments > 0)
             _report.notes.push_back("rotations turn by up to " + formatNumber(_report.worstRotation, 3) +
-                                    " degrees differently in " + std::to_string(_report.unreachedSegments) +
-                                    " segments that cannot be split further");
+                                    " degrees differently in " +
+                                    counted(_report.unreachedSegments, "segment") +
+                                    " that cannot be split further");
         return std::move(_report);
     }
 

@@ -1,0 +1,58 @@
+#include "ProgramRun.h"
+
+#include "ToolsTesting.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace ka::tools::testing {
+
+namespace {
+
+[[noreturn]] void runChild(const std::vector<std::string>& words, const std::string& folder,
+                           const std::string& out, const std::string& err) {
+    const std::string path = std::string(KA_ANIM_FOLDER) + ":" + std::getenv("PATH");
+    setenv("PATH", path.c_str(), 1);
+    unsetenv("DISPLAY");
+    dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+    dup2(open(out.c_str(), O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
+    dup2(open(err.c_str(), O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
+    std::vector<char*> arguments;
+    for (const std::string& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    if (chdir(folder.c_str()) == 0)
+        execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+ProgramRun run(const std::vector<std::string>& words, const std::string& folder) {
+    const TemporaryFolder files;
+    const pid_t child = fork();
+    if (child == 0)
+        runChild(words, folder, files.path("out"), files.path("err"));
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(files.path("out")),
+            readFile(files.path("err"))};
+}
+
+} // namespace
+
+bool ProgramRun::isOneLine() const {
+    return messages.rfind("ka-anim: ", 0) == 0 && messages.find('\n') == messages.size() - 1;
+}
+
+ProgramRun runKaAnim(const std::vector<std::string>& arguments, const std::string& folder) {
+    std::vector<std::string> words{"ka-anim"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return run(words, folder);
+}
+
+ProgramRun runShell(const std::string& command, const std::string& folder) {
+    return run({"bash", "-c", command}, folder);
+}
+
+} // namespace ka::tools::testing

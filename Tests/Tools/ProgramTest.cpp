@@ -1,0 +1,202 @@
+#include "commands/Program.h"
+
+#include "ProgramRun.h"
+#include "ToolsTesting.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace ka::tools::testing {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+const char* const commands[] = {"import", "sample", "pose", "plot", "render", "demo"};
+
+/// The first frames of a real capture, enough to see it move.
+std::string shortWalk() {
+    std::istringstream file(readFile(modelPath("BVH/01_01.bvh")));
+    std::string text, line;
+    while (std::getline(file, line) && line.rfind("Frames:", 0) != 0)
+        text += line + "\n";
+    text += "Frames: 97\n";
+    for (int i = 0; i < 98 && std::getline(file, line); ++i)
+        text += line + "\n";
+    return text;
+}
+
+class ProgramTest : public ::testing::Test {
+  protected:
+    void SetUp() override { _folder.write("walk.bvh", shortWalk()); }
+
+    ProgramRun run(const std::vector<std::string>& arguments) const {
+        return runKaAnim(arguments, _folder.path(""));
+    }
+
+    /// The run fails with one line and this code.
+    void expectFailure(const std::vector<std::string>& arguments, int code, const std::string& part) const {
+        const ProgramRun result = run(arguments);
+        EXPECT_EQ(result.code, code) << result.messages;
+        EXPECT_TRUE(result.isOneLine()) << result.messages;
+        EXPECT_THAT(result.messages, HasSubstr(part));
+        EXPECT_EQ(result.output, "");
+    }
+
+    TemporaryFolder _folder;
+};
+
+TEST_F(ProgramTest, HelpIsDataAndSaysHow) {
+    const ProgramRun help = run({"--help"});
+    EXPECT_EQ(help.code, 0);
+    EXPECT_EQ(help.messages, "");
+    for (const char* command : commands)
+        EXPECT_THAT(help.output, HasSubstr(std::string("  ") + command + " "));
+    EXPECT_THAT(run({"--version"}).output, StartsWith("ka-anim "));
+}
+
+TEST_F(ProgramTest, EveryExampleOfEveryHelpRuns) {
+    for (const char* command : commands) {
+        const ProgramRun help = run({command, "--help"});
+        EXPECT_EQ(help.code, 0);
+        std::istringstream lines(help.output);
+        std::size_t examples = 0;
+        for (std::string line; std::getline(lines, line);) {
+            if (line.rfind("  ka-anim ", 0) != 0)
+                continue;
+            ++examples;
+            const ProgramRun example = runShell(line, _folder.path(""));
+            EXPECT_EQ(example.code, 0) << line << "\n" << example.messages;
+        }
+        EXPECT_GE(examples, 2U) << command;
+    }
+}
+
+TEST_F(ProgramTest, MistakesInTheLineGetOneLineAndCodeTwo) {
+    expectFailure({}, 2, "subcommand");
+    expectFailure({"dance"}, 2, "dance");
+    expectFailure({"pose", "walk.bvh", "--frame", "1", "--unknown"}, 2, "--unknown");
+    expectFailure({"pose", "walk.bvh"}, 2, "--frame");
+    expectFailure({"pose", "walk.bvh", "--frame", "abc"}, 2, "'abc' is not a finite number");
+    expectFailure({"pose", "walk.bvh", "--frame", "nan"}, 2, "'nan' is not a finite number");
+    expectFailure({"pose", "walk.bvh", "--frame", "1e300"}, 2, "'1e300' is beyond the range of a float");
+    expectFailure({"sample", "walk.bvh", "--step", "0"}, 2, "above zero");
+    expectFailure({"sample", "walk.bvh", "--step", "1e-20"}, 2, "more than a billion samples");
+    expectFailure({"sample", "walk.bvh", "--format", "xml"}, 2, "xml");
+    expectFailure({"sample", "walk.bvh", "--curve", "Tail"}, 2, "no curve is called 'Tail'");
+    expectFailure({"pose", "walk.bvh", "--frame", "1", "--object", "fly"}, 2, "no animation is called 'fly'");
+    expectFailure({"plot", "walk.bvh"}, 2, "--output");
+    expectFailure({"import", "walk.bvh", "--fps", "-25"}, 2, "above zero");
+}
+
+TEST_F(ProgramTest, InputsThatCannotBeReadGetOneLineAndCodeThree) {
+    _folder.write("broken.bvh", "HIERARCHY\nROOT\n");
+    _folder.write("broken.glb", "glTF");
+    _folder.write("notes.txt", "text");
+    for (const char* command : {"import", "sample"}) {
+        expectFailure({command, "none.bvh"}, 3, "none.bvh: no such file");
+        expectFailure({command, "broken.bvh"}, 3, "broken.bvh:2:5: a joint without a name");
+        expectFailure({command, "broken.glb"}, 3, "broken.glb: not readable as glTF");
+        expectFailure({command, "notes.txt"}, 3, "notes.txt: no reader for '.txt' files");
+        expectFailure({command, "."}, 3, "not a plain file");
+    }
+}
+
+TEST_F(ProgramTest, OutputsThatCannotBeWrittenGetOneLineAndCodeFour) {
+    expectFailure({"plot", "walk.bvh", "-o", "none/curves.png"}, 4, "none");
+    expectFailure({"render", "walk.bvh", "-o", "/dev/full"}, 4, "/dev/full");
+    _folder.write("file", "");
+    expectFailure({"demo", "walk.bvh", "-o", "file/out"}, 4, "file/out");
+}
+
+TEST_F(ProgramTest, AClosedPipeEndsWithOneLineAndCodeFour) {
+    const ProgramRun result =
+        runShell("ka-anim sample walk.bvh | true; exit ${PIPESTATUS[0]}", _folder.path(""));
+    EXPECT_EQ(result.code, 4);
+    EXPECT_EQ(result.messages, "ka-anim: standard output was closed by its reader\n");
+    const ProgramRun full = runShell("ka-anim --help > /dev/full", _folder.path(""));
+    EXPECT_EQ(full.code, 4);
+    EXPECT_TRUE(full.isOneLine()) << full.messages;
+    EXPECT_EQ(runShell("ka-anim --help >&-", _folder.path("")).code, 4);
+}
+
+TEST_F(ProgramTest, SamplePrintsEveryStepOfACurve) {
+    const ProgramRun csv =
+        run({"sample", "walk.bvh", "--curve", "Hips.translationX", "--to", "2", "--step", "0.5"});
+    EXPECT_EQ(csv.code, 0);
+    std::istringstream lines(csv.output);
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "curve,frame,value");
+    std::size_t count = 0;
+    for (const char* frame : {",0,", ",0.5,", ",1,", ",1.5,", ",2,"}) {
+        std::getline(lines, line);
+        EXPECT_THAT(line, HasSubstr(frame));
+        ++count;
+    }
+    EXPECT_FALSE(std::getline(lines, line));
+    const auto json = nlohmann::json::parse(
+        run({"sample", "walk.bvh", "--curve", "Hips.translationX", "--to", "2", "--format", "json"}).output);
+    ASSERT_EQ(json.size(), 3U);
+    EXPECT_EQ(json[1]["frame"], 1);
+    EXPECT_TRUE(json[1]["value"].is_number());
+}
+
+TEST_F(ProgramTest, SampleWithoutOptionsPrintsEveryCurveOverItsRange) {
+    const ProgramRun all = run({"sample", "walk.bvh"});
+    // 96 channels; 97 frames of 1/120 s end just before frame 20.
+    EXPECT_EQ(std::count(all.output.begin(), all.output.end(), '\n'), 1 + 96 * 20);
+}
+
+TEST_F(ProgramTest, PosePrintsTheDocumentedShape) {
+    const ProgramRun pose = run({"pose", "walk.bvh", "--frame", "5", "--format", "json"});
+    EXPECT_EQ(pose.code, 0);
+    const auto document = nlohmann::json::parse(pose.output);
+    EXPECT_EQ(document["frame"], 5);
+    ASSERT_EQ(document["nodes"].size(), 38U);
+    const auto& hips = document["nodes"][0];
+    EXPECT_EQ(hips["name"], "Hips");
+    for (const char* part : {"translation", "rotation", "scale", "position"})
+        EXPECT_EQ(hips[part].size(), 3U) << part;
+    EXPECT_EQ(hips["translation"], hips["position"]);
+}
+
+TEST_F(ProgramTest, PicturesArePngFiles) {
+    EXPECT_EQ(run({"plot", "walk.bvh", "-o", "curves.png"}).code, 0);
+    EXPECT_EQ(run({"render", "walk.bvh", "-o", "figure.png"}).code, 0);
+    for (const char* name : {"curves.png", "figure.png"})
+        EXPECT_EQ(readFile(_folder.path(name)).substr(1, 3), "PNG") << name;
+}
+
+TEST_F(ProgramTest, ImportReportsAndIsStrictOnlyWhenAsked) {
+    _folder.write("damaged.bvh",
+                  "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 1 Xposition }\nMOTION\nFrames: 3\nFrame "
+                  "Time: 1\n1\nnan\n3\n");
+    const ProgramRun lenient = run({"import", "damaged.bvh", "--json"});
+    EXPECT_EQ(lenient.code, 0);
+    const auto report = nlohmann::json::parse(lenient.output);
+    EXPECT_EQ(report["findings"], 1);
+    EXPECT_EQ(report["keys"], 6);
+    EXPECT_THAT(lenient.messages, HasSubstr("dropped 1 key"));
+    EXPECT_EQ(run({"import", "damaged.bvh", "--strict"}).code, 1);
+    EXPECT_EQ(run({"import", "walk.bvh", "--strict"}).code, 0);
+}
+
+TEST_F(ProgramTest, AHostileModelCannotTakeTheProgramDown) {
+    std::string deep = "{\"asset\":{\"version\":\"2.0\"},\"nodes\":[";
+    for (int i = 0; i < 20000; ++i)
+        deep += "{\"children\":[" + std::to_string(i + 1) + "]},";
+    _folder.write("deep.gltf", deep + "{}]}");
+    expectFailure({"import", "deep.gltf"}, 3, "nested deeper than 500 levels");
+}
+
+TEST_F(ProgramTest, NumbersDoNotDependOnTheLocale) {
+    const std::string line = "ka-anim sample walk.bvh --curve Hips.translationX --to 3";
+    EXPECT_EQ(runShell("LC_ALL=de_DE.UTF-8 " + line, _folder.path("")).output,
+              runShell(line, _folder.path("")).output);
+}
+
+} // namespace
+} // namespace ka::tools::testing
