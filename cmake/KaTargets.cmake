@@ -83,10 +83,14 @@ endfunction()
 # ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test. Program and test are
 #   called after the folder: Tests/Core gives ka-test-core.
 function(ka_add_test target)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "OPTIMIZED" "" "SOURCES;LIBRARIES" ${ARGN})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME area)
   string(TOLOWER ka-test-${area} name)
   ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} ka_test_main)
   set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name})
+  # What is tested is optimised; a test itself runs once and would spend most of a build in the optimiser.
+  if(NOT arg_OPTIMIZED)
+    target_compile_options(${target} PRIVATE -O0)
+  endif()
   add_test(NAME ${name} COMMAND ${target})
 endfunction()
