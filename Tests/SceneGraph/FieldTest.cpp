@@ -172,11 +172,12 @@ TEST(FieldText, OfNullIsNoText) {
 }
 
 TEST(FieldText, DoesNotDependOnTheLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
     const char* german = std::setlocale(LC_ALL, "de_DE.UTF-8");
     osg::SFReal32 field;
     field.pushValueByStr("1.5");
     const std::string text = written(field);
-    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_ALL, before.c_str());
     EXPECT_EQ(1.5F, field.getValue());
     EXPECT_EQ("1.500000e+00", text);
     if (german == nullptr)

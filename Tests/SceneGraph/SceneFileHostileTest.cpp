@@ -113,9 +113,10 @@ TEST(Hostile, EveryChangedByteIsReadOrRefused) {
             std::string changed = text;
             changed[place] = byte;
             const ReadScene read = readScene(changed);
-            if (read.root != osg::NullFC)
+            if (read.root != osg::NullFC) {
                 EXPECT_EQ(ka_test::writeScene(read.root),
                           ka_test::writeScene(readScene(ka_test::writeScene(read.root)).root));
+            }
         }
     }
     EXPECT_EQ(before, living());

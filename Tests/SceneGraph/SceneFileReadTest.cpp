@@ -151,10 +151,11 @@ TEST(SceneFile, ReadsRotationsAsAxisAndAngle) {
 }
 
 TEST(SceneFile, DoesNotDependOnTheLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
     const char* german = std::setlocale(LC_ALL, "de_DE.UTF-8");
     const ReadScene read = readBody("Node { core CameraSetting { roll 1.5 distance 2.5 } }");
     const std::string text = ka_test::writeScene(read.root);
-    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_ALL, before.c_str());
     EXPECT_EQ(1.5F, coreOf<osg::CameraSetting>(read.only())->getRoll());
     EXPECT_EQ(2.5F, coreOf<osg::CameraSetting>(read.only())->getDistance());
     EXPECT_NE(std::string::npos, text.find("roll 1.5"));

@@ -230,9 +230,9 @@ TEST_F(RoundTrip, KeepsABeaconBeforeAndBehindTheLight) {
     const auto light = [&](osg::UInt32 i) {
         return osg::PointLightPtr::dcast(_node->getChild(i)->getCore());
     };
-    light(0)->editBeacon() = _node->getChild(2); // further down in the file
-    light(1)->editBeacon() = _node;              // around it
-    light(2)->editBeacon() = _node->getChild(0); // before it
+    light(0)->setBeacon(_node->getChild(2)); // further down in the file
+    light(1)->setBeacon(_node);              // around it
+    light(2)->setBeacon(_node->getChild(0)); // before it
     expectNothingLost();
     ReadScene read = readScene(writeScene(_root));
     const osg::NodePtr node = read.only();
@@ -259,7 +259,7 @@ TEST_F(RoundTrip, LeavesOutANodeOfALargerTree) {
     const osg::NodePtr outside = osg::Node::create();
     osg::setName(outside, "outside");
     _root->addChild(outside);
-    core<osg::PointLight>()->editBeacon() = outside;
+    core<osg::PointLight>()->setBeacon(outside);
     std::ostringstream stream;
     osg::SceneFileMessages messages;
     ASSERT_TRUE(osg::SceneFileHandler::the().writeWithMessages(_node, stream, messages));
@@ -273,7 +273,7 @@ TEST_F(RoundTrip, LeavesOutANodeOfALargerTree) {
     EXPECT_TRUE(osg::PointLightPtr::dcast(read.only()->getCore())->getBeacon() == osg::NullFC);
 
     const osg::PointLightPtr light = osg::PointLightPtr::dcast(_node->getCore());
-    light->editBeacon() = _root; // no parent, but the written node stands below it
+    light->setBeacon(_root); // no parent, but the written node stands below it
     std::ostringstream again;
     osg::SceneFileHandler::the().writeWithMessages(_node, again, messages);
     EXPECT_EQ(1U, messages.size());
@@ -411,7 +411,7 @@ TEST_F(RoundTrip, WritesARootThatSaysSomethingItself) {
 }
 
 TEST_F(RoundTrip, WritesAPlainRootThatSomebodyMeans) {
-    core<osg::PointLight>()->editBeacon() = _root;
+    core<osg::PointLight>()->setBeacon(_root);
     const ReadScene read = readScene(writeScene(_root));
     EXPECT_EQ("", read.report());
     EXPECT_EQ(dump(_root), dump(read.only()));
