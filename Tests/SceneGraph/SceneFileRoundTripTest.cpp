@@ -373,7 +373,6 @@ TEST_F(RoundTrip, KeepsNodesWithoutCore) {
 }
 
 TEST_F(RoundTrip, KeepsSharedCoresAndTheNamesOfSharedThings) {
-    const osg::Transform3DPtr core = osg::Transform3D::create();
     const char* const names[] = {nullptr, "arm", "arm", "SFVec3f", "Transform3D:1", "two words", "", "9"};
     for (const char* name : names) {
         const osg::Transform3DPtr shared = osg::Transform3D::create();
