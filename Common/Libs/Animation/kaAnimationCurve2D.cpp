@@ -245,17 +245,25 @@ void kaAnimationCurve2D::setPoints(const std::vector<kaControlPoint2D*>& points)
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::deleteSelectedPoints(bool tellParent, bool destroyIfEmpty) {
-    for (kaControlPoint2D* point : selectedPoints())
-        subObject(point, true);
+    destroyPoints(selectedPoints());
     return afterDeletion(tellParent, destroyIfEmpty);
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::deletePoints(bool tellParent, bool destroyIfEmpty) {
     if (!hasChildren())
         return this;
-    for (kaControlPoint2D* point : points())
-        subObject(point, true);
+    destroyPoints(points());
     return afterDeletion(tellParent, destroyIfEmpty);
+}
+
+/// By id: a host can have listed a key twice.
+void kaAnimationCurve2D::destroyPoints(const std::vector<kaControlPoint2D*>& doomed) {
+    std::vector<kaUID> ids;
+    ids.reserve(doomed.size());
+    for (const kaControlPoint2D* point : doomed)
+        ids.push_back(point->getId());
+    for (kaUID id : ids)
+        subObject(kaAnimationManager::the()->getPoint2D(id), true);
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::afterDeletion(bool tellParent, bool destroyIfEmpty) {

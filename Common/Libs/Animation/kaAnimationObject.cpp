@@ -97,14 +97,38 @@ kaAnimationObject::~kaAnimationObject() {
     kaAliveGuard::forget(*this);
 }
 
+namespace {
+
+/// Levels of destruction under way, and the children that stand deeper than containers accept (a host wrote
+/// their lists directly): those wait until the levels above are done, so that any depth fits the stack.
+unsigned int destructionDepth = 0;
+std::vector<kaUID>& postponedChildren() {
+    static std::vector<kaUID> ids;
+    return ids;
+}
+
+} // namespace
+
 /// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
-/// to end. Allocates nothing: destruction cannot fail.
+/// to end. Allocates nothing, within the depth that containers accept: destruction cannot fail.
 void kaAnimationObject::destroyChildren() {
     if (!_group || _group->children.empty() || !kaAnimationManager::isAlive())
         return;
+    const bool tooDeep = destructionDepth >= KA_MAX_DEPTH;
+    ++destructionDepth;
     _group->children.beginTaking();
     while (!_group->children.empty()) {
-        kaAnimationObject* child = find(_group->children.takeNext());
+        const kaUID id = _group->children.takeNext();
+        kaAnimationObject* child = find(id);
+        if (tooDeep)
+            postponedChildren().push_back(id);
+        else if (child && child != this)
+            kaAnimationManager::the()->destroyObject(child);
+    }
+    --destructionDepth;
+    while (destructionDepth == 0 && !postponedChildren().empty()) {
+        kaAnimationObject* child = find(postponedChildren().back());
+        postponedChildren().pop_back();
         if (child && child != this)
             kaAnimationManager::the()->destroyObject(child);
     }

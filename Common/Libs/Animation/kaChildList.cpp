@@ -170,21 +170,23 @@ void kaChildList::renumber(std::size_t from) {
         _chunks[i]->index = i;
 }
 
-void kaChildList::addChunk(std::size_t at) {
+/// Everything that can fail comes before anything is changed, here and in all that adds entries.
+void kaChildList::addChunk(std::size_t at, std::unique_ptr<kaChildChunk> chunk) {
     const auto offset = static_cast<std::ptrdiff_t>(at);
     _firsts.reserve(_chunks.size() + 1);
-    _chunks.insert(_chunks.begin() + offset, std::make_unique<kaChildChunk>(*this));
-    _firsts.insert(_firsts.begin() + offset, 0.0F);
+    _chunks.insert(_chunks.begin() + offset, std::move(chunk));
+    _firsts.insert(_firsts.begin() + offset, _chunks[at]->entries.front().extent.begin);
     renumber(at);
 }
 
 void kaChildList::splitChunk(std::size_t at) {
-    addChunk(at + 1);
     kaChildChunk& left = *_chunks[at];
-    kaChildChunk& right = *_chunks[at + 1];
     const auto middle = left.entries.begin() + static_cast<std::ptrdiff_t>(left.entries.size() / 2);
-    right.entries.reserve(ChunkSize);
-    right.entries.assign(middle, left.entries.end());
+    auto second = std::make_unique<kaChildChunk>(*this);
+    second->entries.reserve(ChunkSize);
+    second->entries.assign(middle, left.entries.end());
+    kaChildChunk& right = *second;
+    addChunk(at + 1, std::move(second));
     left.entries.erase(middle, left.entries.end());
     for (const Entry& entry : right.entries) {
         entry.object->_home = &right;
@@ -193,7 +195,6 @@ void kaChildList::splitChunk(std::size_t at) {
     left.selectedCount -= right.selectedCount;
     left.extentValid = false;
     right.extentValid = false;
-    _firsts[at + 1] = right.entries.front().extent.begin;
 }
 
 void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
@@ -215,32 +216,46 @@ void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry) {
 }
 
 void kaChildList::appendEntry(const Entry& entry) {
+    const Entry* last = _chunks.empty() ? nullptr : &_chunks.back()->entries.back();
+    const bool early = last && entry.extent.begin < last->extent.begin;
     if (_chunks.empty() || _chunks.back()->entries.size() >= ChunkSize)
-        addChunk(_chunks.size());
-    kaChildChunk& chunk = *_chunks.back();
-    const Entry* last = before({_chunks.size(), 0});
-    if (last && _order == Order::Sorted && entry.extent.begin < last->extent.begin)
+        addFirst(_chunks.size(), entry);
+    else
+        _chunks.back()->entries.push_back(entry);
+    if (early && _order == Order::Sorted)
         _order = Order::Tail;
     if (_order == Order::Tail)
         ++_tail;
-    chunk.entries.push_back(entry);
-    if (chunk.entries.size() == 1)
-        _firsts.back() = entry.extent.begin;
+    kaChildChunk& chunk = *_chunks.back();
     entry.object->_home = &chunk;
     widen(chunk, entry);
 }
 
-/// Puts the entry behind every child that begins no later. The order must be sorted.
-void kaChildList::insertEntry(const Entry& entry) {
-    const auto next = std::upper_bound(_firsts.begin(), _firsts.end(), entry.extent.begin);
+void kaChildList::addFirst(std::size_t at, const Entry& entry) {
+    auto chunk = std::make_unique<kaChildChunk>(*this);
+    chunk->entries.push_back(entry);
+    addChunk(at, std::move(chunk));
+}
+
+/// Makes room for one more entry where `begin` belongs among the first `count` chunks, behind every child
+/// that begins no later. @return the chunk.
+std::size_t kaChildList::makeRoom(float begin, std::size_t count) {
+    const auto end = _firsts.begin() + static_cast<std::ptrdiff_t>(count);
+    const auto next = std::upper_bound(_firsts.begin(), end, begin);
     auto at = static_cast<std::size_t>(next - _firsts.begin());
     at -= at > 0 ? 1 : 0;
-    if (_chunks.empty())
-        addChunk(0);
     if (_chunks[at]->entries.size() >= ChunkSize) {
         splitChunk(at);
-        at += entry.extent.begin < _firsts[at + 1] ? 0 : 1;
+        at += begin < _firsts[at + 1] ? 0 : 1;
     }
+    std::vector<Entry>& entries = _chunks[at]->entries;
+    if (entries.size() == entries.capacity())
+        entries.reserve(std::min(ChunkSize, 2 * entries.size()));
+    return at;
+}
+
+/// Puts the entry into a chunk with room for it. Cannot fail.
+void kaChildList::insertEntry(std::size_t at, const Entry& entry) {
     kaChildChunk& chunk = *_chunks[at];
     const auto place =
         std::upper_bound(chunk.entries.begin(), chunk.entries.end(), entry.extent.begin,
@@ -331,27 +346,30 @@ void kaChildList::settle() {
     _tail = 0;
 }
 
-/// Takes the children that were appended out of order from the end and puts each where a stable sort leaves
-/// it.
+/// Takes the one child that was appended out of order from the end and puts it where a stable sort leaves it.
 void kaChildList::sortTail() {
-    std::vector<Entry> tail;
-    tail.reserve(_tail);
-    while (_tail > 0) {
-        kaChildChunk& chunk = *_chunks.back();
-        tail.push_back(chunk.entries.back());
-        chunk.entries.pop_back();
-        narrow(chunk, tail.back());
-        if (chunk.entries.empty()) {
-            _chunks.pop_back();
-            _firsts.pop_back();
-        }
-        --_tail;
+    if (_tail > 1) {
+        sortAll();
+        return;
     }
+    const Entry last = _chunks.back()->entries.back();
+    // A chunk that holds nothing but this child is none to search.
+    const std::size_t alone = _chunks.back()->entries.size() == 1 ? 1 : 0;
+    const std::size_t at = makeRoom(last.extent.begin, _chunks.size() - alone);
+    kaChildChunk& tail = *_chunks.back();
+    tail.entries.pop_back();
+    narrow(tail, last);
+    insertEntry(at, last);
+    if (tail.entries.empty()) {
+        _chunks.pop_back();
+        _firsts.pop_back();
+    }
+    _tail = 0;
     _order = Order::Sorted;
-    std::for_each(tail.rbegin(), tail.rend(), [this](const Entry& entry) { insertEntry(entry); });
     ++_revision;
 }
 
+/// The chunks keep their sizes; only what stands in them changes, once the new order is known.
 void kaChildList::sortAll() {
     std::vector<Entry> entries;
     entries.reserve(_size);
@@ -359,7 +377,20 @@ void kaChildList::sortAll() {
         entries.insert(entries.end(), chunk->entries.begin(), chunk->entries.end());
     std::stable_sort(entries.begin(), entries.end(),
                      [](const Entry& a, const Entry& b) { return a.extent.begin < b.extent.begin; });
-    rebuild(entries);
+    auto from = entries.begin();
+    for (const auto& chunk : _chunks) {
+        chunk->selectedCount = 0;
+        chunk->extentValid = false;
+        for (Entry& entry : chunk->entries) {
+            entry = *from++;
+            entry.object->_home = chunk.get();
+            chunk->selectedCount += entry.selected ? 1U : 0U;
+        }
+        _firsts[chunk->index] = chunk->entries.front().extent.begin;
+    }
+    _tail = 0;
+    _order = Order::Sorted;
+    ++_revision;
 }
 
 /// Where an id is unknown or a begin is no number the comparator is partial, and what comes out depends on
@@ -394,35 +425,32 @@ bool kaChildList::sortKnown() {
     return true;
 }
 
-void kaChildList::rebuild(const std::vector<Entry>& entries) {
-    _chunks.clear();
-    _firsts.clear();
-    _tail = 0;
-    _order = Order::Sorted;
-    _extent = kaExtent();
-    _extentValid = true;
-    for (const Entry& entry : entries)
-        appendEntry(entry);
-    ++_revision;
-}
-
 /// Back to the usual case if every id is registered, stands once and in no other list.
 bool kaChildList::tryMirror() {
     std::vector<kaUID> all = std::move(_ids);
     const std::size_t size = _size;
+    const auto giveUp = [&] {
+        release();
+        _ids = std::move(all);
+        _size = size;
+        _mirrored = false;
+    };
     release();
-    for (kaUID id : all) {
-        kaAnimationObject* object = resolve(id);
-        if (!adoptable(id, object)) {
-            release();
-            _ids = std::move(all);
-            _mirrored = false;
-            break;
+    try {
+        for (kaUID id : all) {
+            kaAnimationObject* object = resolve(id);
+            if (!adoptable(id, object)) {
+                giveUp();
+                return false;
+            }
+            appendEntry(entryOf(*object));
         }
-        appendEntry(entryOf(*object));
+    } catch (...) {
+        giveUp();
+        throw;
     }
     _size = size;
-    return _mirrored;
+    return true;
 }
 
 // Extent.

@@ -149,9 +149,11 @@ class kaChildList {
     Entry entryOf(kaAnimationObject& child) const;
 
     void appendEntry(const Entry& entry);
-    void insertEntry(const Entry& entry);
+    void addFirst(std::size_t at, const Entry& entry);
+    std::size_t makeRoom(float begin, std::size_t count);
+    void insertEntry(std::size_t at, const Entry& entry);
     void eraseEntry(kaChildChunk& chunk, std::size_t index);
-    void addChunk(std::size_t at);
+    void addChunk(std::size_t at, std::unique_ptr<kaChildChunk> chunk);
     void splitChunk(std::size_t at);
     void renumber(std::size_t from);
     void widen(kaChildChunk& chunk, const Entry& entry);
@@ -163,7 +165,6 @@ class kaChildList {
     void sortAll();
     void sortLiterally();
     bool sortKnown();
-    void rebuild(const std::vector<Entry>& entries);
     bool tryMirror();
     void becomeLiteral();
     void sizeChanged(std::size_t size);

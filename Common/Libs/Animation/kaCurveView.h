@@ -20,6 +20,9 @@ class kaCurveView {
     /// Packs the curve's keys unless that has been done since their last change.
     void refresh(const kaAnimationCurve2D& curve, const kaChildList* keys);
 
+    /// Whether there are keys at two frames or more: without, no sample writes a value.
+    bool hasSpan() const { return _keys.size() > 1; }
+
     /// `kaAnimationController::computeCurveValue` for the packed keys.
     /// Cost: a look at the segment sampled last, else one at the cell of the frame and the keys in it.
     bool sample(float frame, float& value);

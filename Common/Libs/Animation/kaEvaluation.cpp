@@ -173,8 +173,9 @@ void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame
 }
 
 void kaEvaluation::Scratch::sample(kaAnimationCurve2D* curve, float frame) {
+    kaCurveView& view = curve->view();
     float value = 0.0F;
-    if (!curve->view().sample(frame, value))
+    if (!view.hasSpan() || !view.sample(frame, value))
         return;
     kaAnimationField* field = curve->resolvedField();
     if (!field)
