@@ -6,6 +6,7 @@
 #include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaChildList.h"
+#include "kaDescent.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -156,10 +157,13 @@ void kaAnimationObject::setMinimum(float minimum) {
     noteChange();
 }
 
+/// Curves that a host has made name each other are switched once on the way down.
 void kaAnimationObject::setActive(bool active) {
-    for (const std::set<kaUID>* ids : {&getCurveIDs(), &getSequenceIDs()}) {
-        const std::vector<kaUID> snapshot(ids->begin(), ids->end());
-        for (kaUID id : snapshot) {
+    static kaDescent::Path path;
+    if (const kaDescent descent{path, *this}) {
+        std::vector<kaUID> below(getCurveIDs().begin(), getCurveIDs().end());
+        below.insert(below.end(), getSequenceIDs().begin(), getSequenceIDs().end());
+        for (kaUID id : below) {
             kaAnimationObject* object = find(id);
             if (object && object != this)
                 object->setActive(active);
