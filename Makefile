@@ -24,12 +24,12 @@ demo: build-release ## import a real motion, play it and draw it into out/
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release test-sanitize programme ## build and run all tests, optimised and under the sanitizers, then fuzz
+test: test-release ## build everything and run all tests
 
 # Seconds for each fuzzer; two run at a time.
 FUZZ_SECONDS ?= 60
 .PHONY: programme torture
-programme: build-sanitize
+programme: test-sanitize ## all tests under the sanitizers, then fuzzers, locales and bad disks
 	scripts/programme.sh build/sanitize $(FUZZ_SECONDS)
 
 # Minutes for each fuzzer; two run at a time.

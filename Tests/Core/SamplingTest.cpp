@@ -217,7 +217,9 @@ TEST_F(Sampling, SeesKeysComeAndGo) {
 
 TEST_F(Sampling, SeesKeysThatAreOutOfOrder) {
     kaAnimationCurve2D* curve = makeCurve(Keys{stepKey(0, 1), stepKey(10, 2), stepKey(20, 3)});
-    curve->findPoint(0.0F)->setPosition(15, 7);
+    kaControlPoint2D* moved = curve->findPoint(0.0F);
+    for (kaControlPoint2D* part : {moved, moved->getInTangent(), moved->getOutTangent()})
+        part->setPosition(15, 7);
     expectValue(curve, 12, 2);
     expectValue(curve, 17, 7);
     expectValue(curve, 5, 7); // before the first key, now at 10, the second's value

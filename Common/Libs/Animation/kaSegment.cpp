@@ -1,7 +1,5 @@
 #include "kaSegment.h"
 
-#include "kaCubeRoot.h"
-
 #include <cmath>
 #include <initializer_list>
 
@@ -31,6 +29,10 @@ bool inUnit(double t) {
 /// The plain power, undefined (NaN) below 0.
 double plainCubeRoot(double x) {
     return std::pow(x, 1.0 / 3.0);
+}
+
+double signedCubeRoot(double x) {
+    return x < 0.0 ? -plainCubeRoot(-x) : plainCubeRoot(x);
 }
 
 } // namespace
@@ -118,7 +120,7 @@ bool kaSegment::cubicParameter(double s, double& t) const {
     if (!(discriminant >= DiscriminantTolerance))
         return false; // a handle that is not a number
     const double w = std::sqrt(discriminant);
-    t = kaCubeRoot(-half + w) + kaCubeRoot(-half - w) - _shift;
+    t = signedCubeRoot(-half + w) + signedCubeRoot(-half - w) - _shift;
     return true;
 }
 
