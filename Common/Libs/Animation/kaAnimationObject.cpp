@@ -288,6 +288,10 @@ std::vector<kaAnimationObject*> kaAnimationObject::getObjects() const {
     return objects;
 }
 
+bool kaAnimationObject::hasChild(kaUID id) const {
+    return _ownChild ? id == _id : _group && _group->children.contains(id);
+}
+
 std::pair<std::size_t, bool> kaAnimationObject::findObject(kaUID id) const {
     if (_ownChild)
         return id == _id ? std::make_pair(std::size_t{0}, true) : std::make_pair(std::size_t{1}, false);

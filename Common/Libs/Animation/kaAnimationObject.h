@@ -133,6 +133,9 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Position of the first registered child whose begin equals `begin` exactly, and whether there is one.
     std::pair<std::size_t, bool> findObject(float begin) const;
 
+    /// Whether `id` is a child entry. Cost: constant while the entries are distinct registered objects.
+    bool hasChild(kaUID id) const;
+
     /// Whether a begins before b; false when the registry does not know one of them or the begins are equal.
     static bool compareObjectsByBegin(kaUID a, kaUID b);
 

@@ -1,0 +1,236 @@
+#include "kaAnimationManager.h"
+#include "kaAnimationUtils.h"
+#include "kaAnimationXmlNumber.h"
+#include "kaAnimationXmlOutput.h"
+#include "kaAnimationXmlReader.h"
+#include "kaAnimationXmlRecord.h"
+#include "kaAnimationXmlWriter.h"
+#include "kaFile.h"
+#include "kaXmlPreflight.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <cstdio>
+#include <new>
+#include <optional>
+
+namespace {
+
+constexpr unsigned long long DefaultMaximumFileSize = 1ULL << 30;
+
+unsigned long long maximumFileSize = DefaultMaximumFileSize;
+
+QString askWithDialog(QWidget* parent, const QString& title, const QString& filter, bool saving) {
+    return saving ? QFileDialog::getSaveFileName(parent, title, QString(), filter)
+                  : QFileDialog::getOpenFileName(parent, title, QString(), filter);
+}
+
+kaAnimationManager::AskFileName askFileName = askWithDialog;
+
+void announceSaving() {
+    std::printf("creating animation xml...\n");
+}
+
+/// Writes the whole registry as Latin-1 text, piece by piece.
+void writeDocument(const kaAnimationManager& manager, kaAnimationXmlTextOutput::Sink sink) {
+    kaAnimationXmlTextOutput output(std::move(sink));
+    output.documentType("ORVA");
+    kaAnimationXmlWriter(manager, output).pool();
+}
+
+/// The element that one of the writer's operations describes.
+template <class Describe, class Object>
+QDomElement domElement(const kaAnimationManager& manager, QDomDocument& document, Describe describe,
+                       const Object* object) {
+    kaAnimationXmlDomOutput output(document);
+    kaAnimationXmlWriter writer(manager, output);
+    (writer.*describe)(object);
+    return output.element();
+}
+
+/// What one of the reader's operations makes of the element: null for a null element.
+template <class Result>
+Result* readElement(kaAnimationManager& manager, const QDomElement& element,
+                    Result* (kaAnimationXmlReader::*read)(const kaAnimationXmlElement&)) {
+    Result* result = nullptr;
+    if (element.isNull())
+        return result;
+    kaAnimationXmlRecord record;
+    record.append(element);
+    record.forEach([&](const kaAnimationXmlElement& recorded) {
+        result = (kaAnimationXmlReader(manager).*read)(recorded);
+    });
+    return result;
+}
+
+/// Counts elements over both passes and tells the host how far loading has come. The host may do anything
+/// meanwhile.
+class Progress {
+  public:
+    Progress(kaAnimationManager& manager, unsigned int total) : _manager(manager), _total(total) {}
+
+    void step() {
+        ++_count;
+        const float percent = static_cast<float>(_count) / (static_cast<float>(_total) / 100.0F);
+        _manager.setFileIOProgress(static_cast<unsigned int>(kaAnimationUtils::floatToInt(percent)));
+    }
+
+  private:
+    kaAnimationManager& _manager;
+    unsigned int _total;
+    unsigned int _count = 0;
+};
+
+/// Number of steps that loading the document takes, 0 when it does not say.
+unsigned int announceLoading(const std::string& objects) {
+    if (objects.empty())
+        return 0;
+    std::printf("loading animation elements: %s\n", objects.c_str());
+    return 2U * kaAnimationXmlNumber::parse(objects, 0U);
+}
+
+/// Everything is made before anything is connected, so that references may name what comes later.
+void makeObjects(kaAnimationManager& manager, const kaAnimationXmlRecord& record) {
+    Progress progress(manager, announceLoading(record.objects()));
+    kaAnimationXmlReader reader(manager);
+    record.forEach([&](const kaAnimationXmlElement& element) {
+        reader.create(element);
+        progress.step();
+    });
+    record.forEach([&](const kaAnimationXmlElement& element) {
+        reader.connect(element);
+        progress.step();
+    });
+    manager.completeAnimationFieldNodes();
+}
+
+} // namespace
+
+// Saving.
+
+QString kaAnimationManager::createAnimationXML() {
+    announceSaving();
+    QString text;
+    try {
+        writeDocument(*this, [&text](std::string_view piece) {
+            text += QLatin1String(piece.data(), static_cast<int>(piece.size()));
+        });
+    } catch (const std::bad_alloc&) {
+        return QString();
+    }
+    return text;
+}
+
+bool kaAnimationManager::saveAnimations(const char* path) {
+    announceSaving();
+    QFile file(QString::fromLatin1(path));
+    if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
+        return false;
+    writeDocument(*this, [&file](std::string_view piece) {
+        file.write(piece.data(), static_cast<qint64>(piece.size()));
+    });
+    file.close();
+    return true;
+}
+
+bool kaAnimationManager::saveAnimations(QWidget* parent) {
+    QString name = askFileName(parent, tr("Save Animations"), "*.xml", true);
+    if (name.isEmpty())
+        return false;
+    if (!name.endsWith(".xml"))
+        name += ".xml";
+    const QByteArray path = name.toUtf8();
+    return kaFile::checkWrite(path.toStdString(), true, false) && saveAnimations(path.constData());
+}
+
+QDomElement kaAnimationManager::createFieldDomElement(QDomDocument& document, kaAnimationField* field) {
+    return domElement(*this, document, &kaAnimationXmlWriter::field, field);
+}
+
+QDomElement kaAnimationManager::createPointDomElement(QDomDocument& document, kaControlPoint2D* point) {
+    return domElement(*this, document, &kaAnimationXmlWriter::point, point);
+}
+
+QDomElement kaAnimationManager::createCurveDomElement(QDomDocument& document, kaAnimationCurve2D* curve) {
+    return domElement(*this, document, &kaAnimationXmlWriter::curve, curve);
+}
+
+QDomElement kaAnimationManager::createBlockDomElement(QDomDocument& document, kaAnimationUnit* unit) {
+    return domElement(*this, document, &kaAnimationXmlWriter::block, unit);
+}
+
+QDomElement kaAnimationManager::createTrackDomElement(QDomDocument& document, kaAnimationStreak* streak) {
+    return domElement(*this, document, &kaAnimationXmlWriter::track, streak);
+}
+
+QDomElement kaAnimationManager::createClipDomElement(QDomDocument& document, kaAnimationStrip* strip) {
+    return domElement(*this, document, &kaAnimationXmlWriter::clip, strip);
+}
+
+QDomElement kaAnimationManager::createSequenceDomElement(QDomDocument& document,
+                                                         kaAnimationSequence* sequence) {
+    return domElement(*this, document, &kaAnimationXmlWriter::sequence, sequence);
+}
+
+// Loading.
+
+void kaAnimationManager::setMaximumFileSize(unsigned long long bytes) {
+    maximumFileSize = bytes;
+}
+
+unsigned long long kaAnimationManager::getMaximumFileSize() {
+    return maximumFileSize;
+}
+
+void kaAnimationManager::setAskFileNameCB(AskFileName callback) {
+    askFileName = callback ? callback : askWithDialog;
+}
+
+bool kaAnimationManager::loadAnimations(const QString& source, bool isFile) {
+    if (source.isEmpty())
+        return false;
+    const std::optional<kaAnimationXmlRecord> record =
+        isFile ? kaXmlPreflight::readFile(source, maximumFileSize) : kaXmlPreflight::readText(source);
+    if (record)
+        makeObjects(*this, *record);
+    return record.has_value();
+}
+
+bool kaAnimationManager::loadAnimations(QWidget* parent) {
+    return loadAnimations(askFileName(parent, tr("Load Animations"), "*.xml", false), true);
+}
+
+kaAnimationField* kaAnimationManager::readFieldDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::field);
+}
+
+kaControlPoint2D* kaAnimationManager::readPointDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::point);
+}
+
+kaAnimationCurve2D* kaAnimationManager::readCurveDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::curve);
+}
+
+kaAnimationUnit* kaAnimationManager::readBlockDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::block);
+}
+
+kaAnimationStreak* kaAnimationManager::readTrackDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::track);
+}
+
+kaAnimationStrip* kaAnimationManager::readClipDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::clip);
+}
+
+kaAnimationSequence* kaAnimationManager::readSequenceDomElement(const QDomElement& element) {
+    return readElement(*this, element, &kaAnimationXmlReader::sequence);
+}
+
+void kaAnimationManager::readChildren(const QDomElement& element) {
+    kaAnimationXmlRecord record;
+    record.append(element);
+    record.forEach(
+        [this](const kaAnimationXmlElement& recorded) { kaAnimationXmlReader(*this).connect(recorded); });
+}

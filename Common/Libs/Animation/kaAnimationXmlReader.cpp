@@ -1,0 +1,255 @@
+#include "kaAnimationXmlReader.h"
+
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationSequence.h"
+#include "kaAnimationStreak.h"
+#include "kaAnimationStrip.h"
+#include "kaAnimationUnit.h"
+#include "kaAnimationUtils.h"
+#include "kaAnimationXmlNumber.h"
+#include "kaAnimationXmlRecord.h"
+#include "kaControlPoint2D.h"
+
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace {
+
+using kaAnimationXmlNumber::parse;
+using kaAnimationXmlNumber::take;
+using Key = kaXmlAttribute;
+
+constexpr int FieldTypeID = -1;
+constexpr unsigned int DefaultTangentType = kaControlPoint2D::TANGENT_FLAT;
+constexpr unsigned int DefaultTangentLengthMode = kaControlPoint2D::LENGTH_HALF;
+
+int typeOf(const kaAnimationXmlElement& element) {
+    return parse(element[Key::TypeID], FieldTypeID);
+}
+
+bool isOfType(const kaAnimationXmlElement& element, unsigned int type) {
+    return typeOf(element) == static_cast<int>(type);
+}
+
+kaUID idOf(const kaAnimationXmlElement& element) {
+    return parse(element[Key::Id], kaUID{0});
+}
+
+bool flag(std::string_view text, bool otherwise) {
+    return parse(text, otherwise ? 1U : 0U) != 0;
+}
+
+std::string text(std::string_view text, const char* otherwise = "") {
+    return text.empty() ? otherwise : std::string(text);
+}
+
+/// Two coordinates; 0 for the second when it does not parse, for both when the first does not.
+osg::Pnt2f place(const kaAnimationXmlElement& element, kaXmlTag tag) {
+    osg::Pnt2f place(0.0F, 0.0F);
+    for (const kaAnimationXmlElement::Child& child : element.children) {
+        if (child.tag != tag)
+            continue;
+        std::string_view text = child.text;
+        float x = 0.0F;
+        float y = 0.0F;
+        if (take(text, x))
+            take(text, y);
+        place = osg::Pnt2f(x, y);
+    }
+    return place;
+}
+
+/// Whether `container.addObject` takes this child, so that one that is refused stays where it is.
+bool takes(const kaAnimationObject& container, const kaAnimationObject& child) {
+    const unsigned int type = child.getTypeID();
+    switch (container.getTypeID()) {
+    case KA_TYPE_CURVE:
+        return type == KA_TYPE_POINT;
+    case KA_TYPE_UNIT:
+        return type == KA_TYPE_CURVE;
+    case KA_TYPE_STREAK:
+        return container.mayAdopt(child);
+    case KA_TYPE_STRIP:
+        // Anything but a track gets a track of its own, one level more.
+        return type != KA_TYPE_POINT && type != KA_TYPE_CURVE &&
+               container.mayAdopt(child, type == KA_TYPE_STREAK ? 0 : 1);
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
+    if (element[Key::TypeID].empty())
+        return;
+    switch (typeOf(element)) {
+    case FieldTypeID:
+        field(element);
+        break;
+    case KA_TYPE_POINT:
+        point(element);
+        break;
+    case KA_TYPE_CURVE:
+        curve(element);
+        break;
+    case KA_TYPE_UNIT:
+        block(element);
+        break;
+    case KA_TYPE_STREAK:
+        track(element);
+        break;
+    case KA_TYPE_STRIP:
+        clip(element);
+        break;
+    case KA_TYPE_SEQUENCE:
+        sequence(element);
+        break;
+    default:
+        break;
+    }
+}
+
+/// The id wanted where it is free, else a fresh one.
+kaUID kaAnimationXmlReader::freeID(kaUID wanted, bool isField) {
+    if (_manager.isIDUnique(wanted))
+        return wanted;
+    const kaUID fresh = _manager.createUID();
+    if (isField)
+        _manager.changeAnimAttachmentFieldIDs(wanted, fresh);
+    else
+        _manager.changeAnimAttachmentIDs(wanted, fresh);
+    return fresh;
+}
+
+kaAnimationField* kaAnimationXmlReader::field(const kaAnimationXmlElement& element) {
+    if (typeOf(element) != FieldTypeID)
+        return nullptr;
+    kaAnimationField* field = _manager.createField(freeID(idOf(element), true));
+    field->fcID = parse(element[Key::FcID], 0U);
+    field->name = text(element[Key::Name], "unnamed");
+    field->attribute = text(element[Key::Attribute], "undefined");
+    field->value = parse(element[Key::Value], 0.0F);
+    field->valuePos = parse(element[Key::ValuePos], 0U);
+    field->dirty = flag(element[Key::Dirty], false);
+    return field;
+}
+
+kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_POINT))
+        return nullptr;
+    const osg::Pnt2f position = place(element, kaXmlTag::Position);
+    kaControlPoint2D* point = _manager.createPoint2D(position[0], position[1], freeID(idOf(element), false));
+    if (kaControlPoint2D* handle = point->getInTangent())
+        handle->setPosition(place(element, kaXmlTag::InTangent));
+    if (kaControlPoint2D* handle = point->getOutTangent())
+        handle->setPosition(place(element, kaXmlTag::OutTangent));
+    point->setTangentType(parse(element[Key::TangentType], DefaultTangentType));
+    point->setTangentLengthMode(parse(element[Key::TangentLengthMode], DefaultTangentLengthMode));
+    return point;
+}
+
+/// The flags that curves, blocks, tracks and clips share.
+template <class Container>
+Container* kaAnimationXmlReader::withFlags(Container* container, const kaAnimationXmlElement& element) {
+    container->setActive(flag(element[Key::Active], true));
+    container->setRepeating(flag(element[Key::Repeating], true));
+    container->setFlipped(flag(element[Key::Flipped], true));
+    container->setMotionBlur(flag(element[Key::MotionBlur], true));
+    return container;
+}
+
+kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_CURVE))
+        return nullptr;
+    const kaUID id = freeID(idOf(element), false);
+    const std::string name = text(element[Key::Name]);
+    kaAnimationField* field = _manager.getField(parse(element[Key::Field], kaUID{0}));
+    kaAnimationCurve2D* curve =
+        field ? _manager.createCurve2D(field, name, id, false) : _manager.createCurve2D(id);
+    if (!field)
+        curve->setName(name);
+    return withFlags(curve, element);
+}
+
+kaAnimationUnit* kaAnimationXmlReader::block(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_UNIT))
+        return nullptr;
+    const kaUID id = freeID(idOf(element), false);
+    return withFlags(_manager.createUnit(text(element[Key::Name]), id), element);
+}
+
+kaAnimationStreak* kaAnimationXmlReader::track(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_STREAK))
+        return nullptr;
+    const kaUID id = freeID(idOf(element), false);
+    return withFlags(_manager.createStreak(text(element[Key::Name]), id), element);
+}
+
+kaAnimationStrip* kaAnimationXmlReader::clip(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_STRIP))
+        return nullptr;
+    const kaUID id = freeID(idOf(element), false);
+    return withFlags(_manager.createStrip(text(element[Key::Name]), id), element);
+}
+
+kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement& element) {
+    if (!isOfType(element, KA_TYPE_SEQUENCE))
+        return nullptr;
+    const kaUID id = freeID(idOf(element), false);
+    kaAnimationSequence* sequence = _manager.createSequence(text(element[Key::Name]), id);
+    sequence->setActive(flag(element[Key::Active], true));
+    sequence->setBegin(parse(element[Key::Begin], 0.0F));
+    sequence->setEnd(parse(element[Key::End], 0.0F));
+    return sequence;
+}
+
+// Connecting.
+
+void kaAnimationXmlReader::connect(const kaAnimationXmlElement& element) {
+    kaAnimationObject* object = _manager.getObject(idOf(element));
+    if (!object || element[Key::TypeID].empty())
+        return;
+    if (isOfType(element, KA_TYPE_CURVE)) {
+        if (kaAnimationCurve2D* curve = _manager.getCurve2D(object->getId()))
+            connectCurve(*curve, element);
+        return;
+    }
+    for (const kaAnimationXmlElement::Child& reference : element.children) {
+        if (reference.id.empty())
+            continue;
+        kaAnimationObject* child = _manager.getObject(parse(reference.id, kaUID{0}));
+        if (child)
+            adopt(*object, *child);
+    }
+}
+
+void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnimationXmlElement& element) {
+    if (kaAnimationField* field = _manager.getField(parse(element[Key::Field], kaUID{0})))
+        curve.setAnimationField(field);
+    std::vector<kaControlPoint2D*> points;
+    std::unordered_set<kaUID> taken;
+    for (const kaAnimationXmlElement::Child& reference : element.children) {
+        kaControlPoint2D* point = _manager.getPoint2D(parse(reference.id, kaUID{0}));
+        if (!point || !taken.insert(point->getId()).second)
+            continue;
+        kaAnimationObject* holder = point->getParentObject();
+        if (holder && holder->getTypeID() != KA_TYPE_CURVE)
+            holder->subObject(point, false);
+        points.push_back(point);
+    }
+    curve.setPoints(points);
+}
+
+/// The former container is left before the new one is joined: where both have an ancestor in common it loses
+/// the ids below the child and then gets them back.
+void kaAnimationXmlReader::adopt(kaAnimationObject& container, kaAnimationObject& child) {
+    if (!takes(container, child) || container.hasChild(child.getId()))
+        return;
+    if (kaAnimationObject* former = child.getParentObject())
+        former->subObject(&child, false);
+    container.addObject(&child);
+}
