@@ -13,7 +13,7 @@ osg::Action::ResultE kaAnimationManager::collectActualObjectsAndFields(const osg
 }
 
 void kaAnimationManager::updateActualSceneObjectsAndFields() {
-    _sceneSync->mark(_sceneRoot);
+    _sceneSync->mark(getSceneRootNode());
 }
 
 void kaAnimationManager::destroyUnreferencedObjectsAndFields() {

@@ -6,8 +6,11 @@
 #include <iterator>
 
 void kaCopyBuffer::append(kaAnimationObject& object) {
-    if (_places.emplace(&object, _objects.size()).second)
-        _objects.push_back(&object);
+    if (_places.contains(&object))
+        return;
+    _objects.push_back(nullptr); // an empty place does no harm should the next line fail
+    _places.emplace(&object, _objects.size() - 1);
+    _objects.back() = &object;
 }
 
 std::vector<kaAnimationObject*> kaCopyBuffer::objects() const {

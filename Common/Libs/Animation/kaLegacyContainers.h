@@ -1,12 +1,13 @@
 #pragma once
 
+#include "kaSceneAccess.h"
+
 #include <OpenSG/OSGAnimationAttachment.h>
 #include <OpenSG/OSGAnimationBlock.h>
 #include <OpenSG/OSGAnimationClip.h>
 #include <OpenSG/OSGAnimationControlPoint.h>
 #include <OpenSG/OSGAnimationCurve.h>
 #include <OpenSG/OSGAnimationTrack.h>
-#include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGVector.h>
 #include <cstddef>
@@ -101,5 +102,5 @@ const std::string& kaNameOf(const Ptr& container) {
 /// The container of that id if it is of the handle's type, else null.
 template <class Ptr>
 Ptr kaFindContainer(osg::UInt32 id) {
-    return Ptr::dcast(osg::FieldContainerFactory::the()->getContainer(id));
+    return Ptr::dcast(kaSceneAccess::findContainer(id));
 }

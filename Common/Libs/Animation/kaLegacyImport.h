@@ -28,7 +28,7 @@ class kaLegacyImport {
   public:
     /// List entries that repeated containers may add to a scene, `NameBytesPerEntry` of a name counting as
     /// one: far more than any real scene shares.
-    static constexpr std::size_t MaximumRepeats = 1000000;
+    static constexpr std::size_t MaximumRepeats = 100000;
     static constexpr std::size_t NameBytesPerEntry = 64;
 
     kaAnimationStrip* importClip(const osg::AnimationClipPtr& clip, kaAnimationStreak* parent);

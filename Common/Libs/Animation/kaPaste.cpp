@@ -3,25 +3,21 @@
 #include "kaAnimationManager.h"
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
+#include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
 
-#include <OpenSG/OSGFieldContainerFactory.h>
-#include <OpenSG/OSGNodeCore.h>
 #include <algorithm>
 
-namespace {
+using kaSceneAccess::coreOf;
 
-osg::NodeCorePtr coreOf(const osg::NodePtr& node) {
-    return node == osg::NullFC ? osg::NodeCorePtr() : node->getCore();
-}
+namespace {
 
 /// Whether the curve's field addresses a container of the core's type group, or a node.
 bool canDrive(const kaAnimationCurve2D& curve, osg::UInt16 coreGroup) {
     const kaAnimationField* field = kaAnimationManager::the()->getField(curve.getField());
     if (!field)
         return false;
-    const auto containerID = static_cast<osg::UInt32>(field->fcID);
-    const osg::FieldContainerPtr container = osg::FieldContainerFactory::the()->getContainer(containerID);
+    const osg::FieldContainerPtr container = kaSceneAccess::findContainer(field->fcID);
     if (container == osg::NullFC)
         return false;
     const osg::UInt16 group = container->getType().getGroupId();

@@ -2,21 +2,16 @@
 
 #include "kaAnimationManager.h"
 #include "kaAnimationObject.h"
-#include "kaAnimationUtils.h"
 #include "kaObjectRegistry.h"
+#include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
 
-#include <OpenSG/OSGAnimAttachment.h>
 #include <boost/unordered/unordered_flat_set.hpp>
 
 namespace {
 
 kaAnimationManager& manager() {
     return *kaAnimationManager::the();
-}
-
-osg::AnimAttachmentPtr attachmentOf(const osg::NodePtr& node) {
-    return osg::AnimAttachmentPtr::dcast(kaAnimationUtils::getAnimationAttachment(node));
 }
 
 void insertAll(std::set<kaUID>& ids, const osg::MFUInt64& listed) {
@@ -59,7 +54,7 @@ void kaSceneSync::mark(const osg::NodePtr& root) {
 }
 
 void kaSceneSync::collect(const osg::NodePtr& node) {
-    const osg::AnimAttachmentPtr attachment = attachmentOf(node);
+    const osg::AnimAttachmentPtr attachment = kaSceneAccess::attachmentOf(node);
     if (attachment == osg::NullFC)
         return;
     insertAll(_objects, attachment->getObjectIDs());
@@ -97,7 +92,7 @@ void kaSceneSync::destroyNodeObjects(const osg::NodePtr& node, bool recursive) {
     while (!pending.empty()) {
         const osg::UInt32 id = pending.back();
         pending.pop_back();
-        const osg::AnimAttachmentPtr attachment = attachmentOf(kaSceneNodes::find(id));
+        const osg::AnimAttachmentPtr attachment = kaSceneAccess::attachmentOf(kaSceneNodes::find(id));
         if (attachment == osg::NullFC || !seen.insert(id).second)
             continue;
         const std::vector<kaUID> objectIDs = copied(attachment->getObjectIDs());

@@ -1,0 +1,195 @@
+#include "ImportFixture.h"
+
+namespace {
+
+using namespace ka_test;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// Older scenes that nobody made on purpose, or somebody did.
+class ImportHostile : public ImportFixture {
+  protected:
+    const kaImportReport& importWith(const osg::AnimationClipPtr& clip) {
+        ka_older::attachmentOf(scene.root())->addClip(clip);
+        return import();
+    }
+    const kaImportReport& import() {
+        manager().importORVAAnimations(scene.root(), node, 1);
+        return kaAnimationManager::getImportReport();
+    }
+    static std::size_t countOf(unsigned int type) { return all<kaAnimationObject>(type).size(); }
+
+    static std::size_t leftOutFor(const kaImportReport& report, kaImportReport::Reason reason) {
+        std::size_t count = 0;
+        for (const kaImportReport::LeftOut& entry : report.leftOut)
+            count += entry.reason == reason ? 1 : 0;
+        return count;
+    }
+    static bool isTopLevel(const kaAnimationObject& object) { return object.getParent() == 0; }
+};
+
+using Reason = kaImportReport::Reason;
+
+TEST_F(ImportHostile, AClipThatHoldsItselfIsImportedOnce) {
+    const osg::AnimationClipPtr clip = ka_older::makeClip("ring", {});
+    clip->getEntries().push_back(clip);
+    const kaImportReport& report = importWith(clip);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), 1U);
+    EXPECT_EQ(leftOutFor(report, Reason::Ring), 1U);
+}
+
+TEST_F(ImportHostile, ARingThroughClipsAndTracksIsImportedOnceAround) {
+    const osg::AnimationTrackPtr innerTrack = ka_older::makeTrack({});
+    const osg::AnimationClipPtr inner = ka_older::makeClip("inner", {innerTrack});
+    const osg::AnimationTrackPtr outerTrack = ka_older::makeTrack({});
+    const osg::AnimationClipPtr outer = ka_older::makeClip("outer", {outerTrack});
+    outerTrack->getEntries().push_back(inner);
+    innerTrack->getEntries().push_back(outer);
+    importWith(outer);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), 2U);
+    EXPECT_EQ(countOf(KA_TYPE_STREAK), 2U);
+    ASSERT_THAT(manager().getSceneStrips(), SizeIs(1));
+    EXPECT_EQ(manager().getSceneStrips().front()->getName(), "outer");
+}
+
+TEST_F(ImportHostile, AClipThatIsListedTwiceIsImportedTwice) {
+    const osg::AnimationClipPtr shared = ka_older::makeClip("shared", {});
+    const osg::AnimationClipPtr outer = ka_older::makeClip("outer", {});
+    outer->addEntry(shared);
+    outer->addEntry(shared);
+    const kaImportReport& report = importWith(outer);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), 3U);
+    EXPECT_EQ(report.leftOutCount, 0U);
+}
+
+/// Clips that each hold the next one twice double at every level.
+TEST_F(ImportHostile, RepeatsThatMultiplyWithoutEndAreCutOff) {
+    osg::AnimationClipPtr clip = ka_older::makeClip("innermost", {});
+    for (int level = 0; level < 100; ++level) {
+        const osg::AnimationClipPtr outer = ka_older::makeClip("level", {});
+        outer->addEntry(clip);
+        outer->addEntry(clip);
+        clip = outer;
+    }
+    const kaImportReport& report = importWith(clip);
+    EXPECT_GT(report.leftOutCount, 0U);
+    EXPECT_LT(manager().getObjects().size(), 3000000U);
+    ASSERT_THAT(manager().getSceneStrips(), SizeIs(1)) << "all that was made hangs together";
+}
+
+/// A short file: a block that lists one curve again and again, in a list that names the block again and
+/// again.
+TEST_F(ImportHostile, RepeatedCurvesOfRepeatedBlocksAreCutOff) {
+    constexpr int Times = 2000;
+    const osg::AnimationCurvePtr curve = turning(node);
+    const osg::AnimationBlockPtr block = ka_older::makeBlock("block", {});
+    const auto attachment = ka_older::attachmentOf(node);
+    for (int i = 0; i < Times; ++i) {
+        block->getCurves().push_back(curve);
+        attachment->getBlocks().push_back(block);
+    }
+    const kaImportReport& report = import();
+    EXPECT_GE(report.blocks, 2U);
+    EXPECT_LT(report.blocks, static_cast<std::size_t>(Times));
+    EXPECT_GT(report.leftOutCount, report.leftOut.size()) << "the list of what was left out is bounded";
+    EXPECT_THAT(report.leftOut, SizeIs(kaImportReport::MaximumListed));
+}
+
+TEST_F(ImportHostile, ClipsNestedBeyondAllMeasureAreImportedAsDeepAsObjectsMayBe) {
+    constexpr int Levels = 100000;
+    osg::AnimationClipPtr clip = ka_older::makeClip("0", {});
+    for (int level = 1; level < Levels; ++level) {
+        const osg::AnimationTrackPtr track = ka_older::makeTrack({});
+        track->addEntry(clip);
+        clip = ka_older::makeClip(std::to_string(level), {track});
+    }
+    const kaImportReport& report = importWith(clip);
+    EXPECT_EQ(leftOutFor(report, Reason::TooDeep), 1U);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), KA_MAX_DEPTH / 2);
+    EXPECT_EQ(countOf(KA_TYPE_STREAK), KA_MAX_DEPTH / 2);
+    ASSERT_THAT(manager().getSceneStrips(), SizeIs(1));
+    EXPECT_EQ(manager().getSceneStrips().front()->getName(), std::to_string(Levels - 1));
+    for (kaAnimationStreak* track : all<kaAnimationStreak>(KA_TYPE_STREAK))
+        EXPECT_FALSE(isTopLevel(*track));
+}
+
+/// Directly nested clips stand two levels apart: each gets a track of its own.
+TEST_F(ImportHostile, DirectlyNestedClipsCountTheTracksBetweenThem) {
+    constexpr unsigned int Levels = 1000;
+    osg::AnimationClipPtr clip = ka_older::makeClip("0", {});
+    for (unsigned int level = 1; level < Levels; ++level) {
+        const osg::AnimationClipPtr outer = ka_older::makeClip(std::to_string(level), {});
+        outer->addEntry(clip);
+        clip = outer;
+    }
+    importWith(clip);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), KA_MAX_DEPTH / 2);
+    EXPECT_EQ(countOf(KA_TYPE_STREAK), KA_MAX_DEPTH / 2 - 1);
+    ASSERT_THAT(manager().getSceneStrips(), SizeIs(1));
+}
+
+/// A block needs two levels below itself for its curves and their keys.
+TEST_F(ImportHostile, ABlockAtTheBottomIsImportedWholeOrNotAtAll) {
+    for (unsigned int above : {KA_MAX_DEPTH - 4, KA_MAX_DEPTH - 2}) {
+        osg::AnimationTrackPtr track = ka_older::makeTrack({ka_older::makeBlock("wave", {turning(node)})});
+        osg::AnimationClipPtr clip = ka_older::makeClip("clip", {track});
+        for (unsigned int level = 2; level < above; level += 2) {
+            track = ka_older::makeTrack({});
+            track->addEntry(clip);
+            clip = ka_older::makeClip("clip", {track});
+        }
+        emptyModule();
+        importWith(clip);
+        const bool fits = above + 3 <= KA_MAX_DEPTH;
+        EXPECT_EQ(countOf(KA_TYPE_UNIT), fits ? 1U : 0U) << above;
+        EXPECT_EQ(countOf(KA_TYPE_CURVE), fits ? 1U : 0U) << above;
+        EXPECT_EQ(countOf(KA_TYPE_POINT), fits ? 2U : 0U) << above;
+        EXPECT_EQ(countOf(KA_TYPE_STREAK), above / 2) << above;
+    }
+}
+
+TEST_F(ImportHostile, AParentAtTheBottomTakesNothingMore) {
+    kaAnimationObject* parent = manager().createStrip(0);
+    const kaUID top = parent->getId();
+    for (unsigned int level = 1; level < KA_MAX_DEPTH; ++level) {
+        kaAnimationObject* child = level % 2 == 1 ? static_cast<kaAnimationObject*>(manager().createStreak(0))
+                                                  : static_cast<kaAnimationObject*>(manager().createStrip(0));
+        ASSERT_NE(parent->addObject(child), nullptr);
+        parent = child;
+    }
+    auto* track = static_cast<kaAnimationStreak*>(parent);
+    const auto before = manager().getObjects().size();
+    EXPECT_EQ(manager().importClip(ka_older::makeClip("clip", {}), track), nullptr);
+    EXPECT_EQ(manager().importBlock(ka_older::makeBlock("wave", {}), track), nullptr);
+    EXPECT_EQ(manager().importSequence(ka_older::makeSequence("doors", 0.0F, 1.0F), track), nullptr);
+    EXPECT_EQ(manager().getObjects().size(), before);
+    manager().destroyObject(manager().getObject(top));
+}
+
+TEST_F(ImportHostile, KeysOfAnyNumberAreTaken) {
+    const float inf = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<ka_older::Key> keys{
+        {{nan, nan}}, {{-inf, inf}}, {{0.0F, 1.0F}}, {{inf, -inf}}, {{1e30F, 1e30F}}};
+    ka_older::attachmentOf(node)->addBlock(
+        ka_older::makeBlock("wild", {ka_older::makeCurve("rotateX", keys, node)}, node));
+    const kaImportReport& report = import();
+    EXPECT_EQ(report.curves, 1U);
+    EXPECT_EQ(report.keys, 5U);
+}
+
+TEST_F(ImportHostile, ASceneInARingIsVisitedOnce) {
+    const osg::NodePtr above = scene.addTransform("above");
+    const osg::NodePtr below = scene.addTransform("below", above);
+    for (const osg::NodePtr& animated : {above, below})
+        ka_older::attachmentOf(animated)->addBlock(
+            ka_older::makeBlock("wave", {turning(animated)}, animated));
+    auto* children = dynamic_cast<osg::MFNodePtr*>(below->getField("children"));
+    ASSERT_NE(children, nullptr);
+    children->push_back(above);
+    manager().importORVAAnimations(above, node, 2);
+    children->clear();
+    EXPECT_EQ(countOf(KA_TYPE_UNIT), 2U);
+}
+
+} // namespace
