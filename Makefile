@@ -92,4 +92,4 @@ build-%: setup
 	cmake --build --preset $*
 
 test-%: build-%
-	ctest --preset $* --no-tests=error -j $(JOBS)
+	ctest --preset $* --no-tests=error --timeout 600 -j $(JOBS)

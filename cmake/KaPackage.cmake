@@ -25,6 +25,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libboost1.81-dev, qtbase5-dev (>= 5.15)")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME ka-anim)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS "assimp-testmodels, fonts-dejavu-core")
 
 include(CPack)
 cpack_add_component(library DESCRIPTION "Keyframe animation for interactive 3D scenes: libraries")

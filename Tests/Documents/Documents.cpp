@@ -13,6 +13,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <locale>
 #include <regex>
 #include <sstream>
 #include <stdlib.h>
@@ -99,6 +100,7 @@ std::string documentOf(const std::string& elements) {
 
 std::string pointElement(const std::string& id, float x, float y) {
     std::ostringstream at;
+    at.imbue(std::locale::classic());
     at << x << ' ' << y;
     return " <point id=\"" + id + "\" typeID=\"1\" tangentType=\"16\" tangentLengthMode=\"64\"><position>" +
            at.str() + "</position><inTangent>" + at.str() + "</inTangent><outTangent>" + at.str() +

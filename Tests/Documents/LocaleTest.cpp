@@ -7,7 +7,8 @@
 #include <clocale>
 #include <cstdlib>
 #include <locale>
-#include <stdexcept>
+#include <memory>
+#include <optional>
 #include <string>
 
 using namespace ka_test;
@@ -26,26 +27,44 @@ class CommaPunctuation : public std::numpunct<char> {
 /// make one.
 class DecimalComma : public RegistryFixture {
   protected:
+    static void SetUpTestSuite() {
+        folder = std::make_unique<TemporaryFolder>();
+        const std::string make =
+            "localedef -i de_DE -f UTF-8 '" + folder->at("de_DE.UTF-8") + "' >/dev/null 2>&1";
+        canMakeLocale = std::system(make.c_str()) == 0;
+    }
+    static void TearDownTestSuite() { folder.reset(); }
+
     void SetUp() override {
         RegistryFixture::SetUp();
+        _beforeInC = std::setlocale(LC_ALL, nullptr);
         _before = std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation));
-        const std::string make =
-            "localedef -i de_DE -f UTF-8 '" + _folder.at("de_DE.UTF-8") + "' >/dev/null 2>&1";
-        _hasCommaInC = std::system(make.c_str()) == 0 &&
-                       ::setenv("LOCPATH", _folder.path().c_str(), 1) == 0 &&
+        if (const char* path = std::getenv("LOCPATH"))
+            _pathBefore = path;
+        _hasCommaInC = canMakeLocale && ::setenv("LOCPATH", folder->path().c_str(), 1) == 0 &&
                        std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
     }
     void TearDown() override {
-        ::unsetenv("LOCPATH");
-        std::setlocale(LC_ALL, "C");
         std::locale::global(_before);
+        if (_pathBefore)
+            ::setenv("LOCPATH", _pathBefore->c_str(), 1);
+        else
+            ::unsetenv("LOCPATH");
+        std::setlocale(LC_ALL, _beforeInC.c_str());
         RegistryFixture::TearDown();
     }
 
-    TemporaryFolder _folder;
+    static std::unique_ptr<TemporaryFolder> folder;
+    static bool canMakeLocale;
+
     std::locale _before;
+    std::string _beforeInC;
+    std::optional<std::string> _pathBefore;
     bool _hasCommaInC = false;
 };
+
+std::unique_ptr<TemporaryFolder> DecimalComma::folder;
+bool DecimalComma::canMakeLocale = false;
 
 } // namespace
 

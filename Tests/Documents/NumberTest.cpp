@@ -1,12 +1,12 @@
 #include "kaAnimationXmlNumber.h"
 
 #include <QString>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <iomanip>
 #include <limits>
+#include <locale>
 #include <random>
 #include <sstream>
 #include <string>
@@ -83,9 +83,10 @@ TEST(NumberText, CoordinatesAreWhatPrintfGivesInTheCLocale) {
         const float value = randomFloat(random);
         if (std::isnan(value))
             continue;
-        std::array<char, 64> printed{};
-        std::snprintf(printed.data(), printed.size(), "%f 0.000000", static_cast<double>(value));
-        ASSERT_EQ(textOf(Text(value, 0.0F)), printed.data());
+        std::ostringstream printed; // formats as printf does, in its own locale
+        printed.imbue(std::locale::classic());
+        printed << std::fixed << std::setprecision(6) << static_cast<double>(value) << " 0.000000";
+        ASSERT_EQ(textOf(Text(value, 0.0F)), printed.str());
     }
 }
 

@@ -27,7 +27,7 @@ void loadThroughDom(const std::string& latin1) {
     const QDomElement root = document.documentElement();
     for (QDomElement element = root.firstChildElement(); !element.isNull();
          element = element.nextSiblingElement()) {
-        manager().readFieldDomElement(element.hasAttribute("typeID") ? element : QDomElement());
+        manager().readFieldDomElement(element.attribute("typeID").isEmpty() ? QDomElement() : element);
         manager().readPointDomElement(element);
         manager().readCurveDomElement(element);
         manager().readBlockDomElement(element);

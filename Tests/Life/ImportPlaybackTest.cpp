@@ -3,11 +3,13 @@
 #include "kaAnimationController.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
-#include <cmath>
 
 namespace {
 
 using namespace ka_test;
+
+/// Values span 50 and are floats.
+constexpr float TOLERANCE = 1e-4F;
 
 /// An imported scene plays as its older containers say, worked out from them alone.
 class ImportPlayback : public ImportFixture {
@@ -25,8 +27,7 @@ class ImportPlayback : public ImportFixture {
 
     static void expectSceneShows(const ka_older::Values& expected, float frame) {
         for (const auto& [address, value] : expected) {
-            const auto tolerance = static_cast<float>(1e-4L * std::max(1.0L, std::fabs(value)));
-            ASSERT_NEAR(sceneValue(address), static_cast<float>(value), tolerance)
+            ASSERT_NEAR(sceneValue(address), static_cast<float>(value), TOLERANCE)
                 << address.second << " of node " << address.first << " at frame " << frame;
         }
     }

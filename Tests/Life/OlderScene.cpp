@@ -15,6 +15,11 @@ namespace {
 constexpr std::array<const char*, MaximumCurves> ATTRIBUTES{
     "rotateX", "rotateY", "rotateZ", "translateX", "translateY", "translateZ", "scaleX", "scaleY", "scaleZ"};
 
+/// Reach of handles set by hand, in frames. With keys on whole frames no two handles of a segment ever take
+/// up two thirds of it together: there the closed formula for the time loses its leading coefficient to
+/// rounding.
+constexpr float HAND = 1.75F;
+
 /// Puts scenes together; what is left to chance comes from one generator, so that a shape always gives one
 /// scene.
 class Maker {
@@ -49,16 +54,17 @@ class Maker {
         return ka_older::makeBlock(name, curves, node);
     }
 
-    /// Keys 4 to 12 whole frames apart, of every tangent type. Handles set by hand lie half way to the
-    /// neighbour.
+    /// Keys 4 to 12 whole frames apart, of every tangent type. Collapsed keys keep to curves of their own:
+    /// next to another type they make a double root of time on the key, where there is no sample.
     std::vector<Key> makeKeys(float begin) {
         std::vector<Key> keys;
+        const bool steps = upTo(5) == 0;
         float x = begin;
         for (unsigned int i = 0; i < _shape.keysPerCurve; ++i) {
             const float y = static_cast<float>(upTo(200)) * 0.25F - 25.0F;
-            const unsigned int code = Collapsed + upTo(User - Collapsed);
+            const unsigned int code = steps ? Collapsed : Broken + upTo(User - Broken);
             const float slope = static_cast<float>(upTo(8)) - 4.0F;
-            keys.push_back({{x, y}, code, {x - 2.0F, y - slope}, {x + 2.0F, y + slope}});
+            keys.push_back({{x, y}, code, {x - HAND, y - slope}, {x + HAND, y + slope}});
             x += 4.0F + static_cast<float>(upTo(8));
         }
         return keys;

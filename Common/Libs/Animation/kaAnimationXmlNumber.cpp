@@ -1,5 +1,6 @@
 #include "kaAnimationXmlNumber.h"
 
+#include <QByteArray>
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -83,12 +84,9 @@ Text::Text(unsigned long long value) {
 }
 
 Text::Text(float value) {
-    const double wide =
-        std::isnan(value) ? std::fabs(static_cast<double>(value)) : static_cast<double>(value);
-    const double number = wide == 0.0 ? 0.0 : wide;
-    const auto result =
-        std::to_chars(_text.data(), _text.data() + _text.size(), number, std::chars_format::general, 6);
-    _size = static_cast<std::size_t>(result.ptr - _text.data());
+    const QByteArray text = QByteArray::number(static_cast<double>(value), 'g', 6);
+    _size = static_cast<std::size_t>(text.size());
+    std::copy(text.begin(), text.end(), _text.begin());
 }
 
 Text::Text(float x, float y) {

@@ -17,7 +17,8 @@ QT_WARNING_DISABLE_DEPRECATED
 
 namespace {
 
-/// Characters handed to the parser at a time.
+/// Characters handed to the parser at a time, up to the root element and below it.
+constexpr int PrologChunk = 1 << 10;
 constexpr int ChunkSize = 1 << 16;
 
 /// Bytes read at most from what has no size of its own.
@@ -31,7 +32,7 @@ constexpr int MaximumBrackets = 4096;
 /// content models use: they nest without any notice to a handler.
 class Source : public QXmlInputSource {
   public:
-    using NextChunk = std::function<QString()>;
+    using NextChunk = std::function<QString(int size)>;
 
     /// Decodes the device's bytes as a DOM would.
     explicit Source(QIODevice& device) : QXmlInputSource(&device) {}
@@ -42,7 +43,7 @@ class Source : public QXmlInputSource {
 
     void fetchData() override {
         if (_next)
-            setData(_next());
+            setData(_next(_inProlog ? PrologChunk : ChunkSize));
         else
             QXmlInputSource::fetchData();
         if (!_inProlog)
@@ -185,10 +186,10 @@ class Decoder {
     Decoder(QIODevice& device, const char* encoding)
         : _device(device), _decoder(QTextCodec::codecForName(encoding)->makeDecoder()) {}
 
-    QString next() {
+    QString next(int size) {
         QString text;
         while (text.isEmpty() && !_device.atEnd())
-            text = _decoder->toUnicode(_device.read(ChunkSize));
+            text = _decoder->toUnicode(_device.read(size));
         return text;
     }
     bool failed() const { return _decoder->hasFailure(); }
@@ -209,7 +210,7 @@ bool saysEncoding(const QByteArray& head) {
 bool isUtf8(QIODevice& device) {
     device.seek(0);
     Decoder decoder(device, "UTF-8");
-    while (!decoder.next().isEmpty() && !decoder.failed()) {
+    while (!decoder.next(ChunkSize).isEmpty() && !decoder.failed()) {
     }
     return !decoder.failed() && !decoder.isCutOff();
 }
@@ -221,7 +222,7 @@ std::optional<kaAnimationXmlRecord> readDevice(QIODevice& device, kaXmlPreflight
     }
     Decoder decoder(device, isUtf8(device) ? "UTF-8" : "ISO-8859-1");
     device.seek(0);
-    Source source([&decoder] { return decoder.next(); });
+    Source source([&decoder](int size) { return decoder.next(size); });
     return read(source, fault);
 }
 
@@ -229,8 +230,8 @@ std::optional<kaAnimationXmlRecord> readDevice(QIODevice& device, kaXmlPreflight
 
 std::optional<kaAnimationXmlRecord> kaXmlPreflight::readText(const QString& text, Fault* fault) {
     int at = 0;
-    Source source([&text, &at] {
-        const QString chunk = text.mid(at, ChunkSize);
+    Source source([&text, &at](int size) {
+        const QString chunk = text.mid(at, size);
         at += chunk.size();
         return chunk;
     });
