@@ -72,7 +72,7 @@ void drawObject(QPainter& painter, const kaAnimationObject& object, int top) {
     const bool narrow = object.getTypeID() == KA_TYPE_SEQUENCE;
     painter.setPen(Qt::black);
     if (narrow)
-        painter.drawText(QPointF(box.left() - 20, box.bottom() + 24),
+        painter.drawText(QPointF(box.left() - 20, box.bottom() + 16),
                          QString::fromStdString(object.getName()));
     else
         painter.drawText(box.adjusted(8, 0, -4, 0), Qt::AlignVCenter,
