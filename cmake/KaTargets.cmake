@@ -20,7 +20,8 @@ option(KA_COVERAGE "Line and branch coverage (g++)" OFF)
 
 find_program(KA_CCACHE ccache)
 if(KA_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${KA_CCACHE})
+  # What precompiled headers need of the cache, here so that it holds for every way to start a build.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${KA_CCACHE})
 endif()
 
 # Warnings and checks of every target of the project.
@@ -88,10 +89,12 @@ function(ka_add_test target)
   string(TOLOWER ka-test-${area} name)
   ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} ka_test_main)
   set_target_properties(${target} PROPERTIES OUTPUT_NAME ${name})
-  # What is tested is optimised; a test itself runs once and would spend most of a build in the optimiser.
+  # What is tested is optimised; a test itself runs once and would spend most of a build in the optimiser, and most of
+  # the rest reading the test framework again for each file.
   if(NOT arg_OPTIMIZED)
     target_compile_options(${target} PRIVATE -O0)
   endif()
+  target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
   add_test(NAME ${name} COMMAND ${target})
   if(KA_KNOWN_FAILURES_${name})
     list(JOIN KA_KNOWN_FAILURES_${name} ":" left_out)
