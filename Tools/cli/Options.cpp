@@ -57,7 +57,11 @@ void addModelOptions(CLI::App& command, ProjectFiles& files) {
 }
 
 void addProjectOptions(CLI::App& command, ProjectFiles& files) {
-    command.add_option("FILE", files.file, "a model")->type_name("")->required();
+    command.add_option("FILE", files.file, "a model, a scene (.osg) or an animation document (.xml)")
+        ->type_name("")
+        ->required();
+    command.add_option("--animation", files.animation, "the animation document that goes with a scene")
+        ->type_name("PATH");
     addModelOptions(command, files);
 }
 

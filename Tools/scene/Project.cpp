@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "import/ModelReader.h"
 #include "import/MotionStream.h"
+#include "scene/SceneFiles.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGGroup.h>
@@ -68,16 +69,64 @@ void destroyEverything(kaAnimationManager& manager) {
 
 Project::Project(const ProjectFiles& files) {
     startScene();
-    readModel(files);
+    try {
+        open(files);
+    } catch (...) {
+        close();
+        throw;
+    }
 }
 
 Project::~Project() {
+    close();
+}
+
+void Project::close() {
     kaAnimationManager* manager = kaAnimationManager::the();
     manager->terminate();
     destroyEverything(*manager);
+    leaveScene();
+}
+
+void Project::leaveScene() {
     kaAnimationManager::setSceneRootNode(osg::NodePtr());
     if (_root != osg::NullFC)
         osg::subRefCP(_root);
+    _root = osg::NodePtr();
+}
+
+void Project::exchangeScene(const ProjectFiles& files) {
+    leaveScene();
+    _report = {};
+    open(files);
+}
+
+void Project::open(const ProjectFiles& files) {
+    if (isScene(files.file))
+        openScene(files);
+    else if (!files.animation.empty())
+        throw Failure(ExitCode::Usage,
+                      "only a scene (.osg) goes with an animation document, not " + oneLine(files.file));
+    else if (isDocument(files.file))
+        openDocument(files);
+    else
+        readModel(files);
+}
+
+void Project::openScene(const ProjectFiles& files) {
+    seedIds(contentsOf(files.file) + (files.animation.empty() ? "" : contentsOf(files.animation)));
+    _root = readScene(files.file, _report);
+    osg::addRefCP(_root);
+    kaAnimationManager::setSceneRootNode(_root);
+    if (!files.animation.empty())
+        readDocument(files.animation);
+}
+
+void Project::openDocument(const ProjectFiles& files) {
+    seedIds(contentsOf(files.file));
+    _root = makeRoot("");
+    kaAnimationManager::setSceneRootNode(_root);
+    readDocument(files.file);
 }
 
 void Project::readModel(const ProjectFiles& files) {

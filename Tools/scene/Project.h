@@ -25,12 +25,18 @@ struct ProjectFiles {
 /// animation registry is one: when the project goes, everything registered goes with it.
 class Project {
   public:
-    /// Reads the files.
-    /// @throws Failure (Unreadable).
+    /// Reads the files: by the extension of the first, a scene with its animation document, a document by
+    /// itself or a model.
+    /// @throws Failure (Unreadable), and (Usage) for a document that is to go with anything but a scene.
     explicit Project(const ProjectFiles& files);
     ~Project();
     Project(const Project&) = delete;
     Project& operator=(const Project&) = delete;
+
+    /// Opens other files in place of the scene; what is registered stays. The nodes of the scene go, unless
+    /// they are counted elsewhere.
+    /// @throws Failure as the constructor does.
+    void exchangeScene(const ProjectFiles& files);
 
     const osg::NodePtr& root() const { return _root; }
     /// What was lost and found on the way; its counts are of the model only where a model was read.
@@ -46,6 +52,11 @@ class Project {
     std::vector<kaAnimationObject*> playable(const std::string& name) const;
 
   private:
+    void open(const ProjectFiles& files);
+    void openScene(const ProjectFiles& files);
+    void openDocument(const ProjectFiles& files);
+    void close();
+    void leaveScene();
     void readModel(const ProjectFiles& files);
 
     osg::NodePtr _root;

@@ -1,0 +1,110 @@
+#include "scene/SceneFiles.h"
+
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "cli/Output.h"
+#include "import/ConfinedFolder.h"
+#include "scene/ModuleCalls.h"
+
+#include <OpenSG/OSGSceneFileHandler.h>
+#include <QString>
+#include <filesystem>
+#include <kaAnimationManager.h>
+#include <sstream>
+
+namespace ka::tools {
+
+namespace {
+
+constexpr std::size_t largestFile = std::size_t{1} << 30;
+
+std::string sceneText(const osg::NodePtr& root) {
+    std::ostringstream text;
+    osg::SceneFileMessages messages;
+    if (!osg::SceneFileHandler::the().writeWithMessages(root, text, messages))
+        throw Failure(ExitCode::OutputFailed, "the scene cannot be written");
+    return text.str();
+}
+
+QByteArray documentText() {
+    const HushedModule hushed;
+    const QString text = kaAnimationManager::the()->createAnimationXML();
+    if (text.isEmpty())
+        throw Failure(ExitCode::OutputFailed, "the animation is too large for one document");
+    return text.toLatin1();
+}
+
+/// @throws Failure (Unreadable) unless there is something to be read.
+void expectContents(const std::string& file) {
+    const ConfinedFolder plainFile(file);
+    std::error_code error;
+    if (std::filesystem::is_empty(file, error))
+        throw unreadable(file, "the file is empty");
+}
+
+bool isSameFile(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
+}
+
+} // namespace
+
+bool isScene(const std::string& path) {
+    return extensionOf(path) == "osg";
+}
+
+bool isDocument(const std::string& path) {
+    return extensionOf(path) == "xml";
+}
+
+std::string contentsOf(const std::string& file) {
+    expectContents(file);
+    const ConfinedFolder folder(file);
+    std::optional<std::string> bytes = folder.read(folder.modelName(), largestFile);
+    if (!bytes)
+        throw unreadable(file, "cannot be read, or larger than 1 GiB");
+    return std::move(*bytes);
+}
+
+osg::NodePtr readScene(const std::string& file, ImportReport& report) {
+    if (!isScene(file))
+        throw unreadable(file, "not a scene (.osg)");
+    std::istringstream bytes(contentsOf(file));
+    const osg::SceneFileResult result = osg::SceneFileHandler::the().readWithMessages(bytes, file);
+    for (const osg::SceneFileMessage& message : result.messages) {
+        if (result.root == osg::NullFC && message.severity == osg::SceneFileMessage::Fatal)
+            throw Failure(ExitCode::Unreadable, oneLine(message.toString(), 400));
+        report.notes.push_back(oneLine(message.toString(), 400));
+        report.findings += message.severity == osg::SceneFileMessage::Warning ? 0 : 1;
+    }
+    if (result.root == osg::NullFC)
+        throw unreadable(file, "not a scene");
+    return result.root;
+}
+
+osg::NodePtr topOf(const osg::NodePtr& root) {
+    return root->getNChildren() == 1 ? root->getChild(0) : root;
+}
+
+void readDocument(const std::string& file) {
+    if (!isDocument(file))
+        throw unreadable(file, "not an animation document (.xml)");
+    expectContents(file);
+    const HushedModule hushed;
+    const ModuleProgress progress("reading animation");
+    if (!kaAnimationManager::the()->loadAnimations(QString::fromUtf8(file.c_str()), true))
+        throw unreadable(file, "not readable as an animation document");
+}
+
+void writeSceneAndDocument(const osg::NodePtr& root, const std::string& sceneFile,
+                           const std::string& documentFile) {
+    if (isSameFile(sceneFile, documentFile))
+        throw Failure(ExitCode::Usage,
+                      "the scene and its animation cannot both be written to " + oneLine(sceneFile));
+    const std::string scene = sceneText(root);
+    const QByteArray document = documentText();
+    replaceFile(documentFile, {document.constData(), static_cast<std::size_t>(document.size())});
+    replaceFile(sceneFile, scene);
+}
+
+} // namespace ka::tools
