@@ -11,8 +11,6 @@ set(KA_KNOWN_FAILURES_ka-test-scenegraph
   Hostile.ANullByteIsAFaultOutsideOfStringsAndAByteInside
   RoundTrip.KeepsEveryFloatBitForBit
   Texts/Refusal.SaysWhereAndLeavesNothingBehind/*)
-set(KA_KNOWN_FAILURES_ka-test-tools
-  ProgramTest.*)
 
 # Whole areas that do not agree with the module yet; -DKA_TRIAL_TESTS=ON builds and runs them all the same.
 set(KA_TRIAL_AREAS Model Gallery)

@@ -1,9 +1,13 @@
 #include "ToolsTesting.h"
+#include "scene/CurveChoice.h"
 #include "scene/Pose.h"
 #include "scene/Project.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <kaAnimationController.h>
+#include <kaAnimationCurve2D.h>
+#include <kaControlPoint2D.h>
 #include <map>
 #include <sstream>
 
@@ -78,7 +82,40 @@ struct Capture {
         }
         return result;
     }
+
+    /// The numbers of one joint that turn it, straight between the frame and the next, and their axes.
+    std::vector<std::pair<char, double>> turns(std::size_t joint, std::size_t frame, double part) const {
+        std::size_t number = 0;
+        for (std::size_t i = 0; i < joint; ++i)
+            number += joints[i].channels.size();
+        std::vector<std::pair<char, double>> result;
+        for (const std::string& channel : joints[joint].channels) {
+            const double from = frames[frame][number];
+            const double to = part > 0 ? frames[frame + 1][number] : from;
+            // What jumps over the half turn goes on the short way.
+            if (channel.find("rotation") != channel.npos)
+                result.emplace_back(channel[0], from + part * std::remainder(to - from, 360.0));
+            ++number;
+        }
+        return result;
+    }
 };
+
+Matrix turnedByAll(const std::vector<std::pair<char, double>>& turns) {
+    Matrix rotation = identity();
+    for (const auto& [axis, degrees] : turns)
+        rotation = times(rotation, turned(axis, degrees));
+    return rotation;
+}
+
+/// The angle, in degrees, between two rotations: half the chord between them is the sine of half the angle.
+double between(const Matrix& a, const Matrix& b) {
+    double squares = 0;
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            squares += (a[i][j] - b[i][j]) * (a[i][j] - b[i][j]);
+    return 2 * std::asin(std::min(1.0, std::sqrt(squares / 8))) * 180 / M_PI;
+}
 
 Capture readCapture(const std::string& path) {
     std::istringstream text(testing::readFile(path));
@@ -141,6 +178,83 @@ TEST_P(ForwardKinematics, AgreesWithTheImportedSceneAtFiftyFrames) {
         }
     }
     EXPECT_LT(worst, 1e-3);
+}
+
+/// The three curves that turn a joint.
+struct TurningCurves {
+    std::array<kaAnimationCurve2D*, 3> curves{};
+
+    TurningCurves(const CurveList& all, const std::string& joint) {
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            curves[axis] = chooseCurves(all, {joint + ".rotation" + "XYZ"[axis]}).at(0);
+    }
+
+    /// How the curves, sampled as in playback, turn the joint: about X first, then Y, then Z.
+    Matrix at(float frame) const {
+        std::array<double, 3> angles{};
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            float value = std::nanf("");
+            EXPECT_TRUE(kaAnimationController::the()->computeCurveValue(curves[axis], frame, value));
+            angles[axis] = static_cast<double>(value);
+        }
+        return turnedByAll({{'Z', angles[2]}, {'Y', angles[1]}, {'X', angles[0]}});
+    }
+
+    double largestStep() const {
+        double largest = 0;
+        for (kaAnimationCurve2D* curve : curves) {
+            double last = std::nan("");
+            for (const auto& [frame, key] : curve->getPoints()) {
+                const auto value = static_cast<double>(key->getPosition()[1]);
+                largest = std::fmax(largest, std::abs(value - last));
+                last = value;
+            }
+        }
+        return largest;
+    }
+};
+
+/// The largest step of any of the numbers that turn a joint, from a frame to the next.
+double rawStep(const Capture& capture, std::size_t joint, std::size_t frame) {
+    const auto here = capture.turns(joint, frame, 0), next = capture.turns(joint, frame + 1, 0);
+    double largest = 0;
+    for (std::size_t i = 0; i < here.size(); ++i)
+        largest = std::max(largest, std::abs(std::remainder(next[i].second - here[i].second, 360.0)));
+    return largest;
+}
+
+TEST_P(ForwardKinematics, KeepsOneKeyForEachFrameAndTheWayBetweenThem) {
+    const std::string path = testing::modelPath(std::string("BVH/") + GetParam());
+    const Capture capture = readCapture(path);
+    ProjectFiles files;
+    files.file = path;
+    const Project project(files);
+    EXPECT_EQ(project.report().addedKeys, 0U);
+    const CurveList all = allCurves();
+    for (kaAnimationCurve2D* curve : all)
+        ASSERT_EQ(curve->getPoints().size(), capture.frames.size()) << curveLabel(curve);
+    const auto frame = [&](double at) { return static_cast<float>(at * capture.frameTime * 25.0); };
+    double worstAtKeys = 0, worstBetween = 0, largestStep = 0;
+    for (std::size_t joint = 0; joint < capture.joints.size(); ++joint) {
+        if (capture.joints[joint].channels.empty())
+            continue;
+        const TurningCurves curves(all, capture.joints[joint].name);
+        largestStep = std::max(largestStep, curves.largestStep());
+        for (std::size_t i = joint % 7; i + 1 < capture.frames.size(); i += 7) {
+            const auto at = static_cast<double>(i);
+            worstAtKeys =
+                std::max(worstAtKeys, between(curves.at(frame(at)), turnedByAll(capture.turns(joint, i, 0))));
+            // Where the numbers leap, as they do where two of the axes fall together, the file does not say
+            // what is in between.
+            if (rawStep(capture, joint, i) > 20)
+                continue;
+            worstBetween = std::max(
+                worstBetween, between(curves.at(frame(at + 0.5)), turnedByAll(capture.turns(joint, i, 0.5))));
+        }
+    }
+    EXPECT_LT(worstAtKeys, 1e-3);
+    EXPECT_LT(worstBetween, 0.0101); // the tolerance, and what a float adds to it
+    EXPECT_LT(largestStep, 180.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(RealCaptures, ForwardKinematics,

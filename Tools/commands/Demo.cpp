@@ -92,7 +92,7 @@ void addDemoCommand(CLI::App& program, Action& action) {
     command->add_option("-o,--output", options->folder, "the folder for the pictures")
         ->type_name("PATH")
         ->capture_default_str();
-    addExamples(*command, {"ka-anim demo", "ka-anim demo walk.bvh -o pictures"});
+    addExamples(*command, {"ka-anim demo walk.bvh", "ka-anim demo walk.bvh --fps 30 -o pictures"});
     command->callback(
         [options, &action] { action = [options](Output& output) { return demo(*options, output); }; });
 }

@@ -26,13 +26,11 @@ std::string commandName(const CLI::App& program) {
     return chosen.empty() ? "ka-anim" : "ka-anim " + chosen.front()->get_name();
 }
 
-/// @param arguments  in reverse.
-std::string mistakeOf(const CLI::App& program, const CLI::ParseError& outcome,
-                      const std::vector<std::string>& arguments) {
+/// @param first  the first word of the line; empty when there is none.
+std::string mistakeOf(const CLI::App& program, const CLI::ParseError& outcome, const std::string& first) {
     const bool isUnknownCommand =
-        program.get_subcommands().empty() && !arguments.empty() && arguments.back().rfind('-', 0) != 0;
-    return isUnknownCommand ? "no command is called '" + oneLine(arguments.back(), 40) + "'"
-                            : oneLine(outcome.what());
+        program.get_subcommands().empty() && !first.empty() && first.rfind('-', 0) != 0;
+    return isUnknownCommand ? "no command is called '" + oneLine(first, 40) + "'" : oneLine(outcome.what());
 }
 
 int run(std::vector<std::string> arguments) {
@@ -55,6 +53,7 @@ CommandLine readCommandLine(std::vector<std::string> arguments) {
     program.get_formatter()->column_width(32);
     CommandLine line;
     addCommands(program, line.action);
+    const std::string first = arguments.empty() ? std::string() : arguments.front();
     try {
         std::reverse(arguments.begin(), arguments.end());
         program.parse(arguments);
@@ -65,8 +64,7 @@ CommandLine readCommandLine(std::vector<std::string> arguments) {
             program.exit(outcome, answer, none);
             line.answer = answer.str();
         } else {
-            line.mistake =
-                mistakeOf(program, outcome, arguments) + " (see " + commandName(program) + " --help)";
+            line.mistake = mistakeOf(program, outcome, first) + " (see " + commandName(program) + " --help)";
             line.code = ExitCode::Usage;
         }
     }
