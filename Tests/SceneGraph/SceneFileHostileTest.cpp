@@ -271,7 +271,7 @@ TEST(Hostile, MegabytesOfOneThingComeToAnEnd) {
 TEST(Hostile, ANullByteIsAFaultOutsideOfStringsAndAByteInside) {
     const ReadScene outside = readBody(std::string("Node { \0 }", 10));
     EXPECT_TRUE(outside.root == osg::NullFC);
-    const ReadScene inside = readBody(std::string("Node { attachments Name { name \"a\0b\" } }", 41));
+    const ReadScene inside = readBody(std::string("Node { attachments Name { name \"a\0b\" } }", 40));
     EXPECT_EQ("", inside.report());
 }
 

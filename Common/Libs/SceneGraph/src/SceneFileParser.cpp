@@ -198,8 +198,7 @@ bool SceneFileParser::parseValueField(Field& field, const Token& name) {
         return parseValueList(field, name);
     if (SceneFileValues::read(_lexer, field, _log))
         return true;
-    _log.error(name.line, described(_lexer.peek()) + " cannot be a value of " + quotedForMessage(name.text) +
-                              "; it is passed over");
+    reportNoValue(name, name.line, "; it is passed over");
     return passOverValue();
 }
 
@@ -209,10 +208,16 @@ bool SceneFileParser::parseValueList(Field& field, const Token& name) {
     }
     // Whatever else stands between the brackets is passed over, one by one, as far as the closing one.
     if (_lexer.peek().kind != Kind::CloseBracket)
-        _log.error(_lexer.peek().line, described(_lexer.peek()) + " cannot be a value of " +
-                                           quotedForMessage(name.text) +
-                                           "; the rest of the list is passed over");
+        reportNoValue(name, _lexer.peek().line, "; the rest of the list is passed over");
     return true;
+}
+
+void SceneFileParser::reportNoValue(const Token& name, UInt32 line, const char* consequence) {
+    const Token& token = _lexer.peek();
+    // Where the text itself breaks off the file is refused next, which is all there is to say.
+    if (token.kind == Kind::End || token.kind == Kind::Unfinished)
+        return;
+    _log.error(line, described(token) + " cannot be a value of " + quotedForMessage(name.text) + consequence);
 }
 
 bool SceneFileParser::parseReference(UInt32 slot, UInt16 binding) {

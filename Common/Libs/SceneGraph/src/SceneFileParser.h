@@ -43,6 +43,7 @@ class SceneFileParser {
     bool parseReferenceField(const FieldDescription& description);
     bool parseValueField(Field& field, const Token& name);
     bool parseValueList(Field& field, const Token& name);
+    void reportNoValue(const Token& name, UInt32 line, const char* consequence);
     /// @return false when the container has no such value, or no value of that kind stands there.
     bool parseProperty(const Token& name);
     bool parseReference(UInt32 slot, UInt16 binding);

@@ -25,9 +25,12 @@ class ValueReader {
 
     bool isAtNumber() const {
         const SceneFileLexer::Token& token = _lexer.peek();
-        double value = 0.0;
+        // inf and nan; the bits of a NaN are one number as a float and none as a double, or the other way round.
+        float single = 0.0F;
+        double real = 0.0;
         return token.kind == Kind::Number ||
-               (token.kind == Kind::Id && exactReal(token.text, value) != NumberResult::NoNumber); // inf, nan
+               (token.kind == Kind::Id && (exactReal(token.text, single) != NumberResult::NoNumber ||
+                                           exactReal(token.text, real) != NumberResult::NoNumber));
     }
 
     template <class T>
