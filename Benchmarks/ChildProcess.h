@@ -4,7 +4,7 @@
 
 /// What a piece of work took in a process of its own.
 struct Measured {
-    double seconds = 0.0;
+    double seconds = 0.0;       ///< of processor time
     double peakMegabytes = 0.0; ///< above what the process had before the work
 };
 

@@ -12,26 +12,38 @@ constexpr double DestroyedObjects = 1100001.0 + 2.0;
 constexpr double Micro = 1e3;
 constexpr double Milli = 1e6;
 
-std::string baseName(const std::string& name) {
-    for (const char* suffix : {"_median", "/iterations:1", "/manual_time"}) {
-        const auto at = name.find(suffix);
-        if (at != std::string::npos)
-            return baseName(name.substr(0, at));
-    }
+/// Without what the run adds to the name of a benchmark and its argument.
+std::string baseName(std::string name) {
+    for (const char* suffix : {"_median", "/iterations:", "/manual_time"})
+        name = name.substr(0, name.find(suffix));
     return name;
+}
+
+/// The time that other programs on the machine disturb least: that of the processor, in seconds.
+double secondsOf(const benchmark::BenchmarkReporter::Run& run) {
+    // Manual times are processor times of a child.
+    const bool manual = run.run_name.time_type == "manual_time";
+    const double time = manual ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+    return time / benchmark::GetTimeUnitMultiplier(run.time_unit);
 }
 
 struct Row {
     const char* what;
     double measured;
     double must;
+    double aim; ///< where this is going; infinite: the must says it all
     const char* unit;
 };
 
+constexpr double NoAim = std::numeric_limits<double>::infinity();
+
 void printRow(const Row& row) {
     const char* verdict = row.measured <= row.must ? "ok" : "FAIL";
-    std::printf("| %-66s | %10.3g %-5s | %8.3g | %s |\n", row.what, row.measured, row.unit, row.must,
-                verdict);
+    char aim[16] = "";
+    if (row.aim != NoAim)
+        std::snprintf(aim, sizeof(aim), "%g", row.aim);
+    std::printf("| %-62s | %8.3g %-5s | %6g | %6s | %-4s |\n", row.what, row.measured, row.unit, row.must,
+                aim, verdict);
 }
 
 } // namespace
@@ -44,8 +56,7 @@ void Table::ReportRuns(const std::vector<Run>& runs) {
         if (run.error_occurred || !(median || run.repetitions <= 1))
             continue;
         Result& result = _results[baseName(run.benchmark_name())];
-        result.nanoseconds =
-            run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9;
+        result.nanoseconds = secondsOf(run) * 1e9;
         for (const auto& counter : run.counters)
             result.counters[counter.first] = counter.second.value;
     }
@@ -72,36 +83,39 @@ bool Table::print() const {
     const double drift = std::fabs(time("loopTenPlaying/100000") / time("loopTenPlaying/100") - 1.0);
     const double destroyed = time("destroyClip/100000");
     const std::vector<Row> rows = {
-        {"sample one curve, random frames, 16 keys", ratio("sampleRandom/16"), 1.3, "x ref"},
-        {"sample one curve, random frames, 128 keys", ratio("sampleRandom/128"), 1.3, "x ref"},
-        {"sample one curve, random frames, 1 024 keys", ratio("sampleRandom/1024"), 1.3, "x ref"},
-        {"sample one curve, random frames, 100 000 keys", ratio("sampleRandom/100000"), 2.0, "x ref"},
-        {"sample one curve, frames in order, 16 keys", ratio("sampleInOrder/16"), 1.1, "x ref"},
-        {"sample one curve, frames in order, 1 024 keys", ratio("sampleInOrder/1024"), 1.1, "x ref"},
+        {"sample one curve, random frames, 16 keys", ratio("sampleRandom/16"), 1.3, 0.6, "x ref"},
+        {"the same, 128 keys", ratio("sampleRandom/128"), 1.3, 0.6, "x ref"},
+        {"the same, 1 024 keys", ratio("sampleRandom/1024"), 1.3, 0.6, "x ref"},
+        {"the same, 100 000 keys", ratio("sampleRandom/100000"), 2.0, 1.0, "x ref"},
+        {"sample one curve, frames in order, 16 keys", ratio("sampleInOrder/16"), 1.1, 0.5, "x ref"},
+        {"the same, 1 024 keys", ratio("sampleInOrder/1024"), 1.1, 0.5, "x ref"},
         {"evaluateObject, 10 000 curves, all values change, per curve", ratio("evaluateChanging") / Curves,
-         1.6, "x ref"},
+         1.6, 0.4, "x ref"},
         {"evaluateObject, 10 000 curves, no value changes, per curve", ratio("evaluateHeld") / Curves, 0.5,
-         "x ref"},
-        {"loop(), 10 playing: 100 000 registered against 100, difference", drift, 0.2, "x"},
+         0.1, "x ref"},
+        {"loop(), 10 playing: 100 000 registered against 100, difference", drift, 0.2, NoAim, "x"},
         {"build by addObject, ascending: 100 000 keys against 10 000",
-         time("buildAscending/100000") / time("buildAscending/10000"), 15.0, "x"},
+         time("buildAscending/100000") / time("buildAscending/10000"), 15.0, NoAim, "x"},
         {"build by addObject, shuffled: 100 000 keys against 10 000",
-         time("buildShuffled/100000") / time("buildShuffled/10000"), 15.0, "x"},
-        {"drag one selected key of 100 000", time("dragOneOf100000") / Micro, 1000.0, "us"},
+         time("buildShuffled/100000") / time("buildShuffled/10000"), 15.0, NoAim, "x"},
+        {"drag one selected key of 100 000", time("dragOneOf100000") / Micro, 1000.0, 30.0, "us"},
         {"add and remove a curve in a clip of 100 000 curves", time("addAndRemoveCurve") / Micro, 1000.0,
-         "us"},
+         30.0, "us"},
         {"destroy a clip of 100 000 curves of 10 keys, per object", destroyed / DestroyedObjects / Micro, 1.0,
-         "us"},
-        {"the same: 100 000 curves against 10 000", destroyed / time("destroyClip/10000"), 15.0, "x"},
+         NoAim, "us"},
+        {"the same: 100 000 curves against 10 000", destroyed / time("destroyClip/10000"), 15.0, NoAim, "x"},
         {"load a million elements against bare setContent, time",
-         time("loadDocument") / time("bareSetContent"), 1.0, "x"},
-        {"the same, peak memory", counter("loadDocument", "MB") / counter("bareSetContent", "MB"), 0.5, "x"},
-        {"save it against loading it, time", time("saveDocument") / time("loadDocument"), 1.0, "x"},
-        {"memory per key, handles and registry included", counter("memoryPerKey", "bytes"), 600.0, "bytes"},
-        {"getObject(id) among a million", time("findAmongAMillion"), 50.0, "ns"},
+         time("loadDocument") / time("bareSetContent"), 1.0, 0.5, "x"},
+        {"the same, peak memory", counter("loadDocument", "MB") / counter("bareSetContent", "MB"), 0.5, 0.2,
+         "x"},
+        {"save it against loading it, time", time("saveDocument") / time("loadDocument"), 1.0, NoAim, "x"},
+        {"memory per key, handles and registry included", counter("memoryPerKey", "bytes"), 600.0, 300.0,
+         "bytes"},
+        {"getObject(id) among a million", time("findAmongAMillion"), 50.0, 15.0, "ns"},
     };
     std::printf("\nreference segment: %.1f ns a sample\n\n", reference);
-    std::printf("| %-66s | %-16s | %-8s |    |\n|---|---|---|---|\n", "what", "measured", "must <=");
+    std::printf("| %-62s | %-14s | %-6s | %-6s | %-4s |\n|---|---|---|---|---|\n", "what", "measured", "must",
+                "aim", "");
     bool holds = true;
     for (const Row& row : rows) {
         printRow(row);

@@ -113,7 +113,7 @@ void kaChildList::release() {
     _chunks.clear();
     _firsts.clear();
     _ids.clear();
-    _tail = 0;
+    _out = nullptr;
     _extent = kaExtent();
     _extentValid = true;
     _mirrored = true;
@@ -222,10 +222,12 @@ void kaChildList::appendEntry(const Entry& entry) {
         addFirst(_chunks.size(), entry);
     else
         _chunks.back()->entries.push_back(entry);
-    if (early && _order == Order::Sorted)
-        _order = Order::Tail;
-    if (_order == Order::Tail)
-        ++_tail;
+    if (_order == Order::OneOut)
+        _order = Order::Disturbed;
+    if (early && _order == Order::Sorted) {
+        _order = Order::OneOut;
+        _out = entry.object;
+    }
     kaChildChunk& chunk = *_chunks.back();
     entry.object->_home = &chunk;
     widen(chunk, entry);
@@ -237,31 +239,34 @@ void kaChildList::addFirst(std::size_t at, const Entry& entry) {
     addChunk(at, std::move(chunk));
 }
 
-/// Makes room for one more entry where `begin` belongs among the first `count` chunks, behind every child
-/// that begins no later. @return the chunk.
-std::size_t kaChildList::makeRoom(float begin, std::size_t count) {
-    const auto end = _firsts.begin() + static_cast<std::ptrdiff_t>(count);
-    const auto next = std::upper_bound(_firsts.begin(), end, begin);
+/// Makes room for one more entry where `begin` belongs in a sorted list: behind the children that begin at
+/// the same frame or, unless `early`, before them. @return the chunk.
+kaChildChunk& kaChildList::makeRoom(float begin, bool early) {
+    const auto next = early ? std::upper_bound(_firsts.begin(), _firsts.end(), begin)
+                            : std::lower_bound(_firsts.begin(), _firsts.end(), begin);
     auto at = static_cast<std::size_t>(next - _firsts.begin());
     at -= at > 0 ? 1 : 0;
     if (_chunks[at]->entries.size() >= ChunkSize) {
         splitChunk(at);
-        at += begin < _firsts[at + 1] ? 0 : 1;
+        const float second = _firsts[at + 1];
+        at += second < begin || (early && second == begin) ? 1 : 0;
     }
     std::vector<Entry>& entries = _chunks[at]->entries;
     if (entries.size() == entries.capacity())
         entries.reserve(std::min(ChunkSize, 2 * entries.size()));
-    return at;
+    return *_chunks[at];
 }
 
-/// Puts the entry into a chunk with room for it. Cannot fail.
-void kaChildList::insertEntry(std::size_t at, const Entry& entry) {
-    kaChildChunk& chunk = *_chunks[at];
-    const auto place =
-        std::upper_bound(chunk.entries.begin(), chunk.entries.end(), entry.extent.begin,
-                         [](float begin, const Entry& other) { return begin < other.extent.begin; });
-    chunk.entries.insert(place, entry);
-    _firsts[at] = chunk.entries.front().extent.begin;
+/// Puts the entry into the chunk that `makeRoom` found for it. Cannot fail.
+void kaChildList::insertEntry(kaChildChunk& chunk, const Entry& entry, bool early) {
+    const auto later = [](float begin, const Entry& other) { return begin < other.extent.begin; };
+    const auto earlier = [](const Entry& other, float begin) { return other.extent.begin < begin; };
+    std::vector<Entry>& entries = chunk.entries;
+    const float begin = entry.extent.begin;
+    entries.insert(early ? std::upper_bound(entries.begin(), entries.end(), begin, later)
+                         : std::lower_bound(entries.begin(), entries.end(), begin, earlier),
+                   entry);
+    _firsts[chunk.index] = entries.front().extent.begin;
     entry.object->_home = &chunk;
     widen(chunk, entry);
 }
@@ -269,8 +274,8 @@ void kaChildList::insertEntry(std::size_t at, const Entry& entry) {
 void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
     const Entry entry = chunk.entries[index];
     const std::size_t at = chunk.index;
-    if (_order == Order::Tail)
-        _order = Order::Disturbed;
+    if (_order == Order::OneOut && entry.object == _out)
+        _order = Order::Sorted;
     entry.object->_home = nullptr;
     narrow(chunk, entry);
     chunk.entries.erase(chunk.entries.begin() + static_cast<std::ptrdiff_t>(index));
@@ -307,17 +312,22 @@ void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
     if (place.index == 0)
         _firsts[place.chunk] = now.extent.begin;
     if (moved)
-        checkOrder(chunk, place.index);
+        checkOrder(place);
 }
 
-void kaChildList::checkOrder(const kaChildChunk& chunk, std::size_t index) {
-    if (_order == Order::Tail)
+/// The child at `place` has moved.
+void kaChildList::checkOrder(Place place) {
+    const Entry& moved = *at(place);
+    if (_order == Order::OneOut && _out != moved.object)
         _order = Order::Disturbed;
-    const float begin = chunk.entries[index].extent.begin;
-    const Entry* previous = before({chunk.index, index});
-    const Entry* next = at(normalized(chunk.index, index + 1));
-    if ((previous && begin < previous->extent.begin) || (next && next->extent.begin < begin))
-        _order = Order::Disturbed;
+    if (_order == Order::Disturbed)
+        return;
+    const Entry* previous = before(place);
+    const Entry* next = at(normalized(place.chunk, place.index + 1));
+    const bool isOut = (previous && moved.extent.begin < previous->extent.begin) ||
+                       (next && next->extent.begin < moved.extent.begin);
+    _order = isOut ? Order::OneOut : Order::Sorted;
+    _out = moved.object;
 }
 
 // Sorting.
@@ -325,8 +335,8 @@ void kaChildList::checkOrder(const kaChildChunk& chunk, std::size_t index) {
 void kaChildList::sort() {
     if (!_mirrored)
         sortLiterally();
-    else if (_order == Order::Tail)
-        sortTail();
+    else if (_order == Order::OneOut)
+        sortOne();
     else if (_order == Order::Disturbed)
         sortAll();
 }
@@ -343,28 +353,38 @@ void kaChildList::settle() {
         }
     }
     _order = Order::Sorted;
-    _tail = 0;
 }
 
-/// Takes the one child that was appended out of order from the end and puts it where a stable sort leaves it.
-void kaChildList::sortTail() {
-    if (_tail > 1) {
-        sortAll();
-        return;
+/// Takes the one child that stands out of order to where a stable sort leaves it: past those that it
+/// overtakes and no further.
+void kaChildList::sortOne() {
+    const Place place = find(*_out);
+    const Entry out = *at(place);
+    const Entry* previous = before(place);
+    const Entry* next = at(normalized(place.chunk, place.index + 1));
+    const bool early = previous && out.extent.begin < previous->extent.begin;
+    const bool late = next && next->extent.begin < out.extent.begin;
+    if (early || late) {
+        // While its new place is looked for it stands under a neighbour's begin, so that the list is sorted.
+        const auto standUnder = [&](float begin) {
+            const Place now = find(*_out);
+            _chunks[now.chunk]->entries[now.index].extent.begin = begin;
+            if (now.index == 0)
+                _firsts[now.chunk] = begin;
+        };
+        standUnder(early ? previous->extent.begin : next->extent.begin);
+        kaChildChunk* target = nullptr;
+        try {
+            target = &makeRoom(out.extent.begin, early);
+        } catch (...) {
+            standUnder(out.extent.begin);
+            throw;
+        }
+        standUnder(out.extent.begin);
+        const Place from = find(*_out);
+        eraseEntry(*_chunks[from.chunk], from.index);
+        insertEntry(*target, out, early);
     }
-    const Entry last = _chunks.back()->entries.back();
-    // A chunk that holds nothing but this child is none to search.
-    const std::size_t alone = _chunks.back()->entries.size() == 1 ? 1 : 0;
-    const std::size_t at = makeRoom(last.extent.begin, _chunks.size() - alone);
-    kaChildChunk& tail = *_chunks.back();
-    tail.entries.pop_back();
-    narrow(tail, last);
-    insertEntry(at, last);
-    if (tail.entries.empty()) {
-        _chunks.pop_back();
-        _firsts.pop_back();
-    }
-    _tail = 0;
     _order = Order::Sorted;
     ++_revision;
 }
@@ -388,7 +408,6 @@ void kaChildList::sortAll() {
         }
         _firsts[chunk->index] = chunk->entries.front().extent.begin;
     }
-    _tail = 0;
     _order = Order::Sorted;
     ++_revision;
 }

@@ -66,8 +66,8 @@ class kaChildList {
     kaUID takeNext();
 
     /// Stable sort by begin; ids that the registry does not know keep their relative order as a list merge
-    /// leaves them. Cost: nothing when in order, O(log n + ChunkSize) per child appended since, else O(n log
-    /// n).
+    /// leaves them. Cost: nothing when in order, O(log n + ChunkSize) when one child was appended or moved
+    /// since, else O(n log n).
     void sort();
 
     /// United extent of the children that count. Cost: O(1), or O(ChunkSize + c) after a child shrank or
@@ -134,8 +134,8 @@ class kaChildList {
   private:
     enum class Order {
         Sorted,
-        Tail,     ///< sorted but for the last `_tail` entries
-        Disturbed ///< a child moved out of order
+        OneOut,   ///< sorted but for `_out`
+        Disturbed ///< more than one child may stand out of order
     };
     /// A place among the chunks; the end is {number of chunks, 0}.
     struct Place {
@@ -150,18 +150,18 @@ class kaChildList {
 
     void appendEntry(const Entry& entry);
     void addFirst(std::size_t at, const Entry& entry);
-    std::size_t makeRoom(float begin, std::size_t count);
-    void insertEntry(std::size_t at, const Entry& entry);
+    kaChildChunk& makeRoom(float begin, bool early);
+    void insertEntry(kaChildChunk& chunk, const Entry& entry, bool early);
     void eraseEntry(kaChildChunk& chunk, std::size_t index);
     void addChunk(std::size_t at, std::unique_ptr<kaChildChunk> chunk);
     void splitChunk(std::size_t at);
     void renumber(std::size_t from);
     void widen(kaChildChunk& chunk, const Entry& entry);
     void narrow(kaChildChunk& chunk, const Entry& entry);
-    void checkOrder(const kaChildChunk& chunk, std::size_t index);
+    void checkOrder(Place place);
     static void recompute(kaChildChunk& chunk);
 
-    void sortTail();
+    void sortOne();
     void sortAll();
     void sortLiterally();
     bool sortKnown();
@@ -183,11 +183,11 @@ class kaChildList {
     std::vector<float> _firsts; ///< begin of each chunk's first entry
     std::vector<kaUID> _ids;    ///< the list while it is not mirrored
     std::size_t _size = 0;
-    std::size_t _tail = 0;
     std::uint64_t _revision = 0;
     kaExtent _extent;
     bool _extentValid = true;
     bool _mirrored = true;
     bool _ending = false; ///< `beginTaking` was called
     Order _order = Order::Sorted;
+    const kaAnimationObject* _out = nullptr; ///< for `Order::OneOut`
 };
