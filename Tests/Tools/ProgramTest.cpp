@@ -14,23 +14,11 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-const char* const commands[] = {"import", "sample", "pose", "plot", "render", "demo"};
-
-/// The first frames of a real capture, enough to see it move.
-std::string shortWalk() {
-    std::istringstream file(readFile(modelPath("BVH/01_01.bvh")));
-    std::string text, line;
-    while (std::getline(file, line) && line.rfind("Frames:", 0) != 0)
-        text += line + "\n";
-    text += "Frames: 97\n";
-    for (int i = 0; i < 98 && std::getline(file, line); ++i)
-        text += line + "\n";
-    return text;
-}
+const char* const commands[] = {"import", "sample", "pose", "plot", "render", "play", "demo"};
 
 class ProgramTest : public ::testing::Test {
   protected:
-    void SetUp() override { _folder.write("walk.bvh", shortWalk()); }
+    void SetUp() override { _folder.write("walk.bvh", shortCapture(97)); }
 
     ProgramRun run(const std::vector<std::string>& arguments) const {
         return runKaAnim(arguments, _folder.path(""));

@@ -36,6 +36,9 @@ std::string failureOf(Action&& action) {
     return "no failure";
 }
 
+/// The first frames of a real capture of a walk, enough to see it move: 38 nodes, 96 channels, 1/120 s each.
+std::string shortCapture(int frames);
+
 /// Where Debian's package of test models puts them.
 std::string modelPath(const std::string& name);
 

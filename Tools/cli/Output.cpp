@@ -63,6 +63,10 @@ void Output::finish() {
         throw outputFailed("standard output", error);
 }
 
+bool Output::isTerminal() const {
+    return isatty(_descriptor) == 1;
+}
+
 void replaceFile(const std::string& path, std::string_view bytes) {
     std::string error;
     if (!kaFile::writeSafely(path, bytes, error))

@@ -22,6 +22,8 @@ class Output {
     /// Sends what is still held back. Call it last: the destructor sends nothing.
     /// @throws Failure (OutputFailed).
     void finish();
+    /// Whether the data goes to a terminal.
+    bool isTerminal() const;
 
   private:
     int _descriptor;

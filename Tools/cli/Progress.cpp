@@ -10,11 +10,6 @@ namespace {
 
 constexpr int barWidth = 30;
 
-void toStandardError(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
-}
-
 } // namespace
 
 Progress::Progress(std::string what) : _what(std::move(what)), _isShown(isatty(STDERR_FILENO) == 1) {}
@@ -38,6 +33,11 @@ void Progress::setPercent(unsigned int percent) {
     const auto filled = static_cast<std::size_t>(whole * barWidth / 100);
     toStandardError("\r" + _what + " [" + std::string(filled, '=') + std::string(barWidth - filled, ' ') +
                     "] " + std::to_string(whole) + " %\033[K");
+}
+
+void toStandardError(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
 }
 
 void say(const std::string& line) {

@@ -23,6 +23,9 @@ class Progress {
     int _percent = -1;
 };
 
+/// Puts a text on standard error at once, as it is.
+void toStandardError(const std::string& text);
+
 /// One line of message on standard error, after the program's name.
 void say(const std::string& line);
 

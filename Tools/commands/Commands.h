@@ -23,6 +23,7 @@ void addSampleCommand(CLI::App& program, Action& action);
 void addPoseCommand(CLI::App& program, Action& action);
 void addPlotCommand(CLI::App& program, Action& action);
 void addRenderCommand(CLI::App& program, Action& action);
+void addPlayCommand(CLI::App& program, Action& action);
 void addDemoCommand(CLI::App& program, Action& action);
 
 } // namespace ka::tools

@@ -17,6 +17,7 @@ void addCommands(CLI::App& program, Action& action) {
     addPoseCommand(program, action);
     addPlotCommand(program, action);
     addRenderCommand(program, action);
+    addPlayCommand(program, action);
     addDemoCommand(program, action);
 }
 
