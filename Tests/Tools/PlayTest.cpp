@@ -14,6 +14,7 @@ namespace ka::tools::testing {
 namespace {
 
 using nlohmann::json;
+using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -31,6 +32,25 @@ std::string slide() {
         text += std::to_string(i) + "\n";
     return text;
 }
+
+/// A clip of ten frames with an event at its third, and blocks that cannot play.
+constexpr const char* show = R"(<!DOCTYPE ORVA>
+<AnimationPool objects="9">
+ <point id="11" typeID="1" tangentType="2" tangentLengthMode="64">
+  <position>0 0</position><inTangent>-1 0</inTangent><outTangent>5 0</outTangent>
+ </point>
+ <point id="12" typeID="1" tangentType="2" tangentLengthMode="64">
+  <position>10 8</position><inTangent>5 8</inTangent><outTangent>15 8</outTangent>
+ </point>
+ <curve id="21" typeID="2" name="swing" active="1"><point id="11"/><point id="12"/></curve>
+ <block id="31" typeID="3" name="door" active="1"><block id="21"/></block>
+ <block id="32" typeID="3" name="empty" active="1"/>
+ <block id="33" typeID="3" name="off" active="0"/>
+ <field id="61" typeID="6" name="door opens" active="1" begin="3" end="3.5"/>
+ <track id="41" typeID="4" name="track" number="0" active="1"><obj id="31"/><obj id="61"/></track>
+ <clip id="51" typeID="5" name="show" active="1"><track id="41"/></clip>
+</AnimationPool>
+)";
 
 class PlayTest : public ::testing::Test {
   protected:
@@ -195,6 +215,32 @@ TEST_F(PlayTest, AnObjectByItselfPlaysWithoutTheTimeline) {
     EXPECT_EQ(play({"slide.bvh", "--object", "slide", "--frames", "9", "--format", "json"}).output, "");
 }
 
+TEST_F(PlayTest, TellsWhichSequencesFire) {
+    _folder.write("show.xml", show);
+    EXPECT_THAT(play({"show.xml", "--frames", "100", "--verbose"}).output,
+                HasSubstr("currentFullFrameChanged frame=3\nsequence door opens\nframe 3\n"));
+    std::vector<std::size_t> fired;
+    const std::vector<json> lines = messages({"show.xml", "--frames", "100"});
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        if (lines[i] == json{{"sequence", "door opens"}})
+            fired.push_back(i);
+    // Frame 0 takes one message, frames 1 to 3 two each.
+    EXPECT_THAT(fired, ElementsAre(7));
+    EXPECT_EQ(play({"show.xml", "--object", "show", "--frames", "5", "--verbose"}).output,
+              "frame 0\nframe 1\nframe 2\nsequence door opens\nframe 3\nframe 4\n");
+}
+
+TEST_F(PlayTest, RefusesWhatWouldPlayForeverWithoutMovingOn) {
+    _folder.write("show.xml", show);
+    const ProgramRun empty = play({"show.xml", "--object", "empty"});
+    EXPECT_EQ(empty.code, 2);
+    EXPECT_EQ(empty.messages, "ka-anim: 'empty' holds nothing to play\n");
+    EXPECT_EQ(play({"show.xml", "--object", "off"}).messages, "ka-anim: 'off' is not active\n");
+    // A curve has no run of its own and plays on the timeline.
+    EXPECT_THAT(play({"show.xml", "--object", "swing", "--frames", "100"}).messages,
+                HasSubstr("finished at frame 11 after 12 ticks, 12 currentFrameChanged"));
+}
+
 TEST_F(PlayTest, TheSameRunGivesTheSameBytes) {
     const std::vector<std::string> arguments{"walk.bvh", "--frames", "200", "--verbose", "--repeat"};
     EXPECT_EQ(play(arguments).output, play(arguments).output);
@@ -250,7 +296,9 @@ TEST_F(PlayTest, OnATerminalOneLineTellsTheFrameUntilCtrlC) {
     EXPECT_THAT(program.seen(), Not(HasSubstr("\n"))); // it is one line so far
     program.type("\x03");
     EXPECT_EQ(program.finish(), 0);
-    const std::string rest = program.seen().substr(program.seen().find('\n'));
+    const std::size_t lineEnd = program.seen().find('\n');
+    ASSERT_NE(lineEnd, std::string::npos) << program.seen();
+    const std::string rest = program.seen().substr(lineEnd);
     EXPECT_THAT(rest, HasSubstr("ka-anim: stopped at frame "));
     EXPECT_THAT(rest, EndsWith("\n"));
 }

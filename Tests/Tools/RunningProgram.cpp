@@ -5,11 +5,20 @@
 #include <fcntl.h>
 #include <pty.h>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace ka::tools::testing {
 
 namespace {
+
+/// Without this a terminal throws away what was printed around a Ctrl-C and not yet read.
+void keepOutputOnInterrupt() {
+    termios settings{};
+    tcgetattr(STDIN_FILENO, &settings);
+    settings.c_lflag |= NOFLSH;
+    tcsetattr(STDIN_FILENO, TCSANOW, &settings);
+}
 
 [[noreturn]] void runChild(const std::vector<std::string>& arguments, const std::string& folder) {
     const std::string program = std::string(KA_ANIM_FOLDER) + "/ka-anim";
@@ -28,8 +37,10 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
                                Streams streams) {
     if (streams == Streams::Terminal) {
         _child = forkpty(&_stream, nullptr, nullptr, nullptr);
-        if (_child == 0)
+        if (_child == 0) {
+            keepOutputOnInterrupt();
             runChild(arguments, folder);
+        }
         return;
     }
     int ends[2];

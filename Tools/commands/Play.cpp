@@ -135,7 +135,9 @@ class PlayTimer {
     void waitForTick() {
         if (_tick > 0)
             _interrupt.sleepUntil(_next);
-        const double now = _tick > 0 ? _interrupt.seconds() : (_start = _interrupt.seconds());
+        const double now = _interrupt.seconds();
+        if (_tick == 0)
+            _start = now;
         _clock.set((now - _start) * _options.speed);
         // Ticks that came too late are left out rather than made up for.
         _next = std::max(_next, now) + 1.0 / ticksPerSecond;
@@ -181,7 +183,9 @@ std::string playThrough(const PlayOptions& options, const PlayPlan& plan, Output
 ExitCode play(const PlayOptions& options, Output& output) {
     const Project project(options.files);
     const PlayPlan plan = planOf(options, project);
-    say(playThrough(options, plan, output));
+    const std::string summary = playThrough(options, plan, output);
+    output.finish(); // so that the last word comes last on a terminal
+    say(summary);
     return ExitCode::Fine;
 }
 
