@@ -2,6 +2,7 @@
 #include "CapturedOutput.h"
 #include "RegistryFixture.h"
 #include "TestScene.h"
+#include "kaAnimationController.h"
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
 
@@ -50,6 +51,22 @@ TEST_F(CurveQueries, FindingNeedsTheExactFrame) {
     EXPECT_EQ(curve->findPoint(std::nextafter(10.0F, 11.0F)), nullptr);
     EXPECT_EQ(curve->findPoint(std::numeric_limits<float>::quiet_NaN()), nullptr);
     EXPECT_EQ(curve->findPoint(-0.0F), curve->findPoint(0.0F));
+}
+
+TEST_F(CurveQueries, AKeyWhoseFrameIsNoNumberStandsNowhereAmongTheOthers) {
+    const float nowhere = std::numeric_limits<float>::quiet_NaN();
+    kaControlPoint2D* lost = at(10);
+    const auto before = curve->getPoints();
+    lost->setPosition(nowhere, 7.0F);
+    auto expected = before;
+    expected.erase(10.0F);
+    EXPECT_EQ(curve->getPoints(), expected);
+    EXPECT_FALSE(lost->computeTangents());
+    kaAnimationCurve2D* single = makeCurve(std::vector<Spot>{{nowhere, 1.0F}, {5.0F, 2.0F}});
+    EXPECT_EQ(single->getPoints().size(), 1U);
+    float value = 3.0F;
+    EXPECT_FALSE(kaAnimationController::the()->computeCurveValue(single, 5.0F, value));
+    EXPECT_EQ(value, 3.0F);
 }
 
 TEST_F(CurveQueries, FindingByIdNeedsAKeyOfThisCurve) {

@@ -5,7 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
 #include <set>
+#include <sstream>
+#include <stdexcept>
 
 using namespace ka_test;
 
@@ -51,48 +57,148 @@ TEST_P(Gallery, IsSampledToTheSameFloatAsThePlainFormula) {
     }
 }
 
-/// The curves on which the formula itself is off, with the largest error in their value that it makes.
-double allowedError(const std::string& name) {
-    const std::pair<const char*, double> known[] = {
-        {"vertical_in_the_middle",
-         0.3}, // within 1e-6 of a triple root the plain power stands for the signed root
-    };
-    for (const auto& entry : known)
-        if (name == entry.first)
-            return entry.second;
-    return 2e-6;
+/// How far a curve's samples are from the truth, at worst.
+struct Worst {
+    double error = 0.0; ///< in value, relative to the largest value of the segment where that is above 1
+    int refused = 0;    ///< frames within a segment that get no value
+    SegmentCase at;
+};
+
+/// The segments of a curve that have a truth to compare with: neither steps nor made of what is no number.
+std::vector<SegmentCase> cubicSegments(const std::vector<Key>& keys) {
+    std::vector<SegmentCase> segments;
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        const SegmentCase segment{keys[i - 1], keys[i], 0.0F};
+        const auto& [left, right, frame] = segment;
+        if (!isStep(segment) &&
+            std::isfinite(left.out.x + right.in.x + left.key.y + right.key.y + right.key.x))
+            segments.push_back(segment);
+    }
+    return segments;
 }
 
-TEST_P(Gallery, StaysByTheTruth) {
-    kaAnimationCurve2D* curve = build(GetParam());
-    const std::vector<Key> keys = sampledKeys(GetParam());
-    double worst = 0.0;
-    float worstFrame = 0.0F;
-    for (float frame : framesOver(keys))
-        for (std::size_t i = 1; i < keys.size(); ++i) {
-            const Key& left = keys[i - 1];
-            const Key& right = keys[i];
-            const bool step = left.out.x == left.key.x && left.out.y == left.key.y &&
-                              right.in.x == right.key.x && right.in.y == right.key.y;
-            const bool numbers =
-                std::isfinite(left.out.x + right.in.x + left.key.y + right.key.y + right.key.x);
-            const Sample actual = moduleSample(curve, frame);
-            if (step || !numbers || !(left.key.x <= frame && frame < right.key.x) || !actual.written)
+template <class Sampler>
+Worst worstOf(const std::vector<Key>& keys, Sampler&& sampler) {
+    Worst worst;
+    const std::vector<float> frames = framesOver(keys);
+    for (SegmentCase segment : cubicSegments(keys)) {
+        double scale = 1.0;
+        for (const Spot& spot : {segment.left.key, segment.left.out, segment.right.in, segment.right.key})
+            scale = std::max(scale, std::fabs(static_cast<double>(spot.y)));
+        for (float frame : frames) {
+            if (!(segment.left.key.x <= frame && frame < segment.right.key.x))
                 continue;
-            double scale = 1.0;
-            for (const Spot& spot : {left.key, left.out, right.in, right.key})
-                scale = std::max(scale, std::fabs(static_cast<double>(spot.y)));
-            const double error = errorAgainst(trueValues(left, right, frame), actual.value) / scale;
-            if (error > worst) {
-                worst = error;
-                worstFrame = frame;
+            segment.frame = frame;
+            const Sample sample = sampler(segment);
+            worst.refused += sample.written ? 0 : 1;
+            const double error =
+                sample.written
+                    ? errorAgainst(trueValues(segment.left, segment.right, frame), sample.value) / scale
+                    : 0.0;
+            if (error > worst.error) {
+                worst.error = error;
+                worst.at = segment;
             }
         }
-    EXPECT_LE(worst, allowedError(GetParam().name)) << "at " << worstFrame;
+    }
+    return worst;
+}
+
+// The errors that the formula itself makes, kept in a file.
+
+/// Below this a sample is as good as single precision gives it.
+constexpr double ROUNDING = 2e-6;
+
+using Table = std::map<std::string, Worst>;
+
+Worst worstOfFormula(const GalleryCurve& curve) {
+    return worstOf(sampledKeys(curve), [](const SegmentCase& segment) {
+        return referenceSegment(segment.left, segment.right, segment.frame);
+    });
+}
+
+void write(const std::string& path) {
+    std::ofstream file(path);
+    file
+        << "# The curves of the gallery on which the closed cubic formula itself is off, or gives no value: "
+           "how "
+           "far at worst\n"
+           "# from the nearest of the true values (bisection in long double), how many frames get no value, "
+           "and "
+           "the worst\n"
+           "# place: cubic coefficient A of the time polynomial, discriminant D, frame. Where |D| < 1e-6 the "
+           "formula takes\n"
+           "# the roots of D = 0, with the plain power for the cube root; where A is nearly 0 its digits "
+           "cancel. "
+           "Curves that\n"
+           "# are not listed stay within 2e-6. Written by KA_WRITE_GOLDEN=1.\n"
+           "# curve error refused | A D frame\n";
+    for (const GalleryCurve& curve : gallery()) {
+        const Worst worst = worstOfFormula(curve);
+        if (worst.error <= ROUNDING && worst.refused == 0)
+            continue;
+        char line[160];
+        std::snprintf(line, sizeof(line), "%s %.2e %d | %.2e %.2e %.9g\n", curve.name.c_str(), worst.error,
+                      worst.refused, timePolynomial(worst.at.left, worst.at.right).a, discriminant(worst.at),
+                      static_cast<double>(worst.at.frame));
+        file << line;
+    }
+}
+
+Table read(const std::string& path) {
+    Table table;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::istringstream words(line);
+        std::string name;
+        Worst worst;
+        if (!(words >> name >> worst.error >> worst.refused))
+            throw std::runtime_error("not a row of the table: " + line);
+        table[name] = worst;
+    }
+    return table;
+}
+
+const Table& recorded() {
+    static const Table table = [] {
+        if (std::getenv("KA_WRITE_GOLDEN"))
+            write(KA_GALLERY_TABLE);
+        return read(KA_GALLERY_TABLE);
+    }();
+    return table;
+}
+
+/// Another mathematical library may round otherwise; a change of magnitude is a change of the formula.
+void expectAsRecorded(const std::string& name, const Worst& now) {
+    const auto found = recorded().find(name);
+    const Worst then = found == recorded().end() ? Worst{ROUNDING, 0, {}} : found->second;
+    EXPECT_LE(now.error, then.error > ROUNDING ? then.error * 1.5 : ROUNDING) << now.at;
+    EXPECT_NEAR(now.refused, then.refused, 0.02 * then.refused);
+    EXPECT_GE(now.error, then.error > ROUNDING ? then.error / 1.5 : 0.0)
+        << "the table says more than is true";
+}
+
+TEST_P(Gallery, StaysAsNearToTheTruthAsTheTableSays) {
+    ModuleSegment module;
+    expectAsRecorded(GetParam().name, worstOf(sampledKeys(GetParam()), [&](const SegmentCase& segment) {
+                         return module.sample(segment);
+                     }));
+}
+
+TEST_P(Gallery, HasTheErrorsOfTheFormulaInTheTable) {
+    expectAsRecorded(GetParam().name, worstOfFormula(GetParam()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Curves, Gallery, testing::ValuesIn(gallery()),
                          [](const auto& row) { return row.param.name; });
+
+TEST(GalleryItself, IsAllThatTheTableNames) {
+    for (const auto& entry : recorded())
+        EXPECT_EQ(galleryCurve(entry.first).name, entry.first);
+    EXPECT_FALSE(recorded().empty());
+}
 
 TEST(GalleryItself, HasFortyCurvesOrMoreUnderNamesOfTheirOwn) {
     std::set<std::string> names;

@@ -44,11 +44,6 @@ SegmentCase randomSegment(Random& random) {
     return segment;
 }
 
-bool isStep(const SegmentCase& segment) {
-    const auto same = [](const Spot& a, const Spot& b) { return a.x == b.x && a.y == b.y; };
-    return same(segment.left.out, segment.left.key) && same(segment.right.in, segment.right.key);
-}
-
 class RandomSegments : public RegistryFixture {};
 
 TEST_F(RandomSegments, AreSampledToTheSameFloatAsThePlainFormula) {

@@ -47,6 +47,11 @@ std::uint64_t Random::next() {
     return mixed ^ (mixed >> 31U);
 }
 
+bool isStep(const SegmentCase& segment) {
+    const auto same = [](const Spot& a, const Spot& b) { return a.x == b.x && a.y == b.y; };
+    return same(segment.left.out, segment.left.key) && same(segment.right.in, segment.right.key);
+}
+
 double discriminant(const SegmentCase& segment) {
     const TimePolynomial x = timePolynomial(segment.left, segment.right);
     const double x0 = static_cast<double>(segment.left.key.x);

@@ -52,6 +52,9 @@ class Random {
     std::uint64_t _state;
 };
 
+/// Whether both handles stand on their keys, which makes the segment hold its first value.
+bool isStep(const SegmentCase& segment);
+
 /// |D| of the depressed cubic that the formula solves; what it compares with its threshold.
 double discriminant(const SegmentCase& segment);
 

@@ -29,18 +29,17 @@ double radians(double degrees) {
     return degrees * PI / 180.0;
 }
 
-/// The smallest root in [0, 1] of the polynomial without its cubic term.
+/// The smallest root in [0, 1] of the polynomial without its cubic term. The root farther from 0 comes from a
+/// sum of like signs, the other from their product, so that neither loses its sign to rounding.
 std::optional<double> lowerDegreeRoot(double b, double c, double s) {
     std::vector<double> roots;
     if (b == 0.0) {
         if (c != 0.0)
             roots.push_back(s / c);
-    } else {
-        const double square = c * c + 4.0 * b * s;
-        if (square >= 0.0) {
-            roots.push_back((-c - std::sqrt(square)) / (2.0 * b));
-            roots.push_back((-c + std::sqrt(square)) / (2.0 * b));
-        }
+    } else if (const double square = c * c + 4.0 * b * s; square >= 0.0) {
+        const double far = -(c + std::copysign(std::sqrt(square), c)) / (2.0 * b);
+        roots.push_back(far);
+        roots.push_back(far != 0.0 ? -s / b / far : far);
     }
     std::sort(roots.begin(), roots.end());
     const auto found = std::find_if(roots.begin(), roots.end(), inUnit);
@@ -134,13 +133,16 @@ Sample referenceSegment(const Key& left, const Key& right, float frame) {
 std::map<float, Key> referencePoints(const std::vector<Key>& keys) {
     std::map<float, Key> points;
     for (const Key& key : keys)
-        points.emplace(key.key.x, key);
+        if (!std::isnan(key.key.x))
+            points.emplace(key.key.x, key);
     return points;
 }
 
 Sample referenceSample(const std::vector<Key>& keys, float frame) {
     Sample sample;
-    if (keys.size() < 2)
+    const auto placed =
+        std::count_if(keys.begin(), keys.end(), [](const Key& key) { return !std::isnan(key.key.x); });
+    if (placed < 2)
         return sample;
     const std::map<float, Key> points = referencePoints(keys);
     if (points.size() == 1) {
@@ -184,14 +186,16 @@ Wide bisect(const WideTime& time, Wide low, Wide high) {
     return (low + high) / 2;
 }
 
-/// Where the derivative of the time changes sign within (0, 1): between these places the time is monotone.
+/// The range in which the formula takes roots, and where in it the derivative of the time changes sign:
+/// between these places the time is monotone.
 std::vector<Wide> monotonePieces(const WideTime& time) {
     const Wide c2 = 3 * (3 * time.x1 - 3 * time.x2 + time.x3);
     const Wide c1 = 6 * (time.x2 - 2 * time.x1);
     const Wide c0 = 3 * time.x1;
-    std::vector<Wide> places = {0, 1};
+    const Wide first = -static_cast<Wide>(SMALL);
+    std::vector<Wide> places = {first, 0, 1};
     const auto add = [&](Wide t) {
-        if (t > 0 && t < 1)
+        if (t > first && t < 1)
             places.push_back(t);
     };
     const Wide square = c1 * c1 - 4 * c2 * c0;

@@ -22,7 +22,7 @@ Sample referenceSegment(const Key& left, const Key& right, float frame);
 /// keys.
 Sample referenceSample(const std::vector<Key>& keys, float frame);
 
-/// The keys that sampling goes by: by frame, of equal frames the first.
+/// The keys that sampling goes by: by frame, of equal frames the first; none whose frame is no number.
 std::map<float, Key> referencePoints(const std::vector<Key>& keys);
 
 /// Coefficients of the time polynomial A t^3 + B t^2 + C t - s of a segment, in double precision.
@@ -33,9 +33,9 @@ struct TimePolynomial {
 };
 TimePolynomial timePolynomial(const Key& left, const Key& right);
 
-/// The values of the segment at `frame`, one for each root in [0, 1] of the time polynomial, found by
-/// bisection in long double. Where the polynomial only touches the frame the touching place is no sign change
-/// and is not found.
+/// The values of the segment at `frame`, one for each root of the time polynomial in [-1e-6, 1], which is
+/// where the formula accepts roots, found by bisection in long double. Where the polynomial only touches the
+/// frame the touching place is no sign change and is not found.
 std::vector<long double> trueValues(const Key& left, const Key& right, float frame);
 
 /// Distance of `value` from the nearest of `values`; infinite when there are none.

@@ -1,5 +1,6 @@
 #include "kaAnimationCurve2D.h"
 
+#include "kaAliveGuard.h"
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
 #include "kaAnimationUtils.h"
@@ -8,6 +9,7 @@
 #include "kaObjectRegistry.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 
@@ -103,7 +105,8 @@ std::vector<kaControlPoint2D*> kaAnimationCurve2D::selectedPoints() const {
 std::map<float, kaControlPoint2D*> kaAnimationCurve2D::getPoints() const {
     std::map<float, kaControlPoint2D*> result;
     for (kaControlPoint2D* point : points())
-        result.emplace(point->getPosition()[0], point);
+        if (!std::isnan(point->getPosition()[0]))
+            result.emplace(point->getPosition()[0], point);
     return result;
 }
 
@@ -137,10 +140,7 @@ kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(kaCont
     const kaChildList* keys = childrenOrNull();
     if (!point || !keys || !keys->contains(point->getId()))
         return {nullptr, nullptr};
-    const kaAnimationObject* listed = kaAnimationManager::the()->getObject(point->getId());
-    if (!listed)
-        return {nullptr, nullptr};
-    const auto beside = keys->beside(*listed);
+    const auto beside = keys->beside(point->getId());
     return {asPoint(beside.first), asPoint(beside.second)};
 }
 
@@ -203,8 +203,12 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
     if (!point)
         return nullptr;
     kaControlPoint2D* existing = findPoint(point->getPosition()[0]);
-    if (existing && existing != point)
+    if (existing && existing != point) {
+        const kaAliveGuard alive(*point);
         subObject(existing, true);
+        if (!alive)
+            return nullptr; // it was a handle of the key that gave way
+    }
     point->setParent(getId());
     if (!children().contains(point->getId()))
         children().append(point->getId());

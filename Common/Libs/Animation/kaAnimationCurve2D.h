@@ -58,7 +58,8 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     void flip() override;
     void triggerLoop(float frame) override;
 
-    /// The registered keys by x; of keys at one x the first in child order. Cost: O(n log n), a new map.
+    /// The registered keys by x; of keys at one x the first in child order. Keys whose x is not a number have
+    /// no place in an order and are left out. Cost: O(n log n), a new map.
     std::map<float, kaControlPoint2D*> getPoints() const;
     kaControlPoint2D* findPoint(float x) const;
     kaControlPoint2D* findPoint(kaUID id) const;

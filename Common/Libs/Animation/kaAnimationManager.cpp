@@ -340,8 +340,9 @@ void kaAnimationManager::destroyPoint2D(kaControlPoint2D* point) {
     if (!point)
         return;
     const kaUID id = point->getId();
-    if (kaAnimationCurve2D* curve = getCurve2D(point->getParent()))
-        curve->subObject(point, false);
+    kaAnimationObject* parent = point->getParentObject();
+    if (parent && parent->getTypeID() == KA_TYPE_CURVE)
+        parent->subObject(point, false);
     _registry->erase(id);
     delete point;
 }

@@ -73,8 +73,8 @@ std::map<unsigned long long, void (*)()> kaAnimationManager::getCallbackConnecti
 bool kaAnimationManager::moveObjectToStreak(kaAnimationObject* object, kaAnimationStreak* streak) {
     if (!object || !streak)
         return false;
-    kaAnimationStreak* parent = getStreak(object->getParent());
-    if (!parent || !streak->mayAdopt(*object) || !parent->subObject(object, false))
+    kaAnimationObject* parent = object->getParentObject();
+    if (!parent || parent->getTypeID() != KA_TYPE_STREAK || !streak->mayAdopt(*object) || !parent->subObject(object, false))
         return false;
     return streak->addObject(object) != nullptr;
 }

@@ -40,7 +40,7 @@ std::vector<Object*> topLevelObjects(const kaAnimationManager& manager) {
     std::vector<Object*> objects;
     for (const auto& entry : manager.registry().byType(Object::_typeID)) {
         kaAnimationObject* object = entry.second;
-        if (!object->isInternal() && !manager.getObject(object->getParent()))
+        if (!object->isInternal() && !object->getParentObject())
             objects.push_back(static_cast<Object*>(object));
     }
     return objects;

@@ -38,6 +38,10 @@ kaAnimationObject* find(kaUID id) {
 void removeShared(std::set<kaUID>& ids, const std::set<kaUID>& gone) {
     if (ids.empty() || (gone.count(0) > 0 && ids.count(0) > 0))
         return;
+    if (&ids == &gone) {
+        ids.clear();
+        return;
+    }
     for (kaUID id : gone)
         ids.erase(id);
 }
@@ -452,17 +456,8 @@ void climb(kaAnimationObject& object, bool recursive, Step&& step) {
 } // namespace
 
 void kaAnimationObject::updateBy(kaAnimationObject* child, Operation operation, bool recursive) {
-    if (!child)
-        return;
-    if (child != this || operation != SUB_OBJECT) {
+    if (child)
         takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
-        return;
-    }
-    // An object that stands for its own child (a curve that lost its last key) loses the very ids that its
-    // ancestors are to lose, so these are kept aside.
-    const std::set<kaUID> curves = getCurveIDs();
-    const std::set<kaUID> sequences = getSequenceIDs();
-    takeInUpwards(curves, sequences, operation, recursive);
 }
 
 void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation operation, bool recursive) {
@@ -473,14 +468,22 @@ void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation opera
                   operation, recursive);
 }
 
+/// An object that stands for its own child (a curve that lost its last key) or comes round in a ring of
+/// parents loses the very ids that the others are to lose, so it loses them last.
 void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
                                       Operation operation, bool recursive) {
+    kaAnimationObject* source = nullptr;
     climb(*this, recursive, [&](kaAnimationObject& level) {
-        level.takeIn(curves, sequences, operation);
+        if (operation == SUB_OBJECT && level._group && &level._group->curves == &curves)
+            source = &level;
+        else
+            level.takeIn(curves, sequences, operation);
         if (level._group)
             level._group->children.sort();
         level.updateBounds();
     });
+    if (source)
+        source->takeIn(curves, sequences, operation);
 }
 
 void kaAnimationObject::tellParentMoved(bool tellParent) {

@@ -12,8 +12,9 @@ bool isTrack(const kaAnimationObject& object) {
 }
 
 kaAnimationObject* copyOf(kaAnimationObject& child) {
-    kaAnimationManager* manager = kaAnimationManager::the();
-    return manager->duplicateStreak(manager->getStreak(child.getId()));
+    return isTrack(child)
+               ? kaAnimationManager::the()->duplicateStreak(static_cast<kaAnimationStreak*>(&child))
+               : nullptr;
 }
 
 } // namespace

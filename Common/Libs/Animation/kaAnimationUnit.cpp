@@ -6,13 +6,14 @@
 
 namespace {
 
-kaAnimationObject* copyOf(kaAnimationObject& child) {
-    kaAnimationManager* manager = kaAnimationManager::the();
-    return manager->duplicateCurve2D(manager->getCurve2D(child.getId()));
-}
-
 bool isCurve(const kaAnimationObject* object) {
     return object && object->getTypeID() == KA_TYPE_CURVE;
+}
+
+kaAnimationObject* copyOf(kaAnimationObject& child) {
+    return isCurve(&child)
+               ? kaAnimationManager::the()->duplicateCurve2D(static_cast<kaAnimationCurve2D*>(&child))
+               : nullptr;
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <list>
 
 namespace {
@@ -603,23 +604,19 @@ kaAnimationObject* kaChildList::firstAt(float begin) const {
     return found;
 }
 
-std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAnimationObject& child) const {
+std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(kaUID id) const {
     if (_mirrored) {
-        const Place place = find(child);
+        const Place place = find(*resolve(id));
         const Entry* previous = before(place);
         const Entry* next = at(normalized(place.chunk, place.index + 1));
         return {previous ? previous->object : nullptr, next ? next->object : nullptr};
     }
     std::pair<kaAnimationObject*, kaAnimationObject*> result;
-    bool passed = false;
-    forEach([&](kaAnimationObject& object) {
-        if (&object == &child && !passed)
-            passed = true;
-        else if (!passed)
-            result.first = &object;
-        else if (!result.second)
-            result.second = &object;
-    });
+    const auto place = std::find(_ids.begin(), _ids.end(), id);
+    for (auto it = std::make_reverse_iterator(place); it != _ids.rend() && !result.first; ++it)
+        result.first = resolve(*it);
+    for (auto it = std::next(place); it != _ids.end() && !result.second; ++it)
+        result.second = resolve(*it);
     return result;
 }
 

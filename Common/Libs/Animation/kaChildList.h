@@ -81,8 +81,9 @@ class kaChildList {
     bool contains(kaUID id) const;
     kaAnimationObject* firstAt(float begin) const;
 
-    /// The registered children next to `child` in list order; `child` must be in the list.
-    std::pair<kaAnimationObject*, kaAnimationObject*> beside(const kaAnimationObject& child) const;
+    /// The registered children next to the first entry equal to `id` in list order; there must be one. The
+    /// entry itself may be unknown to the registry.
+    std::pair<kaAnimationObject*, kaAnimationObject*> beside(kaUID id) const;
 
     /// What stands around a begin in ascending order of begin; of equal begins the first in list order.
     struct Around {

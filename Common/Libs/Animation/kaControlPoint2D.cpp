@@ -116,9 +116,10 @@ void kaControlPoint2D::setSelected(bool selected) {
 bool kaControlPoint2D::computeTangents() {
     if (!_inTangent || !_outTangent || _tangentType == TANGENT_USER)
         return false;
-    const kaAnimationCurve2D* curve = kaAnimationManager::the()->getCurve2D(getParent());
-    if (!curve)
+    const kaAnimationObject* parent = getParentObject();
+    if (!parent || parent->getTypeID() != KA_TYPE_CURVE)
         return false;
+    const auto* curve = static_cast<const kaAnimationCurve2D*>(parent);
     const kaAnimationCurve2D::Neighbours neighbours = curve->neighboursByX(_position[0]);
     if (!neighbours.exists || (!neighbours.previous && !neighbours.next))
         return false;

@@ -34,9 +34,11 @@ void kaCurveView::pack(const kaAnimationCurve2D& curve, const kaChildList* keys)
     keys->forEach([&](kaAnimationObject& child) {
         if (child.getTypeID() != KA_TYPE_POINT)
             return;
-        ++_count;
         const auto& point = static_cast<const kaControlPoint2D&>(child);
         const float x = point.getPosition()[0];
+        if (std::isnan(x))
+            return; // it stands nowhere in the order
+        ++_count;
         if (_keys.empty() || x > _keys.back().x)
             add(point);
         else if (x != _keys.back().x)

@@ -33,7 +33,7 @@ kaAnimationManager& manager() {
 /// deep.
 unsigned int levelBelow(const kaAnimationObject* parent) {
     unsigned int level = 1;
-    for (; parent && level <= KA_MAX_DEPTH; parent = manager().getObject(parent->getParent()))
+    for (; parent && level <= KA_MAX_DEPTH; parent = parent->getParentObject())
         ++level;
     return level;
 }

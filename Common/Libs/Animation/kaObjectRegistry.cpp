@@ -39,17 +39,21 @@ void kaObjectRegistry::erase(kaUID id) {
     ++_epoch;
 }
 
-/// By its own id first; a host that changed the id behind the registry's back pays for a walk. Called when
-/// the object is all but gone, so its type is not asked.
-void kaObjectRegistry::drop(kaAnimationObject& object) {
+/// The object's own id first; a host that changed the id behind the registry's back pays for a walk.
+kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object) const {
     auto found = _index.find(object.getId());
     if (found == _index.end() || found->second != &object)
         found = std::find_if(_index.begin(), _index.end(),
                              [&object](const auto& entry) { return entry.second == &object; });
-    if (found == _index.end())
+    return found != _index.end() ? found->first : object.getId();
+}
+
+/// Called when the object is all but gone, so its type is not asked.
+void kaObjectRegistry::drop(kaAnimationObject& object) {
+    const kaUID id = keyOf(object);
+    if (find(id) != &object)
         return;
-    const kaUID id = found->first;
-    _index.erase(found);
+    _index.erase(id);
     for (auto& objects : _byType)
         objects.erase(id);
     object._registered = false;
@@ -81,11 +85,14 @@ void kaObjectRegistry::eraseField(kaUID id) {
 /// The new entries are made first; taking the old one away and merging a node allocate nothing.
 void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) {
     const unsigned int type = object.getTypeID();
+    const kaUID former = object._registered && find(from) != &object ? keyOf(object) : from;
     std::map<kaUID, kaAnimationObject*> entry;
     if (type != KA_TYPE_POINT)
         entry.emplace(to, &object);
     _index.emplace(to, &object);
     erase(from);
+    if (former != from)
+        erase(former);
     _byType[type].merge(entry);
     object._registered = true;
     _epoch += type != KA_TYPE_POINT ? 1 : 0;

@@ -37,7 +37,7 @@ class kaObjectRegistry {
     void drop(kaAnimationObject& object);
 
     /// Takes the entry of `from` away, whatever object it holds, and enters `object` under `to`, which is
-    /// free and the object's id. When memory runs out nothing is changed.
+    /// free and the object's id; any other entry of the object goes. When memory runs out nothing is changed.
     void replace(kaUID from, kaAnimationObject& object, kaUID to);
 
     bool insertField(kaAnimationField& field);
@@ -77,6 +77,9 @@ class kaObjectRegistry {
     std::uint64_t fieldEpoch() const { return _fieldEpoch; }
 
   private:
+    /// The id under which an object stands; its own, unless a host changed that behind the registry's back.
+    kaUID keyOf(const kaAnimationObject& object) const;
+
     boost::unordered_flat_map<kaUID, kaAnimationObject*> _index;
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
     boost::unordered_flat_map<kaUID, kaAnimationField*> _fieldIndex;

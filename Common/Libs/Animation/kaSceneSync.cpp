@@ -23,7 +23,7 @@ std::vector<kaUID> copied(const osg::MFUInt64& ids) {
 }
 
 bool isTopLevel(const kaAnimationObject& object) {
-    return manager().getObject(object.getParent()) == nullptr;
+    return object.getParentObject() == nullptr;
 }
 
 // Destroying announces scene changes, and the host may destroy more meanwhile: every id is resolved just
