@@ -3,6 +3,7 @@
 
 #include <OpenSG/OSGCameraSetting.h>
 #include <OpenSG/OSGSceneFileHandler.h>
+#include <OpenSG/OSGSimpleAttachments.h>
 #include <sstream>
 
 namespace {
@@ -31,12 +32,12 @@ class ImportFiles : public ImportFixture {
         manager().importORVAAnimations(top(), find("camera"), 1);
         return kaAnimationManager::getImportReport();
     }
-    osg::NodePtr top() const { return root->getChild(0); }
+    osg::NodePtr top() { return root->getChild(0); }
 
-    osg::NodePtr find(const std::string& name) const {
+    osg::NodePtr find(const std::string& name) {
         std::vector<osg::NodePtr> pending{root};
         while (!pending.empty()) {
-            const osg::NodePtr current = pending.back();
+            osg::NodePtr current = pending.back();
             pending.pop_back();
             const osg::Char8* found = osg::getName(current);
             if (found && name == found)
@@ -115,7 +116,7 @@ TEST_F(ImportFiles, WhatCannotBeImportedIsLeftOut) {
 TEST_F(ImportFiles, AGeneratedSceneComesBackFromItsFile) {
     manager().addAnimationAttributes("translation,scale");
     const ka_older::Shape shape{20, 5, 4, 3, 4, 11};
-    const osg::NodePtr written = ka_older::makeScene(shape);
+    osg::NodePtr written = ka_older::makeScene(shape);
     osg::addRefCP(written);
     std::stringstream file;
     ASSERT_TRUE(osg::SceneFileHandler::the().write(written, file, "osg"));

@@ -212,7 +212,7 @@ TEST_F(ImportScene, TellsWhatBecameWhat) {
     EXPECT_EQ(report.keys, 8U);
     EXPECT_EQ(report.leftOutCount, 2U);
     ASSERT_THAT(report.leftOut, SizeIs(2));
-    EXPECT_EQ(report.leftOut[0].name, "wobble curve");
+    EXPECT_EQ(report.leftOut[0].name, "wobble");
     EXPECT_EQ(report.leftOut[0].reason, kaImportReport::Reason::NoAttribute);
     EXPECT_EQ(report.leftOut[1].reason, kaImportReport::Reason::NoNode);
 }

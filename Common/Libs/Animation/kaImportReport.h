@@ -22,7 +22,7 @@ struct KA_ANIMATION_API kaImportReport {
 
     struct LeftOut {
         std::string kind; ///< "clip", "track", "block", "sequence" or "curve"
-        std::string name; ///< as the older scene has it; tracks have none
+        std::string name; ///< as the older scene has it; of a curve what it animates; tracks have none
         Reason reason;
     };
 

@@ -298,13 +298,13 @@ kaAnimationCurve2D* kaLegacyImport::importCurve(const osg::AnimationCurvePtr& cu
     const kaLegacyCurve source(curve);
     const osg::NodePtr target = nodeOf(source, *unit, node);
     if (target == osg::NullFC) {
-        _report.leaveOut("curve", source.name, Reason::NoNode);
+        _report.leaveOut("curve", source.attributeName(), Reason::NoNode);
         return nullptr;
     }
     const kaAliveGuard alive(*unit);
     kaAnimationField* field = manager().getField(target, source.attributeName());
     if (!field)
-        _report.leaveOut("curve", source.name, Reason::NoAttribute);
+        _report.leaveOut("curve", source.attributeName(), Reason::NoAttribute);
     if (!field || !alive)
         return nullptr;
     kaAnimationCurve2D* imported = manager().createCurve2D(field, field->attribute, 0, false);
