@@ -57,6 +57,8 @@ echo "== the tool alone"
 installInside ./packages/libkaanimation[0-9]*.deb ./packages/ka-anim_*.deb
 inside ka-anim --version
 inside ka-anim --help >/dev/null
+inside test -s /usr/share/man/man1/ka-anim.1
+inside bash -c 'source /usr/share/bash-completion/completions/ka-anim && complete -p ka-anim'
 
 echo "== a project built against the library"
 installInside ./packages/libkaanimation-dev_*.deb cmake g++ ninja-build pkg-config

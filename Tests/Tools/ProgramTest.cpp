@@ -14,11 +14,15 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-const char* const commands[] = {"import", "sample", "pose", "plot", "render", "play", "demo"};
+const char* const commands[] = {"import", "sample", "pose",  "plot",    "render",
+                                "play",   "copy",   "paste", "upgrade", "demo"};
 
 class ProgramTest : public ::testing::Test {
   protected:
-    void SetUp() override { _folder.write("walk.bvh", shortCapture(97)); }
+    void SetUp() override {
+        _folder.write("walk.bvh", shortCapture(97));
+        _folder.write("door.osg", readFile(std::string(KA_LIFE_DATA) + "/one_curve.osg"));
+    }
 
     ProgramRun run(const std::vector<std::string>& arguments) const {
         return runKaAnim(arguments, _folder.path(""));

@@ -68,9 +68,18 @@ void addProjectOptions(CLI::App& command, ProjectFiles& files) {
 void addFormatOption(CLI::App& command, Format& format) {
     static const std::map<std::string, Format> names{{"csv", Format::Csv}, {"json", Format::Json}};
     command.add_option("--format", format, "csv or json")
-        ->type_name("")
+        ->type_name("csv|json")
         ->transform(CLI::CheckedTransformer(names).description(""))
         ->default_str(format == Format::Csv ? "csv" : "json");
+}
+
+void addTextFormatOption(CLI::App& command, TextFormat& format) {
+    static const std::map<std::string, TextFormat> names{{"text", TextFormat::Text},
+                                                         {"json", TextFormat::Json}};
+    command.add_option("--format", format, "text or json")
+        ->type_name("text|json")
+        ->transform(CLI::CheckedTransformer(names).description(""))
+        ->default_str("text");
 }
 
 void addObjectOption(CLI::App& command, std::string& object) {
@@ -84,8 +93,15 @@ void addOutputOption(CLI::App& command, std::string& path, const std::string& wh
     command.add_option("-o,--output", path, what)->type_name("PATH")->required();
 }
 
-void addExamples(CLI::App& command, const std::vector<std::string>& lines) {
-    std::string text = "Examples:";
+void addSceneOutputs(CLI::App& command, SceneOutputs& outputs, const std::string& documentOption) {
+    addOutputOption(command, outputs.scene, "the scene to write (.osg)");
+    command.add_option(documentOption, outputs.document, "the animation document to write (.xml)")
+        ->type_name("PATH")
+        ->required();
+}
+
+void addExamples(CLI::App& command, const std::vector<std::string>& lines, const std::string& remark) {
+    std::string text = remark + (remark.empty() ? "" : "\n\n") + "Examples:";
     for (const std::string& line : lines)
         text += "\n  " + line;
     command.footer(text);

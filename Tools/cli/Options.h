@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/Project.h"
+#include "scene/SceneFiles.h"
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -12,6 +13,9 @@ namespace ka::tools {
 
 enum class Format { Csv, Json };
 
+/// For what is written for people first.
+enum class TextFormat { Text, Json };
+
 /// FILE and everything about reading it.
 void addProjectOptions(CLI::App& command, ProjectFiles& files);
 
@@ -21,11 +25,17 @@ void addModelOptions(CLI::App& command, ProjectFiles& files);
 /// `--format csv|json`.
 void addFormatOption(CLI::App& command, Format& format);
 
+/// `--format text|json`.
+void addTextFormatOption(CLI::App& command, TextFormat& format);
+
 /// `--object NAME`.
 void addObjectOption(CLI::App& command, std::string& object);
 
 /// `-o PATH`, needed.
 void addOutputOption(CLI::App& command, std::string& path, const std::string& what);
+
+/// `-o PATH` and an option of that name for the document, both needed.
+void addSceneOutputs(CLI::App& command, SceneOutputs& outputs, const std::string& documentOption);
 
 /// Accepts the numbers that a float can hold: frames.
 CLI::Validator finite();
@@ -36,7 +46,8 @@ CLI::Validator aboveZero(double high = 1e30);
 /// Accepts whole numbers from `low` to `high`.
 CLI::Validator between(int low, int high);
 
-/// Sets the examples that stand at the end of the command's help, one command line each.
-void addExamples(CLI::App& command, const std::vector<std::string>& lines);
+/// Sets the examples that stand at the end of the command's help, one command line each, and a remark before
+/// them.
+void addExamples(CLI::App& command, const std::vector<std::string>& lines, const std::string& remark = "");
 
 } // namespace ka::tools

@@ -24,6 +24,9 @@ void addPoseCommand(CLI::App& program, Action& action);
 void addPlotCommand(CLI::App& program, Action& action);
 void addRenderCommand(CLI::App& program, Action& action);
 void addPlayCommand(CLI::App& program, Action& action);
+void addCopyCommand(CLI::App& program, Action& action);
+void addPasteCommand(CLI::App& program, Action& action);
+void addUpgradeCommand(CLI::App& program, Action& action);
 void addDemoCommand(CLI::App& program, Action& action);
 
 } // namespace ka::tools

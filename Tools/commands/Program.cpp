@@ -18,6 +18,9 @@ void addCommands(CLI::App& program, Action& action) {
     addPlotCommand(program, action);
     addRenderCommand(program, action);
     addPlayCommand(program, action);
+    addCopyCommand(program, action);
+    addPasteCommand(program, action);
+    addUpgradeCommand(program, action);
     addDemoCommand(program, action);
 }
 
@@ -47,13 +50,23 @@ int run(std::vector<std::string> arguments) {
 
 } // namespace
 
-CommandLine readCommandLine(std::vector<std::string> arguments) {
-    CLI::App program("Imports, samples, plays and draws keyframe animations of 3D scenes.", "ka-anim");
-    program.set_version_flag("--version", "ka-anim " KA_VERSION);
+void describeProgram(CLI::App& program, Action& action) {
+    program.name("ka-anim");
+    program.description("Imports, samples, plays and draws keyframe animations of 3D scenes.");
+    program.footer(
+        "Data goes to standard output, messages to standard error. Exit codes: 0 fine, 1 findings, "
+        "2 a mistake in the command line, 3 an input that cannot be read, 4 an output that cannot "
+        "be written.");
+    program.set_version_flag("--version", "ka-anim " KA_VERSION, "Print the version and exit");
     program.require_subcommand(1);
     program.get_formatter()->column_width(32);
+    addCommands(program, action);
+}
+
+CommandLine readCommandLine(std::vector<std::string> arguments) {
+    CLI::App program;
     CommandLine line;
-    addCommands(program, line.action);
+    describeProgram(program, line.action);
     const std::string first = arguments.empty() ? std::string() : arguments.front();
     try {
         std::reverse(arguments.begin(), arguments.end());

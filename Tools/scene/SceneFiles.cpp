@@ -42,11 +42,6 @@ void expectContents(const std::string& file) {
         throw unreadable(file, "the file is empty");
 }
 
-bool isSameFile(const std::string& a, const std::string& b) {
-    std::error_code ignored;
-    return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
-}
-
 } // namespace
 
 bool isScene(const std::string& path) {
@@ -96,15 +91,19 @@ void readDocument(const std::string& file) {
         throw unreadable(file, "not readable as an animation document");
 }
 
-void writeSceneAndDocument(const osg::NodePtr& root, const std::string& sceneFile,
-                           const std::string& documentFile) {
-    if (isSameFile(sceneFile, documentFile))
+void checkOutputs(const SceneOutputs& outputs) {
+    if (!isScene(outputs.scene))
+        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + oneLine(outputs.scene));
+    if (!isDocument(outputs.document))
         throw Failure(ExitCode::Usage,
-                      "the scene and its animation cannot both be written to " + oneLine(sceneFile));
+                      "animation documents are written to .xml files, not " + oneLine(outputs.document));
+}
+
+void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs) {
     const std::string scene = sceneText(root);
     const QByteArray document = documentText();
-    replaceFile(documentFile, {document.constData(), static_cast<std::size_t>(document.size())});
-    replaceFile(sceneFile, scene);
+    replaceFile(outputs.document, {document.constData(), static_cast<std::size_t>(document.size())});
+    replaceFile(outputs.scene, scene);
 }
 
 } // namespace ka::tools

@@ -30,10 +30,18 @@ osg::NodePtr topOf(const osg::NodePtr& root);
 /// @throws Failure (Unreadable).
 void readDocument(const std::string& file);
 
+/// Where a scene and its animation go.
+struct SceneOutputs {
+    std::string scene;    ///< .osg
+    std::string document; ///< .xml
+};
+
+/// @throws Failure (Usage) when the names are not those of a scene and a document. Call it before the work.
+void checkOutputs(const SceneOutputs& outputs);
+
 /// Writes the scene and, as a document, everything registered. Both texts are complete before a file is
 /// touched.
-/// @throws Failure (OutputFailed), and (Usage) when both names are one.
-void writeSceneAndDocument(const osg::NodePtr& root, const std::string& sceneFile,
-                           const std::string& documentFile);
+/// @throws Failure (OutputFailed).
+void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs);
 
 } // namespace ka::tools

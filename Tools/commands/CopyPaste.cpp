@@ -1,0 +1,129 @@
+#include "scene/CopyPaste.h"
+
+#include "base/Text.h"
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "commands/Commands.h"
+#include "scene/NodeChoice.h"
+
+#include <memory>
+
+namespace ka::tools {
+
+namespace {
+
+struct CopyOptions {
+    ProjectFiles files;
+    std::string from, to;
+    SceneOutputs outputs;
+};
+
+struct PasteOptions {
+    ProjectFiles files;  ///< what is pasted into
+    ProjectFiles source; ///< where the animation comes from
+    std::string from, to;
+    SceneOutputs outputs;
+};
+
+void sayNotes(const Project& project) {
+    for (const std::string& note : project.report().notes)
+        say(note);
+}
+
+void sayPasted(const PasteReport& report, const std::string& what) {
+    for (const std::string& line : report.passedBy)
+        say("passed by: " + line);
+    say(what + " went to " + counted(report.pasted.size(), "node"));
+}
+
+std::string describe(const CopiedAnimation& animation) {
+    return counted(animation.curveCount(), "curve") + " of '" + oneLine(animation.name()) + "'";
+}
+
+ExitCode copy(const CopyOptions& options) {
+    checkOutputs(options.outputs);
+    const Project project(options.files);
+    sayNotes(project);
+    {
+        const osg::NodePtr from = chosenNode(project.root(), options.from);
+        const CopiedAnimation animation(from);
+        sayPasted(paste(animation, project.root(), options.to, from), describe(animation));
+    }
+    writeSceneAndDocument(project.root(), options.outputs);
+    return ExitCode::Fine;
+}
+
+ExitCode pasteFromOther(const PasteOptions& options) {
+    checkOutputs(options.outputs);
+    Project project(options.source);
+    sayNotes(project);
+    {
+        CopiedAnimation animation(chosenNode(project.root(), options.from));
+        animation.detach();
+        project.exchangeScene(options.files);
+        sayNotes(project);
+        sayPasted(paste(animation, project.root(), options.to, osg::NodePtr()), describe(animation));
+    }
+    writeSceneAndDocument(project.root(), options.outputs);
+    return ExitCode::Fine;
+}
+
+void addNodeOptions(CLI::App& command, std::string& from, std::string& to) {
+    command.add_option("--from", from, "the node to copy from, by name or by the end of its path (arm/hand)")
+        ->type_name("NODE")
+        ->required();
+    command
+        .add_option("--to", to,
+                    "the node to paste onto; with the wildcards * ? [...] every node that matches and has "
+                    "the attributes")
+        ->type_name("NODE")
+        ->required();
+}
+
+} // namespace
+
+void addCopyCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<CopyOptions>();
+    CLI::App* command = program.add_subcommand("copy", "Copy a node's animation to other nodes of its scene");
+    addProjectOptions(*command, options->files);
+    addNodeOptions(*command, options->from, options->to);
+    addSceneOutputs(*command, options->outputs, "--animation-out");
+    addExamples(
+        *command,
+        {"ka-anim copy walk.bvh --from LeftUpLeg --to RightUpLeg -o new.osg --animation-out new.xml",
+         "ka-anim copy walk.bvh --from Head --to '*Finger*' -o new.osg --animation-out new.xml"},
+        "What animates the other nodes already stays. A node takes the animation when it is of the same "
+        "kind and has every attribute that is animated.");
+    command->callback([options, &action] { action = [options](Output&) { return copy(*options); }; });
+}
+
+void addPasteCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<PasteOptions>();
+    CLI::App* command = program.add_subcommand("paste", "Bring a node's animation over from another scene");
+    addProjectOptions(*command, options->files);
+    command
+        ->add_option("--source", options->source.file,
+                     "what to copy from: a scene (.osg), or a model, read as FILE would be")
+        ->type_name("PATH")
+        ->required();
+    command
+        ->add_option("--source-animation", options->source.animation,
+                     "the animation document that goes with the source")
+        ->type_name("PATH");
+    addNodeOptions(*command, options->from, options->to);
+    addSceneOutputs(*command, options->outputs, "--animation-out");
+    addExamples(
+        *command,
+        {"ka-anim paste door.osg --source walk.bvh --from Hips --to door -o new.osg "
+         "--animation-out new.xml",
+         "ka-anim paste walk.bvh --source walk.bvh --from Hips --to '*Leg' -o new.osg "
+         "--animation-out new.xml"},
+        "A copy lasts no longer than the program, so copying there and pasting here are one command.");
+    command->callback([options, &action] {
+        options->source.import = options->files.import;
+        options->source.reader = options->files.reader;
+        action = [options](Output&) { return pasteFromOther(*options); };
+    });
+}
+
+} // namespace ka::tools
