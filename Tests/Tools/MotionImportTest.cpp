@@ -122,6 +122,14 @@ TEST_F(MotionImportTest, StraightAndSteppedSegmentsAreWhatTheSourceIs) {
     EXPECT_EQ(report.valuelessSegments, 0U);
 }
 
+TEST_F(MotionImportTest, ValuesTooSmallForThePlayerAreNoDifferenceToTheSource) {
+    Motion motion;
+    motion.nodes = {node("a", MotionNode::noParent)};
+    motion.takes = {
+        {"t", {translated(0, Interpolation::Linear, {{0, {0, 0, 0}, {}, {}}, {1, {9e-7, 0, 0}, {}, {}}})}}};
+    EXPECT_EQ(import(motion).worstMiddle, 0.0);
+}
+
 TEST_F(MotionImportTest, HandlesOfAStraightSegmentStandHalfWay) {
     Motion motion;
     motion.nodes = {node("a", MotionNode::noParent)};
