@@ -10,7 +10,6 @@ namespace {
 constexpr double Curves = 10000.0;
 constexpr double DestroyedObjects = 1100001.0 + 2.0;
 constexpr double Micro = 1e3;
-constexpr double Milli = 1e6;
 
 /// Without what the run adds to the name of a benchmark and its argument.
 std::string baseName(std::string name) {

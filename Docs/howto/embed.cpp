@@ -28,6 +28,7 @@ int main() {
 
     const bool open = kaNodeUtils::getTransformAttachment(door)->getRotation()[1] == 90.0F;
     manager->destroyCurve2D(opening);
+    manager->destroyNodeObjects(door, true); // its fields
     manager->terminate();
     kaAnimationManager::setSceneRootNode(osg::NullFC);
     osg::subRefCP(door);

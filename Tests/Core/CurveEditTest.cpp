@@ -10,7 +10,6 @@ namespace {
 using Spots = std::vector<Spot>;
 using Keys = std::vector<Key>;
 
-constexpr unsigned int USER = kaControlPoint2D::TANGENT_USER;
 
 class CurveEdit : public RegistryFixture {
   protected:

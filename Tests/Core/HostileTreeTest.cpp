@@ -197,8 +197,9 @@ TEST_F(HostileTree, AVeryDeepListWrittenDirectlyIsHandled) {
     useEverything(tracks.front());
     useEverything(tracks.back());
     manager->duplicateStreak(tracks.front());
+    const kaUID deepest = tracks.back()->getId();
     manager->destroyStreak(tracks.front());
-    EXPECT_EQ(manager->getObject(tracks.back()->getId()), nullptr);
+    EXPECT_EQ(manager->getObject(deepest), nullptr);
 }
 
 TEST_F(HostileTree, ListsOfUnknownAndRepeatedIdsAreSkippedOver) {

@@ -9,13 +9,17 @@ bool armed = false;
 bool failed = false;
 std::size_t remaining = 0;
 
-void* allocate(std::size_t size) {
+void* allocateOrNull(std::size_t size) noexcept {
     if (armed && remaining-- == 0) {
         armed = false;
         failed = true;
-        throw std::bad_alloc();
+        return nullptr;
     }
-    if (void* memory = std::malloc(size > 0 ? size : 1))
+    return std::malloc(size > 0 ? size : 1);
+}
+
+void* allocate(std::size_t size) {
+    if (void* memory = allocateOrNull(size))
         return memory;
     throw std::bad_alloc();
 }
@@ -44,6 +48,14 @@ void* operator new[](std::size_t size) {
     return allocate(size);
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
+    return allocateOrNull(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t& /*nothrow*/) noexcept {
+    return allocateOrNull(size);
+}
+
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
@@ -57,5 +69,13 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept {
 }
 
 void operator delete[](void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t& /*nothrow*/) noexcept {
+    std::free(memory);
+}
+
+void operator delete[](void* memory, const std::nothrow_t& /*nothrow*/) noexcept {
     std::free(memory);
 }

@@ -81,5 +81,8 @@ std::vector<double> niceTicks(double low, double high, int count) {
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
     return "leak:libfontconfig\n";
 }
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
 #endif
 #endif

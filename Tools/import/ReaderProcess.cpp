@@ -128,8 +128,10 @@ class Child {
 };
 
 /// Gathers the child's answer until it closes the pipe.
+/// @param inherited  bytes of memory that the child began with, its parent's.
 /// @throws Failure when it takes longer or grows larger than allowed.
-std::string receive(int pipe, const Child& child, const std::string& name, const ReaderLimits& limits) {
+std::string receive(int pipe, const Child& child, std::size_t inherited, const std::string& name,
+                    const ReaderLimits& limits) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(limits.seconds));
     const std::size_t bytes = limits.megabytes * 1024 * 1024;
@@ -139,7 +141,7 @@ std::string receive(int pipe, const Child& child, const std::string& name, const
         if (Clock::now() > end)
             throw unreadable(name,
                              "the reader was stopped after " + formatNumber(limits.seconds) + " seconds");
-        if (memoryOf(child.id(), 1) > bytes || answer.size() > bytes)
+        if (memoryOf(child.id(), 1) > inherited + bytes || answer.size() > bytes)
             throw unreadable(name, "the reader was stopped: it uses more than " +
                                        std::to_string(limits.megabytes) + " MB of memory");
         struct pollfd ready {
@@ -173,6 +175,7 @@ Motion readInChild(const ConfinedFolder& folder, const std::string& name, const 
     if (pipe2(ends, O_CLOEXEC) != 0)
         throw unreadable(name, std::string("no pipe to a reader: ") + std::strerror(errno));
     std::fflush(nullptr);
+    const std::size_t inherited = memoryOf(getpid(), 1);
     const pid_t id = fork();
     if (id == 0)
         runChild(ends[1], folder, limits, read);
@@ -181,7 +184,7 @@ Motion readInChild(const ConfinedFolder& folder, const std::string& name, const 
     if (id < 0)
         throw unreadable(name, std::string("no process for a reader: ") + std::strerror(errno));
     Child child(id);
-    const std::string answer = receive(*pipe, child, name, limits);
+    const std::string answer = receive(*pipe, child, inherited, name, limits);
     const int status = child.wait();
     if (answer.empty() || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw unreadable(name, causeOfDeath(status));

@@ -5,6 +5,27 @@
 #include "kaChildList.h"
 #include "kaTangents.h"
 
+#include <utility>
+
+namespace {
+
+/// A registered copy of a handle, none of null, that goes again unless a key takes it.
+class CopiedHandle {
+  public:
+    explicit CopiedHandle(kaControlPoint2D* source)
+        : _handle(kaAnimationManager::the()->duplicatePoint2D(source)) {}
+    ~CopiedHandle() { kaAnimationManager::the()->destroyPoint2D(_handle); }
+    CopiedHandle(const CopiedHandle&) = delete;
+    CopiedHandle& operator=(const CopiedHandle&) = delete;
+
+    kaControlPoint2D* release() { return std::exchange(_handle, nullptr); }
+
+  private:
+    kaControlPoint2D* _handle;
+};
+
+} // namespace
+
 kaControlPoint2D::kaControlPoint2D(const std::string& name, kaUID id, bool isTangent)
     : kaControlPoint2D(0.0F, 0.0F, name, id, isTangent) {}
 
@@ -29,13 +50,12 @@ kaControlPoint2D::kaControlPoint2D(kaControlPoint2D& source)
       _tangentLengthMode(source._tangentLengthMode) {
     if (source._saved)
         _saved = std::make_unique<Saved>(*source._saved);
-    kaAnimationManager* manager = kaAnimationManager::the();
-    _id = manager->createUID();
-    if (source._inTangent)
-        own(_inTangent, manager->duplicatePoint2D(source._inTangent));
-    if (source._outTangent)
-        own(_outTangent, manager->duplicatePoint2D(source._outTangent));
+    _id = kaAnimationManager::the()->createUID();
     setName(source.getName());
+    CopiedHandle in(source._inTangent);
+    CopiedHandle out(source._outTangent);
+    own(_inTangent, in.release());
+    own(_outTangent, out.release());
     setParent(source.getParentObject() ? source.getParent() : 0);
     setSelected(source.isSelected());
     setLocked(source.isLocked());
@@ -54,7 +74,8 @@ kaControlPoint2D::~kaControlPoint2D() {
 
 void kaControlPoint2D::own(kaControlPoint2D*& slot, kaControlPoint2D* handle) {
     slot = handle;
-    handle->_owner = this;
+    if (handle)
+        handle->_owner = this;
 }
 
 void kaControlPoint2D::freeHandle(kaControlPoint2D*& slot) {
