@@ -89,8 +89,10 @@ TEST_F(ManualTest, ThePageShowsEveryCommandOptionAndExample) {
         EXPECT_THAT(page, HasSubstr("ka-anim" + command->get_name()));
         EXPECT_THAT(page, HasSubstr(withoutSpace(command->get_description())));
         for (const CLI::Option* option : optionsOf(*command)) {
+            std::string title;
             for (const std::string& spelling : spellingsOf(*option))
-                EXPECT_THAT(page, HasSubstr(spelling)) << command->get_name();
+                title += (title.empty() ? "" : ",") + spelling;
+            EXPECT_THAT(page, HasSubstr(title)) << command->get_name();
             EXPECT_THAT(page, HasSubstr(withoutSpace(option->get_description())));
         }
         std::istringstream footer(command->get_footer());

@@ -177,7 +177,10 @@ TEST_F(UpgradeTest, RefusesInOneLineAndWritesNothing) {
         {{"one_curve.osg", "-o", "a.wrl", "--animation", "a.xml"}, 2, ".osg files, not a.wrl"},
         {{"one_curve.osg", "-o", "a.osg", "--animation", "a.osg"}, 2, ".xml files, not a.osg"},
         {{"one_curve.osg", "-o", "a.osg"}, 2, "--animation"},
-        {{"one_curve.osg", "-o", "a.osg", "--animation", "none/a.xml"}, 4, "none"}};
+        {{"one_curve.osg", "-o", "a.osg", "--animation", "none/a.xml"}, 4, "none"},
+        {{"one_curve.osg", "-o", "none/a.osg", "--animation", "a.xml"}, 4, "none"},
+        {{"one_curve.osg", "-o", "folder.osg", "--animation", "a.xml"}, 4, "folder.osg"}};
+    std::filesystem::create_directory(_folder.path("folder.osg"));
     for (const Row& row : rows) {
         std::vector<std::string> words{"upgrade"};
         words.insert(words.end(), row.words.begin(), row.words.end());

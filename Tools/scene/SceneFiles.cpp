@@ -2,7 +2,6 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
-#include "cli/Output.h"
 #include "import/ConfinedFolder.h"
 #include "scene/ModuleCalls.h"
 
@@ -10,6 +9,7 @@
 #include <QString>
 #include <filesystem>
 #include <kaAnimationManager.h>
+#include <kaFileWriter.h>
 #include <sstream>
 
 namespace ka::tools {
@@ -102,8 +102,15 @@ void checkOutputs(const SceneOutputs& outputs) {
 void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs) {
     const std::string scene = sceneText(root);
     const QByteArray document = documentText();
-    replaceFile(outputs.document, {document.constData(), static_cast<std::size_t>(document.size())});
-    replaceFile(outputs.scene, scene);
+    kaFileWriter documentFile(outputs.document), sceneFile(outputs.scene);
+    documentFile.write({document.constData(), static_cast<std::size_t>(document.size())});
+    sceneFile.write(scene);
+    for (kaFileWriter* file : {&documentFile, &sceneFile})
+        if (!file->getError().empty())
+            throw Failure(ExitCode::OutputFailed, file->getError());
+    for (kaFileWriter* file : {&documentFile, &sceneFile})
+        if (!file->commit())
+            throw Failure(ExitCode::OutputFailed, file->getError());
 }
 
 } // namespace ka::tools
