@@ -280,6 +280,58 @@ TEST_F(HostileTree, AnUnregisteredHandleAddedToACurveIsAnUnknownId) {
     useEverything(curve);
 }
 
+TEST_F(HostileTree, TheHandleOfTheKeyThatGivesWayForItGoesWithThatKey) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{5, 1}});
+    Object* handle = curve->findPoint(5.0F)->getOutTangent();
+    ASSERT_EQ(handle->getBegin(), 5.0F) << "a key alone has its handles on itself";
+    EXPECT_EQ(curve->addObject(handle), nullptr);
+    EXPECT_THAT(curve->getChildIDs(), IsEmpty());
+}
+
+TEST_F(HostileTree, AnObjectThatTakesItsOwnIdsAwayTakesThemFromItsAncestorsToo) {
+    kaAnimationStreak* track = manager->createStreak(0);
+    kaAnimationStrip* clip = manager->createStrip(0);
+    clip->addObject(track);
+    clip->setSequenceIDs({1, 2, 3, 4});
+    track->setSequenceIDs({2, 3, 4});
+    track->updateAll({track->getId()}, Object::SUB_OBJECT, true);
+    EXPECT_THAT(track->getSequenceIDs(), IsEmpty());
+    EXPECT_THAT(clip->getSequenceIDs(), ElementsAre(1));
+}
+
+TEST_F(HostileTree, IdZeroNamesNoParent) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 0}, {10, 5}});
+    manager->setID(0, curve);
+    ASSERT_EQ(curve->getId(), 0U);
+    kaControlPoint2D* key = curve->findPoint(10.0F);
+    key->setParent(0);
+    EXPECT_FALSE(key->computeTangents());
+    manager->destroyPoint2D(key);
+    EXPECT_EQ(curve->getChildCount(), 2U) << "its entry stays, unknown";
+}
+
+TEST_F(HostileTree, AnIdWrittenByTheHostLeavesNoEntryBehind) {
+    kaAnimationStreak* track = manager->createStreak(0);
+    Object* other = manager->createStreak(0);
+    const kaUID former = track->getId();
+    track->setId(other->getId());
+    manager->setID(other->getId(), track);
+    EXPECT_EQ(manager->getObject(former), nullptr);
+    EXPECT_EQ(manager->getObject(track->getId()), track);
+    manager->destroyStreak(track);
+    EXPECT_THAT(manager->getObjects(), IsEmpty()) << "the id was the other track's, whose entry went";
+    manager->destroyObject(other);
+}
+
+TEST_F(HostileTree, AnObjectUnderAnotherIdThanItsOwnIsDestroyedWithWhatItLists) {
+    kaAnimationStreak* track = manager->createStreak(0);
+    kaAnimationUnit* block = manager->createUnit(0ULL);
+    track->addObject(block);
+    track->setId(UNKNOWN);
+    manager->destroyStreak(track);
+    EXPECT_THAT(manager->getObjects(), IsEmpty());
+}
+
 TEST_F(HostileTree, ObjectsOfTheHostsOwnAreLeftToTheHost) {
     kaAnimationStreak* track = manager->createStreak(0);
     {

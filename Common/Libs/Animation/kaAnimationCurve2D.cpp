@@ -204,10 +204,11 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
         return nullptr;
     kaControlPoint2D* existing = findPoint(point->getPosition()[0]);
     if (existing && existing != point) {
+        const kaAliveGuard self(*this);
         const kaAliveGuard alive(*point);
         subObject(existing, true);
-        if (!alive)
-            return nullptr; // it was a handle of the key that gave way
+        if (!self || !alive)
+            return nullptr; // it went with the key that gave way, as its handle or below it
     }
     point->setParent(getId());
     if (!children().contains(point->getId()))
@@ -249,25 +250,27 @@ void kaAnimationCurve2D::setPoints(const std::vector<kaControlPoint2D*>& points)
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::deleteSelectedPoints(bool tellParent, bool destroyIfEmpty) {
-    destroyPoints(selectedPoints());
-    return afterDeletion(tellParent, destroyIfEmpty);
+    return destroyPoints(selectedPoints()) ? afterDeletion(tellParent, destroyIfEmpty) : nullptr;
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::deletePoints(bool tellParent, bool destroyIfEmpty) {
     if (!hasChildren())
         return this;
-    destroyPoints(points());
-    return afterDeletion(tellParent, destroyIfEmpty);
+    return destroyPoints(points()) ? afterDeletion(tellParent, destroyIfEmpty) : nullptr;
 }
 
-/// By id: a host can have listed a key twice.
-void kaAnimationCurve2D::destroyPoints(const std::vector<kaControlPoint2D*>& doomed) {
+/// By id: a host can have listed a key twice. @return whether the curve is still there: a key takes along
+/// what a host has listed below it.
+bool kaAnimationCurve2D::destroyPoints(const std::vector<kaControlPoint2D*>& doomed) {
     std::vector<kaUID> ids;
     ids.reserve(doomed.size());
     for (const kaControlPoint2D* point : doomed)
         ids.push_back(point->getId());
+    const kaAliveGuard self(*this);
     for (kaUID id : ids)
-        subObject(kaAnimationManager::the()->getPoint2D(id), true);
+        if (self)
+            subObject(kaAnimationManager::the()->getPoint2D(id), true);
+    return static_cast<bool>(self);
 }
 
 kaAnimationCurve2D* kaAnimationCurve2D::afterDeletion(bool tellParent, bool destroyIfEmpty) {

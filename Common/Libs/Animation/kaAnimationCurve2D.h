@@ -126,7 +126,7 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     template <class Map>
     void mapX(Map&& map);
     static void swapHandles(kaControlPoint2D& point);
-    void destroyPoints(const std::vector<kaControlPoint2D*>& doomed);
+    bool destroyPoints(const std::vector<kaControlPoint2D*>& doomed);
     kaAnimationCurve2D* afterDeletion(bool tellParent, bool destroyIfEmpty);
 
     kaAnimationField* resolvedField() const;

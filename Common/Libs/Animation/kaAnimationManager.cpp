@@ -1,5 +1,6 @@
 #include "kaAnimationManager.h"
 
+#include "kaAliveGuard.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
@@ -275,6 +276,18 @@ kaAnimationObject* kaAnimationManager::duplicateObject(kaAnimationObject* object
 
 // Keys on curves.
 
+namespace {
+
+/// Destroys a key. @return whether the curve is still there: a key takes along what a host has listed below
+/// it.
+bool removeKey(kaAnimationCurve2D& curve, kaControlPoint2D& key) {
+    const kaAliveGuard alive(curve);
+    curve.subObject(&key, true);
+    return static_cast<bool>(alive);
+}
+
+} // namespace
+
 bool kaAnimationManager::createCurvePoint(kaAnimationCurve2D* curve, float x, float y, bool snapX, bool snapY,
                                           bool replace) {
     if (!curve)
@@ -282,9 +295,8 @@ bool kaAnimationManager::createCurvePoint(kaAnimationCurve2D* curve, float x, fl
     const float keyX = snapX ? snappedUnsigned(x) : x;
     const float keyY = snapY ? snappedUnsigned(y) : y;
     if (kaControlPoint2D* existing = curve->findPoint(keyX)) {
-        if (!replace)
+        if (!replace || !removeKey(*curve, *existing))
             return false;
-        curve->subObject(existing, true);
     }
     curve->addObject(createPoint2D(keyX, keyY, 0));
     return true;
@@ -294,9 +306,8 @@ bool kaAnimationManager::createCurvePoint(kaAnimationCurve2D* curve, float frame
     if (!curve || curve->getBegin() > frame || frame > curve->getEnd())
         return false;
     if (kaControlPoint2D* existing = curve->findPoint(frame)) {
-        if (!replace)
+        if (!replace || !removeKey(*curve, *existing))
             return false;
-        curve->subObject(existing, true);
     }
     float value = 0.0F;
     if (!curve->checkInsertConstraints(frame) ||
@@ -329,21 +340,19 @@ template <class Object>
 void kaAnimationManager::destroyAs(Object* object) {
     if (!object)
         return;
-    const kaUID id = object->getId();
     leaveNode(object);
     leaveParent(object);
-    _registry->erase(id);
+    _registry->remove(*object);
     delete object;
 }
 
 void kaAnimationManager::destroyPoint2D(kaControlPoint2D* point) {
     if (!point)
         return;
-    const kaUID id = point->getId();
     kaAnimationObject* parent = point->getParentObject();
     if (parent && parent->getTypeID() == KA_TYPE_CURVE)
         parent->subObject(point, false);
-    _registry->erase(id);
+    _registry->remove(*point);
     delete point;
 }
 

@@ -39,6 +39,12 @@ void kaObjectRegistry::erase(kaUID id) {
     ++_epoch;
 }
 
+void kaObjectRegistry::remove(kaAnimationObject& object) {
+    erase(object.getId());
+    if (object._registered)
+        erase(keyOf(object));
+}
+
 /// The object's own id first; a host that changed the id behind the registry's back pays for a walk.
 kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object) const {
     auto found = _index.find(object.getId());

@@ -33,6 +33,9 @@ class kaObjectRegistry {
     bool insert(kaAnimationObject& object);
     /// Takes the entry of an id away, whatever object it holds.
     void erase(kaUID id);
+    /// Takes away the entry of the object's id, whatever object it holds, and the object's own, should a host
+    /// have written its id: an object that is being destroyed is found by nobody.
+    void remove(kaAnimationObject& object);
     /// Takes an object's entry away, under whatever id it stands.
     void drop(kaAnimationObject& object);
 
