@@ -302,13 +302,13 @@ void queueToPlay(Run& run, const Step& step) {
 
 std::vector<Edit> hostOperations() {
     return {
-        {"setID", 6, setID},
+        {"setID", 6, setID, true},
         {"setFieldID", 2, setFieldID},
         {"destroyField", 1, destroyField},
-        {"writeID", 2, writeID},
-        {"writeParent", 3, writeParent},
-        {"writeChildren", 8, writeChildren},
-        {"writeIDSets", 3, writeIDSets},
+        {"writeID", 2, writeID, true},
+        {"writeParent", 3, writeParent, true},
+        {"writeChildren", 8, writeChildren, true},
+        {"writeIDSets", 3, writeIDSets, true},
         {"writeExtent", 8, writeExtent},
         {"updateBy", 5, updateBy},
         {"updateAll", 3, updateAll},

@@ -28,7 +28,7 @@ void setPoints(Run& run, const Step& step) {
     std::string names;
     for (unsigned int i = 0; i < step.c % 6; ++i) {
         Object* point = (step.b >> i) % 8 == 0 ? nullptr : run.ofType(step.b / 8 + i * 7 + step.c / 6, POINT);
-        if (point && run.world.reaches(*point, *curve))
+        if (point && (run.world.reaches(*point, *curve) || !run.mayList(*curve, *point)))
             return run.skip("would bend the tree");
         points.push_back(point);
         actual.push_back(point ? run.realPoint(point) : nullptr);
@@ -195,7 +195,7 @@ void computeTangents(Run& run, const Step& step) {
 
 std::vector<Edit> keyOperations() {
     return {
-        {"setPoints", 5, setPoints},
+        {"setPoints", 5, setPoints, true},
         {"deletePoints", 3, deletePoints},
         {"changeTangents", 4, changeTangents},
         {"moveSelectedPoints", 10, moveSelectedPoints},

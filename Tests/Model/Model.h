@@ -2,6 +2,7 @@
 
 #include "Builders.h"
 
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -227,6 +228,7 @@ class World {
     Object* copyCurve(Object* source);
     Object* copyContainer(Object* source);
     void free(Object* object);
+    void forgetEntries(const Object* object);
     void leaveNode(Object* object);
     void climb(Object* object, const std::set<Id>& curves, const std::set<Id>& sequences, Operation operation,
                bool recursive);
@@ -240,10 +242,14 @@ class World {
     void tellParentMoved(Object* object, bool tellParent);
     std::vector<Object*> tracksIn(const Object& clip) const;
     std::vector<Object*> partsOf(const Object& container) const;
-    void stretchCurve(Object* curve, float fixed, float factor);
+    std::vector<Object*> stretchedBy(float factor, const Object& container) const;
+    void mapX(Object* curve, const std::function<float(float)>& map);
     void computeAround(Object* curve, Object* point);
+    std::vector<Id> takeCopyBuffer();
     bool canPaste(const Node& node, const Object& object);
     bool groupOf(unsigned int container, unsigned int& group, bool& isNode);
+
+    std::set<const Object*> _switching; ///< on the way down from `setActive`
 
     using Bucket = std::multimap<float, std::pair<Object*, float>>;
     void collect(const Object& object, float frame, Bucket& finished, Bucket& running, Bucket& upcoming);

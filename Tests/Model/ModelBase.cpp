@@ -116,16 +116,20 @@ void World::tellParentMoved(Object* object, bool tellParent) {
 
 // Flags.
 
+/// Curves that a host has made name each other are switched once on the way down.
 void World::setActive(Object* object, bool active) {
     if (object->type == UNIT || object->type == STREAK || object->type == STRIP)
         for (Object* child : childrenOf(*object))
             setActive(child, active);
-    for (const std::set<Id>& ids : {object->curves, object->sequences})
-        for (Id id : ids) {
-            Object* other = find(id);
-            if (other && other != object)
-                setActive(other, active);
-        }
+    if (_switching.insert(object).second) {
+        for (const std::set<Id>& ids : {object->curves, object->sequences})
+            for (Id id : ids) {
+                Object* other = find(id);
+                if (other && other != object)
+                    setActive(other, active);
+            }
+        _switching.erase(object);
+    }
     object->active = active;
 }
 

@@ -180,11 +180,13 @@ bool World::moveToTrack(Object* object, Object* clip, unsigned int number) {
 
 namespace {
 
-std::size_t heightOf(const World& world, const Object& object) {
+/// Counted no further than the greatest depth, and so through a ring, too.
+std::size_t heightOf(const World& world, const Object& object, unsigned int level = 0) {
     std::size_t below = 0;
-    for (const Object* child : world.childrenOf(object))
-        if (child != &object)
-            below = std::max(below, heightOf(world, *child));
+    if (level < KA_MAX_DEPTH)
+        for (const Object* child : world.childrenOf(object))
+            if (child != &object)
+                below = std::max(below, heightOf(world, *child, level + 1));
     return below + 1;
 }
 
@@ -218,6 +220,11 @@ bool World::reaches(const Object& from, const Object& to) const {
 /// What an operation in time reaches: a clip its tracks, a block or track all children.
 std::vector<Object*> World::partsOf(const Object& container) const {
     return container.type == STRIP ? tracksIn(container) : childrenOf(container);
+}
+
+/// A factor that is no number, as a span of zero gives, stretches nothing.
+std::vector<Object*> World::stretchedBy(float factor, const Object& container) const {
+    return std::isfinite(factor) ? partsOf(container) : std::vector<Object*>();
 }
 
 void World::move(Object* object, float dx, bool tellParent) {
@@ -256,18 +263,17 @@ void World::moveBegin(Object* object, float begin, bool tellParent) {
         return;
     const float f = (e - begin) / (e - b);
     if (object->type == CURVE) {
-        if (!inRange)
+        if (!inRange || e == b)
             return;
         object->extent.begin = begin;
-        if (e != b)
-            stretchCurve(object, e, f);
+        mapX(object, [&](float x) { return e - (e - x) * f; });
         tellParentMoved(object, tellParent);
         return;
     }
     object->extent.begin = begin;
     if (object->type == UNIT && !inRange)
         return;
-    for (Object* child : partsOf(*object)) {
+    for (Object* child : stretchedBy(f, *object)) {
         const float cb = child->begin();
         const float ce = child->end();
         moveBegin(child, e - (e - cb) * f, false);
@@ -291,18 +297,17 @@ void World::moveEnd(Object* object, float end, bool tellParent) {
         return;
     const float f = (end - b) / (e - b);
     if (object->type == CURVE) {
-        if (!inRange)
+        if (!inRange || e == b)
             return;
         object->extent.end = end;
-        if (e != b)
-            stretchCurve(object, b, f);
+        mapX(object, [&](float x) { return (x - b) * f + b; });
         tellParentMoved(object, tellParent);
         return;
     }
     object->extent.end = end;
     if (object->type == UNIT && !inRange)
         return;
-    for (Object* child : partsOf(*object)) {
+    for (Object* child : stretchedBy(f, *object)) {
         const float cb = child->begin();
         const float ce = child->end();
         moveEnd(child, (ce - b) * f + b, false);
@@ -336,18 +341,17 @@ void World::flip(Object* object) {
     const float e = object->end();
     if (object->type == CURVE) {
         const float m = b + (e - b) * 0.5F;
+        for (Object* key : childrenOf(*object))
+            for (Object* part : {key, key->in, key->out})
+                if (part)
+                    part->position.x = m - part->position.x + m;
         for (Object* key : childrenOf(*object)) {
-            key->position.x = m - key->position.x + m;
-            Spot in{0.0F, 0.0F};
-            Spot out{0.0F, 0.0F};
+            const Spot in = key->in ? key->in->position : Spot{0.0F, 0.0F};
+            const Spot out = key->out ? key->out->position : Spot{0.0F, 0.0F};
             if (key->in)
-                out = {m - key->in->position.x + m, key->in->position.y};
+                key->in->position = out;
             if (key->out)
-                in = {m - key->out->position.x + m, key->out->position.y};
-            if (key->in)
-                key->in->position = in;
-            if (key->out)
-                key->out->position = out;
+                key->out->position = in;
         }
     } else {
         for (Object* child : partsOf(*object)) {
@@ -440,7 +444,7 @@ bool World::evaluate(Object* object, float frame) {
         if (curve->active && value.written && field)
             field->value = value.value;
     }
-    if (!(frame == object->lastFrame))
+    if (!(frame == object->lastFrame)) {
         for (Id id : object->sequences) {
             Object* sequence = findOfType(id, SEQUENCE);
             if (sequence && sequence->active &&
@@ -448,7 +452,8 @@ bool World::evaluate(Object* object, float frame) {
                  (sequence->begin() <= frame && frame <= sequence->end())))
                 sequence->armed = false;
         }
-    object->lastFrame = frame;
+        object->lastFrame = frame;
+    }
     const float lo = object->useCustomRange ? object->customBegin : object->begin();
     const float hi = object->useCustomRange ? object->customEnd : object->end();
     const float f = object->repeating ? folded(frame, lo, hi) : frame;

@@ -16,7 +16,8 @@ constexpr float TOLERANCE = 0.000001F;
 
 float rounded(float value) {
     const float half = value < 0.0F ? -0.5F : 0.5F;
-    return std::fabs(value) < 8388608.0F ? std::trunc(value + half) : value;
+    return std::fabs(value) < 8388608.0F ? std::trunc(value + half) + 0.0F
+                                         : value; // a whole number has no sign of zero
 }
 
 Spot snapped(Spot spot, bool snapX, bool snapY) {
@@ -45,7 +46,7 @@ bool World::computeTangents(Object* point) {
         return false;
     const std::map<float, Object*> points = pointsOf(*curve);
     const auto found = points.find(point->position.x);
-    if (found == points.end() || points.size() == 1)
+    if (std::isnan(point->position.x) || found == points.end() || points.size() == 1)
         return false;
     std::optional<Spot> previous;
     std::optional<Spot> next;
@@ -74,7 +75,7 @@ void World::computeAround(Object* curve, Object* point) {
 std::map<float, Object*> World::pointsOf(const Object& curve) const {
     std::map<float, Object*> points;
     for (Object* child : childrenOf(curve))
-        if (child->type == POINT)
+        if (child->type == POINT && !std::isnan(child->position.x))
             points.emplace(child->position.x, child);
     return points;
 }
@@ -93,10 +94,10 @@ std::pair<Object*, Object*> World::around(const Object& curve, const Object* poi
 std::pair<Object*, Object*> World::around(const Object& curve, float x) const {
     const std::vector<Object*> keys = childrenOf(curve);
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (!(x <= keys[i]->position.x))
+        if (!(x <= keys[i]->begin()))
             continue;
         Object* before = i > 0 ? keys[i - 1] : nullptr;
-        if (keys[i]->position.x > x)
+        if (keys[i]->begin() > x)
             return {before, keys[i]};
         return {before, i + 1 < keys.size() ? keys[i + 1] : nullptr};
     }
@@ -149,15 +150,14 @@ Object* World::addToCurve(Object* curve, Object* point) {
     if (point->type != POINT)
         return nullptr;
     Object* existing = childAt(*curve, point->position.x);
-    const bool held = isChild(*curve, point->id);
     if (existing && existing != point)
         subObject(curve, existing, true);
-    if (!point->alive) // it was a handle of the key that gave way
+    if (!curve->alive || !point->alive) // it went with the key that gave way, as its handle or below it
         return nullptr;
-    if (held)
-        curve->children.remove(point->id);
+    const bool held = isChild(*curve, point->id);
     point->parent = curve->id;
-    curve->children.push_back(point->id);
+    if (!held) // a key that the curve holds stays where it stands
+        curve->children.push_back(point->id);
     sortChildren(curve);
     computeAround(curve, point);
     updateBy(curve, point, ADD, true);
@@ -180,6 +180,8 @@ void World::setPoints(Object* curve, const std::vector<Object*>& points) {
 }
 
 Object* World::afterDeletion(Object* curve, bool tellParent, bool destroyIfEmpty) {
+    if (!curve->alive)
+        return nullptr;
     if (!curve->children.empty()) {
         for (Object* key : childrenOf(*curve))
             computeTangents(key);
@@ -199,7 +201,7 @@ Object* World::deleteSelectedPoints(Object* curve, bool tellParent, bool destroy
         if (key->selected)
             chosen.push_back(key);
     for (Object* key : chosen)
-        if (key->alive)
+        if (key->alive && curve->alive)
             subObject(curve, key, true);
     return afterDeletion(curve, tellParent, destroyIfEmpty);
 }
@@ -208,7 +210,7 @@ Object* World::deletePoints(Object* curve, bool tellParent, bool destroyIfEmpty)
     if (curve->children.empty())
         return curve;
     for (Object* key : childrenOf(*curve))
-        if (key->alive)
+        if (key->alive && curve->alive)
             subObject(curve, key, true);
     return afterDeletion(curve, tellParent, destroyIfEmpty);
 }
@@ -280,6 +282,8 @@ bool World::createCurvePoint(Object* curve, Spot place, bool snapX, bool snapY, 
         if (!replace)
             return false;
         subObject(curve, existing, true);
+        if (!curve->alive)
+            return false;
     }
     addObject(curve, createPoint(place, 0));
     return true;
@@ -292,6 +296,8 @@ bool World::createCurvePoint(Object* curve, float frame, bool replace) {
         if (!replace)
             return false;
         subObject(curve, existing, true);
+        if (!curve->alive)
+            return false;
     }
     if (!checkInsertConstraints(*curve, frame))
         return false;
@@ -304,11 +310,11 @@ bool World::createCurvePoint(Object* curve, float frame, bool replace) {
 
 // The curve as a whole.
 
-void World::stretchCurve(Object* curve, float fixed, float factor) {
+void World::mapX(Object* curve, const std::function<float(float)>& map) {
     for (Object* key : childrenOf(*curve))
         for (Object* part : {key, key->in, key->out})
             if (part)
-                part->position.x = (part->position.x - fixed) * factor + fixed;
+                part->position.x = map(part->position.x);
 }
 
 Value World::sample(const Object& curve, float frame) const {

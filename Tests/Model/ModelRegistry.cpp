@@ -40,8 +40,10 @@ Id World::createUID() {
 void World::setID(Id id, Object* object) {
     const Id old = object->id;
     object->id = isUnique(id) ? id : createUID();
-    if (objects.erase(old) > 0)
-        enter(object);
+    if (objects.erase(old) == 0)
+        return;
+    forgetEntries(object); // a host that wrote the id directly may have left one under another
+    enter(object);
 }
 
 void World::setID(Id id, Field* field) {
@@ -225,12 +227,18 @@ void World::leaveNode(Object* object) {
     }
 }
 
+void World::forgetEntries(const Object* object) {
+    for (auto entry = objects.begin(); entry != objects.end();)
+        entry = entry->second == object ? objects.erase(entry) : std::next(entry);
+}
+
 void World::destroyPoint(Object* point) {
     Object* parent = parentOf(*point);
     const Id id = point->id;
     if (parent && parent->type == CURVE)
         subObject(parent, point, false);
     objects.erase(id);
+    forgetEntries(point);
     free(point);
 }
 
@@ -241,6 +249,7 @@ void World::destroy(Object* object) {
     if (parent)
         subObject(parent, object, false);
     objects.erase(id);
+    forgetEntries(object);
     free(object);
 }
 
@@ -255,14 +264,12 @@ void World::free(Object* object) {
         handle->owner = nullptr;
         free(handle);
     }
-    for (Id id : object->children) {
+    for (Id id : std::list<Id>(object->children)) {
         Object* child = object->type == POINT && id == object->id ? nullptr : find(id);
         if (child && child != object)
             destroy(child);
     }
-    // An id that the host wrote directly may leave entries under other ids.
-    for (auto entry = objects.begin(); entry != objects.end();)
-        entry = entry->second == object ? objects.erase(entry) : std::next(entry);
+    forgetEntries(object);
     copyBuffer.erase(std::remove(copyBuffer.begin(), copyBuffer.end(), object), copyBuffer.end());
 }
 
@@ -294,11 +301,18 @@ Node* World::nodeOf(unsigned int id) {
 }
 
 void World::clearCopyBuffer(bool destroyThem) {
-    const std::vector<Object*> content = copyBuffer;
-    for (Object* object : content)
-        if (destroyThem && object->alive)
+    for (Id id : takeCopyBuffer())
+        if (Object* object = destroyThem ? find(id) : nullptr)
             destroy(object);
+}
+
+/// What is copied is found by id, as everything is.
+std::vector<Id> World::takeCopyBuffer() {
+    std::vector<Id> ids;
+    for (const Object* object : copyBuffer)
+        ids.push_back(object->id);
     copyBuffer.clear();
+    return ids;
 }
 
 bool World::copy(Object* object) {
@@ -342,7 +356,10 @@ bool World::paste(Node* node, bool force) {
     for (const Object* object : copyBuffer)
         if (!force && !canPaste(*node, *object))
             return false;
-    for (Object* object : copyBuffer) {
+    for (Id held : takeCopyBuffer()) {
+        Object* object = find(held);
+        if (!object)
+            continue;
         for (Id id : object->curves) {
             Object* curve = findOfType(id, CURVE);
             const Field* field = curve ? findField(curve->field) : nullptr;
@@ -364,7 +381,6 @@ bool World::paste(Node* node, bool force) {
         }
         node->objectIDs.push_back(object->id);
     }
-    copyBuffer.clear();
     return true;
 }
 

@@ -44,6 +44,7 @@ float randomNumber(Random& random) {
 Program makeProgram(std::uint64_t seed, std::size_t steps) {
     Random random(seed * 0x9E3779B97F4A7C15ULL + 1);
     Program program;
+    program.tame = seed % 4 == 0;
     for (std::size_t i = 0; i < steps; ++i) {
         Step step;
         step.operation = pickOperation(random.next());
@@ -52,18 +53,18 @@ Program makeProgram(std::uint64_t seed, std::size_t steps) {
         step.c = random.next();
         step.x = randomNumber(random);
         step.y = randomNumber(random);
-        program.push_back(step);
+        program.steps.push_back(step);
     }
     return program;
 }
 
 Program shrink(Program program) {
-    for (std::size_t chunk = program.size() / 2; chunk > 0; chunk /= 2) {
-        for (std::size_t start = 0; start < program.size();) {
+    for (std::size_t chunk = program.steps.size() / 2; chunk > 0; chunk /= 2) {
+        for (std::size_t start = 0; start < program.steps.size();) {
             Program shorter = program;
-            const std::size_t end = std::min(start + chunk, program.size());
-            shorter.erase(shorter.begin() + static_cast<std::ptrdiff_t>(start),
-                          shorter.begin() + static_cast<std::ptrdiff_t>(end));
+            const std::size_t end = std::min(start + chunk, program.steps.size());
+            shorter.steps.erase(shorter.steps.begin() + static_cast<std::ptrdiff_t>(start),
+                                shorter.steps.begin() + static_cast<std::ptrdiff_t>(end));
             if (attempt(shorter, false).failed)
                 program = std::move(shorter);
             else

@@ -17,9 +17,12 @@ struct Step {
     float y = 0.0F;
 };
 
-using Program = std::vector<Step>;
+struct Program {
+    std::vector<Step> steps;
+    bool tame = false; ///< leaves out what bends the tree
+};
 
-/// The same program for the same seed everywhere.
+/// The same program for the same seed everywhere; every fourth one is tame.
 Program makeProgram(std::uint64_t seed, std::size_t steps);
 
 /// How a program went.

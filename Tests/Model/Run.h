@@ -29,7 +29,10 @@ namespace ka_model {
 /// it, and then does it to both.
 class Run {
   public:
-    Run();
+    /// A tame program leaves out what bends the tree: ids, parents and lists written directly, and a second
+    /// place for an object that has one. Then more can be asked of the module than that it does as the model
+    /// does.
+    explicit Run(bool tame = false);
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
     ~Run();
@@ -50,6 +53,9 @@ class Run {
     /// Small given ids, which are taken now and then, or 0 for a fresh one.
     static Id pickID(unsigned int number) { return number % 4 == 0 ? 1 + number / 4 % 12 : 0; }
     std::size_t countAlive() const { return _alive.size(); }
+    bool isTame() const { return _tame; }
+    /// Whether anything lists the object as a child.
+    bool isListed(const Object& object) const;
     bool isCrowded() const { return _alive.size() > 90; }
 
     // The module's side.
@@ -86,6 +92,9 @@ class Run {
     /// Whether an object that comes to have this id would close a ring of children or stand among a curve's
     /// keys without being one: no rule says what becomes of such a tree.
     bool wouldBend(Id id, const Object& newcomer) const;
+    /// Whether a container may come to list this object by its id: the registry may know another by that id,
+    /// which would be listed in its stead.
+    bool mayList(const Object& container, const Object& object) const;
     /// Entries of the subtree, counted as often as they are listed; the size of a copy.
     std::size_t weightOf(const Object& object, int depth = 0) const;
 
@@ -101,6 +110,8 @@ class Run {
     std::string compareHandle(Object& key, Object* handle, const kaControlPoint2D* actual);
     std::string compareCurve(const Object& curve, const Step& step) const;
     std::string compareAround();
+    bool isHandleListed() const;
+    std::string checkInvariants() const;
     std::string compare(const Step& step);
 
     std::vector<Object*> _alive;
@@ -112,13 +123,15 @@ class Run {
     std::vector<osg::NodePtr> _nodes;
     std::string _story;
     std::string _fault;
+    bool _tame;
 };
 
-/// An edit: what it is called, how often it is wanted, and how to do it.
+/// An edit: what it is called, how often it is wanted, how to do it, and whether it may bend the tree.
 struct Edit {
     const char* name;
     unsigned int weight;
     void (*perform)(Run& run, const Step& step);
+    bool bends = false;
 };
 
 std::vector<Edit> treeOperations();

@@ -35,7 +35,7 @@ bool mayCreate(Run& run, Id id, Type type) {
 }
 
 void createPoint(Run& run, const Step& step) {
-    const Id id = Run::pickID(step.a);
+    const Id id = run.isTame() ? 0 : Run::pickID(step.a);
     if (!mayCreate(run, id, POINT))
         return;
     run.tell("at " + to_string(step.x) + ", " + to_string(step.y) + " with id " + to_string(id));
@@ -43,7 +43,7 @@ void createPoint(Run& run, const Step& step) {
 }
 
 void createCurve(Run& run, const Step& step) {
-    const Id id = Run::pickID(step.a);
+    const Id id = run.isTame() ? 0 : Run::pickID(step.a);
     if (!mayCreate(run, id, CURVE))
         return;
     run.tell("with id " + to_string(id));
@@ -51,7 +51,7 @@ void createCurve(Run& run, const Step& step) {
 }
 
 void createContainer(Run& run, const Step& step) {
-    const Id id = Run::pickID(step.a);
+    const Id id = run.isTame() ? 0 : Run::pickID(step.a);
     const Type type = step.b % 3 == 0 ? UNIT : step.b % 3 == 1 ? STREAK : STRIP;
     if (!mayCreate(run, id, type))
         return;
@@ -66,7 +66,7 @@ void createContainer(Run& run, const Step& step) {
 }
 
 void createSequence(Run& run, const Step& step) {
-    const Id id = Run::pickID(step.a);
+    const Id id = run.isTame() ? 0 : Run::pickID(step.a);
     if (!mayCreate(run, id, SEQUENCE))
         return;
     Object* object = run.world.createSequence("s", id);
@@ -172,7 +172,8 @@ void addObject(Run& run, const Step& step) {
     Object* container = run.pick(step.a, isContainer);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
     if (!object || (run.world.mayAdopt(*container, *object) && run.world.reaches(*object, *container)) ||
-        !run.world.isShallow(*container, *object))
+        !run.world.isShallow(*container, *object) || !run.mayList(*container, *object) ||
+        (run.isTame() && run.isListed(*object)))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(container));
     const Object* taken = run.world.addObject(container, object);
@@ -202,7 +203,8 @@ void insertObject(Run& run, const Step& step) {
     Object* container = run.ofType(step.a / 2, step.a % 2 == 0 ? STREAK : STRIP);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
     if (!object || run.isCrowded() || run.world.reaches(*object, *container) ||
-        !run.world.isShallow(*container, *object))
+        !run.world.isShallow(*container, *object) || !run.mayList(*container, *object) ||
+        (run.isTame() && run.isListed(*object)))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " into " + Run::nameOf(container));
     if (container->type == STREAK) {
@@ -235,7 +237,8 @@ void destroyEmptyTracks(Run& run, const Step& step) {
 void moveToTrack(Run& run, const Step& step) {
     Object* object = run.any(step.a);
     Object* track = run.ofType(step.b, STREAK);
-    if (!object || !track || run.world.reaches(*object, *track) || !run.world.isShallow(*track, *object))
+    if (!object || !track || run.world.reaches(*object, *track) || !run.world.isShallow(*track, *object) ||
+        !run.mayList(*track, *object))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(track));
     const bool moved = run.world.moveToTrack(object, track);
@@ -251,7 +254,7 @@ void moveToClip(Run& run, const Step& step) {
         !run.world.isShallow(*clip, *object) || !run.world.mayAdopt(*clip, Object()))
         return run.skip("none");
     for (const auto& entry : run.world.tracksOf(*clip))
-        if (run.world.reaches(*object, *entry.second))
+        if (run.world.reaches(*object, *entry.second) || !run.mayList(*entry.second, *object))
             return run.skip("would bend the tree");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(clip) + ", track " + to_string(number));
     const bool moved = run.world.moveToTrack(object, clip, number);

@@ -20,13 +20,13 @@ std::string runHere(const Program& program, bool tell) {
     std::unique_ptr<Run> run;
     {
         const ka_test::CapturedOutput quiet;
-        run = std::make_unique<Run>();
+        run = std::make_unique<Run>(program.tame);
     }
-    for (std::size_t i = 0; i < program.size(); ++i) {
+    for (std::size_t i = 0; i < program.steps.size(); ++i) {
         std::string difference;
         {
             const ka_test::CapturedOutput quiet;
-            difference = run->perform(program[i]);
+            difference = run->perform(program.steps[i]);
         }
         if (tell && run->story().find('(') == std::string::npos)
             std::fprintf(stderr, "%4zu  %s\n", i, run->story().c_str());
@@ -79,7 +79,8 @@ Outcome attempt(const Program& program, bool tell) {
         outcome.text.append(buffer, static_cast<std::size_t>(count));
     close(channel[0]);
     if (outcome.failed && outcome.text.empty())
-        outcome.text = describe(status);
+        outcome.text = describe(status) + ", the last step being " +
+                       (program.steps.empty() ? "none" : operations()[program.steps.back().operation].name);
     return outcome;
 }
 
