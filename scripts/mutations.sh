@@ -14,7 +14,7 @@ patches=("$@")
 
 suites=(gallery core model time life binding documents)
 seconds=120 # for a suite: a fault may let it hang
-export KA_MODEL_SEEDS=${KA_MODEL_SEEDS:-300}
+export KA_MODEL_SEEDS=${KA_MODEL_SEEDS:-250}
 
 tree=$folder/tree
 build=$folder/build

@@ -58,8 +58,6 @@ in_locale() {
 
 report fuzz-document-and-scene fuzz_two document scene
 report fuzz-bvh-and-arguments fuzz_two bvh arguments
-report random-edits env KA_MODEL_SEEDS=2000 KA_MODEL_STEPS=500 \
-    "$build/bin/ka-test-model" --gtest_filter='RandomEdits.Leave*' --gtest_brief=1
 for locale in de_DE.UTF-8 tr_TR.UTF-8 ar_EG.UTF-8 fr_FR.UTF-8; do
     report "locale-$locale" in_locale "$locale"
 done

@@ -9,7 +9,6 @@ release=$(realpath "$2")
 minutes=${3:-60}
 
 "$here/scripts/programme.sh" "$sanitize" $((minutes * 60))
-KA_MODEL_SEEDS=20000 KA_MODEL_FIRST=$((RANDOM * 20000)) "$release/bin/ka-test-model" --gtest_filter='RandomEdits.Leave*' --gtest_brief=1
 KA_SOAK_TICKS=10000000 "$release/bin/ka-test-faults" --gtest_filter='Soak.*' --gtest_brief=1
 valgrind --quiet --error-exitcode=1 "$release/bin/ka-anim" demo -o "$(mktemp -d)"
 echo "torture: nothing found"

@@ -19,10 +19,10 @@ namespace {
 constexpr std::uint64_t SEEDS = 200;
 constexpr std::uint64_t STEPS = 300;
 #elif defined(NDEBUG)
-constexpr std::uint64_t SEEDS = 400; // 2 000 in the hardening programme
+constexpr std::uint64_t SEEDS = 250;
 constexpr std::uint64_t STEPS = 500;
 #else
-constexpr std::uint64_t SEEDS = 300;
+constexpr std::uint64_t SEEDS = 250;
 constexpr std::uint64_t STEPS = 500;
 #endif
 
