@@ -6,6 +6,7 @@
 #include "kaAnimationUtils.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
+#include "kaEdits.h"
 #include "kaObjectRegistry.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
@@ -183,8 +184,13 @@ void kaAnimationCurve2D::printInfo() const {
     kaAnimationManager::the()->printFieldInfo(field);
 }
 
+void kaAnimationCurve2D::setField(kaUID field) {
+    _field = field;
+    kaEdits::note();
+}
+
 void kaAnimationCurve2D::setAnimationField(kaAnimationField* field) {
-    _field = field ? field->getId() : 0;
+    setField(field ? field->getId() : 0);
     if (field)
         _color = kaAnimationUtils::getDefaultCurveColor(field);
 }

@@ -99,7 +99,7 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     bool checkInsertConstraints(float x) const;
 
     kaUID getField() const { return _field; }
-    void setField(kaUID field) { _field = field; }
+    void setField(kaUID field);
     const osg::Color3f& getColor() const { return _color; }
     void setColor(const osg::Color3f& color) { _color = color; }
 

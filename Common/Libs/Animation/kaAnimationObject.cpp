@@ -7,6 +7,7 @@
 #include "kaAnimationSequence.h"
 #include "kaChildList.h"
 #include "kaDescent.h"
+#include "kaEdits.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -174,6 +175,7 @@ void kaAnimationObject::setActive(bool active) {
         }
     }
     _active = active;
+    kaEdits::note();
 }
 
 void kaAnimationObject::setPlaying(bool playing) {
@@ -186,6 +188,7 @@ void kaAnimationObject::setReversePlay(bool reversePlay) {
 
 void kaAnimationObject::setRepeating(bool repeating) {
     _repeating = repeating;
+    kaEdits::note();
 }
 
 void kaAnimationObject::setPausing(bool pausing) {
@@ -203,6 +206,7 @@ void kaAnimationObject::setLocked(bool locked) {
 
 void kaAnimationObject::setMotionBlur(bool motionBlur) {
     _motionBlur = motionBlur;
+    kaEdits::note();
 }
 
 unsigned int kaAnimationObject::getTypeID() const {
@@ -233,6 +237,7 @@ void kaAnimationObject::setId(kaUID id) {
     if (_ownChild)
         children(); // keeps the former id as its only child
     _id = id;
+    kaEdits::note();
 }
 
 kaAnimationObject* kaAnimationObject::getParentObject() const {
@@ -240,6 +245,7 @@ kaAnimationObject* kaAnimationObject::getParentObject() const {
 }
 
 void kaAnimationObject::noteChange() {
+    kaEdits::note();
     if (_home)
         _home->list->childChanged(*_home, *this);
 }
@@ -371,6 +377,7 @@ const std::set<kaUID>& kaAnimationObject::getSequenceIDs() const {
 void kaAnimationObject::setCurveIDs(const std::set<kaUID>& ids) {
     group().curves = ids;
     ++group().curvesRevision;
+    kaEdits::note();
 }
 
 void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
@@ -380,6 +387,7 @@ void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
 void kaAnimationObject::insertCurveID(kaUID id) {
     group().curves.insert(id);
     ++group().curvesRevision;
+    kaEdits::note();
 }
 
 void kaAnimationObject::insertSequenceID(kaUID id) {
@@ -438,6 +446,7 @@ void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaU
         removeShared(owned.sequences, sequences);
     }
     ++owned.curvesRevision;
+    kaEdits::note();
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #include "kaChildList.h"
 
 #include "kaAnimationManager.h"
+#include "kaEdits.h"
 
 #include <algorithm>
 #include <cmath>
@@ -54,10 +55,15 @@ std::vector<kaUID> kaChildList::ids() const {
     return result;
 }
 
+void kaChildList::noteEdit() {
+    ++_revision;
+    kaEdits::note();
+}
+
 void kaChildList::sizeChanged(std::size_t size) {
     const bool flips = (_size == 0) != (size == 0);
     _size = size;
-    ++_revision;
+    noteEdit();
     if (flips)
         _owner->noteChange();
 }
@@ -120,7 +126,7 @@ void kaChildList::release() {
     _mirrored = true;
     _order = Order::Sorted;
     _size = 0;
-    ++_revision;
+    noteEdit();
 }
 
 void kaChildList::becomeLiteral() {
@@ -296,7 +302,7 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
 void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
     if (_ending)
         return;
-    ++_revision;
+    noteEdit();
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
     const Entry now = entryOf(child);
@@ -387,7 +393,7 @@ void kaChildList::sortOne() {
         insertEntry(*target, out, early);
     }
     _order = Order::Sorted;
-    ++_revision;
+    noteEdit();
 }
 
 /// The chunks keep their sizes; only what stands in them changes, once the new order is known.
@@ -410,7 +416,7 @@ void kaChildList::sortAll() {
         _firsts[chunk->index] = chunk->entries.front().extent.begin;
     }
     _order = Order::Sorted;
-    ++_revision;
+    noteEdit();
 }
 
 /// Where an id is unknown or a begin is no number the comparator is partial, and what comes out depends on
@@ -421,7 +427,7 @@ void kaChildList::sortLiterally() {
         sorted.sort(&kaAnimationObject::compareObjectsByBegin);
         _ids.assign(sorted.begin(), sorted.end());
     }
-    ++_revision;
+    noteEdit();
     if (tryMirror())
         sort();
 }

@@ -168,6 +168,7 @@ class kaChildList {
     bool sortKnown();
     bool tryMirror();
     void becomeLiteral();
+    void noteEdit();
     void sizeChanged(std::size_t size);
 
     Place lowerBound(float begin) const;

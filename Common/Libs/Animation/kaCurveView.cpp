@@ -14,75 +14,95 @@ constexpr std::size_t FewKeys = 8;
 
 } // namespace
 
-void kaCurveView::refresh(const kaAnimationCurve2D& curve, const kaChildList* keys) {
+void kaCurveView::renew(const kaAnimationCurve2D& curve, const kaChildList* keys) {
     const bool mirrored = keys && keys->isMirrored();
-    if (mirrored && _packed && keys->revision() == _revision)
-        return;
-    pack(curve, keys);
-    divide();
-    _packed = mirrored;
-    _revision = keys ? keys->revision() : 0;
+    if (!mirrored || !_packed || keys->revision() != _revision) {
+        pack(curve, keys);
+        divide();
+        _packed = mirrored;
+        _revision = keys ? keys->revision() : 0;
+    }
+    _edits = kaEdits::count;
 }
 
 void kaCurveView::pack(const kaAnimationCurve2D& curve, const kaChildList* keys) {
-    _keys.clear();
-    _left = NoSegment;
+    static std::vector<const kaControlPoint2D*> points; // kept, or every edited curve would allocate its own
+    points.clear();
     _count = 0;
-    if (!keys)
-        return;
-    bool ascending = true;
-    keys->forEach([&](kaAnimationObject& child) {
-        if (child.getTypeID() != KA_TYPE_POINT)
-            return;
-        const auto& point = static_cast<const kaControlPoint2D&>(child);
-        const float x = point.getPosition()[0];
-        if (std::isnan(x))
-            return; // it stands nowhere in the order
-        ++_count;
-        if (_keys.empty() || x > _keys.back().x)
-            add(point);
-        else if (x != _keys.back().x)
-            ascending = false;
-    });
-    if (ascending)
-        return;
-    _keys.clear();
-    for (const auto& entry : curve.getPoints())
-        add(*entry.second);
+    if (keys) {
+        bool ascending = true;
+        keys->forEach([&](kaAnimationObject& child) {
+            if (child.getTypeID() != KA_TYPE_POINT)
+                return;
+            const auto& point = static_cast<const kaControlPoint2D&>(child);
+            const float x = point.getPosition()[0];
+            if (std::isnan(x))
+                return; // it stands nowhere in the order
+            ++_count;
+            const float last = points.empty() ? 0.0F : points.back()->getPosition()[0];
+            if (points.empty() || x > last)
+                points.push_back(&point);
+            else if (x != last)
+                ascending = false;
+        });
+        if (!ascending) {
+            points.clear();
+            for (const auto& entry : curve.getPoints())
+                points.push_back(entry.second);
+        }
+    }
+    pack(points);
 }
 
-void kaCurveView::add(const kaControlPoint2D& point) {
-    const osg::Pnt2f& position = point.getPosition();
-    const osg::Pnt2f& in = point.getInTangent() ? point.getInTangent()->getPosition() : position;
-    const osg::Pnt2f& out = point.getOutTangent() ? point.getOutTangent()->getPosition() : position;
-    _keys.push_back({position[0], position[1], in[0], in[1], out[0], out[1]});
+/// A missing handle stands on its key.
+void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {
+    _segments.clear();
+    _frames.clear();
+    _last = 0;
+    _firstValue = ascending.empty() ? 0.0F : ascending.front()->getPosition()[1];
+    _segments.reserve(ascending.empty() ? 0 : ascending.size() - 1);
+    _frames.reserve(ascending.size());
+    const kaControlPoint2D* left = nullptr;
+    for (const kaControlPoint2D* right : ascending) {
+        _frames.push_back(right->getPosition()[0]);
+        if (left) {
+            const kaControlPoint2D* outHandle = left->getOutTangent();
+            const kaControlPoint2D* inHandle = right->getInTangent();
+            const osg::Pnt2f& a = left->getPosition();
+            const osg::Pnt2f& out = (outHandle ? outHandle : left)->getPosition();
+            const osg::Pnt2f& in = (inHandle ? inHandle : right)->getPosition();
+            const osg::Pnt2f& b = right->getPosition();
+            _segments.emplace_back(kaSegment::Points{a[0], a[1], out[0], out[1], in[0], in[1], b[0], b[1]});
+        }
+        left = right;
+    }
 }
 
 void kaCurveView::divide() {
     _cells.clear();
-    if (_keys.size() <= FewKeys || _keys.size() >= std::numeric_limits<std::uint32_t>::max())
+    if (_frames.size() <= FewKeys || _frames.size() >= std::numeric_limits<std::uint32_t>::max())
         return;
-    const auto count = static_cast<float>(_keys.size() - 1);
-    _cellsPerFrame = count / (_keys.back().x - _keys.front().x);
+    const auto count = static_cast<float>(_frames.size() - 1);
+    _cellsPerFrame = count / (_frames.back() - _frames.front());
     if (!std::isfinite(_cellsPerFrame) || !(_cellsPerFrame > 0.0F))
         return;
-    _cells.assign(_keys.size() + 1, 0);
-    for (const Key& key : _keys)
-        ++_cells[cellOf(key.x) + 1];
+    _cells.assign(_frames.size() + 1, 0);
+    for (float frame : _frames)
+        ++_cells[cellOf(frame) + 1];
     for (std::size_t i = 1; i < _cells.size(); ++i)
         _cells[i] += _cells[i - 1];
 }
 
 /// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
 std::size_t kaCurveView::cellOf(float frame) const {
-    const auto cell = static_cast<std::size_t>((frame - _keys.front().x) * _cellsPerFrame);
-    return std::min(cell, _keys.size() - 1);
+    const auto cell = static_cast<std::size_t>((frame - _frames.front()) * _cellsPerFrame);
+    return std::min(cell, _frames.size() - 1);
 }
 
 /// The first key after `frame`, which stands between the first key and the last.
 std::size_t kaCurveView::upperBound(float frame) const {
     if (_cells.empty())
-        return upperBoundAmong(0, _keys.size(), frame);
+        return upperBoundAmong(0, _frames.size(), frame);
     const std::size_t cell = cellOf(frame);
     return upperBoundAmong(_cells[cell], _cells[cell + 1], frame);
 }
@@ -91,37 +111,29 @@ std::size_t kaCurveView::upperBound(float frame) const {
 std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float frame) const {
     while (from < to) {
         const std::size_t half = (to - from) / 2;
-        const bool later = frame < _keys[from + half].x;
+        const bool later = frame < _frames[from + half];
         to = later ? from + half : to;
         from = later ? from : from + half + 1;
     }
     return from;
 }
 
-const kaSegment& kaCurveView::segment(std::size_t left) {
-    if (_left != left) {
-        const Key& a = _keys[left];
-        const Key& b = _keys[left + 1];
-        _segment = kaSegment({a.x, a.y, a.outX, a.outY, b.inX, b.inY, b.x, b.y});
-        _left = left;
-    }
-    return _segment;
-}
-
 bool kaCurveView::sample(float frame, float& value) {
     if (_count < 2)
         return false;
-    if (_keys.size() < 2)
-        return _keys.front().y != 0.0F; // every key at one frame
-    if (_left != NoSegment && _keys[_left].x <= frame && frame < _keys[_left + 1].x)
-        return _segment.sample(frame, value);
-    if (frame < _keys.front().x) {
-        value = _keys[1].y; // the second key's: what hosts have always got
+    if (_segments.empty())
+        return _firstValue != 0.0F; // every key at one frame
+    const kaSegment::Points& last = _segments[_last].points();
+    if (last.x0 <= frame && frame < last.x3)
+        return _segments[_last].sample(frame, value);
+    if (frame < _frames.front()) {
+        value = _segments.front().points().y3; // the second key's: what hosts have always got
         return true;
     }
-    if (!(frame < _keys.back().x)) {
-        value = _keys.back().y;
+    if (!(frame < _frames.back())) {
+        value = _segments.back().points().y3;
         return true;
     }
-    return segment(upperBound(frame) - 1).sample(frame, value);
+    _last = upperBound(frame) - 1;
+    return _segments[_last].sample(frame, value);
 }

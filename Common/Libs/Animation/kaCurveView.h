@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kaEdits.h"
 #include "kaSegment.h"
 
 #include <cstddef>
@@ -10,48 +11,55 @@ class kaAnimationCurve2D;
 class kaChildList;
 class kaControlPoint2D;
 
-/// What sampling reads of a curve: its registered keys and handles in ascending order of x, packed.
+/// What sampling reads of a curve: its registered keys and handles in ascending order of x, packed as
+/// segments.
 ///
-/// This class alone answers whether the packed form is still true: it is while the key list is mirrored and its
-/// revision stands, for every way in which a key, a handle or the list can change raises that revision. A list that
-/// is not mirrored is packed anew for every sample.
+/// This class alone answers whether the packed form is still true: it is while the key list is mirrored and
+/// its revision stands, for every way in which a key, a handle or the list can change raises that revision. A
+/// list that is not mirrored is packed anew for every sample.
 class kaCurveView {
   public:
     /// Packs the curve's keys unless that has been done since their last change.
-    void refresh(const kaAnimationCurve2D& curve, const kaChildList* keys);
+    void refresh(const kaAnimationCurve2D& curve, const kaChildList* keys) {
+        if (_edits != kaEdits::count)
+            renew(curve, keys);
+    }
 
     /// Whether there are keys at two frames or more: without, no sample writes a value.
-    bool hasSpan() const { return _keys.size() > 1; }
+    bool hasSpan() const { return !_segments.empty(); }
 
     /// `kaAnimationController::computeCurveValue` for the packed keys.
     /// Cost: a look at the segment sampled last, else one at the cell of the frame and the keys in it.
     bool sample(float frame, float& value);
 
-  private:
-    /// A key and its handles; a missing handle stands on the key.
-    struct Key {
-        float x, y, inX, inY, outX, outY;
-    };
+    /// Start fetching from memory what `sample` will touch: the view itself and then, when it has come, the
+    /// segment sampled last.
+    void fetch() const {
+        __builtin_prefetch(this);
+        __builtin_prefetch(&_last);
+    }
+    void fetchSegment() const { __builtin_prefetch(_segments.data() + _last); }
 
+  private:
+    void renew(const kaAnimationCurve2D& curve, const kaChildList* keys);
     void pack(const kaAnimationCurve2D& curve, const kaChildList* keys);
-    void add(const kaControlPoint2D& point);
+    void pack(const std::vector<const kaControlPoint2D*>& ascending);
     void divide();
     std::size_t cellOf(float frame) const;
     std::size_t upperBound(float frame) const;
     std::size_t upperBoundAmong(std::size_t from, std::size_t to, float frame) const;
-    const kaSegment& segment(std::size_t left);
 
-    static constexpr std::size_t NoSegment = static_cast<std::size_t>(-1);
-
-    std::vector<Key> _keys;
-    /// The span of the curve in as many cells of equal width as there are keys: how many keys stand in cells before
-    /// each. Empty for few keys and for spans that cannot be divided.
+    std::vector<kaSegment> _segments;
+    std::vector<float> _frames; ///< of the keys, apart, so that a search touches little memory
+    /// The span of the curve in as many cells of equal width as there are keys: how many keys stand in cells
+    /// before each. Empty for few keys and for spans that cannot be divided.
     std::vector<std::uint32_t> _cells;
     float _cellsPerFrame = 0.0F;
-    std::size_t _count = 0; ///< registered keys, those that share an x included
+    float _firstValue = 0.0F; ///< of the first key
+    std::size_t _count = 0;   ///< registered keys, those that share an x included
+    std::uint64_t _edits = 0; ///< of the object model when the packed form was last found true
     std::uint64_t _revision = 0;
     bool _packed = false;
 
-    std::size_t _left = NoSegment; ///< the segment sampled last
-    kaSegment _segment;
+    std::size_t _last = 0; ///< the segment sampled last
 };

@@ -5,8 +5,10 @@
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
 #include "kaAnimationUtils.h"
-#include "kaChildList.h"
 #include "kaCurveView.h"
+#include "kaEdits.h"
+#include "kaEvaluationPlan.h"
+#include "kaFieldAccess.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -24,12 +26,16 @@ struct Range {
 
 enum class Bucket { Finished, Running, Upcoming };
 
-/// The curves that one object contributes to one bucket, all under one key and at one frame.
+/// The curves of one object in one bucket, under one key and at one frame.
 struct Run {
     float key;
     float frame;
-    const std::vector<kaAnimationCurve2D*>* curves;
+    std::size_t first;
+    std::size_t count;
 };
+
+/// Plans of objects that are not played any more are let go of with the next edit beyond this many.
+constexpr std::size_t ManyPlans = 64;
 
 bool byKey(const Run& a, const Run& b) {
     return a.key < b.key;
@@ -52,8 +58,9 @@ struct kaEvaluation::Scratch {
     std::vector<Run> finished;
     std::vector<Run> running;
     std::vector<Run> upcoming;
-    std::vector<const kaAnimationObject*> path;
     std::vector<Written> written;
+    /// Before this place among `written` the scene held all values when they were sampled.
+    std::size_t firstNews = 0;
 
     std::vector<Run>& bucket(Bucket which) {
         return which == Bucket::Finished ? finished : (which == Bucket::Running ? running : upcoming);
@@ -62,12 +69,14 @@ struct kaEvaluation::Scratch {
         finished.clear();
         running.clear();
         upcoming.clear();
-        path.clear();
         written.clear();
+        firstNews = 0;
     }
 
+    void sort(const Plan& plan, float frame, bool motionBlurOnly);
+    void sample(Plan& plan, std::size_t index, float frame);
     void sample(kaAnimationCurve2D* curve, float frame);
-    void sampleClamped(kaAnimationCurve2D* curve, float frame);
+    void store(kaAnimationField* field, float value);
     void write();
 };
 
@@ -93,51 +102,6 @@ class kaEvaluation::ScratchLease {
     Scratch* _scratch;
 };
 
-/// Visits what an object reaches at a frame, containers down to the objects that hold curves.
-class kaEvaluation::Walk {
-  public:
-    Walk(std::vector<const kaAnimationObject*>& path, float frame, bool motionBlurOnly)
-        : _path(path), _frame(frame), _motionBlurOnly(motionBlurOnly) {}
-
-    /// `visit(bucket, key, frame to sample at, curves)`
-    template <class Visit>
-    void visit(const kaAnimationObject& object, Visit&& visit) {
-        if (object.getTypeID() <= KA_TYPE_UNIT) {
-            visitLeaf(object, visit);
-            return;
-        }
-        // A host can bend child lists into a ring; each object is entered once on the way down.
-        if (_path.size() >= KA_MAX_DEPTH || std::find(_path.begin(), _path.end(), &object) != _path.end())
-            return;
-        _path.push_back(&object);
-        if (const kaChildList* children = object.childrenOrNull())
-            children->forEach([&](const kaAnimationObject& child) { this->visit(child, visit); });
-        _path.pop_back();
-    }
-
-  private:
-    template <class Visit>
-    void visitLeaf(const kaAnimationObject& object, Visit&& visit) {
-        const Range range(object);
-        const float begin = object.getBegin();
-        const float end = object.getEnd();
-        const float frame = object.isRepeating() ? fold(_frame, range.lo, range.hi) : _frame;
-        const auto& curves = object.resolvedCurves();
-        if (_motionBlurOnly) {
-            if (begin <= _frame && _frame <= end)
-                visit(Bucket::Running, begin, frame, curves);
-        } else if (_frame < begin) {
-            visit(Bucket::Upcoming, end, frame, curves);
-        } else {
-            visit(_frame <= end ? Bucket::Running : Bucket::Finished, begin, frame, curves);
-        }
-    }
-
-    std::vector<const kaAnimationObject*>& _path;
-    float _frame;
-    bool _motionBlurOnly;
-};
-
 kaEvaluation::kaEvaluation() = default;
 kaEvaluation::~kaEvaluation() = default;
 
@@ -154,56 +118,102 @@ bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, flo
     return curve && curve->view().sample(frame, value);
 }
 
+kaEvaluation::Plan& kaEvaluation::planOf(const kaAnimationObject& object) {
+    if (_plans.size() >= ManyPlans && _plansEdits != kaEdits::count) {
+        _plans.clear();
+        _plansEdits = kaEdits::count;
+    }
+    std::unique_ptr<Plan>& plan = _plans[&object];
+    if (!plan)
+        plan = std::make_unique<Plan>();
+    plan->refresh(object);
+    return *plan;
+}
+
+/// `visit(bucket, key, frame to sample at, leaf)` for every leaf that has a part at `frame`.
+template <class Visit>
+void kaEvaluation::visitLeaves(const Plan& plan, float frame, bool motionBlurOnly, Visit&& visit) {
+    for (const Plan::Leaf& leaf : plan.leaves) {
+        float at = frame;
+        if (leaf.repeating) {
+            const Range range(*leaf.object);
+            at = fold(frame, range.lo, range.hi);
+        }
+        if (motionBlurOnly) {
+            if (leaf.begin <= frame && frame <= leaf.end)
+                visit(Bucket::Running, leaf.begin, at, leaf);
+        } else if (frame < leaf.begin) {
+            visit(Bucket::Upcoming, leaf.end, at, leaf);
+        } else {
+            visit(frame <= leaf.end ? Bucket::Running : Bucket::Finished, leaf.begin, at, leaf);
+        }
+    }
+}
+
 void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame,
                                           kaAnimationController::CurveFrames& finished,
                                           kaAnimationController::CurveFrames& running,
                                           kaAnimationController::CurveFrames& upcoming, bool motionBlurOnly) {
     if (!object)
         return;
-    std::vector<const kaAnimationObject*> path;
-    Walk(path, frame, motionBlurOnly)
-        .visit(
-            *object, [&](Bucket bucket, float key, float at, const std::vector<kaAnimationCurve2D*>& curves) {
-                auto& target =
-                    bucket == Bucket::Finished ? finished : (bucket == Bucket::Running ? running : upcoming);
-                for (kaAnimationCurve2D* curve : curves)
-                    if (!motionBlurOnly || curve->isMotionBlur())
-                        target.emplace(key, std::make_pair(curve, at));
-            });
+    const Plan& plan = planOf(*object);
+    visitLeaves(plan, frame, motionBlurOnly, [&](Bucket bucket, float key, float at, const Plan::Leaf& leaf) {
+        auto& target =
+            bucket == Bucket::Finished ? finished : (bucket == Bucket::Running ? running : upcoming);
+        for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
+            if (!motionBlurOnly || plan.curves[i].motionBlur)
+                target.emplace(key, std::make_pair(plan.curves[i].curve, at));
+    });
+}
+
+void kaEvaluation::Scratch::sort(const Plan& plan, float frame, bool motionBlurOnly) {
+    visitLeaves(plan, frame, motionBlurOnly,
+                [this](Bucket which, float key, float at, const Plan::Leaf& leaf) {
+                    bucket(which).push_back({key, at, leaf.first, leaf.count});
+                });
+    sortByKey(upcoming);
+    sortByKey(finished);
+    sortByKey(running);
+}
+
+void kaEvaluation::Scratch::store(kaAnimationField* field, float value) {
+    if (!field)
+        return;
+    field->value = value;
+    if (firstNews == written.size() && kaFieldAccess::sceneHolds(*field))
+        ++firstNews;
+    written.push_back({field->getId(), field});
+}
+
+void kaEvaluation::Scratch::sample(Plan& plan, std::size_t index, float frame) {
+    plan.fetchAhead(index, frame);
+    Plan::Curve& curve = plan.curves[index];
+    float value = 0.0F;
+    if (curve.active && curve.sample(frame, value))
+        store(curve.field, value);
 }
 
 void kaEvaluation::Scratch::sample(kaAnimationCurve2D* curve, float frame) {
     kaCurveView& view = curve->view();
     float value = 0.0F;
-    if (!view.hasSpan() || !view.sample(frame, value))
-        return;
-    kaAnimationField* field = curve->resolvedField();
-    if (!field)
-        return;
-    field->value = value;
-    written.push_back({field->getId(), field});
+    if (view.hasSpan() && view.sample(frame, value))
+        store(curve->resolvedField(), value);
 }
 
-/// Before its begin and after its end a curve that does not repeat is held.
-void kaEvaluation::Scratch::sampleClamped(kaAnimationCurve2D* curve, float frame) {
-    if (!curve->isActive())
-        return;
-    float at = frame;
-    if (!curve->isRepeating()) {
-        if (frame < curve->getBegin())
-            at = curve->getBegin();
-        else if (frame > curve->getEnd())
-            at = curve->getEnd();
-    }
-    sample(curve, at);
-}
-
+/// A store, and what the host does when it is announced, can change what another field addresses, so from the
+/// first news on every value is compared again.
 void kaEvaluation::Scratch::write() {
     const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
     const std::uint64_t epoch = registry.fieldEpoch();
-    for (const Written& entry : written) {
-        kaAnimationField* field = registry.fieldEpoch() == epoch ? entry.field : registry.findField(entry.id);
-        kaAnimationUtils::setOSGFieldValue(field);
+    constexpr std::size_t Step = 4;
+    for (std::size_t i = firstNews; i < written.size(); ++i) {
+        const bool unchanged = registry.fieldEpoch() == epoch;
+        if (unchanged && i + 3 * Step < written.size()) {
+            kaFieldAccess::fetchRecord(*written[i + 3 * Step].field);
+            kaFieldAccess::fetchBinding(*written[i + 2 * Step].field);
+            kaFieldAccess::fetchTarget(*written[i + Step].field);
+        }
+        kaAnimationUtils::setOSGFieldValue(unchanged ? written[i].field : registry.findField(written[i].id));
     }
 }
 
@@ -213,27 +223,21 @@ bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool m
     const kaAliveGuard alive(*object);
     {
         const ScratchLease scratch(*this);
-        Walk(scratch->path, frame, motionBlurOnly)
-            .visit(*object, [&](Bucket bucket, float key, float at, const auto& curves) {
-                if (!curves.empty())
-                    scratch->bucket(bucket).push_back({key, at, &curves});
-            });
-        const auto sample = [&](kaAnimationCurve2D* curve, float at) {
-            if (!motionBlurOnly || curve->isMotionBlur())
-                scratch->sampleClamped(curve, at);
+        Plan& plan = planOf(*object);
+        scratch->sort(plan, frame, motionBlurOnly);
+        const auto sample = [&](std::size_t index, float at) {
+            if (!motionBlurOnly || plan.curves[index].motionBlur)
+                scratch->sample(plan, index, at);
         };
-        sortByKey(scratch->upcoming);
-        sortByKey(scratch->finished);
-        sortByKey(scratch->running);
         // Later writes win for a field that several curves drive: of the upcoming the nearest, then what has
         // ended, then what runs. The upcoming are walked backwards as a whole, those under one key included.
         for (auto run = scratch->upcoming.rbegin(); run != scratch->upcoming.rend(); ++run)
-            for (auto curve = run->curves->rbegin(); curve != run->curves->rend(); ++curve)
-                sample(*curve, run->frame);
+            for (std::size_t i = run->count; i > 0; --i)
+                sample(run->first + i - 1, run->frame);
         for (const auto* runs : {&scratch->finished, &scratch->running})
             for (const Run& run : *runs)
-                for (kaAnimationCurve2D* curve : *run.curves)
-                    sample(curve, run.frame);
+                for (std::size_t i = 0; i < run.count; ++i)
+                    sample(run.first + i, run.frame);
         scratch->write();
     }
     if (alive && !(frame == object->getLastFrame())) {

@@ -2,6 +2,8 @@
 
 #include "kaAnimationController.h"
 
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -30,10 +32,18 @@ class kaEvaluation {
     static float fold(float frame, float lo, float hi);
 
   private:
-    class Walk;
+    class Plan;
     struct Scratch;
     class ScratchLease;
 
+    /// Valid until the next call out.
+    Plan& planOf(const kaAnimationObject& object);
+
+    template <class Visit>
+    static void visitLeaves(const Plan& plan, float frame, bool motionBlurOnly, Visit&& visit);
+
+    boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<Plan>> _plans;
+    std::uint64_t _plansEdits = 0;
     std::vector<std::unique_ptr<Scratch>> _scratch;
     std::size_t _depth = 0;
 };

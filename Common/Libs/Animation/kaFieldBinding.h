@@ -54,6 +54,15 @@ struct kaFieldBinding {
         return binding && binding->standsFor(field) ? *binding : renewed(field, container);
     }
 
+    /// The binding that the record's last use left; null before its first.
+    static const kaFieldBinding* former(const kaAnimationField& field) { return field._binding.get(); }
+    /// The same if it still stands for the record, else null. Whether the container is there is not looked
+    /// at.
+    static const kaFieldBinding* standing(const kaAnimationField& field) {
+        const kaFieldBinding* binding = field._binding.get();
+        return binding && binding->standsFor(field) ? binding : nullptr;
+    }
+
     /// Whether the record's node is there; `node` is it then. For `Target::Node`.
     bool hasNode(const kaAnimationField& field);
 

@@ -3,6 +3,7 @@
 #include "kaAnimationField.h"
 #include "kaAnimationObject.h"
 #include "kaChildList.h"
+#include "kaEdits.h"
 
 #include <algorithm>
 
@@ -20,6 +21,7 @@ bool kaObjectRegistry::insert(kaAnimationObject& object) {
         throw;
     }
     object._registered = true;
+    kaEdits::note();
     _epoch += type != KA_TYPE_POINT ? 1 : 0;
     return true;
 }
@@ -32,6 +34,7 @@ void kaObjectRegistry::erase(kaUID id) {
     if (object._home)
         object._home->list->childLost(object);
     object._registered = false;
+    kaEdits::note();
     _index.erase(found);
     if (object.getTypeID() == KA_TYPE_POINT)
         return;
@@ -63,6 +66,7 @@ void kaObjectRegistry::drop(kaAnimationObject& object) {
     for (auto& objects : _byType)
         objects.erase(id);
     object._registered = false;
+    kaEdits::note();
     ++_epoch;
 }
 
@@ -78,6 +82,7 @@ bool kaObjectRegistry::insertField(kaAnimationField& field) {
         throw;
     }
     ++_fieldEpoch;
+    kaEdits::note();
     return true;
 }
 
@@ -86,6 +91,7 @@ void kaObjectRegistry::eraseField(kaUID id) {
         return;
     _fields.erase(id);
     ++_fieldEpoch;
+    kaEdits::note();
 }
 
 /// The new entries are made first; taking the old one away and merging a node allocate nothing.
@@ -101,6 +107,7 @@ void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) 
         erase(former);
     _byType[type].merge(entry);
     object._registered = true;
+    kaEdits::note();
     _epoch += type != KA_TYPE_POINT ? 1 : 0;
 }
 
@@ -110,6 +117,7 @@ void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID t
     eraseField(from);
     _fields.merge(entry);
     ++_fieldEpoch;
+    kaEdits::note();
 }
 
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {

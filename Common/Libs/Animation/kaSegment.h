@@ -4,16 +4,18 @@
 ///
 /// Within a segment the frame is no linear function of the curve parameter t, so t is solved for by the
 /// closed cubic formula in double precision. What depends on the segment alone is computed once here, by the
-/// very expressions that a sample would use, so that the result is the same float either way.
-class kaSegment {
+/// very expressions that a sample would use, so that the result is the same float either way. A segment fills
+/// one cache line: what seldom counts is computed again where it does.
+class alignas(64) kaSegment {
   public:
     /// The four control points: key, its out handle, the next key's in handle, the next key.
     struct Points {
         float x0, y0, x1, y1, x2, y2, x3, y3;
     };
 
-    kaSegment() = default;
     explicit kaSegment(const Points& points);
+
+    const Points& points() const { return _points; }
 
     /// @param frame in [x0, x3].
     /// @return whether `value` was written. For a segment of zero length: whether y0 differs from 0, nothing
@@ -21,29 +23,37 @@ class kaSegment {
     bool sample(float frame, float& value) const;
 
   private:
-    enum class Kind {
-        ZeroLength, ///< both keys at one frame
-        Step,       ///< both handles on their keys
-        Cubic,
-        Quadratic, ///< the time polynomial has no cubic term
-        Linear     ///< nor a quadratic one
+    /// What the time polynomial A t^3 + B t^2 + C t is reduced to by t = u - shift, shift = B/(3A), where A
+    /// is not 0: u^3 + p u + q = 0 with q = q0 - s/A.
+    struct Reduced {
+        double shift;
+        double q0;
+        double pThird3; ///< (p / 3)^3
+    };
+    struct Quadratic {
+        double b;
+        double c;
     };
 
-    bool parameter(double s, double& t) const;
-    bool cubicParameter(double s, double& t) const;
+    double length() const { return static_cast<double>(_points.x3) - static_cast<double>(_points.x0); }
+    bool isStep() const;
+    double squareCoefficient() const;
+    double linearCoefficient() const;
+    double p() const;
+
+    double positionOf(float frame) const;
+    bool sampleOneRoot(double half, double w, float& value) const;
+    bool parameter(double q, double discriminant, double& t) const;
     bool quadraticParameter(double s, double& t) const;
     bool nearlyDoubleRoot(double q, double& t) const;
     bool threeRoots(double q, double& t) const;
-    float valueAt(double t) const;
+    double blend(double t) const;
+    bool write(double t, float& value) const;
 
     Points _points{};
-    Kind _kind = Kind::ZeroLength;
-    double _dx = 0.0;
-    double _a = 0.0;       ///< coefficient of t^3
-    double _b = 0.0;       ///< of t^2
-    double _c = 0.0;       ///< of t
-    double _shift = 0.0;   ///< B / (3A): t = u - shift
-    double _p = 0.0;       ///< of the reduced cubic
-    double _q0 = 0.0;      ///< q at s = 0
-    double _pThird3 = 0.0; ///< (p / 3)^3
+    double _a = 0.0; ///< coefficient of t^3
+    union {
+        Reduced _reduced{}; ///< where `_a` is not 0
+        Quadratic _quadratic;
+    };
 };
