@@ -3,7 +3,7 @@
 # usage: writers.sh KA_ANIM
 set -euo pipefail
 
-ka_anim=$1
+ka_anim=$(realpath "$1")
 model=/usr/share/assimp/models/BVH/Boxing_Toes.bvh
 work=$(mktemp -d)
 full=$work/full
