@@ -133,7 +133,8 @@ TEST_F(CommandLineTest, DocumentsThatCannotBeReadEndWithCodeThree) {
     _folder.write("scene.osg", "#OSG V1.0\nDEF mover Node { core Transform3D { } }\n");
     for (const CLI::App* command : commandsOf(_program)) {
         for (const CLI::Option* option : optionsOf(*command)) {
-            if (spellingsOf(*option).back() != "--animation" || option->get_required())
+            const bool isWritten = option->get_description().find("to write") != std::string::npos;
+            if (spellingsOf(*option).back() != "--animation" || isWritten)
                 continue;
             for (const char* name : {"none.xml", "empty.xml", "broken.xml", "notes.txt", "."}) {
                 std::vector<std::string> words = line(*command, "scene.osg");

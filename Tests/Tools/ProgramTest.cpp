@@ -3,6 +3,7 @@
 #include "ProgramRun.h"
 #include "ToolsTesting.h"
 
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -176,6 +177,33 @@ TEST_F(ProgramTest, ImportReportsAndIsStrictOnlyWhenAsked) {
     EXPECT_THAT(lenient.messages, HasSubstr("dropped 1 key"));
     EXPECT_EQ(run({"import", "damaged.bvh", "--strict"}).code, 1);
     EXPECT_EQ(run({"import", "walk.bvh", "--strict"}).code, 0);
+}
+
+/// The poses of a new process that opens the two files are those of the model, within the six decimals of a
+/// document.
+TEST_F(ProgramTest, WhatAnImportWroteMovesLikeItsModel) {
+    ASSERT_EQ(run({"import", "walk.bvh", "-o", "walk.osg", "--animation", "walk.xml"}).code, 0);
+    for (const char* frame : {"0", "0.5", "1.25", "3"}) {
+        const auto model = nlohmann::json::parse(run({"pose", "walk.bvh", "--frame", frame}).output);
+        const auto saved = nlohmann::json::parse(
+            run({"pose", "walk.osg", "--animation", "walk.xml", "--frame", frame}).output);
+        ASSERT_EQ(model["nodes"].size(), saved["nodes"].size());
+        ASSERT_GT(model["nodes"].size(), 1U);
+        for (std::size_t node = 0; node < model["nodes"].size(); ++node)
+            for (std::size_t axis = 0; axis < 3; ++axis)
+                EXPECT_NEAR(model["nodes"][node]["position"][axis].get<double>(),
+                            saved["nodes"][node]["position"][axis].get<double>(), 1e-4)
+                    << "frame " << frame << ", node " << model["nodes"][node]["name"];
+    }
+}
+
+TEST_F(ProgramTest, AnImportWritesBothFilesOrNone) {
+    expectFailure({"import", "walk.bvh", "-o", "half.osg"}, 2, "--animation");
+    expectFailure({"import", "walk.bvh", "--animation", "half.xml"}, 2, "--output");
+    expectFailure({"import", "walk.bvh", "-o", "half.txt", "--animation", "half.xml"}, 2, "half.txt");
+    expectFailure({"import", "walk.bvh", "-o", "half.osg", "--animation", "none/half.xml"}, 4, "none/half.xml");
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("half.osg")));
+    EXPECT_FALSE(std::filesystem::exists(_folder.path("half.xml")));
 }
 
 TEST_F(ProgramTest, AHostileModelCannotTakeTheProgramDown) {

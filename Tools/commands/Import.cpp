@@ -2,6 +2,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
+#include "scene/SceneFiles.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -12,6 +13,7 @@ namespace {
 
 struct ImportCommandOptions {
     ProjectFiles files;
+    SceneOutputs outputs; ///< both empty: the report alone
     bool strict = false;
     bool asJson = false;
 };
@@ -51,7 +53,12 @@ void sayReport(const ImportReport& report) {
 }
 
 ExitCode import(const ImportCommandOptions& options, Output& output) {
+    const bool isKept = !options.outputs.scene.empty();
+    if (isKept)
+        checkOutputs(options.outputs);
     const Project project(options.files);
+    if (isKept)
+        writeSceneAndDocument(project.root(), options.outputs);
     sayReport(project.report());
     if (options.asJson)
         output.write(reportAsJson(project.report()));
@@ -66,10 +73,20 @@ void addImportCommand(CLI::App& program, Action& action) {
     command->add_option("MODEL", options->files.file, "a .bvh, .gltf, .glb or any other model file")
         ->type_name("")
         ->required();
+    CLI::Option* scene =
+        command->add_option("-o,--output", options->outputs.scene, "the scene to write (.osg)")->type_name("PATH");
+    CLI::Option* document =
+        command->add_option("--animation", options->outputs.document, "the animation document to write (.xml)")
+            ->type_name("PATH");
+    // One without the other would lose what the model holds.
+    scene->needs(document);
+    document->needs(scene);
     addModelOptions(*command, options->files);
     command->add_flag("--strict", options->strict, "end with code 1 when the file holds damage");
     command->add_flag("--json", options->asJson, "print the report as JSON");
-    addExamples(*command, {"ka-anim import walk.bvh", "ka-anim import walk.bvh --fps 30 --strict --json"});
+    addExamples(*command, {"ka-anim import walk.bvh -o walk.osg --animation walk.xml",
+                           "ka-anim import walk.bvh --fps 30 --strict --json"},
+                "Without files to write it reports what an import makes of the model.");
     command->callback(
         [options, &action] { action = [options](Output& output) { return import(*options, output); }; });
 }
