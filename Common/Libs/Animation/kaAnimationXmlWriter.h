@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaAnimationExport.h"
+
 class kaAnimationCurve2D;
 class kaAnimationField;
 class kaAnimationManager;
@@ -15,7 +17,7 @@ class kaControlPoint2D;
 ///
 /// A null argument gives the bare element. A coordinate that is not finite is written as "nan", "inf" or
 /// "-inf", which a reader does not take for a number: it comes back as 0.
-class kaAnimationXmlWriter {
+class KA_ANIMATION_API kaAnimationXmlWriter {
   public:
     kaAnimationXmlWriter(const kaAnimationManager& manager, kaAnimationXmlOutput& output)
         : _manager(manager), _output(output) {}

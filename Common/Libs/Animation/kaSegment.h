@@ -1,12 +1,14 @@
 #pragma once
 
+#include "kaAnimationExport.h"
+
 /// One cubic Bézier segment between two keys in the (frame, value) plane, ready to be sampled by frame.
 ///
 /// Within a segment the frame is no linear function of the curve parameter t, so t is solved for by the
 /// closed cubic formula in double precision. What depends on the segment alone is computed once here, by the
 /// very expressions that a sample would use, so that the result is the same float either way. A segment fills
 /// one cache line: what seldom counts is computed again where it does.
-class alignas(64) kaSegment {
+class alignas(64) KA_ANIMATION_API kaSegment {
   public:
     /// The four control points: key, its out handle, the next key's in handle, the next key.
     struct Points {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kaAnimationExport.h"
+
 #include <OpenSG/OSGVector.h>
 
 class kaControlPoint2D;
@@ -17,5 +19,5 @@ struct kaHandles {
 /// A third of a distance is the distance times the float 0.33333334, a half is taken in double. Directions
 /// are angles (the arc tangent of a slope); neighbours at the key's own x give infinite or undefined slopes,
 /// used as they come.
-kaHandles kaPlaceHandles(const kaControlPoint2D& key, const kaControlPoint2D* previous,
+KA_ANIMATION_API kaHandles kaPlaceHandles(const kaControlPoint2D& key, const kaControlPoint2D* previous,
                          const kaControlPoint2D* next);

@@ -70,40 +70,31 @@ class Source : public QXmlInputSource {
     bool _inProlog = true;
 };
 
-/// Records what the parser reports; children of the root are the elements, their children the references.
-class Recorder : public QXmlDefaultHandler {
+/// Passes on what the parser reports and refuses what a DOM could not bear.
+class Handler : public QXmlDefaultHandler {
   public:
-    Recorder(kaAnimationXmlRecord& record, Source& source, kaXmlPreflight::Fault& fault)
-        : _record(record), _source(source), _fault(fault) {}
+    Handler(kaXmlPreflight::Visitor& visitor, Source& source, kaXmlPreflight::Fault& fault)
+        : _visitor(visitor), _source(source), _fault(fault) {}
+
+    void setDocumentLocator(QXmlLocator* locator) override { _locator = locator; }
 
     bool startElement(const QString& /*uri*/, const QString& /*local*/, const QString& name,
                       const QXmlAttributes& attributes) override {
         _source.rootReached();
         if (++_depth > kaXmlPreflight::MaximumDepth)
             return refuse("elements are nested too deeply");
-        if (_depth == 1)
-            setObjects(attributes);
-        else if (_depth == 2)
-            beginElement(attributes);
-        else if (_depth == 3)
-            beginChild(name, attributes);
+        _visitor.beginElement(_depth, _locator ? _locator->lineNumber() : 0, name, attributes);
         return true;
     }
 
     bool endElement(const QString& /*uri*/, const QString& /*local*/, const QString& /*name*/) override {
-        if (_depth == 3 && _inPlace)
-            _record.childText(_text);
-        if (_depth == 3)
-            _inPlace = false;
-        if (_depth == 2)
-            _record.endElement();
+        _visitor.endElement(_depth);
         --_depth;
         return true;
     }
 
     bool characters(const QString& text) override {
-        if (_inPlace)
-            _text += text;
+        _visitor.text(text);
         return true;
     }
 
@@ -132,6 +123,44 @@ class Recorder : public QXmlDefaultHandler {
     }
     bool refuseEntity() { return refuse("the document type declares an entity"); }
 
+    kaXmlPreflight::Visitor& _visitor;
+    Source& _source;
+    kaXmlPreflight::Fault& _fault;
+    QXmlLocator* _locator = nullptr;
+    const char* _refusal = nullptr;
+    int _depth = 0;
+};
+
+/// Keeps what readers look at; children of the root are the elements, their children the references.
+class Recorder : public kaXmlPreflight::Visitor {
+  public:
+    explicit Recorder(kaAnimationXmlRecord& record) : _record(record) {}
+
+    void beginElement(int depth, int /*line*/, const QString& tag,
+                      const QXmlAttributes& attributes) override {
+        if (depth == 1)
+            setObjects(attributes);
+        else if (depth == 2)
+            beginElement(attributes);
+        else if (depth == 3)
+            beginChild(tag, attributes);
+    }
+
+    void text(const QString& text) override {
+        if (_inPlace)
+            _text += text;
+    }
+
+    void endElement(int depth) override {
+        if (depth == 3 && _inPlace)
+            _record.childText(_text);
+        if (depth == 3)
+            _inPlace = false;
+        if (depth == 2)
+            _record.endElement();
+    }
+
+  private:
     void setObjects(const QXmlAttributes& attributes) {
         for (int i = 0; i < attributes.count(); ++i)
             if (kaAnimationXmlRecord::attributeNamed(attributes.qName(i)) == kaXmlAttribute::Objects)
@@ -155,29 +184,22 @@ class Recorder : public QXmlDefaultHandler {
     }
 
     kaAnimationXmlRecord& _record;
-    Source& _source;
-    kaXmlPreflight::Fault& _fault;
-    QString _text; ///< of the coordinates that are being read
-    const char* _refusal = nullptr;
-    int _depth = 0;
+    QString _text;         ///< of the coordinates that are being read
     bool _inPlace = false; ///< within an element that holds coordinates
 };
 
-std::optional<kaAnimationXmlRecord> read(Source& source, kaXmlPreflight::Fault& fault) {
-    kaAnimationXmlRecord record;
-    Recorder recorder(record, source, fault);
+bool visit(Source& source, kaXmlPreflight::Visitor& visitor, kaXmlPreflight::Fault& fault) {
+    Handler handler(visitor, source, fault);
     QXmlSimpleReader reader;
     // As QDomDocument::setContent sets them.
     reader.setFeature("http://xml.org/sax/features/namespaces", false);
     reader.setFeature("http://xml.org/sax/features/namespace-prefixes", true);
     reader.setFeature("http://trolltech.com/xml/features/report-whitespace-only-CharData", false);
-    reader.setContentHandler(&recorder);
-    reader.setDeclHandler(&recorder);
-    reader.setDTDHandler(&recorder);
-    reader.setErrorHandler(&recorder);
-    if (!reader.parse(&source))
-        return std::nullopt;
-    return record;
+    reader.setContentHandler(&handler);
+    reader.setDeclHandler(&handler);
+    reader.setDTDHandler(&handler);
+    reader.setErrorHandler(&handler);
+    return reader.parse(&source);
 }
 
 /// Decodes a device's bytes in chunks.
@@ -215,15 +237,15 @@ bool isUtf8(QIODevice& device) {
     return !decoder.failed() && !decoder.isCutOff();
 }
 
-std::optional<kaAnimationXmlRecord> readDevice(QIODevice& device, kaXmlPreflight::Fault& fault) {
+bool visitDevice(QIODevice& device, kaXmlPreflight::Visitor& visitor, kaXmlPreflight::Fault& fault) {
     if (saysEncoding(device.peek(8))) {
         Source source(device);
-        return read(source, fault);
+        return visit(source, visitor, fault);
     }
     Decoder decoder(device, isUtf8(device) ? "UTF-8" : "ISO-8859-1");
     device.seek(0);
     Source source([&decoder](int size) { return decoder.next(size); });
-    return read(source, fault);
+    return visit(source, visitor, fault);
 }
 
 } // namespace
@@ -236,21 +258,34 @@ std::optional<kaAnimationXmlRecord> kaXmlPreflight::readText(const QString& text
         return chunk;
     });
     Fault ignored;
-    return read(source, fault ? *fault : ignored);
+    kaAnimationXmlRecord record;
+    Recorder recorder(record);
+    if (!visit(source, recorder, fault ? *fault : ignored))
+        return std::nullopt;
+    return record;
 }
 
 std::optional<kaAnimationXmlRecord> kaXmlPreflight::readFile(const QString& name,
                                                              unsigned long long maximumSize, Fault* fault) {
+    kaAnimationXmlRecord record;
+    Recorder recorder(record);
+    if (!visitFile(name, maximumSize, recorder, fault))
+        return std::nullopt;
+    return record;
+}
+
+bool kaXmlPreflight::visitFile(const QString& name, unsigned long long maximumSize, Visitor& visitor,
+                               Fault* fault) {
     Fault ignored;
     Fault& reason = fault ? *fault : ignored;
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         reason = {file.errorString().toStdString(), 0, 0};
-        return std::nullopt;
+        return false;
     }
     if (file.size() > 0) {
         if (static_cast<unsigned long long>(file.size()) <= maximumSize)
-            return readDevice(file, reason);
+            return visitDevice(file, visitor, reason);
     } else {
         // A pipe or a file of the kernel's: no size beforehand, and no way back after the first look.
         const auto limit = static_cast<qint64>(std::min(maximumSize, LargestPipe));
@@ -261,9 +296,9 @@ std::optional<kaAnimationXmlRecord> kaXmlPreflight::readFile(const QString& name
         if (bytes.size() <= limit) {
             QBuffer buffer(&bytes);
             buffer.open(QIODevice::ReadOnly);
-            return readDevice(buffer, reason);
+            return visitDevice(buffer, visitor, reason);
         }
     }
     reason = {"the file is larger than the limit of " + std::to_string(maximumSize) + " bytes", 0, 0};
-    return std::nullopt;
+    return false;
 }

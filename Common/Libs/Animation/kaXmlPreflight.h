@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+class QXmlAttributes;
+
 /// The first look at a document: reads it from end to end without building a DOM and says whether it is one,
 /// so that nothing is created from a document that is not well-formed.
 ///
@@ -37,6 +39,22 @@ class KA_ANIMATION_API kaXmlPreflight {
         int column = 0;
     };
 
+    /// Is told of a document's elements from front to back, before it is known whether the rest is
+    /// well-formed.
+    class KA_ANIMATION_API Visitor {
+      public:
+        virtual ~Visitor() = default;
+
+        /// @param depth of the element; the root's is 1.
+        /// @param line on which its start tag ends, counted from 1.
+        /// @param attributes as they stand, those that stand twice included.
+        virtual void beginElement(int depth, int line, const QString& tag,
+                                  const QXmlAttributes& attributes) = 0;
+        /// Text of the innermost open element, perhaps not all of it at once.
+        virtual void text(const QString& text) = 0;
+        virtual void endElement(int depth) = 0;
+    };
+
     /// The elements below the root, or nothing and, where asked for, why.
     /// @{
     static std::optional<kaAnimationXmlRecord> readText(const QString& text, Fault* fault = nullptr);
@@ -44,4 +62,9 @@ class KA_ANIMATION_API kaXmlPreflight {
     static std::optional<kaAnimationXmlRecord> readFile(const QString& name, unsigned long long maximumSize,
                                                         Fault* fault = nullptr);
     /// @}
+
+    /// Has `visitor` told of what stands in a file. Memory: none for the document, whatever its size.
+    /// @return whether the document is well-formed to its end.
+    static bool visitFile(const QString& name, unsigned long long maximumSize, Visitor& visitor,
+                          Fault* fault = nullptr);
 };
