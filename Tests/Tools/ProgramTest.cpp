@@ -15,8 +15,8 @@ using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-const char* const commands[] = {"import", "sample", "pose",  "plot",    "render",
-                                "play",   "copy",   "paste", "upgrade", "demo"};
+const char* const commands[] = {"import", "convert", "info", "validate", "diff",  "sample",  "pose",
+                                "plot",   "render",  "play", "copy",     "paste", "upgrade", "demo"};
 
 class ProgramTest : public ::testing::Test {
   protected:
@@ -50,7 +50,15 @@ TEST_F(ProgramTest, HelpIsDataAndSaysHow) {
     EXPECT_THAT(run({"--version"}).output, StartsWith("ka-anim "));
 }
 
-class HelpOf : public ProgramTest, public ::testing::WithParamInterface<const char*> {};
+class HelpOf : public ProgramTest, public ::testing::WithParamInterface<const char*> {
+  protected:
+    /// What examples work on: a model, and the same as a scene with its document.
+    void SetUp() override {
+        ProgramTest::SetUp();
+        ASSERT_EQ(run({"convert", "walk.bvh", "-o", "walk.osg", "--animation", "walk.xml"}).code, 0);
+        _folder.write("copy.xml", readFile(_folder.path("walk.xml")));
+    }
+};
 
 TEST_P(HelpOf, HasExamplesThatRun) {
     const ProgramRun help = run({GetParam(), "--help"});

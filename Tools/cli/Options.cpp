@@ -29,6 +29,15 @@ CLI::Validator aboveZero(double high) {
     return CLI::Validator(check, "");
 }
 
+CLI::Validator zeroOrMore() {
+    const auto check = [](std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        const bool fits = value && *value >= 0.0 && std::isfinite(*value);
+        return fits ? std::string() : "'" + oneLine(text) + "' is not a finite number of at least 0";
+    };
+    return CLI::Validator(check, "");
+}
+
 CLI::Validator between(int low, int high) {
     return CLI::Range(low, high).description("");
 }

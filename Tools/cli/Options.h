@@ -43,6 +43,9 @@ CLI::Validator finite();
 /// Accepts numbers greater than 0, up to `high`.
 CLI::Validator aboveZero(double high = 1e30);
 
+/// Accepts 0 and the finite numbers above it.
+CLI::Validator zeroOrMore();
+
 /// Accepts whole numbers from `low` to `high`.
 CLI::Validator between(int low, int high);
 

@@ -19,6 +19,10 @@ using Action = std::function<ExitCode(Output&)>;
 // `action`.
 
 void addImportCommand(CLI::App& program, Action& action);
+void addConvertCommand(CLI::App& program, Action& action);
+void addDiffCommand(CLI::App& program, Action& action);
+void addInfoCommand(CLI::App& program, Action& action);
+void addValidateCommand(CLI::App& program, Action& action);
 void addSampleCommand(CLI::App& program, Action& action);
 void addPoseCommand(CLI::App& program, Action& action);
 void addPlotCommand(CLI::App& program, Action& action);

@@ -13,6 +13,10 @@ namespace {
 
 void addCommands(CLI::App& program, Action& action) {
     addImportCommand(program, action);
+    addConvertCommand(program, action);
+    addDiffCommand(program, action);
+    addInfoCommand(program, action);
+    addValidateCommand(program, action);
     addSampleCommand(program, action);
     addPoseCommand(program, action);
     addPlotCommand(program, action);

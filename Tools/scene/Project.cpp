@@ -23,12 +23,6 @@ namespace ka::tools {
 
 namespace {
 
-void startScene() {
-    static const bool started = osg::osgInit(0, nullptr);
-    if (!started)
-        throw Failure(ExitCode::Unreadable, "the scene graph does not start");
-}
-
 osg::NodePtr makeRoot(const std::string& name) {
     osg::NodePtr root = osg::Node::create();
     osg::addRefCP(root);
@@ -66,6 +60,12 @@ void destroyEverything(kaAnimationManager& manager) {
 }
 
 } // namespace
+
+void startScene() {
+    static const bool started = osg::osgInit(0, nullptr);
+    if (!started)
+        throw Failure(ExitCode::Unreadable, "the scene graph does not start");
+}
 
 Project::Project(const ProjectFiles& files) {
     startScene();

@@ -63,6 +63,10 @@ class Project {
     ImportReport _report;
 };
 
+/// Starts the scene graph, once; projects do it themselves.
+/// @throws Failure (Unreadable).
+void startScene();
+
 /// The frames from the earliest begin to the latest end of the objects; both 0 when there is nothing.
 std::pair<float, float> frameRange(const std::vector<kaAnimationObject*>& objects);
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <kaAnimationManager.h>
 #include <kaFileWriter.h>
+#include <kaXmlPreflight.h>
 #include <sstream>
 
 namespace ka::tools {
@@ -40,6 +41,15 @@ void expectContents(const std::string& file) {
     std::error_code error;
     if (std::filesystem::is_empty(file, error))
         throw unreadable(file, "the file is empty");
+}
+
+/// Loading only says no; a second look says where and why.
+Failure whyUnreadable(const std::string& file) {
+    kaXmlPreflight::Fault fault;
+    kaXmlPreflight::readFile(QString::fromStdString(file), kaAnimationManager::getMaximumFileSize(), &fault);
+    const std::string place =
+        fault.line > 0 ? ":" + std::to_string(fault.line) + ":" + std::to_string(fault.column) : "";
+    return unreadable(file + place, oneLine(fault.message));
 }
 
 } // namespace
@@ -88,7 +98,7 @@ void readDocument(const std::string& file) {
     const HushedModule hushed;
     const ModuleProgress progress("reading animation");
     if (!kaAnimationManager::the()->loadAnimations(QString::fromUtf8(file.c_str()), true))
-        throw unreadable(file, "not readable as an animation document");
+        throw whyUnreadable(file);
 }
 
 void checkOutputs(const SceneOutputs& outputs) {

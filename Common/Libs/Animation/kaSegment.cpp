@@ -227,3 +227,7 @@ bool kaSegment::write(double t, float& value) const {
     value = std::fabs(result) < ValueTolerance ? 0.0F : static_cast<float>(result);
     return true;
 }
+
+bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value) {
+    return kaSegment(points).sample(frame, value);
+}

@@ -8,7 +8,7 @@
 /// closed cubic formula in double precision. What depends on the segment alone is computed once here, by the
 /// very expressions that a sample would use, so that the result is the same float either way. A segment fills
 /// one cache line: what seldom counts is computed again where it does.
-class alignas(64) KA_ANIMATION_API kaSegment {
+class alignas(64) kaSegment {
   public:
     /// The four control points: key, its out handle, the next key's in handle, the next key.
     struct Points {
@@ -59,3 +59,7 @@ class alignas(64) KA_ANIMATION_API kaSegment {
         Quadratic _quadratic;
     };
 };
+
+/// `kaSegment(points).sample(frame, value)` for callers outside the library. The class itself stays inside,
+/// where calls to it can be resolved at build time.
+KA_ANIMATION_API bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value);

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <kaAnimationTypes.h>
+#include <vector>
+
+namespace ka::tools {
+
+/// What an element of an animation document stands for, with the document's own numbers.
+enum class Kind : std::int8_t {
+    Field = -1,
+    None = 0, ///< a number that stands for nothing
+    Point = 1,
+    Curve = 2,
+    Block = 3,
+    Track = 4,
+    Clip = 5,
+    Sequence = 6
+};
+
+/// "curve"; "element" for None.
+const char* kindName(Kind kind);
+
+/// An animation document boiled down to what can only be judged once all of it is known: who refers to whom,
+/// and the keys of curves. A few dozen bytes an element.
+struct DocumentOutline {
+    struct Reference {
+        kaUID id = 0;
+        std::uint32_t line = 0;
+    };
+
+    struct Element {
+        kaUID id = 0; ///< 0: nobody can refer to it
+        std::uint32_t line = 0;
+        Kind kind = Kind::None;
+        std::uint32_t point = 0; ///< its place in `points`
+        std::uint32_t firstReference = 0;
+        std::uint32_t references = 0; ///< how many stand in `references` from there
+        kaUID field = 0;              ///< of a curve; 0 for none
+    };
+
+    /// A key as the file gives it.
+    struct Point {
+        std::array<float, 2> position{}, in{}, out{};
+        unsigned int tangentType = 0, lengthMode = 0;
+    };
+
+    std::vector<Element> elements;
+    std::vector<Reference> references;
+    std::vector<Point> points;
+};
+
+/// Finds elements by id; of those that share an id the first.
+class ElementsById {
+  public:
+    /// @param outline  outlives this.
+    explicit ElementsById(const DocumentOutline& outline);
+
+    /// @return null when there is none.
+    const DocumentOutline::Element* find(kaUID id) const;
+    std::size_t placeOf(const DocumentOutline::Element& element) const {
+        return static_cast<std::size_t>(&element - _outline.elements.data());
+    }
+
+  private:
+    const DocumentOutline& _outline;
+    std::vector<std::uint32_t> _order; ///< places of the elements that have an id, by id, then by place
+};
+
+} // namespace ka::tools

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "check/DocumentOutline.h"
+#include "check/Finding.h"
+
+#include <string>
+
+namespace ka::tools {
+
+/// Reads an animation document element by element, each judged by itself: attributes that do not parse,
+/// unknown tags, a count that disagrees. The document is never in memory as a whole.
+/// @param outline   what it holds; as far as reading came where it is not well-formed.
+/// @param findings  gets what is wrong, in document order.
+/// @throws Failure (Unreadable) when there is no reading it at all.
+void readOutline(const std::string& path, DocumentOutline& outline, FindingList& findings);
+
+} // namespace ka::tools

@@ -1,0 +1,70 @@
+#include "base/Text.h"
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "commands/Commands.h"
+#include "scene/Project.h"
+#include "scene/Saving.h"
+
+#include <filesystem>
+#include <kaAnimationManager.h>
+#include <kaObjectRegistry.h>
+#include <memory>
+
+namespace ka::tools {
+
+namespace {
+
+struct ConvertOptions {
+    ProjectFiles files;
+    SavedFiles saved;
+};
+
+void check(const SavedFiles& saved) {
+    if (saved.scene.empty() && saved.animation.empty())
+        throw Failure(ExitCode::Usage,
+                      "nothing to write: name a scene with -o, a document with --animation or "
+                      "both (see ka-anim convert --help)");
+    if (!saved.scene.empty() && extensionOf(saved.scene) != "osg")
+        throw Failure(ExitCode::Usage, saved.scene + ": a scene's name ends in .osg");
+    const auto normal = [](const std::string& path) {
+        return std::filesystem::absolute(path).lexically_normal();
+    };
+    if (!saved.animation.empty() && !saved.scene.empty() && normal(saved.scene) == normal(saved.animation))
+        throw Failure(ExitCode::Usage, saved.scene + ": one file cannot hold both");
+}
+
+ExitCode convert(const ConvertOptions& options) {
+    check(options.saved);
+    const Project project(options.files);
+    for (const std::string& note : project.report().notes)
+        say(note);
+    save(project.root(), options.saved);
+    for (const std::string& name : {options.saved.scene, options.saved.animation})
+        if (!name.empty())
+            say("wrote " + name);
+    if (options.saved.animation.empty() && kaAnimationManager::the()->registry().size() > 0)
+        say("the animation was not written: name a document for it with --animation");
+    return ExitCode::Fine;
+}
+
+} // namespace
+
+void addConvertCommand(CLI::App& program, Action& action) {
+    auto options = std::make_shared<ConvertOptions>();
+    CLI::App* command =
+        program.add_subcommand("convert", "Save a model, a scene or a document as a scene and a document");
+    command->add_option("IN", options->files.file, "a model, a scene (.osg) or an animation document (.xml)")
+        ->type_name("")
+        ->required();
+    command->add_option("INDOC", options->files.animation, "the animation document that goes with a scene")
+        ->type_name("");
+    command->add_option("-o,--output", options->saved.scene, "the scene to write (.osg)")->type_name("PATH");
+    command->add_option("--animation", options->saved.animation, "the animation document to write")
+        ->type_name("PATH");
+    addModelOptions(*command, options->files);
+    addExamples(*command, {"ka-anim convert walk.bvh -o walk.osg --animation walk.xml",
+                           "ka-anim convert walk.osg walk.xml -o copy.osg --animation copy.xml"});
+    command->callback([options, &action] { action = [options](Output&) { return convert(*options); }; });
+}
+
+} // namespace ka::tools

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <kaSegment.h>
+#include <optional>
+#include <vector>
+
+namespace ka::tools {
+
+/// A key and its handles as numbers; a missing handle stands on the key.
+struct PlainKey {
+    float x = 0.0F, y = 0.0F, inX = 0.0F, inY = 0.0F, outX = 0.0F, outY = 0.0F;
+};
+
+/// The segment between two keys, as the sampler takes it.
+kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right);
+
+/// What `kaAnimationController::computeCurveValue` gives for a curve with these keys, for curves that are no
+/// longer or not yet registered. Cost: O(log n).
+/// @param keys  in ascending order, no two at one frame.
+/// @return nothing when there is no value.
+std::optional<float> sampleKeys(const std::vector<PlainKey>& keys, float frame);
+
+} // namespace ka::tools

@@ -1,0 +1,88 @@
+#include "scene/Saving.h"
+
+#include "base/Failure.h"
+#include "base/Text.h"
+#include "cli/Progress.h"
+
+#include <OpenSG/OSGSceneFileHandler.h>
+#include <kaAnimationManager.h>
+#include <kaAnimationXmlOutput.h>
+#include <kaAnimationXmlWriter.h>
+#include <kaFileWriter.h>
+#include <kaObjectRegistry.h>
+#include <memory>
+
+namespace ka::tools {
+
+namespace {
+
+Failure outputFailed(const kaFileWriter& file) {
+    return {ExitCode::OutputFailed, file.getError()};
+}
+
+/// A document's text that shows on the way how many of its elements have been written.
+class CountedOutput final : public kaAnimationXmlOutput {
+  public:
+    CountedOutput(kaAnimationXmlTextOutput& text, std::size_t elements)
+        : _text(text), _elements(elements), _progress("writing") {}
+
+    void beginElement(const char* tag) override {
+        if (++_depth == 2)
+            _progress.set(++_done, _elements);
+        _text.beginElement(tag);
+    }
+    void attribute(const char* name, std::string_view value) override { _text.attribute(name, value); }
+    void text(std::string_view text) override { _text.text(text); }
+    void endElement() override {
+        --_depth;
+        _text.endElement();
+    }
+
+  private:
+    kaAnimationXmlTextOutput& _text;
+    std::size_t _elements;
+    Progress _progress;
+    std::size_t _done = 0;
+    int _depth = 0;
+};
+
+void writeDocument(kaFileWriter& file) {
+    const kaAnimationManager& manager = *kaAnimationManager::the();
+    kaAnimationXmlTextOutput text([&file](std::string_view piece) { file.write(piece); });
+    text.documentType("ORVA");
+    CountedOutput output(text, manager.registry().size() + manager.registry().fieldCount());
+    kaAnimationXmlWriter(manager, output).pool();
+}
+
+void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter& file) {
+    osg::SceneFileMessages messages;
+    const bool isWritten = osg::SceneFileHandler::the().writeWithMessages(root, file.getStream(), messages);
+    if (!file.getError().empty())
+        throw outputFailed(file);
+    for (const osg::SceneFileMessage& message : messages)
+        if (message.severity != osg::SceneFileMessage::Warning)
+            throw unreadable(name, oneLine(message.text));
+    if (!isWritten)
+        throw Failure(ExitCode::OutputFailed, name + ": the scene cannot be written");
+}
+
+} // namespace
+
+void save(const osg::NodePtr& root, const SavedFiles& files) {
+    std::unique_ptr<kaFileWriter> scene, animation;
+    if (!files.scene.empty()) {
+        scene = std::make_unique<kaFileWriter>(files.scene);
+        writeScene(root, files.scene, *scene);
+    }
+    if (!files.animation.empty()) {
+        animation = std::make_unique<kaFileWriter>(files.animation);
+        writeDocument(*animation);
+        if (!animation->getError().empty())
+            throw outputFailed(*animation);
+    }
+    for (kaFileWriter* file : {scene.get(), animation.get()})
+        if (file != nullptr && !file->commit())
+            throw outputFailed(*file);
+}
+
+} // namespace ka::tools

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <OpenSG/OSGNode.h>
+#include <string>
+
+namespace ka::tools {
+
+/// Where a scene and its animation go; an empty name leaves that part out.
+struct SavedFiles {
+    std::string scene;     ///< .osg, with every node and what hangs on it
+    std::string animation; ///< the document with everything registered
+};
+
+/// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
+/// before all of them have been written in full.
+/// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can.
+void save(const osg::NodePtr& root, const SavedFiles& files);
+
+} // namespace ka::tools
