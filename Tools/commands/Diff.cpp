@@ -125,10 +125,10 @@ void addDiffCommand(CLI::App& program, Action& action) {
     command->add_option("B", options->b.file, "the other")->type_name("")->required();
     command
         ->add_option("--animation-a", options->a.animation, "the animation document that goes with scene A")
-        ->type_name("DOC");
+        ->type_name("PATH");
     command
         ->add_option("--animation-b", options->b.animation, "the animation document that goes with scene B")
-        ->type_name("DOC");
+        ->type_name("PATH");
     command->add_option("--by", options->tolerance, "what frames and values may differ by")
         ->type_name("")
         ->check(zeroOrMore())
