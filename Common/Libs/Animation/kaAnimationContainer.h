@@ -12,7 +12,7 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     void setRepeating(bool repeating) override;   ///< Every child, then the own flag.
     void setMotionBlur(bool motionBlur) override; ///< Every child, then the own flag.
 
-    void move(float offset, bool tellParent) override;
+    void move(float offset, bool tellParent) override; ///< Every child, by `offset` frames.
     /// Sets the begin, whatever it is, and stretches the children about the end. A span of zero is not
     /// stretched.
     /// Edges: ignored by containers nested more than twelve deep, because each level doubles the work.
@@ -47,6 +47,7 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     /// @return the child, or null when it was destroyed or is no child.
     kaAnimationObject* release(kaAnimationObject& child, bool destroy);
 
+    /// Whether the list names the object.
     bool isChild(const kaAnimationObject& object) const { return findObject(object.getId()).second; }
 
     /// Whether an object is one that tracks lay out in time: a block, a clip or a sequence.

@@ -40,7 +40,7 @@ class KA_ANIMATION_API kaAnimationController {
     /// Curves to sample by key, each with the frame to sample it at; equal keys keep their insertion order.
     using CurveFrames = std::multimap<float, std::pair<kaAnimationCurve2D*, float>>;
 
-    static kaAnimationController* the();
+    static kaAnimationController* the(); ///< Made on first use, destroyed at process exit.
     kaAnimationController(const kaAnimationController&) = delete;
     kaAnimationController& operator=(const kaAnimationController&) = delete;
     ~kaAnimationController();
@@ -48,7 +48,7 @@ class KA_ANIMATION_API kaAnimationController {
     // Evaluation.
 
     /// Samples a curve, a piecewise cubic Bézier in (frame, value), by the closed cubic formula.
-    /// @param frame any frame, whole or not.
+    /// @param curve may be null. @param frame any frame, whole or not.
     /// @param value in the field's unit; untouched where nothing is written.
     /// @return whether the curve has a value: false for null, fewer than two keys, or no root in [0, 1]. For
     /// a
@@ -74,6 +74,7 @@ class KA_ANIMATION_API kaAnimationController {
     /// Evaluates loose curves at a frame clamped to their joint range, or to [lo, hi]. Nulls and inactive
     /// curves are passed over.
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float frame, bool motionBlurOnly);
+    /// @copydoc evaluateCurves(std::vector<kaAnimationCurve2D*>, float, bool)
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
@@ -116,6 +117,7 @@ class KA_ANIMATION_API kaAnimationController {
     /// Evaluates what the host edits: the object of `setObjectID`, the curves of `setCurveIDs` and, with
     /// `setEvalActiveUnits`, the active blocks of the scene.
     void evaluate(float frame, bool motionBlurOnly);
+    /// The same for the kinds asked for.
     void evaluate(float frame, bool evalObject, bool evalCurves, bool evalActiveUnits, bool motionBlurOnly);
     /// Freezes both playback modes, or lets them go on. The running objects go on where they were; the global
     /// clock is not moved, so that global playback jumps ahead by the paused time. Asking for the present
@@ -131,9 +133,11 @@ class KA_ANIMATION_API kaAnimationController {
     /// Takes an object out of object playback and puts it at its begin, or its end: those of the custom range
     /// where that is used. Null does nothing.
     void reset(kaAnimationObject* object);
-    void gotoEnd(kaAnimationObject* object);
+    void gotoEnd(kaAnimationObject* object); ///< As `reset(object)`, but to the end.
     /// Ends object playback as `reset()` does and starts the global timeline.
-    /// @param begin,end,start frames. All three 0: the joint range of the objects, from the current frame on.
+    /// @param ids what to play; ids that nobody knows are passed over. @param reverse backwards from `end`.
+    /// @param repeat folded into the range, without end. @param begin,end,start frames. All three 0: the joint
+    /// range of the objects, from the current frame on.
     void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin,
                     float end, float start);
     /// The same for one object; id 0 does nothing.
@@ -143,11 +147,11 @@ class KA_ANIMATION_API kaAnimationController {
     /// Stops the global timeline, evaluates an object at its begin or end and tells the host's time line,
     /// curve editor and clip editor, in this order.
     void gotoGlobalBegin(kaAnimationObject* object);
-    void gotoGlobalEnd(kaAnimationObject* object);
+    void gotoGlobalEnd(kaAnimationObject* object); ///< As `gotoGlobalBegin`, but to the end.
     /// The same for loose curves: the smallest begin, but no later than frame 0, or the largest end, but no
     /// earlier than frame 0. An empty list only stops the timeline.
     void gotoGlobalBegin(const std::vector<kaAnimationCurve2D*>& curves);
-    void gotoGlobalEnd(const std::vector<kaAnimationCurve2D*>& curves);
+    void gotoGlobalEnd(const std::vector<kaAnimationCurve2D*>& curves); ///< As above, but to the end.
 
     // Motion blur: before each sub-frame sample the host has the curves flagged for it moved to the sample's
     // time, the current frame + frames per second * sample / the active camera's shutter speed. Without a
@@ -162,8 +166,11 @@ class KA_ANIMATION_API kaAnimationController {
     /// Puts what `evaluate` evaluates back to the current frame.
     void resetMotionBlur();
 
-    // What the host sets and reads.
+    /// @name What the host sets and reads
+    /// @{
 
+    /// Plain values of the global timeline: frames, frames per second, seconds of the clock, flags as they stand.
+    /// Setting one sends nothing.
     static float getFps() { return _fps; }
     static void setFps(float fps) { _fps = fps; }
     static float getCurrentFrame() { return _currentFrame; }
@@ -188,11 +195,16 @@ class KA_ANIMATION_API kaAnimationController {
     /// Curves and sequences of the last global jump. Valid until the next jump or destruction.
     static const std::vector<kaAnimationCurve2D*>& getCurves();
     static const std::vector<kaAnimationSequence*>& getSeqs();
+    /// @}
 
+    /// @name Host callbacks
+    /// @{
+
+    /// Called by the ticks; null until set, and a null one is not called.
+    static void setCameraCB(void (*callback)(osg::PerspectiveCamera2Ptr& camera)) { _cameraCB = callback; }
     /// Clock in seconds; null for the time of day. For smooth playback it must start near zero: times are
     /// kept as float, which holds a time of day to minutes only.
     static void setTimeCB(double (*callback)()) { _timeCB = callback; }
-    static void setCameraCB(void (*callback)(osg::PerspectiveCamera2Ptr& camera)) { _cameraCB = callback; }
     static void setUpdateNavCB(void (*callback)(int)) { _updateNavCB = callback; }
     static void setSeqCB(void (*callback)(std::string name)) { _seqCB = callback; }
     static void setEnableSimCB(void (*callback)(bool enable)) { _enableSimCB = callback; }
@@ -203,6 +215,9 @@ class KA_ANIMATION_API kaAnimationController {
     }
     static void setCurrentFrameClipMakerCB(void (*callback)(float)) { _currentFrameClipMakerCB = callback; }
 
+    /// @}
+
+    /// What `loop` plays, by id. Valid until the next change or destruction.
     const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const;
     /// Valid until the next change or destruction.
     const std::vector<kaAnimationObject*>& getWaitingObjects() const;
@@ -210,16 +225,24 @@ class KA_ANIMATION_API kaAnimationController {
     void addWaitingObject(kaAnimationObject* object);
     /// Takes an object out of the running ones.
     void subRunningObject(unsigned long long id);
+
+    /// @name What `evaluate` evaluates
+    /// @{
+
+    /// Ids that the host edits, and whether the scene's active blocks are evaluated too.
     unsigned long long getObjectID() const { return _objectID; }
     void setObjectID(unsigned long long id) { _objectID = id; }
     const std::vector<unsigned long long>& getCurveIDs() const { return _curveIDs; }
     void setCurveIDs(const std::vector<unsigned long long>& ids) { _curveIDs = ids; }
     bool isEvalActiveUnits() const { return _evalActiveUnits; }
     void setEvalActiveUnits(bool evalActiveUnits) { _evalActiveUnits = evalActiveUnits; }
+    /// @}
 
-    /// Drops every pointer to an object that is about to be freed. Called by the object. Cost: nothing while
-    /// nothing plays or was jumped to, else a look-up each.
+    /// @cond INTERNAL
+    // Drops every pointer to an object that is about to be freed. Called by the object. Cost: nothing while
+    // nothing plays or was jumped to, else a look-up each.
     static void forget(kaAnimationObject* object);
+    /// @endcond
 
   private:
     kaAnimationController();

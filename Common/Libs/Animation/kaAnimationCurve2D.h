@@ -18,9 +18,9 @@ class kaCurveView;
 /// the curve.
 class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
   public:
-    using PointPair = std::pair<kaControlPoint2D*, kaControlPoint2D*>;
+    using PointPair = std::pair<kaControlPoint2D*, kaControlPoint2D*>; ///< The key before and the key after.
 
-    static constexpr unsigned int _typeID = KA_TYPE_CURVE;
+    static constexpr unsigned int _typeID = KA_TYPE_CURVE; ///< What `getTypeID` answers.
 
     /// A curve bound to a new empty field of its own. Id 0 draws a fresh id (before the field draws its own).
     kaAnimationCurve2D(const std::string& name, kaUID id);
@@ -45,7 +45,7 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// @return the key, or null when it was destroyed, is no control point or no key of this curve.
     kaAnimationObject* subObject(kaAnimationObject* point, bool destroy) override;
 
-    void move(float offset, bool tellParent) override;
+    void move(float offset, bool tellParent) override; ///< Every key and handle, in x.
     /// Stretches about the end; refused unless `begin` is less than the end by more than the tolerance. A
     /// curve whose span is zero is not stretched.
     void moveBegin(float begin, bool tellParent) override;
@@ -56,12 +56,15 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// Mirrors keys and handles about the midpoint of the extent and swaps the handles; ancestors are not
     /// told.
     void flip() override;
+    /// Fires the curve's own triggers; a curve whose set of curve ids is empty fires none.
     void triggerLoop(float frame) override;
 
     /// The registered keys by x; of keys at one x the first in child order. Keys whose x is not a number have
     /// no place in an order and are left out. Cost: O(n log n), a new map.
     std::map<float, kaControlPoint2D*> getPoints() const;
+    /// The key at exactly `x`, the first in child order; null when there is none. Cost: O(log n).
     kaControlPoint2D* findPoint(float x) const;
+    /// The key of this curve with that id; null when there is none.
     kaControlPoint2D* findPoint(kaUID id) const;
     /// The keys before and after `point` in child order; two nulls when it is no key of this curve.
     PointPair getPreviousAndNextPoint(kaControlPoint2D* point) const;
@@ -94,26 +97,42 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// Moves every selected key to the same target; with both locks set nothing happens at all.
     void moveSelectedPointsTo(const osg::Pnt2f& target, bool lockX, bool lockY, bool tellParent);
 
+    // Where keys may stand. Equality is allowed everywhere; a missing handle counts as standing on its key.
+
+    /// Whether `point` may stand at `x` with its handles at `inX` and `outX`: the handles on their sides of the
+    /// key, the key between its neighbours' facing handles, its handles between its neighbours. False for null;
+    /// a point of no or another curve has no neighbours.
     bool checkMoveConstraints(kaControlPoint2D* point, float x, float inX, float outX) const;
+    /// Whether `point` may move by `dx` with its handles, by the same rules between neighbours; with `fromSaved`
+    /// from where the drag began. Where its handles stand beside the key is not looked at. False for null.
     bool checkMoveConstraints2(kaControlPoint2D* point, float dx, bool fromSaved) const;
+    /// Whether a key may be inserted at `x`: between the facing handles of the keys around it.
     bool checkInsertConstraints(float x) const;
 
+    /// @name Plain accessors
+    /// @{
+
+    /// The id of the animated field, registered or not; the colour that editors draw the curve in. Setting one
+    /// tells nobody.
     kaUID getField() const { return _field; }
     void setField(kaUID field);
     const osg::Color3f& getColor() const { return _color; }
     void setColor(const osg::Color3f& color) { _color = color; }
+    /// @}
 
     /// What stands around `x` in ascending order of x, of keys at one x the first in child order: whether
     /// there is a key at exactly `x`, and the keys at the next smaller and larger x.
     struct Neighbours {
-        bool exists = false;
-        kaControlPoint2D* previous = nullptr;
-        kaControlPoint2D* next = nullptr;
+        bool exists = false;                  ///< there is a key at exactly x
+        kaControlPoint2D* previous = nullptr; ///< null when there is none
+        kaControlPoint2D* next = nullptr;     ///< null when there is none
     };
-    Neighbours neighboursByX(float x) const;
+    Neighbours neighboursByX(float x) const; ///< Cost: O(log n) while the keys are in order.
 
-    /// The compact form that sampling reads, brought up to date with the keys. Inside the module only.
+    /// @cond INTERNAL
+    // The compact form that sampling reads, brought up to date with the keys.
     kaCurveView& view() const;
+    /// @endcond
 
   private:
     friend class kaEvaluation;

@@ -19,7 +19,8 @@ class KA_ANIMATION_API kaAnimationField {
     kaAnimationField& operator=(const kaAnimationField&) = delete;
     ~kaAnimationField();
 
-    kaUID getId() const { return _id; }
+    kaUID getId() const { return _id; } ///< The id that curves and nodes name it by.
+    /// Stored as given, without the registry: `kaAnimationManager::setID` keeps that in step.
     void setId(kaUID id) { _id = id; }
 
     kaUID fcID = 0;   ///< container id; only the low 32 bits are looked up

@@ -68,15 +68,23 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// Whether neither an object nor a field has this id; 0 is unique.
     bool isIDUnique(unsigned long long id) const;
     /// Gives an object or field the id asked for, or a fresh one where that id is taken (its own included).
-    /// Read the id back to learn which.
+    /// Read the id back to learn which. Null does nothing.
     void setID(unsigned long long id, kaAnimationObject* object);
+    /// @copydoc setID(unsigned long long, kaAnimationObject*)
     void setID(unsigned long long id, kaAnimationField* field);
 
-    // Lookup. Cost by id: constant. By name: a walk of the registry.
-
-    kaAnimationObject* getObject(unsigned long long id) const;
-    /// The object with the smallest id whose name is `name`; null for an empty name.
+    /// The object with the smallest id whose name is `name`; null for an empty name. Cost: a walk of the
+    /// registry.
     kaAnimationObject* getObject(const std::string& name) const;
+    /// Whether no registered object has that name; false for an empty one. Cost: a walk of the registry.
+    bool isObjectNameUnique(const std::string& name) const;
+
+    /// @name Lookup by id
+    /// @{
+
+    /// The registered object or field with that id; null when there is none, or when it is of another type.
+    /// The registry keeps owning it. Cost: constant.
+    kaAnimationObject* getObject(unsigned long long id) const;
     kaControlPoint2D* getPoint2D(unsigned long long id) const;
     kaAnimationCurve2D* getCurve2D(unsigned long long id) const;
     kaAnimationUnit* getUnit(unsigned long long id) const;
@@ -84,13 +92,16 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationStrip* getStrip(unsigned long long id) const;
     kaAnimationSequence* getSequence(unsigned long long id) const;
     kaAnimationField* getField(unsigned long long id) const;
+    /// @}
     std::map<unsigned long long, kaAnimationObject*> getObjects() const; ///< A copy: O(n log n).
     std::map<unsigned long long, kaAnimationField*> getFields() const;   ///< A copy: O(n).
-    bool isObjectNameUnique(const std::string& name) const;
 
-    // Creation. Id 0 draws a fresh id. An id that is already registered keeps its entry: the new object is
-    // returned but not registered.
+    /// @name Creation
+    /// @{
 
+    /// A new object or field with the defaults of its class, owned by the registry. Id 0 draws a fresh id. An
+    /// id that is already registered keeps its entry: the new object is returned but not registered. Cost: a
+    /// constant number of allocations.
     kaControlPoint2D* createPoint2D(unsigned long long id);
     kaControlPoint2D* createPoint2D(float x, float y, unsigned long long id);
     kaAnimationCurve2D* createCurve2D(unsigned long long id);
@@ -117,9 +128,13 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationStrip* createStrip(const std::string& name, unsigned long long id);
     kaAnimationSequence* createSequence(const std::string& name, unsigned long long id);
     kaAnimationField* createField(unsigned long long id);
+    /// @}
 
-    // Duplication: registered copies with fresh ids; null gives null.
+    /// @name Duplication
+    /// @{
 
+    /// A registered copy with a fresh id, and copies of everything below it; null gives null. Cost: that of
+    /// building the subtree anew.
     kaControlPoint2D* duplicatePoint2D(kaControlPoint2D* point);
     kaAnimationCurve2D* duplicateCurve2D(kaAnimationCurve2D* curve);
     /// With `attach` the copy is listed on the source's scene node.
@@ -130,6 +145,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationField* duplicateField(kaAnimationField* field);
     /// By type; a sequence gives null, so copied tracks lose their sequences.
     kaAnimationObject* duplicateObject(kaAnimationObject* object);
+    /// @}
 
     // Keys on curves.
 
@@ -139,9 +155,11 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// when the insert constraints or the sampling then refuse.
     bool createCurvePoint(kaAnimationCurve2D* curve, float frame, bool replace);
 
-    // Destruction: the object leaves its node's listing, its parent and the registry, then it is freed with
-    // its whole subtree. Null does nothing.
+    /// @name Destruction
+    /// @{
 
+    /// The object leaves its node's listing, its parent and the registry, then it is freed with its whole
+    /// subtree; every pointer to any of it is void. Null does nothing. Cost: linear in the subtree.
     void destroyPoint2D(kaControlPoint2D* point);
     void destroyCurve2D(kaAnimationCurve2D* curve);
     void destroyUnit(kaAnimationUnit* unit);
@@ -153,27 +171,32 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// Destroys in ascending id order while at least two objects are registered, so the last one always
     /// stays. With `all` false objects flagged internal stay too.
     void destroyAllObjects(bool all);
-    void destroyAllFields();
+    void destroyAllFields(); ///< Every registered field, in ascending id order. Curves are not changed.
+    /// @}
 
     // The scene. A node that is null or gone counts as a node without animation.
 
     /// Hands the scene over; null takes it back. The node stays the host's: a root that is destroyed later is
     /// noticed and counts as none.
     static void setSceneRootNode(const osg::NodePtr& root);
-    static const osg::NodePtr& getSceneRootNode();
+    static const osg::NodePtr& getSceneRootNode(); ///< Null while there is none.
     /// With a scene root, notes that an id gave way to another. The lists that nodes hold are left as they
     /// are: what a node lists after a load that met taken ids is what it listed before, and hosts rely on it.
     void changeAnimAttachmentIDs(unsigned long long from, unsigned long long to);
+    /// The same for ids of fields.
     void changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to);
-    /// The visitors of the same; they change nothing and go on.
+    /// The visitor of the same; it changes nothing and goes on.
     static osg::Action::ResultE changeSceneAnimAttachmentIDs(const osg::NodePtr& node);
+    /// The visitor of the same; it changes nothing and goes on.
     static osg::Action::ResultE changeSceneAnimAttachmentFieldIDs(const osg::NodePtr& node);
     /// The node's fields, discovered and attached when the node has no attachment yet. A node without core
     /// has none and gets none.
     std::vector<kaAnimationField*> getAnimationFields(const osg::NodePtr& node);
-    /// Blocks (clips) that stand in no registered object and are not internal, in ascending id order.
+    /// Blocks that stand in no registered object and are not internal, in ascending id order.
     std::vector<kaAnimationUnit*> getSceneUnits() const;
+    /// Those of `getSceneUnits` that are active.
     std::vector<kaAnimationUnit*> getActiveSceneUnits() const;
+    /// Clips that stand in no registered object and are not internal, in ascending id order.
     std::vector<kaAnimationStrip*> getSceneStrips() const;
     /// The fields of one container that curves animate, once per curve, in ascending order of the curves'
     /// ids.
@@ -206,29 +229,52 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// that has one, and its blocks at the node.
     static osg::Action::ResultE completeAnimationFieldNode(const osg::NodePtr& node);
 
-    // Names that the host treats as animatable.
+    /// @name Names that the host treats as animatable
+    /// @{
 
+    /// Field discovery offers fields of these names. Names are compared byte by byte. Cost: linear in the
+    /// names.
     bool isAnimationAttribute(const std::string& name) const;
     void addAnimationAttribute(std::string name);
     void addAnimationAttributes(std::string names); ///< Comma separated, taken exactly as they stand.
     void subAnimationAttribute(const std::string& name);
     const std::vector<std::string>& getAnimationAttributes() const { return _animationAttributes; }
+    /// @}
 
-    // Scene synchronisation.
+    // Scene synchronisation: what the scene's nodes list stays, the rest can be swept.
 
+    /// Visitor that takes in what one node lists; always goes on.
     static osg::Action::ResultE collectActualObjectsAndFields(const osg::NodePtr& node);
+    /// Marks what the nodes from the scene root down list. Objects are marked anew each time; fields only ever
+    /// become more. Without a scene root the last marks stay. Cost: O(n log n) in what the nodes list.
     void updateActualSceneObjectsAndFields();
+    /// Marks, then destroys what no node lists: objects that stand in no other and are not internal, each with
+    /// its subtree, then fields. Clips are never swept, nor is a field that any node once listed. Without a
+    /// scene root it sweeps by the last marks, everything when there are none.
     void destroyUnreferencedObjectsAndFields();
+    /// Destroys the objects and fields that the node lists; with `recursive` those of its descendants too. A
+    /// node without animation attachment ends the descent: what is below it stays. The attachments stay.
     void destroyNodeObjects(const osg::NodePtr& node, bool recursive);
 
-    // Copy and paste.
+    // Copy and paste. The buffer holds registered duplicates that belong to no node; the host is told by
+    // `updatePaste` whenever it becomes empty or filled. Each copy clears it first, its old contents destroyed.
 
+    /// Empties the buffer; the duplicates stay registered unless `destroy`. Nothing for an empty buffer.
     void clearCopyBuffer(bool destroy);
+    /// Duplicates an object with everything below it into the buffer.
+    /// @return false for null (nothing changed), and for a sequence, which cannot be copied.
     bool copy(kaAnimationObject* object);
+    /// The same for several, in order; nulls and sequences are left out. @return whether anything was copied.
     bool copy(const std::vector<kaAnimationObject*>& objects);
+    /// The same for what a node lists. @return false, with nothing changed, for null and where it lists nothing.
     bool copy(const osg::NodePtr& node);
+    /// Moves the buffer to a node: each curve goes to the node's last field of the same attribute and component,
+    /// or keeps its own where there is none, and the node lists the objects. The buffer is empty afterwards; an
+    /// empty one is pasted without effect.
+    /// @param node the target. @param force whether to paste what `kaAnimationUtils::checkPasteTo` refuses.
+    /// @return false, with nothing changed, for a null node and a refused paste.
     bool paste(const osg::NodePtr& node, bool force);
-    std::vector<kaAnimationObject*> getCopyBuffer() const;
+    std::vector<kaAnimationObject*> getCopyBuffer() const; ///< What is still there of it, in order.
 
     // Connections: what an object's start or end leads to. They are never removed; a freed target leaves its
     // connections without effect.
@@ -245,7 +291,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void executeTriggers(std::vector<unsigned long long> connectionIDs);
     /// Connection id to (target, action); a destroyed target leaves a null here.
     std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
-    std::map<unsigned long long, void (*)()> getCallbackConnections() const;
+    std::map<unsigned long long, void (*)()> getCallbackConnections() const; ///< Connection id to function.
     /// Moves an object from its track to another, where it may overlap others.
     /// @return false, with nothing changed, for null, for an object that is on no track or for a track below
     /// it.
@@ -257,9 +303,11 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void objectInfo() const;                                  ///< To standard output.
     void printFieldInfo(const kaAnimationField* field) const; ///< To standard output; nothing for null.
 
-    // Host callbacks, null until set; a null callback makes the call a no-op. The camera -1 is the active
-    // one.
+    /// @name Host callbacks
+    /// @{
 
+    /// Null until set; a null callback makes the call a no-op. The camera -1 is the active one. Positions are in
+    /// the scene's unit, the roll in the host's, progress in percent.
     using GetFromAtUp = void (*)(int camera, osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up);
     using SetFromAtUp = void (*)(int camera, const osg::Pnt3f& from, const osg::Pnt3f& at,
                                  const osg::Vec3f& up);
@@ -284,6 +332,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void showCurves(const std::vector<kaAnimationCurve2D*>& curves);
     void setFileIOProgress(unsigned int percent);
     void updatePaste(bool filled);
+    /// @}
 
     // Documents.
 
@@ -309,6 +358,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// Text is taken as `QDomDocument::setContent` takes it; a file that neither declares an encoding nor is valid
     /// UTF-8 is read as Latin-1. Prints "loading animation elements: " and the count that the document states. The
     /// progress callback is called after every element of both passes and may do anything, loading included.
+    /// @param source file name or document.
     /// @param isFile whether `source` is a file name or the text itself.
     /// @return false, with nothing changed, for an empty source, a file that cannot be opened or is too large, and
     ///         text that is not well-formed, declares entities or nests elements deeper than 256.
@@ -319,16 +369,19 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     /// Largest file, in bytes, that loading accepts; default 1 GiB.
     static void setMaximumFileSize(unsigned long long bytes);
-    static unsigned long long getMaximumFileSize();
+    static unsigned long long getMaximumFileSize(); ///< Bytes.
 
     /// Asks the user for a file name; an empty answer means cancelled.
     using AskFileName = QString (*)(QWidget* parent, const QString& title, const QString& filter, bool saving);
     /// Puts the host in charge of that question; null gives it back to `QFileDialog`.
     static void setAskFileNameCB(AskFileName callback);
 
-    // Elements. The writers give an element of `document` that is attached to nothing, the bare tag for null, and for
-    // a curve whose field is not registered. The readers give null for a null element and one of another "typeID".
+    /// @name Elements
+    /// @{
 
+    /// The writers give an element of `document` that is attached to nothing, the bare tag for null, and for a curve
+    /// whose field is not registered. The readers register what they read; they give null for a null element and one
+    /// of another "typeID".
     QDomElement createFieldDomElement(QDomDocument& document, kaAnimationField* field);
     QDomElement createPointDomElement(QDomDocument& document, kaControlPoint2D* point);
     QDomElement createCurveDomElement(QDomDocument& document, kaAnimationCurve2D* curve);
@@ -348,11 +401,24 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// name. One that it holds already is not added again; one that another container holds leaves that first, but a
     /// key may stay listed by two curves and belongs to the one that took it last.
     void readChildren(const QDomElement& element);
+    /// @}
 
     // Animations that older scenes carry in the scene graph.
 
+    /// Converts the older animation of the root and of every node below it, takes the older attachments off and
+    /// reports progress.
+    /// @param root of the scene; null does nothing.
+    /// @param camera gets the animation of the scene's old camera; null drops it with one line on standard output.
+    /// @param nodeCount how many nodes the scene has, for the progress; any number is safe.
     void importORVAAnimations(const osg::NodePtr& root, const osg::NodePtr& camera, unsigned int nodeCount);
+    /// Visitor that converts one node; always goes on.
     static osg::Action::ResultE collectORVAAnimations(const osg::NodePtr& node);
+
+    /// @name Converters
+    /// @{
+
+    /// One container of the older format as a registered object, added to `parent` unless that is null. Null where
+    /// the container is null or leads back into itself. `getImportReport` counts what was made and left out.
     kaAnimationStrip* importClip(const osg::AnimationClipPtr& clip, kaAnimationStreak* parent);
     kaAnimationStreak* importTrack(const osg::AnimationTrackPtr& track, kaAnimationStrip* parent);
     kaAnimationUnit* importBlock(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);
@@ -360,17 +426,19 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationCurve2D* importCurve(const osg::AnimationCurvePtr& curve, kaAnimationUnit* unit,
                                     osg::NodePtr node);
     kaControlPoint2D* importPoint(const osg::AnimationControlPointPtr& point, kaAnimationCurve2D* curve);
+    /// @}
     /// What the last `importORVAAnimations` made and left out.
     static const kaImportReport& getImportReport();
 
-    /// The ids themselves, for the parts of the module that walk them. Not for hosts.
+    /// @cond INTERNAL
+    // For the other parts of the module that walk ids. Not for hosts.
     kaObjectRegistry& registry() { return *_registry; }
     const kaObjectRegistry& registry() const { return *_registry; }
     kaConnections& connections() { return *_connections; }
     kaCopyBuffer& copyBuffer() { return *_copyBuffer; }
-
-    /// Called once for every object that is about to be freed, so that nothing keeps a pointer to it.
+    // Called once for every object that is about to be freed, so that nothing keeps a pointer to it.
     static void forget(kaAnimationObject* object);
+    /// @endcond
 
   private:
     kaAnimationManager();

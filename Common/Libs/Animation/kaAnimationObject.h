@@ -36,10 +36,10 @@ class KA_ANIMATION_API kaAnimationObject {
         MOVE_OBJECT = 0x400 ///< a child's extent changed
     };
 
-    using Trigger = kaConnectionTypes::AnimationTrigger;
-    using TriggerMap = std::multimap<Trigger, kaUID>;
+    using Trigger = kaConnectionTypes::AnimationTrigger; ///< What fires connections.
+    using TriggerMap = std::multimap<Trigger, kaUID>; ///< Connection ids by what fires them.
 
-    static constexpr unsigned int _typeID = KA_TYPE_OBJECT;
+    static constexpr unsigned int _typeID = KA_TYPE_OBJECT; ///< What `getTypeID` answers.
 
     /// One default object that lives as long as the library is loaded.
     static kaAnimationObject _the;
@@ -56,6 +56,10 @@ class KA_ANIMATION_API kaAnimationObject {
 
     // The virtual operations; every class of the family keeps this order.
 
+    /// @name Extent and flags
+    /// @{
+
+    /// Stored as given. Containers recompute their extent from their children with the next `updateBy`.
     virtual void setBegin(float begin);     ///< Frames.
     virtual void setEnd(float end);         ///< Frames.
     virtual void setMaximum(float maximum); ///< In the unit of the animated field.
@@ -76,6 +80,7 @@ class KA_ANIMATION_API kaAnimationObject {
     virtual float getEnd() const;
     virtual float getMaximum() const;
     virtual float getMinimum() const;
+    /// @}
 
     /// Adds a child. The base returns the argument and does nothing.
     virtual kaAnimationObject* addObject(kaAnimationObject* object);
@@ -101,9 +106,11 @@ class KA_ANIMATION_API kaAnimationObject {
     /// children the extent stays as it is; when every child is passed over it becomes the empty extent.
     virtual void updateBounds();
 
-    // Editing in time. The base does nothing, so a control point ignores these. `tellParent`: whether the
-    // parent takes in the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
+    /// @name Editing in time
+    /// @{
 
+    /// Frames. The base does nothing, so a control point ignores these. `tellParent`: whether the parent takes in
+    /// the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
     virtual void move(float offset, bool tellParent);
     virtual void moveBegin(float begin, bool tellParent);
     virtual void moveEnd(float end, bool tellParent);
@@ -111,6 +118,7 @@ class KA_ANIMATION_API kaAnimationObject {
     virtual void trimEnd(float end, bool tellParent);
     virtual void flip();
     virtual void triggerLoop(float frame);
+    /// @}
 
     // Queries.
 
@@ -147,8 +155,10 @@ class KA_ANIMATION_API kaAnimationObject {
     /// `kaAnimationManager::executeTriggers`.
     void trigger(Trigger trigger);
 
-    // Plain accessors of the data members.
+    /// @name Plain accessors of the data members
+    /// @{
 
+    /// Each reads or writes its member and nothing else: no notice goes to parents, nothing is registered anew.
     kaUID getId() const { return _id; }
     void setId(kaUID id);
     kaUID getParent() const { return _parent; }
@@ -210,8 +220,10 @@ class KA_ANIMATION_API kaAnimationObject {
     void setPauseTime(float seconds) { editPlayback().pauseTime = seconds; }
     float getLastFrame() const { return playback().lastFrame; } ///< Frame of the last evaluation.
     void setLastFrame(float frame) { editPlayback().lastFrame = frame; }
+    /// @}
 
   protected:
+    /// @cond INTERNAL
     /// Stores the extent, as `updateBounds` does, without the virtual setters.
     void storeExtent(const kaExtent& extent);
 
@@ -239,6 +251,7 @@ class KA_ANIMATION_API kaAnimationObject {
 
     kaUID _id = 0;
     kaUID _parent = 0;
+    /// @endcond
 
   private:
     friend class kaChildList;
@@ -279,6 +292,7 @@ class KA_ANIMATION_API kaAnimationObject {
     kaObjectName _name;
 
   protected:
+    /// @cond INTERNAL
     float _begin = KA_EMPTY_EXTENT;
     float _end = -KA_EMPTY_EXTENT;
     float _maximum = -KA_EMPTY_EXTENT;
@@ -296,6 +310,7 @@ class KA_ANIMATION_API kaAnimationObject {
     bool _internal : 1;
     bool _motionBlur : 1;
     bool _useCustomRange : 1;
+    /// @endcond
 
   private:
     bool _ownChild : 1;   ///< `_childIDs` is the object's own id alone

@@ -6,7 +6,7 @@
 /// callback. It has no children; flipping it does nothing.
 class KA_ANIMATION_API kaAnimationSequence final : public kaAnimationObject {
   public:
-    static constexpr unsigned int _typeID = KA_TYPE_SEQUENCE;
+    static constexpr unsigned int _typeID = KA_TYPE_SEQUENCE; ///< What `getTypeID` answers.
 
     /// Id 0 draws a fresh id.
     kaAnimationSequence(const std::string& name, kaUID id);
@@ -26,10 +26,12 @@ class KA_ANIMATION_API kaAnimationSequence final : public kaAnimationObject {
     void trimBegin(float begin,
                    bool tellParent) override;          ///< As `moveBegin`, and marks the sequence trimmed.
     void trimEnd(float end, bool tellParent) override; ///< As `moveEnd`, and marks the sequence trimmed.
+    /// Fires the sequence's own triggers.
     void triggerLoop(float frame) override;
 
     /// Whether the sequence may still fire in this run.
     bool isArmed() const { return _armed; }
+    /// Stored as given.
     void setArmed(bool armed) { _armed = armed; }
 
   private:

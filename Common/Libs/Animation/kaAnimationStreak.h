@@ -10,7 +10,7 @@ class kaAnimationUnit;
 /// `addObject` checks neither type nor overlap. Trimming does nothing.
 class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
   public:
-    static constexpr unsigned int _typeID = KA_TYPE_STREAK;
+    static constexpr unsigned int _typeID = KA_TYPE_STREAK; ///< What `getTypeID` answers.
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationStreak(const std::string& name, kaUID id);
@@ -33,12 +33,13 @@ class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
     /// Cost: O(n) in the children.
     bool insertObject(kaAnimationObject* object);
 
-    std::vector<kaAnimationUnit*> getUnits() const;
-    std::vector<kaAnimationStrip*> getStrips() const;
-    std::vector<kaAnimationSequence*> getSequences() const;
+    std::vector<kaAnimationUnit*> getUnits() const;         ///< The children that are blocks, in order.
+    std::vector<kaAnimationStrip*> getStrips() const;       ///< The children that are clips, in order.
+    std::vector<kaAnimationSequence*> getSequences() const; ///< The children that are sequences, in order.
 
     /// The track's number within its clip.
     unsigned int getIndex() const { return _index; }
+    /// Stored as given; nobody is renumbered.
     void setIndex(unsigned int index) { _index = index; }
 
   private:

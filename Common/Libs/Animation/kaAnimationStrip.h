@@ -8,7 +8,7 @@ class kaAnimationStreak;
 /// Trimming does nothing. Editing in time and triggers reach its tracks only.
 class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
   public:
-    static constexpr unsigned int _typeID = KA_TYPE_STRIP;
+    static constexpr unsigned int _typeID = KA_TYPE_STRIP; ///< What `getTypeID` answers.
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationStrip(const std::string& name, kaUID id);

@@ -61,10 +61,10 @@ struct kaConnectionTypes {
 
 /// Time and value bounds of an object.
 struct kaExtent {
-    float begin = KA_EMPTY_EXTENT;
-    float end = -KA_EMPTY_EXTENT;
-    float maximum = -KA_EMPTY_EXTENT;
-    float minimum = KA_EMPTY_EXTENT;
+    float begin = KA_EMPTY_EXTENT;    ///< frames
+    float end = -KA_EMPTY_EXTENT;     ///< frames
+    float maximum = -KA_EMPTY_EXTENT; ///< in the unit of the animated field
+    float minimum = KA_EMPTY_EXTENT;  ///< in the unit of the animated field
 
     /// Widens in time to hold a span; ties and NaN keep what is there.
     void includeSpan(float otherBegin, float otherEnd) {

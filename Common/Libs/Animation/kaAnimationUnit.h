@@ -9,7 +9,7 @@
 /// `trimBegin` and `trimEnd` change only the block's extent and mark it trimmed.
 class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationContainer {
   public:
-    static constexpr unsigned int _typeID = KA_TYPE_UNIT;
+    static constexpr unsigned int _typeID = KA_TYPE_UNIT; ///< What `getTypeID` answers.
 
     /// Id 0 draws a fresh id. Nothing is registered.
     kaAnimationUnit(const std::string& name, kaUID id);
@@ -37,6 +37,7 @@ class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationContainer {
 
     /// Container id of the scene node that the block animates; 0 = none.
     unsigned int getNodeID() const { return _nodeID; }
+    /// Stored as given; the curves keep their fields.
     void setNodeID(unsigned int nodeID) { _nodeID = nodeID; }
 
   private:

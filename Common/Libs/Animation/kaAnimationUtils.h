@@ -34,6 +34,7 @@ class KA_ANIMATION_API kaAnimationUtils {
     static unsigned int convertTangentType(unsigned int type);
     /// Sorting of pointers by begin or end; null on either side gives false.
     static bool sortBeginBased(kaAnimationObject* a, kaAnimationObject* b);
+    /// The same by end.
     static bool sortEndBased(kaAnimationObject* a, kaAnimationObject* b);
 
     // Fields.
@@ -71,6 +72,7 @@ class KA_ANIMATION_API kaAnimationUtils {
     static osg::AttachmentPtr createAnimationAttachment(osg::NodePtr node, bool createFields);
     /// The registered objects (fields) that the node lists, in list order; nothing is created.
     static std::vector<kaAnimationObject*> getAnimationObjects(const osg::NodePtr& node);
+    /// @copydoc getAnimationObjects
     static std::vector<kaAnimationField*> getAnimationFields(const osg::NodePtr& node);
     /// Lists the object on the node, unchecked for repeats, making attachment and fields where the node has
     /// none; for a block the first listing of each of its curves goes.
@@ -87,7 +89,13 @@ class KA_ANIMATION_API kaAnimationUtils {
 
     // Pasting.
 
+    /// Whether the object's curves can drive the node: every curve's field is registered, its container exists and
+    /// is of the type group of the node's core, or a node. False for null and for a node without core.
     static bool checkPasteTo(const osg::NodePtr& node, kaAnimationObject* object);
+    /// Whether that holds for every object that is not null.
     static bool checkPasteTo(const osg::NodePtr& node, const std::vector<kaAnimationObject*>& objects);
+    /// Moves each curve of the object to the node's last listed field of the same attribute and component; a curve
+    /// without such a field keeps its own. A block is bound to the node.
+    /// @return false, with nothing changed, for null and for a node without core.
     static bool changeObjectReferenceFields(kaAnimationObject* object, const osg::NodePtr& node);
 };

@@ -28,11 +28,12 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
         LENGTH_HALF = 64   ///< half the horizontal distance to the neighbour on that side
     };
 
-    static constexpr unsigned int _typeID = KA_TYPE_POINT;
+    static constexpr unsigned int _typeID = KA_TYPE_POINT; ///< What `getTypeID` answers.
 
     /// A key at (0, 0). Id 0 draws a fresh id. A key (`isTangent` false) makes its two handles, which draw
     /// their ids after it, in then out.
     kaControlPoint2D(const std::string& name, kaUID id, bool isTangent);
+    /// The same at (x, y), frame and value.
     kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent);
 
     /// A copy with a fresh id, registered copies of the handles and the source's parent id if that parent is
@@ -48,6 +49,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void setMinimum(float y) override;
     void setSelected(bool selected) override; ///< Also deselects both handles.
     unsigned int getTypeID() const override { return _typeID; }
+    // A key's extent is its position.
     float getBegin() const override { return _position[0]; }
     float getEnd() const override { return _position[0]; }
     float getMaximum() const override { return _position[1]; }
@@ -62,6 +64,11 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     /// Cost: O(log n) in the curve's keys while they are in order.
     bool computeTangents();
 
+    /// @name Plain accessors
+    /// @{
+
+    /// Positions are (frame, value). Setting one moves neither handles nor neighbours and tells no parent. The
+    /// handles belong to the key; null for a handle, and for one that was freed first.
     const osg::Pnt2f& getPosition() const { return _position; }
     void setPosition(const osg::Pnt2f& position);
     void setPosition(float x, float y) { setPosition(osg::Pnt2f(x, y)); }
@@ -83,6 +90,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void setTangentType(unsigned int type) { _tangentType = type; } ///< Any value is stored.
     unsigned int getTangentLengthMode() const { return _tangentLengthMode; }
     void setTangentLengthMode(unsigned int mode) { _tangentLengthMode = mode; } ///< Any value is stored.
+    /// @}
 
   private:
     /// Kept only by keys that an editor drags.

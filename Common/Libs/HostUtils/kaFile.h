@@ -19,6 +19,7 @@ using CheckWriteCallback = std::function<bool(const std::string& name, bool ask,
 /// and this process may write it, or when it does not exist and its folder lets this process make it. Nothing
 /// is written or created. The answer is a forecast: only the writing itself tells for sure.
 ///
+/// @param name   the file, as UTF-8 bytes.
 /// @param ask    lets a host ask the user, for example whether an existing file may go.
 /// @param quiet  asks a host to show no message when it refuses.
 KA_HOSTUTILS_API bool checkWrite(const std::string& name, bool ask, bool quiet);

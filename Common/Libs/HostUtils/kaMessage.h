@@ -14,17 +14,20 @@
 /// (two or three values), so keys are found by walking them.
 class KA_HOSTUTILS_API kaMessage {
   public:
-    using Entry = std::pair<std::string, boost::any>;
-    using Entries = boost::container::small_vector<Entry, 2>;
+    using Entry = std::pair<std::string, boost::any>;         ///< key and value
+    using Entries = boost::container::small_vector<Entry, 2>; ///< in the order in which keys were first set
 
     kaMessage() = default;
+    /// A message of that name, without values.
     explicit kaMessage(std::string name);
 
     /// The name under which kaOpenSGUtils::call(message, flags) sends it; empty unless given.
     const std::string& getName() const { return _name; }
-    void setName(std::string name);
+    void setName(std::string name); ///< Keeps the values.
 
-    /// Puts `value` under `key`.
+    /// Puts a value under a key.
+    /// @param key        compared byte by byte; may be empty.
+    /// @param value      of any type that can be copied; it is read back by exactly that type.
     /// @param overwrite  whether a value that is already there gives way to the new one.
     /// @return whether the value was stored: false only for a key that is taken while `overwrite` is false.
     bool set(std::string_view key, boost::any value, bool overwrite);

@@ -17,11 +17,13 @@ using kaMessageCallback = std::function<void(std::string_view name, const kaMess
 /// outlive the bus, and may be dropped at any time, by its own listener too.
 class KA_HOSTUTILS_API kaMessageListener {
   public:
-    struct Registration;
+    struct Registration; ///< The bus's side of it.
 
     kaMessageListener() noexcept = default;
+    /// Made by the bus.
     explicit kaMessageListener(std::shared_ptr<Registration> registration) noexcept;
-    kaMessageListener(kaMessageListener&& other) noexcept = default;
+    kaMessageListener(kaMessageListener&& other) noexcept = default; ///< `other` is empty afterwards.
+    /// Ends the registration held so far; `other` is empty afterwards.
     kaMessageListener& operator=(kaMessageListener&& other) noexcept;
     kaMessageListener(const kaMessageListener&) = delete;
     kaMessageListener& operator=(const kaMessageListener&) = delete;

@@ -18,6 +18,8 @@ KA_HOSTUTILS_API osg::TransformAttachmentPtr getTransformAttachment(const osg::N
 /// kaOpenSGUtils::announceChange does: nothing is written or announced when the angles are the node's
 /// already. A null node is ignored.
 ///
+/// @param node   may be null.
+/// @param x,y,z  degrees, about the axes of those names.
 /// @param flags  for the host; -1 stands for all. This implementation knows none.
 KA_HOSTUTILS_API void setTransformNodeRotation(const osg::NodePtr& node, osg::Real32 x, osg::Real32 y,
                                                osg::Real32 z, osg::Int32 flags);

@@ -18,6 +18,8 @@ namespace kaOpenSGUtils {
 /// listener may do anything meanwhile: one that is removed is not called any more, one that is added waits
 /// for the next message, and a message that a listener sends is delivered at once, inside this one.
 ///
+/// @param name     which listeners are called; compared byte by byte.
+/// @param message  handed on as it is.
 /// @param flags  handed on to the listeners as it is.
 /// Edges:  messages nested deeper than 64 are dropped. What a listener throws comes through, and those after
 /// it miss
