@@ -10,7 +10,6 @@ namespace {
 using Spots = std::vector<Spot>;
 using Keys = std::vector<Key>;
 
-
 class CurveEdit : public RegistryFixture {
   protected:
     kaAnimationManager* manager = kaAnimationManager::the();

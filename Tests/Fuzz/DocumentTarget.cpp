@@ -1,12 +1,10 @@
-#include <kaAnimationManager.h>
-#include <kaAnimationObject.h>
-
 #include <QTemporaryFile>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <kaAnimationManager.h>
+#include <kaAnimationObject.h>
 
 namespace {
 
@@ -64,10 +62,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool asFile = size > 0 && (data[size - 1] & 1U) != 0;
     const bool loaded =
         asFile ? loadAsFile(data, size)
-               : manager().loadAnimations(QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)),
-                                          false);
+               : manager().loadAnimations(
+                     QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size)), false);
     if (!loaded) {
-        demand(manager().getObjects().empty() && manager().getFields().empty(), "a refused document left something");
+        demand(manager().getObjects().empty() && manager().getFields().empty(),
+               "a refused document left something");
         return 0;
     }
     checkRegistry();

@@ -1,7 +1,6 @@
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGSceneFileHandler.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

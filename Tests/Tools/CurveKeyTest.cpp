@@ -105,13 +105,18 @@ TEST(LayOutCurve, TakesWhatNoFloatCanHold) {
     const double huge = 3e38;
     for (const SegmentShape shape : {SegmentShape::Step, SegmentShape::Straight, SegmentShape::Smooth}) {
         const BezierCurve curve = layOutCurve(
-            {{-huge, huge, 0, huge, shape}, {0, -huge, huge, -huge, shape}, {huge, huge, -huge, 0, shape}}, 25);
+            {{-huge, huge, 0, huge, shape}, {0, -huge, huge, -huge, shape}, {huge, huge, -huge, 0, shape}},
+            25);
         ASSERT_EQ(curve.keys.size(), 3U);
         for (const BezierKey& key : curve.keys)
-            for (const float part : {key.frame, key.value, key.inFrame, key.inValue, key.outFrame, key.outValue})
+            for (const float part :
+                 {key.frame, key.value, key.inFrame, key.inValue, key.outFrame, key.outValue})
                 EXPECT_TRUE(std::isfinite(part));
     }
-    EXPECT_EQ(layOutCurve({{2e38, 0, 0, 0, SegmentShape::Straight}, {huge, 1, 0, 0, SegmentShape::Straight}}, 25).merged, 1U);
+    EXPECT_EQ(
+        layOutCurve({{2e38, 0, 0, 0, SegmentShape::Straight}, {huge, 1, 0, 0, SegmentShape::Straight}}, 25)
+            .merged,
+        1U);
 }
 
 TEST(LayOutCurve, KeepsASplineToAHundredThousandthOfItsRange) {

@@ -209,7 +209,8 @@ TEST_F(ProgramTest, AnImportWritesBothFilesOrNone) {
     expectFailure({"import", "walk.bvh", "-o", "half.osg"}, 2, "--animation");
     expectFailure({"import", "walk.bvh", "--animation", "half.xml"}, 2, "--output");
     expectFailure({"import", "walk.bvh", "-o", "half.txt", "--animation", "half.xml"}, 2, "half.txt");
-    expectFailure({"import", "walk.bvh", "-o", "half.osg", "--animation", "none/half.xml"}, 4, "none/half.xml");
+    expectFailure({"import", "walk.bvh", "-o", "half.osg", "--animation", "none/half.xml"}, 4,
+                  "none/half.xml");
     EXPECT_FALSE(std::filesystem::exists(_folder.path("half.osg")));
     EXPECT_FALSE(std::filesystem::exists(_folder.path("half.xml")));
 }

@@ -74,9 +74,11 @@ void addImportCommand(CLI::App& program, Action& action) {
         ->type_name("")
         ->required();
     CLI::Option* scene =
-        command->add_option("-o,--output", options->outputs.scene, "the scene to write (.osg)")->type_name("PATH");
+        command->add_option("-o,--output", options->outputs.scene, "the scene to write (.osg)")
+            ->type_name("PATH");
     CLI::Option* document =
-        command->add_option("--animation", options->outputs.document, "the animation document to write (.xml)")
+        command
+            ->add_option("--animation", options->outputs.document, "the animation document to write (.xml)")
             ->type_name("PATH");
     // One without the other would lose what the model holds.
     scene->needs(document);
@@ -84,8 +86,9 @@ void addImportCommand(CLI::App& program, Action& action) {
     addModelOptions(*command, options->files);
     command->add_flag("--strict", options->strict, "end with code 1 when the file holds damage");
     command->add_flag("--json", options->asJson, "print the report as JSON");
-    addExamples(*command, {"ka-anim import walk.bvh -o walk.osg --animation walk.xml",
-                           "ka-anim import walk.bvh --fps 30 --strict --json"},
+    addExamples(*command,
+                {"ka-anim import walk.bvh -o walk.osg --animation walk.xml",
+                 "ka-anim import walk.bvh --fps 30 --strict --json"},
                 "Without files to write it reports what an import makes of the model.");
     command->callback(
         [options, &action] { action = [options](Output& output) { return import(*options, output); }; });

@@ -39,8 +39,8 @@ struct SceneOutputs {
 /// @throws Failure (Usage) when the names are not those of a scene and a document. Call it before the work.
 void checkOutputs(const SceneOutputs& outputs);
 
-/// Writes the scene and, as a document, everything registered. Each file is replaced as a whole or not at all,
-/// and none as long as either cannot be written.
+/// Writes the scene and, as a document, everything registered. Each file is replaced as a whole or not at
+/// all, and none as long as either cannot be written.
 /// @throws Failure (OutputFailed).
 void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs);
 

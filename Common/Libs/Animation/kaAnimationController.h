@@ -136,8 +136,8 @@ class KA_ANIMATION_API kaAnimationController {
     void gotoEnd(kaAnimationObject* object); ///< As `reset(object)`, but to the end.
     /// Ends object playback as `reset()` does and starts the global timeline.
     /// @param ids what to play; ids that nobody knows are passed over. @param reverse backwards from `end`.
-    /// @param repeat folded into the range, without end. @param begin,end,start frames. All three 0: the joint
-    /// range of the objects, from the current frame on.
+    /// @param repeat folded into the range, without end. @param begin,end,start frames. All three 0: the
+    /// joint range of the objects, from the current frame on.
     void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin,
                     float end, float start);
     /// The same for one object; id 0 does nothing.
@@ -169,8 +169,8 @@ class KA_ANIMATION_API kaAnimationController {
     /// @name What the host sets and reads
     /// @{
 
-    /// Plain values of the global timeline: frames, frames per second, seconds of the clock, flags as they stand.
-    /// Setting one sends nothing.
+    /// Plain values of the global timeline: frames, frames per second, seconds of the clock, flags as they
+    /// stand. Setting one sends nothing.
     static float getFps() { return _fps; }
     static void setFps(float fps) { _fps = fps; }
     static float getCurrentFrame() { return _currentFrame; }

@@ -99,12 +99,13 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
 
     // Where keys may stand. Equality is allowed everywhere; a missing handle counts as standing on its key.
 
-    /// Whether `point` may stand at `x` with its handles at `inX` and `outX`: the handles on their sides of the
-    /// key, the key between its neighbours' facing handles, its handles between its neighbours. False for null;
-    /// a point of no or another curve has no neighbours.
+    /// Whether `point` may stand at `x` with its handles at `inX` and `outX`: the handles on their sides of
+    /// the key, the key between its neighbours' facing handles, its handles between its neighbours. False for
+    /// null; a point of no or another curve has no neighbours.
     bool checkMoveConstraints(kaControlPoint2D* point, float x, float inX, float outX) const;
-    /// Whether `point` may move by `dx` with its handles, by the same rules between neighbours; with `fromSaved`
-    /// from where the drag began. Where its handles stand beside the key is not looked at. False for null.
+    /// Whether `point` may move by `dx` with its handles, by the same rules between neighbours; with
+    /// `fromSaved` from where the drag began. Where its handles stand beside the key is not looked at. False
+    /// for null.
     bool checkMoveConstraints2(kaControlPoint2D* point, float dx, bool fromSaved) const;
     /// Whether a key may be inserted at `x`: between the facing handles of the keys around it.
     bool checkInsertConstraints(float x) const;
@@ -112,8 +113,8 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     /// @name Plain accessors
     /// @{
 
-    /// The id of the animated field, registered or not; the colour that editors draw the curve in. Setting one
-    /// tells nobody.
+    /// The id of the animated field, registered or not; the colour that editors draw the curve in. Setting
+    /// one tells nobody.
     kaUID getField() const { return _field; }
     void setField(kaUID field);
     const osg::Color3f& getColor() const { return _color; }

@@ -245,19 +245,20 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     /// Visitor that takes in what one node lists; always goes on.
     static osg::Action::ResultE collectActualObjectsAndFields(const osg::NodePtr& node);
-    /// Marks what the nodes from the scene root down list. Objects are marked anew each time; fields only ever
-    /// become more. Without a scene root the last marks stay. Cost: O(n log n) in what the nodes list.
+    /// Marks what the nodes from the scene root down list. Objects are marked anew each time; fields only
+    /// ever become more. Without a scene root the last marks stay. Cost: O(n log n) in what the nodes list.
     void updateActualSceneObjectsAndFields();
-    /// Marks, then destroys what no node lists: objects that stand in no other and are not internal, each with
-    /// its subtree, then fields. Clips are never swept, nor is a field that any node once listed. Without a
-    /// scene root it sweeps by the last marks, everything when there are none.
+    /// Marks, then destroys what no node lists: objects that stand in no other and are not internal, each
+    /// with its subtree, then fields. Clips are never swept, nor is a field that any node once listed.
+    /// Without a scene root it sweeps by the last marks, everything when there are none.
     void destroyUnreferencedObjectsAndFields();
     /// Destroys the objects and fields that the node lists; with `recursive` those of its descendants too. A
     /// node without animation attachment ends the descent: what is below it stays. The attachments stay.
     void destroyNodeObjects(const osg::NodePtr& node, bool recursive);
 
     // Copy and paste. The buffer holds registered duplicates that belong to no node; the host is told by
-    // `updatePaste` whenever it becomes empty or filled. Each copy clears it first, its old contents destroyed.
+    // `updatePaste` whenever it becomes empty or filled. Each copy clears it first, its old contents
+    // destroyed.
 
     /// Empties the buffer; the duplicates stay registered unless `destroy`. Nothing for an empty buffer.
     void clearCopyBuffer(bool destroy);
@@ -266,11 +267,12 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     bool copy(kaAnimationObject* object);
     /// The same for several, in order; nulls and sequences are left out. @return whether anything was copied.
     bool copy(const std::vector<kaAnimationObject*>& objects);
-    /// The same for what a node lists. @return false, with nothing changed, for null and where it lists nothing.
+    /// The same for what a node lists. @return false, with nothing changed, for null and where it lists
+    /// nothing.
     bool copy(const osg::NodePtr& node);
-    /// Moves the buffer to a node: each curve goes to the node's last field of the same attribute and component,
-    /// or keeps its own where there is none, and the node lists the objects. The buffer is empty afterwards; an
-    /// empty one is pasted without effect.
+    /// Moves the buffer to a node: each curve goes to the node's last field of the same attribute and
+    /// component, or keeps its own where there is none, and the node lists the objects. The buffer is empty
+    /// afterwards; an empty one is pasted without effect.
     /// @param node the target. @param force whether to paste what `kaAnimationUtils::checkPasteTo` refuses.
     /// @return false, with nothing changed, for a null node and a refused paste.
     bool paste(const osg::NodePtr& node, bool force);
@@ -306,8 +308,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// @name Host callbacks
     /// @{
 
-    /// Null until set; a null callback makes the call a no-op. The camera -1 is the active one. Positions are in
-    /// the scene's unit, the roll in the host's, progress in percent.
+    /// Null until set; a null callback makes the call a no-op. The camera -1 is the active one. Positions are
+    /// in the scene's unit, the roll in the host's, progress in percent.
     using GetFromAtUp = void (*)(int camera, osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up);
     using SetFromAtUp = void (*)(int camera, const osg::Pnt3f& from, const osg::Pnt3f& at,
                                  const osg::Vec3f& up);
@@ -336,33 +338,37 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     // Documents.
 
-    /// The whole registry as an animation document: what `QDomDocument::toString(1)` gives for its elements, with
-    /// attributes in one fixed order, so that the same registry gives the same text on every run. Changes nothing.
-    /// Prints "creating animation xml..." to standard output.
+    /// The whole registry as an animation document: what `QDomDocument::toString(1)` gives for its elements,
+    /// with attributes in one fixed order, so that the same registry gives the same text on every run.
+    /// Changes nothing. Prints "creating animation xml..." to standard output.
     /// @return the text; empty when it is longer than a `QString` holds.
     /// Cost: O(n log n).
     QString createAnimationXML();
-    /// Writes the document to `path` (bytes taken as Latin-1) as Latin-1 without an XML declaration. The file is
-    /// written in place: for one that must survive a failure write a new file and rename it.
+    /// Writes the document to `path` (bytes taken as Latin-1) as Latin-1 without an XML declaration. The file
+    /// is written in place: for one that must survive a failure write a new file and rename it.
     /// @return whether the file could be opened: a short or failed write is not detected.
     /// Cost: as `createAnimationXML`, with memory for the order of the ids alone.
     bool saveAnimations(const char* path);
-    /// Asks for the file and adds ".xml" unless the name ends so. The name's UTF-8 bytes go to the form above, which
-    /// takes them as Latin-1: outside ASCII the file gets another name than the one chosen.
+    /// Asks for the file and adds ".xml" unless the name ends so. The name's UTF-8 bytes go to the form
+    /// above, which takes them as Latin-1: outside ASCII the file gets another name than the one chosen.
     /// @return false when the question was cancelled or `kaFile::checkWrite` refuses the file.
     bool saveAnimations(QWidget* parent);
-    /// Adds a document to the registry; nothing registered goes. Ids that are taken are replaced by fresh ones, while
-    /// references go on to mean the ids as written: a document that is loaded twice connects its first set again and
-    /// leaves the second unconnected. Keys that are not `TANGENT_USER` get their handles recomputed.
+    /// Adds a document to the registry; nothing registered goes. Ids that are taken are replaced by fresh
+    /// ones, while references go on to mean the ids as written: a document that is loaded twice connects its
+    /// first set again and leaves the second unconnected. Keys that are not `TANGENT_USER` get their handles
+    /// recomputed.
     ///
-    /// Text is taken as `QDomDocument::setContent` takes it; a file that neither declares an encoding nor is valid
-    /// UTF-8 is read as Latin-1. Prints "loading animation elements: " and the count that the document states. The
-    /// progress callback is called after every element of both passes and may do anything, loading included.
+    /// Text is taken as `QDomDocument::setContent` takes it; a file that neither declares an encoding nor is
+    /// valid UTF-8 is read as Latin-1. Prints "loading animation elements: " and the count that the document
+    /// states. The progress callback is called after every element of both passes and may do anything,
+    /// loading included.
     /// @param source file name or document.
     /// @param isFile whether `source` is a file name or the text itself.
-    /// @return false, with nothing changed, for an empty source, a file that cannot be opened or is too large, and
+    /// @return false, with nothing changed, for an empty source, a file that cannot be opened or is too
+    /// large, and
     ///         text that is not well-formed, declares entities or nests elements deeper than 256.
-    /// Cost: O(n log n); about half the time of `QDomDocument::setContent` and a tenth of its memory, the objects
+    /// Cost: O(n log n); about half the time of `QDomDocument::setContent` and a tenth of its memory, the
+    /// objects
     ///       aside.
     bool loadAnimations(const QString& source, bool isFile);
     bool loadAnimations(QWidget* parent); ///< Asks for the file.
@@ -372,16 +378,17 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     static unsigned long long getMaximumFileSize(); ///< Bytes.
 
     /// Asks the user for a file name; an empty answer means cancelled.
-    using AskFileName = QString (*)(QWidget* parent, const QString& title, const QString& filter, bool saving);
+    using AskFileName = QString (*)(QWidget* parent, const QString& title, const QString& filter,
+                                    bool saving);
     /// Puts the host in charge of that question; null gives it back to `QFileDialog`.
     static void setAskFileNameCB(AskFileName callback);
 
     /// @name Elements
     /// @{
 
-    /// The writers give an element of `document` that is attached to nothing, the bare tag for null, and for a curve
-    /// whose field is not registered. The readers register what they read; they give null for a null element and one
-    /// of another "typeID".
+    /// The writers give an element of `document` that is attached to nothing, the bare tag for null, and for
+    /// a curve whose field is not registered. The readers register what they read; they give null for a null
+    /// element and one of another "typeID".
     QDomElement createFieldDomElement(QDomDocument& document, kaAnimationField* field);
     QDomElement createPointDomElement(QDomDocument& document, kaControlPoint2D* point);
     QDomElement createCurveDomElement(QDomDocument& document, kaAnimationCurve2D* curve);
@@ -397,18 +404,19 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationStreak* readTrackDomElement(const QDomElement& element);
     kaAnimationStrip* readClipDomElement(const QDomElement& element);
     kaAnimationSequence* readSequenceDomElement(const QDomElement& element);
-    /// Second pass: connects the registered object that the element's "id" names with the objects that its children
-    /// name. One that it holds already is not added again; one that another container holds leaves that first, but a
-    /// key may stay listed by two curves and belongs to the one that took it last.
+    /// Second pass: connects the registered object that the element's "id" names with the objects that its
+    /// children name. One that it holds already is not added again; one that another container holds leaves
+    /// that first, but a key may stay listed by two curves and belongs to the one that took it last.
     void readChildren(const QDomElement& element);
     /// @}
 
     // Animations that older scenes carry in the scene graph.
 
-    /// Converts the older animation of the root and of every node below it, takes the older attachments off and
-    /// reports progress.
+    /// Converts the older animation of the root and of every node below it, takes the older attachments off
+    /// and reports progress.
     /// @param root of the scene; null does nothing.
-    /// @param camera gets the animation of the scene's old camera; null drops it with one line on standard output.
+    /// @param camera gets the animation of the scene's old camera; null drops it with one line on standard
+    /// output.
     /// @param nodeCount how many nodes the scene has, for the progress; any number is safe.
     void importORVAAnimations(const osg::NodePtr& root, const osg::NodePtr& camera, unsigned int nodeCount);
     /// Visitor that converts one node; always goes on.
@@ -417,8 +425,9 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// @name Converters
     /// @{
 
-    /// One container of the older format as a registered object, added to `parent` unless that is null. Null where
-    /// the container is null or leads back into itself. `getImportReport` counts what was made and left out.
+    /// One container of the older format as a registered object, added to `parent` unless that is null. Null
+    /// where the container is null or leads back into itself. `getImportReport` counts what was made and left
+    /// out.
     kaAnimationStrip* importClip(const osg::AnimationClipPtr& clip, kaAnimationStreak* parent);
     kaAnimationStreak* importTrack(const osg::AnimationTrackPtr& track, kaAnimationStrip* parent);
     kaAnimationUnit* importBlock(const osg::AnimationBlockPtr& block, kaAnimationStreak* parent);

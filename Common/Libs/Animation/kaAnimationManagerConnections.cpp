@@ -74,7 +74,8 @@ bool kaAnimationManager::moveObjectToStreak(kaAnimationObject* object, kaAnimati
     if (!object || !streak)
         return false;
     kaAnimationObject* parent = object->getParentObject();
-    if (!parent || parent->getTypeID() != KA_TYPE_STREAK || !streak->mayAdopt(*object) || !parent->subObject(object, false))
+    if (!parent || parent->getTypeID() != KA_TYPE_STREAK || !streak->mayAdopt(*object) ||
+        !parent->subObject(object, false))
         return false;
     return streak->addObject(object) != nullptr;
 }

@@ -37,7 +37,7 @@ class KA_ANIMATION_API kaAnimationObject {
     };
 
     using Trigger = kaConnectionTypes::AnimationTrigger; ///< What fires connections.
-    using TriggerMap = std::multimap<Trigger, kaUID>; ///< Connection ids by what fires them.
+    using TriggerMap = std::multimap<Trigger, kaUID>;    ///< Connection ids by what fires them.
 
     static constexpr unsigned int _typeID = KA_TYPE_OBJECT; ///< What `getTypeID` answers.
 
@@ -109,8 +109,8 @@ class KA_ANIMATION_API kaAnimationObject {
     /// @name Editing in time
     /// @{
 
-    /// Frames. The base does nothing, so a control point ignores these. `tellParent`: whether the parent takes in
-    /// the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
+    /// Frames. The base does nothing, so a control point ignores these. `tellParent`: whether the parent
+    /// takes in the change (`updateBy` with `MOVE_OBJECT`, climbing to the root).
     virtual void move(float offset, bool tellParent);
     virtual void moveBegin(float begin, bool tellParent);
     virtual void moveEnd(float end, bool tellParent);
@@ -158,7 +158,8 @@ class KA_ANIMATION_API kaAnimationObject {
     /// @name Plain accessors of the data members
     /// @{
 
-    /// Each reads or writes its member and nothing else: no notice goes to parents, nothing is registered anew.
+    /// Each reads or writes its member and nothing else: no notice goes to parents, nothing is registered
+    /// anew.
     kaUID getId() const { return _id; }
     void setId(kaUID id);
     kaUID getParent() const { return _parent; }

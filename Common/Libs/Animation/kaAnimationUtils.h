@@ -89,13 +89,14 @@ class KA_ANIMATION_API kaAnimationUtils {
 
     // Pasting.
 
-    /// Whether the object's curves can drive the node: every curve's field is registered, its container exists and
-    /// is of the type group of the node's core, or a node. False for null and for a node without core.
+    /// Whether the object's curves can drive the node: every curve's field is registered, its container
+    /// exists and is of the type group of the node's core, or a node. False for null and for a node without
+    /// core.
     static bool checkPasteTo(const osg::NodePtr& node, kaAnimationObject* object);
     /// Whether that holds for every object that is not null.
     static bool checkPasteTo(const osg::NodePtr& node, const std::vector<kaAnimationObject*>& objects);
-    /// Moves each curve of the object to the node's last listed field of the same attribute and component; a curve
-    /// without such a field keeps its own. A block is bound to the node.
+    /// Moves each curve of the object to the node's last listed field of the same attribute and component; a
+    /// curve without such a field keeps its own. A block is bound to the node.
     /// @return false, with nothing changed, for null and for a node without core.
     static bool changeObjectReferenceFields(kaAnimationObject* object, const osg::NodePtr& node);
 };

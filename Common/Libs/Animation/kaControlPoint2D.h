@@ -67,8 +67,8 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     /// @name Plain accessors
     /// @{
 
-    /// Positions are (frame, value). Setting one moves neither handles nor neighbours and tells no parent. The
-    /// handles belong to the key; null for a handle, and for one that was freed first.
+    /// Positions are (frame, value). Setting one moves neither handles nor neighbours and tells no parent.
+    /// The handles belong to the key; null for a handle, and for one that was freed first.
     const osg::Pnt2f& getPosition() const { return _position; }
     void setPosition(const osg::Pnt2f& position);
     void setPosition(float x, float y) { setPosition(osg::Pnt2f(x, y)); }
@@ -90,7 +90,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void setTangentType(unsigned int type) { _tangentType = type; } ///< Any value is stored.
     unsigned int getTangentLengthMode() const { return _tangentLengthMode; }
     void setTangentLengthMode(unsigned int mode) { _tangentLengthMode = mode; } ///< Any value is stored.
-    /// @}
+                                                                                /// @}
 
   private:
     /// Kept only by keys that an editor drags.

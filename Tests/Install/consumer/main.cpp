@@ -1,14 +1,13 @@
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransform.h>
+#include <cmath>
+#include <cstdio>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaOpenSGUtils.h>
-
-#include <cmath>
-#include <cstdio>
 
 // Turns a node from 0 to 90 degrees over ten frames and looks at it half way, by symmetry at 45 degrees.
 int main(int argc, char** argv) {

@@ -25,7 +25,8 @@ class ValueReader {
 
     bool isAtNumber() const {
         const SceneFileLexer::Token& token = _lexer.peek();
-        // inf and nan; the bits of a NaN are one number as a float and none as a double, or the other way round.
+        // inf and nan; the bits of a NaN are one number as a float and none as a double, or the other way
+        // round.
         float single = 0.0F;
         double real = 0.0;
         return token.kind == Kind::Number ||
