@@ -24,13 +24,13 @@ demo: build-release ## import a real motion, play it and draw it into out/
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release ## build everything and run all tests
+test: test-release test-sanitize-module ## build everything and run all tests, those of the libraries under the sanitizers too
 
 # Seconds for each fuzzer; two run at a time.
 FUZZ_SECONDS ?= 60
 .PHONY: programme torture
-programme: test-sanitize ## all tests under the sanitizers, then fuzzers, locales and bad disks
-	scripts/programme.sh build/sanitize $(FUZZ_SECONDS)
+programme: test-sanitize build-release ## all tests under the sanitizers, then fuzzers, locales, bad disks and valgrind
+	scripts/programme.sh build/sanitize build/release $(FUZZ_SECONDS)
 
 # Minutes for each fuzzer; two run at a time.
 FUZZ_MINUTES ?= 60

@@ -8,7 +8,7 @@ sanitize=$(realpath "$1")
 release=$(realpath "$2")
 minutes=${3:-60}
 
-"$here/scripts/programme.sh" "$sanitize" $((minutes * 60))
+"$here/scripts/programme.sh" "$sanitize" "$release" $((minutes * 60))
 KA_SOAK_TICKS=10000000 "$release/bin/ka-test-faults" --gtest_filter='Soak.*' --gtest_brief=1
 valgrind --quiet --error-exitcode=1 "$release/bin/ka-anim" demo -o "$(mktemp -d)"
 echo "torture: nothing found"

@@ -102,9 +102,9 @@ void addOutputOption(CLI::App& command, std::string& path, const std::string& wh
     command.add_option("-o,--output", path, what)->type_name("PATH")->required();
 }
 
-void addSceneOutputs(CLI::App& command, SceneOutputs& outputs, const std::string& documentOption) {
+void addSceneOutputs(CLI::App& command, SavedFiles& outputs, const std::string& documentOption) {
     addOutputOption(command, outputs.scene, "the scene to write (.osg)");
-    command.add_option(documentOption, outputs.document, "the animation document to write (.xml)")
+    command.add_option(documentOption, outputs.animation, "the animation document to write (.xml)")
         ->type_name("PATH")
         ->required();
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "scene/Project.h"
-#include "scene/SceneFiles.h"
+#include "scene/Saving.h"
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -35,7 +35,7 @@ void addObjectOption(CLI::App& command, std::string& object);
 void addOutputOption(CLI::App& command, std::string& path, const std::string& what);
 
 /// `-o PATH` and an option of that name for the document, both needed.
-void addSceneOutputs(CLI::App& command, SceneOutputs& outputs, const std::string& documentOption);
+void addSceneOutputs(CLI::App& command, SavedFiles& outputs, const std::string& documentOption);
 
 /// Accepts the numbers that a float can hold: frames.
 CLI::Validator finite();

@@ -5,7 +5,6 @@
 #include "scene/Project.h"
 #include "scene/Saving.h"
 
-#include <filesystem>
 #include <kaAnimationManager.h>
 #include <kaObjectRegistry.h>
 #include <memory>
@@ -24,13 +23,7 @@ void check(const SavedFiles& saved) {
         throw Failure(ExitCode::Usage,
                       "nothing to write: name a scene with -o, a document with --animation or "
                       "both (see ka-anim convert --help)");
-    if (!saved.scene.empty() && extensionOf(saved.scene) != "osg")
-        throw Failure(ExitCode::Usage, saved.scene + ": a scene's name ends in .osg");
-    const auto normal = [](const std::string& path) {
-        return std::filesystem::absolute(path).lexically_normal();
-    };
-    if (!saved.animation.empty() && !saved.scene.empty() && normal(saved.scene) == normal(saved.animation))
-        throw Failure(ExitCode::Usage, saved.scene + ": one file cannot hold both");
+    checkNames(saved);
 }
 
 ExitCode convert(const ConvertOptions& options) {

@@ -15,14 +15,14 @@ namespace {
 struct CopyOptions {
     ProjectFiles files;
     std::string from, to;
-    SceneOutputs outputs;
+    SavedFiles outputs;
 };
 
 struct PasteOptions {
     ProjectFiles files;  ///< what is pasted into
     ProjectFiles source; ///< where the animation comes from
     std::string from, to;
-    SceneOutputs outputs;
+    SavedFiles outputs;
 };
 
 void sayNotes(const Project& project) {
@@ -41,7 +41,7 @@ std::string describe(const CopiedAnimation& animation) {
 }
 
 ExitCode copy(const CopyOptions& options) {
-    checkOutputs(options.outputs);
+    checkNames(options.outputs);
     const Project project(options.files);
     sayNotes(project);
     {
@@ -49,12 +49,12 @@ ExitCode copy(const CopyOptions& options) {
         const CopiedAnimation animation(from);
         sayPasted(paste(animation, project.root(), options.to, from), describe(animation));
     }
-    writeSceneAndDocument(project.root(), options.outputs);
+    save(project.root(), options.outputs);
     return ExitCode::Fine;
 }
 
 ExitCode pasteFromOther(const PasteOptions& options) {
-    checkOutputs(options.outputs);
+    checkNames(options.outputs);
     Project project(options.source);
     sayNotes(project);
     {
@@ -64,7 +64,7 @@ ExitCode pasteFromOther(const PasteOptions& options) {
         sayNotes(project);
         sayPasted(paste(animation, project.root(), options.to, osg::NodePtr()), describe(animation));
     }
-    writeSceneAndDocument(project.root(), options.outputs);
+    save(project.root(), options.outputs);
     return ExitCode::Fine;
 }
 

@@ -2,7 +2,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "scene/SceneFiles.h"
+#include "scene/Saving.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -13,7 +13,7 @@ namespace {
 
 struct ImportCommandOptions {
     ProjectFiles files;
-    SceneOutputs outputs; ///< both empty: the report alone
+    SavedFiles outputs; ///< both empty: the report alone
     bool strict = false;
     bool asJson = false;
 };
@@ -55,10 +55,10 @@ void sayReport(const ImportReport& report) {
 ExitCode import(const ImportCommandOptions& options, Output& output) {
     const bool isKept = !options.outputs.scene.empty();
     if (isKept)
-        checkOutputs(options.outputs);
+        checkNames(options.outputs);
     const Project project(options.files);
     if (isKept)
-        writeSceneAndDocument(project.root(), options.outputs);
+        save(project.root(), options.outputs);
     sayReport(project.report());
     if (options.asJson)
         output.write(reportAsJson(project.report()));
@@ -78,7 +78,7 @@ void addImportCommand(CLI::App& program, Action& action) {
             ->type_name("PATH");
     CLI::Option* document =
         command
-            ->add_option("--animation", options->outputs.document, "the animation document to write (.xml)")
+            ->add_option("--animation", options->outputs.animation, "the animation document to write (.xml)")
             ->type_name("PATH");
     // One without the other would lose what the model holds.
     scene->needs(document);

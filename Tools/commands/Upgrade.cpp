@@ -15,7 +15,7 @@ namespace {
 
 struct UpgradeOptions {
     ProjectFiles files;
-    SceneOutputs outputs;
+    SavedFiles outputs;
     std::string camera;
     TextFormat format = TextFormat::Text;
     bool strict = false;
@@ -97,7 +97,7 @@ std::string reportAsJson(const UpgradeReport& report) {
 }
 
 ExitCode upgrade(const UpgradeOptions& options, Output& output) {
-    checkOutputs(options.outputs);
+    checkNames(options.outputs);
     if (!isScene(options.files.file))
         throw unreadable(options.files.file, "not a scene (.osg)");
     const Project project(options.files);
@@ -106,7 +106,7 @@ ExitCode upgrade(const UpgradeOptions& options, Output& output) {
     const osg::NodePtr top = topOf(project.root());
     const osg::NodePtr camera = options.camera.empty() ? firstCamera(top) : chosenNode(top, options.camera);
     const UpgradeReport report = upgradeScene(top, camera);
-    writeSceneAndDocument(project.root(), options.outputs);
+    save(project.root(), options.outputs);
     output.write(options.format == TextFormat::Json ? reportAsJson(report) : reportAsText(report));
     return options.strict && report.made.leftOutCount + report.found.overlaid > 0 ? ExitCode::Findings
                                                                                   : ExitCode::Fine;

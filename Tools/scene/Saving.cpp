@@ -3,6 +3,7 @@
 #include "base/Failure.h"
 #include "base/Text.h"
 #include "cli/Progress.h"
+#include "scene/SceneFiles.h"
 
 #include <OpenSG/OSGSceneFileHandler.h>
 #include <kaAnimationManager.h>
@@ -67,6 +68,14 @@ void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter&
 }
 
 } // namespace
+
+void checkNames(const SavedFiles& files) {
+    if (!files.scene.empty() && !isScene(files.scene))
+        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + oneLine(files.scene));
+    if (!files.animation.empty() && !isDocument(files.animation))
+        throw Failure(ExitCode::Usage,
+                      "animation documents are written to .xml files, not " + oneLine(files.animation));
+}
 
 void save(const osg::NodePtr& root, const SavedFiles& files) {
     std::unique_ptr<kaFileWriter> scene, animation;

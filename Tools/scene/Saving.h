@@ -8,8 +8,11 @@ namespace ka::tools {
 /// Where a scene and its animation go; an empty name leaves that part out.
 struct SavedFiles {
     std::string scene;     ///< .osg, with every node and what hangs on it
-    std::string animation; ///< the document with everything registered
+    std::string animation; ///< .xml, the document with everything registered
 };
+
+/// @throws Failure (Usage) when a name is not that of a scene or a document. Call it before the work.
+void checkNames(const SavedFiles& files);
 
 /// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
 /// before all of them have been written in full.

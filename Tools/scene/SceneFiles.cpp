@@ -19,22 +19,6 @@ namespace {
 
 constexpr std::size_t largestFile = std::size_t{1} << 30;
 
-std::string sceneText(const osg::NodePtr& root) {
-    std::ostringstream text;
-    osg::SceneFileMessages messages;
-    if (!osg::SceneFileHandler::the().writeWithMessages(root, text, messages))
-        throw Failure(ExitCode::OutputFailed, "the scene cannot be written");
-    return text.str();
-}
-
-QByteArray documentText() {
-    const HushedModule hushed;
-    const QString text = kaAnimationManager::the()->createAnimationXML();
-    if (text.isEmpty())
-        throw Failure(ExitCode::OutputFailed, "the animation is too large for one document");
-    return text.toLatin1();
-}
-
 /// @throws Failure (Unreadable) unless there is something to be read.
 void expectContents(const std::string& file) {
     const ConfinedFolder plainFile(file);
@@ -99,28 +83,6 @@ void readDocument(const std::string& file) {
     const ModuleProgress progress("reading animation");
     if (!kaAnimationManager::the()->loadAnimations(QString::fromUtf8(file.c_str()), true))
         throw whyUnreadable(file);
-}
-
-void checkOutputs(const SceneOutputs& outputs) {
-    if (!isScene(outputs.scene))
-        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + oneLine(outputs.scene));
-    if (!isDocument(outputs.document))
-        throw Failure(ExitCode::Usage,
-                      "animation documents are written to .xml files, not " + oneLine(outputs.document));
-}
-
-void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs) {
-    const std::string scene = sceneText(root);
-    const QByteArray document = documentText();
-    kaFileWriter documentFile(outputs.document), sceneFile(outputs.scene);
-    documentFile.write({document.constData(), static_cast<std::size_t>(document.size())});
-    sceneFile.write(scene);
-    for (kaFileWriter* file : {&documentFile, &sceneFile})
-        if (!file->getError().empty())
-            throw Failure(ExitCode::OutputFailed, file->getError());
-    for (kaFileWriter* file : {&documentFile, &sceneFile})
-        if (!file->commit())
-            throw Failure(ExitCode::OutputFailed, file->getError());
 }
 
 } // namespace ka::tools

@@ -30,18 +30,4 @@ osg::NodePtr topOf(const osg::NodePtr& root);
 /// @throws Failure (Unreadable).
 void readDocument(const std::string& file);
 
-/// Where a scene and its animation go.
-struct SceneOutputs {
-    std::string scene;    ///< .osg
-    std::string document; ///< .xml
-};
-
-/// @throws Failure (Usage) when the names are not those of a scene and a document. Call it before the work.
-void checkOutputs(const SceneOutputs& outputs);
-
-/// Writes the scene and, as a document, everything registered. Each file is replaced as a whole or not at
-/// all, and none as long as either cannot be written.
-/// @throws Failure (OutputFailed).
-void writeSceneAndDocument(const osg::NodePtr& root, const SceneOutputs& outputs);
-
 } // namespace ka::tools
