@@ -1,6 +1,7 @@
 #pragma once
 
-class kaAnimationField;
+#include "kaAnimationField.h"
+#include "kaFieldBinding.h"
 
 /// Moves one float between a field record and the scene; `kaAnimationUtils` offers both to hosts.
 ///
@@ -15,14 +16,20 @@ bool write(kaAnimationField& field);
 /// The scene's value, angles in degrees; 0 when nothing can be read.
 float read(kaAnimationField& field);
 
-/// Whether the scene holds the record's value already, as far as a glance tells: false when that takes
-/// resolving the record anew, or is not a matter of comparing numbers. Calls nobody.
-bool sceneHolds(const kaAnimationField& field);
-
 // Start fetching from memory what a write will touch, each step when the one before has had its time.
 
-void fetchRecord(const kaAnimationField& field);
-void fetchBinding(const kaAnimationField& field);
-void fetchTarget(const kaAnimationField& field);
+inline void fetchRecord(const kaAnimationField* field) {
+    __builtin_prefetch(field);
+}
+
+inline void fetchBinding(const kaAnimationField& field) {
+    __builtin_prefetch(kaFieldBinding::former(field));
+}
+
+inline void fetchTarget(const kaAnimationField& field) {
+    const kaFieldBinding* binding = kaFieldBinding::former(field);
+    if (binding && binding->target == kaFieldBinding::Target::Floats)
+        __builtin_prefetch(binding->floats);
+}
 
 } // namespace kaFieldAccess
