@@ -24,7 +24,7 @@ demo: build-release ## import a real motion, play it and draw it into out/
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release test-sanitize-module ## build everything and run all tests, those of the libraries under the sanitizers too
+test: test-release ## build everything and run all tests
 
 # Seconds for each fuzzer; two run at a time.
 FUZZ_SECONDS ?= 60

@@ -12,7 +12,6 @@ namespace ka_model {
 namespace {
 
 constexpr unsigned int USER = 16;
-constexpr float TOLERANCE = 0.000001F;
 
 float rounded(float value) {
     const float half = value < 0.0F ? -0.5F : 0.5F;
