@@ -15,12 +15,12 @@ kaAnimationField::kaAnimationField(kaUID id) : _id(id != 0 ? id : freshID()) {}
 
 kaAnimationField::kaAnimationField(kaAnimationField& source)
     : fcID(source.fcID),
+      nodeID(source.nodeID),
       name(source.name),
+      attribute(source.attribute),
       value(source.value),
       valuePos(source.valuePos),
-      _id(freshID()),
-      nodeID(source.nodeID),
-      attribute(source.attribute),
-      dirty(source.dirty) {}
+      dirty(source.dirty),
+      _id(freshID()) {}
 
 kaAnimationField::~kaAnimationField() = default;

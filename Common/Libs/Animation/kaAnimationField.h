@@ -23,22 +23,18 @@ class KA_ANIMATION_API kaAnimationField {
     /// Stored as given, without the registry: `kaAnimationManager::setID` keeps that in step.
     void setId(kaUID id) { _id = id; }
 
-    // What every evaluation reads comes first: it fills one cache line.
-
-    alignas(64) kaUID fcID = 0; ///< container id; only the low 32 bits are looked up
-    std::string name;   ///< the scene field, or a special attribute ("rotationX", "visible", a camera value)
-    float value = 0.0F; ///< last evaluated value; degrees for angles
+    kaUID fcID = 0;   ///< container id; only the low 32 bits are looked up
+    kaUID nodeID = 0; ///< container id of the scene node
+    std::string name; ///< the scene field, or a special attribute ("rotationX", "visible", a camera value)
+    /// The animated attribute: the field's name with a component letter, or a special attribute.
+    std::string attribute;
+    float value = 0.0F;        ///< last evaluated value; degrees for angles
     unsigned int valuePos = 0; ///< component, 0 = first
+    bool dirty = true;         ///< kept and saved for the host; evaluation neither reads nor changes it
 
   private:
     friend struct kaFieldBinding;
 
     kaUID _id;
     std::unique_ptr<kaFieldBinding> _binding; ///< what the last write resolved, checked before each use
-
-  public:
-    kaUID nodeID = 0; ///< container id of the scene node
-    /// The animated attribute: the field's name with a component letter, or a special attribute.
-    std::string attribute;
-    bool dirty = true; ///< kept and saved for the host; evaluation neither reads nor changes it
 };

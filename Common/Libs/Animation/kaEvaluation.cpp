@@ -9,12 +9,10 @@
 #include "kaEdits.h"
 #include "kaEvaluationPlan.h"
 #include "kaFieldAccess.h"
-#include "kaFieldGlance.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -60,8 +58,9 @@ struct kaEvaluation::Scratch {
     std::vector<Run> finished;
     std::vector<Run> running;
     std::vector<Run> upcoming;
-    /// From the first value that the scene did not hold when it was sampled.
     std::vector<Written> written;
+    /// Before this place among `written` the scene held all values when they were sampled.
+    std::size_t firstNews = 0;
 
     std::vector<Run>& bucket(Bucket which) {
         return which == Bucket::Finished ? finished : (which == Bucket::Running ? running : upcoming);
@@ -71,12 +70,13 @@ struct kaEvaluation::Scratch {
         running.clear();
         upcoming.clear();
         written.clear();
+        firstNews = 0;
     }
 
     void sort(const Plan& plan, float frame, bool motionBlurOnly);
     void sample(Plan& plan, std::size_t index, float frame);
     void sample(kaAnimationCurve2D* curve, float frame);
-    void store(kaAnimationField* field, float value, kaFieldGlance& glance);
+    void store(kaAnimationField* field, float value);
     void write();
 };
 
@@ -162,7 +162,7 @@ void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame
             bucket == Bucket::Finished ? finished : (bucket == Bucket::Running ? running : upcoming);
         for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
             if (!motionBlurOnly || plan.curves[i].motionBlur)
-                target.emplace(key, std::make_pair(plan.objects[i], at));
+                target.emplace(key, std::make_pair(plan.curves[i].curve, at));
     });
 }
 
@@ -176,29 +176,28 @@ void kaEvaluation::Scratch::sort(const Plan& plan, float frame, bool motionBlurO
     sortByKey(running);
 }
 
-void kaEvaluation::Scratch::store(kaAnimationField* field, float value, kaFieldGlance& glance) {
+void kaEvaluation::Scratch::store(kaAnimationField* field, float value) {
     if (!field)
         return;
-    if (std::memcmp(&field->value, &value, sizeof(value)) != 0) // a line that stays clean need not go back
-        field->value = value;
-    if (!written.empty() || !glance.sceneHolds(*field))
-        written.push_back({field->getId(), field});
+    field->value = value;
+    if (firstNews == written.size() && kaFieldAccess::sceneHolds(*field))
+        ++firstNews;
+    written.push_back({field->getId(), field});
 }
 
 void kaEvaluation::Scratch::sample(Plan& plan, std::size_t index, float frame) {
-    plan.fetchAhead(index, frame, written.empty());
+    plan.fetchAhead(index, frame);
     Plan::Curve& curve = plan.curves[index];
     float value = 0.0F;
     if (curve.active && curve.sample(frame, value))
-        store(curve.field, value, curve.glance);
+        store(curve.field, value);
 }
 
 void kaEvaluation::Scratch::sample(kaAnimationCurve2D* curve, float frame) {
     kaCurveView& view = curve->view();
     float value = 0.0F;
-    kaFieldGlance glance;
     if (view.hasSpan() && view.sample(frame, value))
-        store(curve->resolvedField(), value, glance);
+        store(curve->resolvedField(), value);
 }
 
 /// A store, and what the host does when it is announced, can change what another field addresses, so from the
@@ -207,15 +206,14 @@ void kaEvaluation::Scratch::write() {
     const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
     const std::uint64_t epoch = registry.fieldEpoch();
     constexpr std::size_t Step = 4;
-    for (std::size_t i = 0; i < written.size(); ++i) {
+    for (std::size_t i = firstNews; i < written.size(); ++i) {
         const bool unchanged = registry.fieldEpoch() == epoch;
         if (unchanged && i + 3 * Step < written.size()) {
-            kaFieldAccess::fetchRecord(written[i + 3 * Step].field);
+            kaFieldAccess::fetchRecord(*written[i + 3 * Step].field);
             kaFieldAccess::fetchBinding(*written[i + 2 * Step].field);
             kaFieldAccess::fetchTarget(*written[i + Step].field);
         }
-        if (kaAnimationField* field = unchanged ? written[i].field : registry.findField(written[i].id))
-            kaFieldAccess::write(*field);
+        kaAnimationUtils::setOSGFieldValue(unchanged ? written[i].field : registry.findField(written[i].id));
     }
 }
 

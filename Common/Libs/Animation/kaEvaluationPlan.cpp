@@ -4,6 +4,7 @@
 #include "kaChildList.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
+#include "kaFieldAccess.h"
 
 #include <algorithm>
 
@@ -13,7 +14,6 @@ void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     _edits = 0; // unless this comes to its end
     leaves.clear();
     curves.clear();
-    objects.clear();
     _path.clear();
     visit(object);
     _edits = kaEdits::count;
@@ -40,14 +40,13 @@ void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
         return;
     leaves.push_back(
         {&object, object.getBegin(), object.getEnd(), curves.size(), below.size(), object.isRepeating()});
-    objects.insert(objects.end(), below.begin(), below.end());
     for (kaAnimationCurve2D* curve : below)
-        curves.push_back({&curve->view(),
+        curves.push_back({curve,
+                          &curve->view(),
                           curve->resolvedField(),
                           curve->getBegin(),
                           curve->getEnd(),
                           {0.0F, 0.0F},
-                          kaFieldGlance(),
                           {Curve::Held::Unknown, Curve::Held::Unknown},
                           curve->isActive(),
                           curve->isRepeating(),
@@ -56,4 +55,24 @@ void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
 
 void kaEvaluation::Plan::Curve::hold(std::size_t side) {
     held[side] = sampleView(side == 0 ? begin : end, heldValue[side]) ? Held::Value : Held::Nothing;
+}
+
+/// In steps, for what lies further on is found through what lies nearer.
+void kaEvaluation::Plan::fetchAhead(std::size_t index, float frame) const {
+    constexpr std::size_t Step = 4;
+    if (index + 3 * Step >= curves.size())
+        return;
+    const Curve& near = curves[index + Step];
+    const Curve& middle = curves[index + 2 * Step];
+    const Curve& far = curves[index + 3 * Step];
+    if (far.field)
+        kaFieldAccess::fetchRecord(*far.field);
+    if (middle.field)
+        kaFieldAccess::fetchBinding(*middle.field);
+    if (near.field)
+        kaFieldAccess::fetchTarget(*near.field);
+    if (far.isInside(frame))
+        far.view->fetch();
+    if (middle.isInside(frame))
+        middle.view->fetchSegment();
 }

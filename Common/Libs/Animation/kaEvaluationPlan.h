@@ -3,7 +3,6 @@
 #include "kaAnimationTypes.h"
 #include "kaCurveView.h"
 #include "kaEvaluation.h"
-#include "kaFieldGlance.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,8 +25,7 @@ class kaEvaluation::Plan {
         bool repeating;
     };
 
-    /// One cache line. The object itself is at the same place among `objects`.
-    struct alignas(64) Curve {
+    struct Curve {
         /// What sampling where the curve is held gives.
         enum class Held : unsigned char { Unknown, Nothing, Value };
 
@@ -45,12 +43,12 @@ class kaEvaluation::Plan {
 
         bool isInside(float frame) const { return repeating || !(frame < begin || frame > end); }
 
+        kaAnimationCurve2D* curve;
         kaCurveView* view;
         kaAnimationField* field; ///< null when the curve's field is not registered
         float begin;
         float end;
         float heldValue[2]; ///< at the begin, at the end
-        kaFieldGlance glance;
         Held held[2];
         bool active;
         bool repeating;
@@ -67,26 +65,10 @@ class kaEvaluation::Plan {
     void refresh(const kaAnimationObject& object);
 
     /// Starts fetching from memory what sampling and writing the curves after the one at `index` will touch.
-    /// @param comparing  whether the scene's values will be looked at.
-    void fetchAhead(std::size_t index, float frame, bool comparing) const {
-        constexpr std::size_t Step = 4;
-        if (index + 2 * Step >= curves.size())
-            return;
-        // In steps, for a segment is found through its view.
-        const Curve& near = curves[index + Step];
-        const Curve& far = curves[index + 2 * Step];
-        __builtin_prefetch(far.field);
-        if (comparing)
-            far.glance.fetch();
-        if (far.isInside(frame))
-            far.view->fetch();
-        if (near.isInside(frame))
-            near.view->fetchSegment();
-    }
+    void fetchAhead(std::size_t index, float frame) const;
 
     std::vector<Leaf> leaves;
     std::vector<Curve> curves;
-    std::vector<kaAnimationCurve2D*> objects; ///< of `curves`
 
   private:
     void visit(const kaAnimationObject& object);

@@ -238,6 +238,31 @@ bool kaFieldAccess::write(kaAnimationField& field) {
     return true;
 }
 
+bool kaFieldAccess::sceneHolds(const kaAnimationField& field) {
+    const kaFieldBinding* binding = kaFieldBinding::standing(field);
+    // The container first: where it is gone, so is the number that would be compared.
+    return binding && binding->target == Target::Floats && !binding->isCamera &&
+           findContainer(field.fcID) != osg::NullFC && !differs(*binding, field);
+}
+
+void kaFieldAccess::fetchRecord(const kaAnimationField& field) {
+    __builtin_prefetch(&field.fcID);
+    __builtin_prefetch(&field.value, 1);
+}
+
+void kaFieldAccess::fetchBinding(const kaAnimationField& field) {
+    if (const kaFieldBinding* binding = kaFieldBinding::former(field)) {
+        __builtin_prefetch(binding);
+        __builtin_prefetch(&binding->mask);
+    }
+}
+
+void kaFieldAccess::fetchTarget(const kaAnimationField& field) {
+    const kaFieldBinding* binding = kaFieldBinding::former(field);
+    if (binding && binding->target == Target::Floats)
+        __builtin_prefetch(binding->floats);
+}
+
 float kaFieldAccess::read(kaAnimationField& field) {
     const osg::FieldContainerPtr container = findContainer(field.fcID);
     if (container == osg::NullFC)

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "kaAnimationField.h"
-#include "kaFieldBinding.h"
+class kaAnimationField;
 
 /// Moves one float between a field record and the scene; `kaAnimationUtils` offers both to hosts.
 ///
@@ -16,20 +15,14 @@ bool write(kaAnimationField& field);
 /// The scene's value, angles in degrees; 0 when nothing can be read.
 float read(kaAnimationField& field);
 
+/// Whether the scene holds the record's value already, as far as a glance tells: false when that takes
+/// resolving the record anew, or is not a matter of comparing numbers. Calls nobody.
+bool sceneHolds(const kaAnimationField& field);
+
 // Start fetching from memory what a write will touch, each step when the one before has had its time.
 
-inline void fetchRecord(const kaAnimationField* field) {
-    __builtin_prefetch(field);
-}
-
-inline void fetchBinding(const kaAnimationField& field) {
-    __builtin_prefetch(kaFieldBinding::former(field));
-}
-
-inline void fetchTarget(const kaAnimationField& field) {
-    const kaFieldBinding* binding = kaFieldBinding::former(field);
-    if (binding && binding->target == kaFieldBinding::Target::Floats)
-        __builtin_prefetch(binding->floats);
-}
+void fetchRecord(const kaAnimationField& field);
+void fetchBinding(const kaAnimationField& field);
+void fetchTarget(const kaAnimationField& field);
 
 } // namespace kaFieldAccess

@@ -7,8 +7,6 @@
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransformAttachment.h>
-#include <cstdint>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -20,7 +18,7 @@
 /// container store: ids are never reused, so an occupied slot means the same container, and its storage
 /// stands. What can change behind an unchanged record (the camera-path flag, a node's attachments, the
 /// values) is read at each use.
-struct alignas(64) kaFieldBinding {
+struct kaFieldBinding {
     /// How the addressed scalar is held.
     enum class Target : unsigned char {
         Floats, ///< single-precision components side by side in a single field
@@ -74,22 +72,6 @@ struct alignas(64) kaFieldBinding {
     /// The component that a position addresses: of a scalar its only one.
     unsigned int componentAt(unsigned int valuePos) const { return componentCount == 1 ? 0 : valuePos; }
 
-    /// `a == b` in place: a call for the few words of a name would be most of a check's cost.
-    static bool sameText(std::string_view a, const std::string& b) {
-        const std::size_t size = a.size();
-        if (size != b.size())
-            return false;
-        if (size < sizeof(std::uint64_t))
-            return a == b;
-        const std::size_t last = size - sizeof(std::uint64_t);
-        for (std::size_t i = 0; i < last; i += sizeof(std::uint64_t))
-            if (wordAt(a.data() + i) != wordAt(b.data() + i))
-                return false;
-        return wordAt(a.data() + last) == wordAt(b.data() + last);
-    }
-
-    // The members that a write reads come first: they fill one cache line.
-
     // What was resolved from. The texts belong to the scene's types, to the attribute names or to `ownNames`.
 
     std::string_view name;
@@ -125,13 +107,7 @@ struct alignas(64) kaFieldBinding {
     std::string_view lasting(const std::string& text, std::size_t place);
 
     bool standsFor(const kaAnimationField& field) const {
-        return fcID == static_cast<osg::UInt32>(field.fcID) && sameText(name, field.name) &&
-               (!attribute.data() || sameText(attribute, field.attribute));
-    }
-
-    static std::uint64_t wordAt(const char* text) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text, sizeof(word));
-        return word;
+        return fcID == static_cast<osg::UInt32>(field.fcID) && name == field.name &&
+               (!attribute.data() || attribute == field.attribute);
     }
 };
