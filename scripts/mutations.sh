@@ -3,7 +3,7 @@
 #
 # Whether the tests notice faults: makes each fault of Tests/mutations (or each PATCH) in a copy of the tree, builds what
 # it touches and runs the suites until one fails. Prints who caught it, or that nobody did. FOLDER holds the copy and
-# its build (build/mutations); a second run builds only what changed. Fails when more than a tenth is missed.
+# its build; a second run builds only what changed. Fails when more than a tenth is missed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,7 +17,7 @@ seconds=120 # for a suite: a fault may let it hang
 export KA_MODEL_SEEDS=${KA_MODEL_SEEDS:-250}
 
 tree=$folder/tree
-build=$folder/build
+build=$tree/build/release # as deep as everywhere, so that the compiler cache has it
 mkdir -p "$tree"
 tree=$(realpath "$tree")
 export CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1
@@ -40,7 +40,7 @@ first_failure() {
 }
 
 copy_tree
-[ -f "$build/build.ninja" ] || cmake -S "$tree" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release >"$folder/build.log"
+[ -f "$build/build.ninja" ] || cmake --preset release -S "$tree" -B "$build" >"$folder/build.log"
 build_suites || { cat "$folder/build.log" && exit 1; }
 failing=$(first_failure)
 [ -z "$failing" ] || { echo "ka-test-$failing fails without any fault" >&2 && exit 1; }
