@@ -10,8 +10,6 @@
 #include <fstream>
 #include <map>
 #include <set>
-#include <sstream>
-#include <stdexcept>
 
 using namespace ka_test;
 
@@ -147,17 +145,14 @@ void write(const std::string& path) {
 
 Table read(const std::string& path) {
     Table table;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        if (line.empty() || line[0] == '#')
-            continue;
-        std::istringstream words(line);
+    readTable(path, [&table](std::istream& words) {
         std::string name;
         Worst worst;
         if (!(words >> name >> worst.error >> worst.refused))
-            throw std::runtime_error("not a row of the table: " + line);
+            return false;
         table[name] = worst;
-    }
+        return true;
+    });
     return table;
 }
 

@@ -7,8 +7,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
-#include <sstream>
-#include <stdexcept>
 
 using namespace ka_test;
 
@@ -111,11 +109,7 @@ void write(const Table& table, const std::string& path) {
 
 Table read(const std::string& path) {
     Table table;
-    std::ifstream file(path);
-    for (std::string line; std::getline(file, line);) {
-        if (line.empty() || line[0] == '#')
-            continue;
-        std::istringstream words(line);
+    readTable(path, [&table](std::istream& words) {
         std::string key;
         std::string bar;
         Row row;
@@ -123,9 +117,10 @@ Table read(const std::string& path) {
         words >> key >> row.count >> row.refused >> row.off >> error >> bar;
         row.error = std::strtod(error.c_str(), nullptr);
         if (bar != "|" || !readSegment(words, row.worst))
-            throw std::runtime_error("not a row of the table: " + line);
+            return false;
         table[key == "0" ? 0 : std::atoi(key.c_str() + 2)] = row;
-    }
+        return true;
+    });
     return table;
 }
 

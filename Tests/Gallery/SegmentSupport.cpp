@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <istream>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
 
 namespace ka_test {
 
@@ -99,6 +101,15 @@ bool readSegment(std::istream& stream, SegmentCase& segment) {
     segment.left.in = segment.left.key;
     segment.right.out = segment.right.key;
     return readFloat(stream, segment.frame);
+}
+
+void readTable(const std::string& path, const std::function<bool(std::istream& words)>& readRow) {
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream words(line);
+        if (!line.empty() && line[0] != '#' && !readRow(words))
+            throw std::runtime_error("not a row of the table: " + line);
+    }
 }
 
 } // namespace ka_test

@@ -3,6 +3,7 @@
 #include "ReferenceSampling.h"
 
 #include <cstdint>
+#include <functional>
 #include <ostream>
 #include <string>
 
@@ -63,5 +64,10 @@ std::ostream& operator<<(std::ostream& stream, const Sample& sample);
 
 /// Reads back what `operator<<` wrote.
 bool readSegment(std::istream& stream, SegmentCase& segment);
+
+/// Reads a table kept in a file: every line but empty ones and remarks (#).
+/// @param readRow  gets the words of a line and says whether they are a row.
+/// @throws std::runtime_error with the line that is none.
+void readTable(const std::string& path, const std::function<bool(std::istream& words)>& readRow);
 
 } // namespace ka_test
