@@ -317,10 +317,14 @@ TEST_F(ValidateTest, WhatIsNotWellFormedIsAFindingWithItsPlace) {
 }
 
 TEST_F(ValidateTest, FilesThatCannotBeReadEndWithCodeThree) {
-    const ProgramRun none = runKaAnim({"validate", "none.xml"}, _folder.path(""));
-    EXPECT_EQ(none.code, 3);
-    EXPECT_TRUE(none.isOneLine()) << none.messages;
-    EXPECT_EQ(runKaAnim({"validate", "."}, _folder.path("")).code, 3);
+    _folder.write("empty.xml", "");
+    for (const char* name : {"none.xml", "empty.xml", "."}) {
+        const ProgramRun run = runKaAnim({"validate", name}, _folder.path(""));
+        EXPECT_EQ(run.code, 3) << name;
+        EXPECT_EQ(run.output, "") << name;
+        EXPECT_TRUE(run.isOneLine()) << run.messages;
+    }
+    EXPECT_EQ(validate("\n").code, 1); // there is something to be wrong with
 }
 
 TEST_F(ValidateTest, JsonHoldsTheSame) {

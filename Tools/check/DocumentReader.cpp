@@ -6,6 +6,7 @@
 
 #include <QXmlAttributes>
 #include <algorithm>
+#include <filesystem>
 #include <kaAnimationManager.h>
 #include <kaAnimationXmlNumber.h>
 #include <kaControlPoint2D.h>
@@ -286,6 +287,9 @@ void readOutline(const std::string& path, DocumentOutline& outline, FindingList&
         return;
     if (fault.line == 0)
         throw unreadable(path, oneLine(fault.message));
+    std::error_code error;
+    if (std::filesystem::is_empty(path, error))
+        throw unreadable(path, "the file is empty");
     findings.push_back({static_cast<std::uint32_t>(fault.line), static_cast<std::uint32_t>(fault.column), "",
                         "", "not well-formed: " + oneLine(fault.message)});
 }

@@ -11,7 +11,7 @@ namespace ka::tools {
 /// unknown tags, a count that disagrees. The document is never in memory as a whole.
 /// @param outline   what it holds; as far as reading came where it is not well-formed.
 /// @param findings  gets what is wrong, in document order.
-/// @throws Failure (Unreadable) when there is no reading it at all.
+/// @throws Failure (Unreadable) when there is no reading it at all, an empty file included.
 void readOutline(const std::string& path, DocumentOutline& outline, FindingList& findings);
 
 } // namespace ka::tools
