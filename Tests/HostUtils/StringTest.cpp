@@ -1,12 +1,11 @@
+#include "DecimalComma.h"
 #include "kaString.h"
 
 #include <cfloat>
-#include <clocale>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
-#include <locale>
 #include <random>
 
 using Values = std::vector<float>;
@@ -32,27 +31,6 @@ std::uint32_t bitsOf(float value) {
     std::memcpy(&bits, &value, sizeof bits);
     return bits;
 }
-
-class DecimalComma : public std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-};
-
-// Switches to a locale with a decimal comma: for streams always, for the C library where one is installed.
-class CommaLocale {
-  public:
-    CommaLocale() : _old(std::locale::global(std::locale(std::locale(), new DecimalComma))) {
-        std::setlocale(LC_ALL, "de_DE.UTF-8");
-    }
-    ~CommaLocale() {
-        std::locale::global(_old);
-        std::setlocale(LC_ALL, "");
-    }
-    CommaLocale(const CommaLocale&) = delete;
-    CommaLocale& operator=(const CommaLocale&) = delete;
-
-  private:
-    std::locale _old;
-};
 
 } // namespace
 
@@ -132,7 +110,7 @@ TEST(TextFromNumbers, ReadsBackBitForBit) {
 }
 
 TEST(TextAndNumbers, AreTheSameUnderADecimalComma) {
-    const CommaLocale comma;
+    const ka_test::DecimalComma comma;
     EXPECT_EQ(kaString::getValuesFromString("1.5 2,5"), (Values{1.5F, 2, 5}));
     EXPECT_EQ(kaString::createStringFromValues({1.5F, 1234567.0F}), "1.5 1234567");
 }

@@ -1,6 +1,7 @@
 #include "base/Text.h"
 
-#include <clocale>
+#include "DecimalComma.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -21,13 +22,10 @@ TEST(FormatNumber, NineDigitsGiveBackEveryFloat) {
 }
 
 TEST(FormatNumber, IgnoresTheLocale) {
-    const char* before = std::setlocale(LC_NUMERIC, nullptr);
-    const std::string saved = before == nullptr ? "C" : before;
-    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+    const ka_test::DecimalComma comma;
     EXPECT_EQ(formatNumber(1.5), "1.5");
     EXPECT_EQ(parseNumber("1.5"), 1.5);
     EXPECT_EQ(parseNumber("1,5"), std::nullopt);
-    std::setlocale(LC_NUMERIC, saved.c_str());
 }
 
 TEST(ParseNumber, TakesOnlyAWholeNumber) {
