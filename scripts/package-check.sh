@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages into a bare system made for the purpose and uses them there: the tool by itself first,
-# then a project built against the library.
+# Installs the Debian packages into a bare system made for the purpose and uses them there: the tool with its manual and
+# its completion first, then a project built against the library.
 # usage: package-check.sh PACKAGE_FOLDER WORK_FOLDER     needs root; the bare system is kept as WORK_FOLDER/base.tar
 set -euo pipefail
 
@@ -32,7 +32,7 @@ if [ ! -f "$work/base.tar" ]; then
     rm -rf "$root"
     debootstrap --variant=minbase "$suite" "$root" "$mirror"
     sources >"$root/etc/apt/sources.list"
-    echo 'Acquire::Check-Valid-Until "false";' >"$root/etc/apt/apt.conf.d/90dated-sources"
+    printf '%s\n' 'Acquire::Check-Valid-Until "false";' 'Dpkg::Use-Pty "false";' >"$root/etc/apt/apt.conf.d/90dated-sources"
     chroot "$root" apt-get clean
     tar -C "$root" -cf "$work/base.tar.part" .
     mv "$work/base.tar.part" "$work/base.tar"
@@ -54,11 +54,14 @@ installInside() { inside apt-get -q install -y --no-install-recommends "$@"; }
 inside apt-get -q update
 
 echo "== the tool alone"
-installInside ./packages/libkaanimation[0-9]*.deb ./packages/ka-anim_*.deb
+installInside ./packages/libkaanimation[0-9]*.deb ./packages/ka-anim_*.deb man-db
 inside ka-anim --version
 inside ka-anim --help >/dev/null
-inside test -s /usr/share/man/man1/ka-anim.1
-inside bash -c 'source /usr/share/bash-completion/completions/ka-anim && complete -p ka-anim'
+inside man ka-anim | grep -A 1 '^NAME$'
+# shellcheck disable=SC2016 # the shell inside fills it in
+inside bash -c 'source /usr/share/bash-completion/completions/ka-anim
+    COMP_WORDS=(ka-anim va) COMP_CWORD=1
+    _ka_anim && test "${COMPREPLY[*]}" = validate && complete -p ka-anim'
 
 echo "== a project built against the library"
 installInside ./packages/libkaanimation-dev_*.deb cmake g++ ninja-build pkg-config
