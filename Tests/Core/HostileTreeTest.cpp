@@ -103,6 +103,46 @@ TEST_F(HostileTree, AListedChildWithoutParentIdIsNoWayAroundThat) {
     manager->destroyStrip(clip);
 }
 
+/// Put into a second clip, a track stays in the list of the first and names the second as its parent.
+TEST_F(HostileTree, ATrackInTwoListsTakesNoneOfThoseThatListIt) {
+    kaAnimationStreak* track = manager->createStreak(0);
+    kaAnimationStrip* first = makeClip({track});
+    kaAnimationStreak* above = makeTrack({first});
+    kaAnimationStrip* second = makeClip({track});
+    ASSERT_EQ(first->getObjects().front(), track);
+    ASSERT_EQ(track->getParent(), second->getId());
+    const std::size_t count = manager->getObjects().size();
+    EXPECT_EQ(track->addObject(first), nullptr);
+    EXPECT_EQ(track->addObject(above), nullptr) << "which holds the first clip";
+    EXPECT_FALSE(track->insertObject(first));
+    EXPECT_FALSE(manager->moveObjectToStreak(first, track));
+    EXPECT_THAT(track->getChildIDs(), IsEmpty());
+    EXPECT_EQ(first->getParent(), above->getId());
+    EXPECT_EQ(manager->getObjects().size(), count);
+}
+
+TEST_F(HostileTree, AClipGoesIntoAnotherClipOnNoTrackThatItHolds) {
+    kaAnimationStreak* track = manager->createStreak(0);
+    kaAnimationStrip* first = makeClip({track});
+    kaAnimationStrip* second = makeClip({track});
+    kaAnimationStreak* taker = second->insertObject(first);
+    ASSERT_NE(taker, nullptr);
+    EXPECT_NE(taker, track) << "a new one";
+    EXPECT_THAT(track->getChildIDs(), IsEmpty());
+    EXPECT_EQ(taker->getObjects().front(), first);
+}
+
+TEST_F(HostileTree, AVeryDeepTreeIsTakenByNobody) {
+    std::vector<kaAnimationStreak*> tracks;
+    for (int i = 0; i < 200000; ++i)
+        tracks.push_back(manager->createStreak(0));
+    for (std::size_t i = 1; i < tracks.size(); ++i)
+        tracks[i - 1]->setChildIDs({tracks[i]->getId()});
+    kaAnimationStreak* taker = manager->createStreak(0);
+    EXPECT_EQ(taker->addObject(tracks.front()), nullptr);
+    EXPECT_FALSE(taker->hasChildren());
+}
+
 TEST_F(HostileTree, ParentsInACircleComeToAnEnd) {
     kaAnimationStreak* a = makeTrack({makeSequence("a", 0, 10)});
     kaAnimationStreak* b = makeTrack({makeSequence("b", 5, 20)});
@@ -321,6 +361,54 @@ TEST_F(HostileTree, AnIdWrittenByTheHostLeavesNoEntryBehind) {
     manager->destroyStreak(track);
     EXPECT_THAT(manager->getObjects(), IsEmpty()) << "the id was the other track's, whose entry went";
     manager->destroyObject(other);
+}
+
+// The same for fields.
+
+TEST_F(HostileTree, AFieldUnderAnotherIdThanItsOwnLeavesNoEntryBehind) {
+    kaAnimationField* field = manager->createField(0);
+    const kaUID former = field->getId();
+    field->setId(UNKNOWN);
+    EXPECT_EQ(manager->getField(former), field) << "until it goes";
+    manager->destroyField(field);
+    EXPECT_EQ(manager->getField(former), nullptr);
+    EXPECT_THAT(manager->getFields(), IsEmpty());
+    EXPECT_TRUE(manager->isIDUnique(former));
+}
+
+TEST_F(HostileTree, AFieldWithTheIdOfAnotherTakesThatEntryAlong) {
+    kaAnimationField* field = manager->createField(0);
+    kaAnimationField* other = manager->createField(0);
+    field->setId(other->getId());
+    manager->destroyField(field);
+    EXPECT_THAT(manager->getFields(), IsEmpty());
+    EXPECT_EQ(other->valuePos, 0U) << "it is still there";
+    manager->destroyField(other);
+}
+
+TEST_F(HostileTree, AFieldIdGivenAfterTheHostWroteOneLeavesNoEntryBehind) {
+    kaAnimationField* field = manager->createField(0);
+    kaAnimationField* other = manager->createField(0);
+    const kaUID former = field->getId();
+    field->setId(other->getId());
+    manager->setID(UNKNOWN, field);
+    EXPECT_EQ(field->getId(), UNKNOWN);
+    EXPECT_EQ(manager->getField(UNKNOWN), field);
+    EXPECT_EQ(manager->getField(former), nullptr);
+    EXPECT_EQ(manager->getFields().size(), 1U) << "the id was the other's, whose entry went";
+    manager->destroyField(other);
+    manager->destroyField(field);
+    EXPECT_THAT(manager->getFields(), IsEmpty());
+}
+
+TEST_F(HostileTree, FieldsWithEachOthersIdsAllGo) {
+    kaAnimationField* field = manager->createField(0);
+    kaAnimationField* other = manager->createField(0);
+    const kaUID former = field->getId();
+    field->setId(other->getId());
+    other->setId(former);
+    manager->destroyAllFields();
+    EXPECT_THAT(manager->getFields(), IsEmpty());
 }
 
 TEST_F(HostileTree, AnObjectUnderAnotherIdThanItsOwnIsDestroyedWithWhatItLists) {

@@ -214,6 +214,65 @@ TEST_F(CopyPaste, ABufferWhoseObjectsAreAllGoneStillEmptiesOnce) {
     EXPECT_THAT(told, ElementsAre(false));
 }
 
+/// Written directly, so that the registry does not hear of it.
+class CopyPasteOfARewrittenId : public CopyPaste {
+  protected:
+    void SetUp() override {
+        CopyPaste::SetUp();
+        fillBuffer();
+        copy = buffer().front();
+        former = copy->getId();
+    }
+
+    static constexpr kaUID UNKNOWN = 424242;
+    kaAnimationObject* copy = nullptr;
+    kaUID former = 0;
+};
+
+TEST_F(CopyPasteOfARewrittenId, ClearingDestroysTheCopy) {
+    const kaUID curve = copy->getChildIDs().front();
+    copy->setId(UNKNOWN);
+    manager().clearCopyBuffer(true);
+    EXPECT_FALSE(isRegistered(former));
+    EXPECT_FALSE(isRegistered(curve)) << "what it lists goes with it";
+    EXPECT_THAT(buffer(), IsEmpty());
+    EXPECT_THAT(told, ElementsAre(false));
+}
+
+TEST_F(CopyPasteOfARewrittenId, ClearingFreesNobodyElseWhoHasThatId) {
+    kaAnimationStreak* other = makeTrack({});
+    copy->setId(other->getId());
+    manager().clearCopyBuffer(true);
+    EXPECT_FALSE(isRegistered(former));
+    EXPECT_FALSE(other->hasChildren()) << "still there, though its entry went with the id";
+    manager().destroyStreak(other);
+}
+
+TEST_F(CopyPasteOfARewrittenId, PastingListsTheNewId) {
+    const osg::NodePtr node = scene.addTransform("box");
+    copy->setId(UNKNOWN);
+    EXPECT_TRUE(manager().paste(node, true));
+    EXPECT_THAT(listedObjects(node), ElementsAre(UNKNOWN));
+    EXPECT_EQ(static_cast<kaAnimationUnit*>(copy)->getNodeID(), node.getFieldContainerId());
+    manager().destroyObject(copy);
+}
+
+TEST_F(CopyPasteOfARewrittenId, TheCopyIsGoneBeforeItCouldBeCopied) {
+    copy->setId(UNKNOWN);
+    EXPECT_FALSE(manager().copy(copy));
+    EXPECT_THAT(buffer(), IsEmpty());
+    EXPECT_FALSE(isRegistered(former));
+}
+
+TEST_F(CopyPaste, ClearingFreesWhatOneCopyTakesAlongOnce) {
+    ASSERT_TRUE(manager().copy({makeTrack({}), makeTrack({}), makeTrack({})}));
+    const std::vector<kaUID> ids = bufferIDs();
+    buffer()[0]->setChildIDs({ids[1], ids[2]});
+    manager().clearCopyBuffer(true);
+    for (kaUID id : ids)
+        EXPECT_FALSE(isRegistered(id));
+}
+
 TEST_F(CopyPaste, PastingHandsTheCopiesToTheNodeAndConsumesTheBuffer) {
     const osg::NodePtr from = addAnimated("from", {"scaleX", "scaleY"});
     const osg::NodePtr to = addAnimated("to", {"scaleY", "scaleX"});

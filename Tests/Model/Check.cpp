@@ -264,18 +264,30 @@ std::string Run::compareAround() {
         if (!difference.empty())
             return difference;
     }
+    return comparePlayback();
+}
+
+/// Who waits, runs or belongs to the last jump; whoever is gone must have left.
+std::string Run::comparePlayback() const {
     const kaAnimationController* controller = kaAnimationController::the();
-    const auto isDead = [this](const kaAnimationObject* object) {
-        const auto found = _models.find(object);
-        return object && (found == _models.end() || !found->second->alive || real(found->second) != object);
+    const auto isReal = [this](const kaAnimationObject* actual, const Object* expected) {
+        return actual == real(expected);
     };
-    for (const auto& entry : controller->getRunningObjects())
-        if (isDead(entry.second))
-            return "a running object is gone";
-    for (const kaAnimationObject* object : controller->getWaitingObjects())
-        if (isDead(object))
-            return "a waiting object is gone";
-    return {};
+    const auto areReal = [&isReal](const auto& actual, const std::vector<Object*>& expected) {
+        return std::equal(actual.begin(), actual.end(), expected.begin(), expected.end(), isReal);
+    };
+    const auto& running = controller->getRunningObjects();
+    if (!std::equal(running.begin(), running.end(), world.runningByID.begin(), world.runningByID.end(),
+                    [&isReal](const auto& actual, const auto& expected) {
+                        return actual.first == expected.first && isReal(actual.second, expected.second);
+                    }))
+        return "running objects";
+    if (!areReal(controller->getWaitingObjects(), world.waiting))
+        return "waiting objects";
+    if (!areReal(kaAnimationController::getCurves(), world.jumpCurves))
+        return "curves of the last jump";
+    return areReal(kaAnimationController::getSeqs(), world.jumpSequences) ? std::string()
+                                                                          : "sequences of the last jump";
 }
 
 std::string Run::compare(const Step& step) {

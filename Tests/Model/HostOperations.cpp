@@ -71,6 +71,17 @@ void writeID(Run& run, const Step& step) {
     run.real(object)->setId(id);
 }
 
+void writeFieldID(Run& run, const Step& step) {
+    Field* field = run.pickField(step.a);
+    const Field* other = run.pickField(step.b / 2);
+    if (!field)
+        return run.skip("none");
+    const Id id = step.b % 2 == 0 ? other->id : 1 + step.b / 2 % 14;
+    run.tell("field " + to_string(field->id) + " is " + to_string(id) + " now");
+    field->id = id;
+    run.realField(field)->setId(id);
+}
+
 void writeParent(Run& run, const Step& step) {
     Object* object = run.any(step.a);
     if (!object)
@@ -288,14 +299,31 @@ void paste(Run& run, const Step& step) {
 }
 
 void queueToPlay(Run& run, const Step& step) {
-    const Object* object = run.any(step.a);
+    Object* object = run.any(step.a);
     if (!object)
         return run.skip("none");
-    run.tell(Run::nameOf(object));
+    const bool start = flag(step, 0);
+    run.tell(Run::nameOf(object) + " start " + yes(start));
     kaAnimationController* controller = kaAnimationController::the();
+    run.world.waiting.push_back(object);
     controller->addWaitingObject(run.real(object));
-    if (flag(step, 0))
-        controller->enqueueWaitingObjects();
+    if (!start)
+        return;
+    run.world.startWaiting();
+    controller->enqueueWaitingObjects();
+}
+
+void jump(Run& run, const Step& step) {
+    Object* object = run.any(step.a);
+    if (!object)
+        return run.skip("none");
+    const bool toEnd = flag(step, 0);
+    run.tell(Run::nameOf(object) + " to its end " + yes(toEnd));
+    run.world.jumpTo(object, toEnd ? object->end() : object->begin());
+    if (toEnd)
+        kaAnimationController::the()->gotoGlobalEnd(run.real(object));
+    else
+        kaAnimationController::the()->gotoGlobalBegin(run.real(object));
 }
 
 } // namespace
@@ -306,6 +334,7 @@ std::vector<Edit> hostOperations() {
         {"setFieldID", 2, setFieldID},
         {"destroyField", 1, destroyField},
         {"writeID", 2, writeID, true},
+        {"writeFieldID", 1, writeFieldID, true},
         {"writeParent", 3, writeParent, true},
         {"writeChildren", 8, writeChildren, true},
         {"writeIDSets", 3, writeIDSets, true},
@@ -321,6 +350,7 @@ std::vector<Edit> hostOperations() {
         {"clearCopyBuffer", 1, clearCopyBuffer},
         {"paste", 3, paste},
         {"queueToPlay", 2, queueToPlay},
+        {"jump", 2, jump},
     };
 }
 

@@ -177,7 +177,8 @@ class World {
 
     // Containers and editing in time, by type.
 
-    /// Whether a container would close a ring of parents by taking an object, or stands in one already.
+    /// Whether a container may take an object: that closes no ring of parents, nor one of tracks and clips
+    /// that list each other, and the container stands in no ring already.
     bool mayAdopt(const Object& container, const Object& object) const;
     Object* addObject(Object* container, Object* object);
     Object* subObject(Object* container, Object* object, bool destroyIt);
@@ -197,6 +198,11 @@ class World {
     void triggerLoop(Object* object, float frame);
     bool evaluate(Object* object, float frame);
 
+    // Playback: who is held by it.
+
+    void startWaiting(); ///< What waits runs; an id that runs already goes on.
+    void jumpTo(Object* object, float frame);
+
     /// Whether the tree stays well below the greatest depth when `container` takes `object`.
     bool isShallow(const Object& container, const Object& object) const;
     /// Whether `to` can be reached from `from` through lists of children; a key's own id is no way.
@@ -213,6 +219,10 @@ class World {
     std::map<Id, Object*> objects;
     std::map<Id, Field*> fields;
     std::vector<Object*> copyBuffer;
+    std::vector<Object*> waiting;
+    std::map<Id, Object*> runningByID;  ///< under the ids they had when they started
+    std::vector<Object*> jumpCurves;    ///< of the last jump
+    std::vector<Object*> jumpSequences; ///< of the last jump
     std::vector<Node> nodes;
     Id generator = 0;
 
@@ -229,12 +239,15 @@ class World {
     Object* copyContainer(Object* source);
     void free(Object* object);
     void forgetEntries(const Object* object);
+    void forgetEntries(const Field* field);
+    void forgetHeld(const Object* object);
     void leaveNode(Object* object);
     void climb(Object* object, const std::set<Id>& curves, const std::set<Id>& sequences, Operation operation,
                bool recursive);
     void takeIn(Object* object, const std::set<Id>& curves, const std::set<Id>& sequences,
                 Operation operation);
     void sortChildren(Object* object);
+    bool holds(const Object& object, const Object& container, std::set<const Object*>& seen) const;
     void append(Object* container, Object* object);
     Object* addToCurve(Object* curve, Object* point);
     Object* addToClip(Object* clip, Object* object);
@@ -245,7 +258,7 @@ class World {
     std::vector<Object*> stretchedBy(float factor, const Object& container) const;
     void mapX(Object* curve, const std::function<float(float)>& map);
     void computeAround(Object* curve, Object* point);
-    std::vector<Id> takeCopyBuffer();
+    std::vector<Object*> takeCopyBuffer();
     bool canPaste(const Node& node, const Object& object);
     bool groupOf(unsigned int container, unsigned int& group, bool& isNode);
 

@@ -18,12 +18,26 @@ bool isLoose(const Object& object) {
 
 // Containment.
 
+bool World::holds(const Object& object, const Object& container, std::set<const Object*>& seen) const {
+    if (&object == &container)
+        return true;
+    if ((object.type != STREAK && object.type != STRIP) || !seen.insert(&object).second)
+        return false;
+    for (const Object* child : childrenOf(object))
+        if (holds(*child, container, seen))
+            return true;
+    return false;
+}
+
 bool World::mayAdopt(const Object& container, const Object& object) const {
     std::set<const Object*> ancestors = {&container};
     for (const Object* level = parentOf(container); level; level = parentOf(*level))
         if (!ancestors.insert(level).second)
             return false;
-    return ancestors.count(&object) == 0;
+    std::set<const Object*> seen;
+    const bool isListed =
+        (container.type == STREAK || container.type == STRIP) && holds(object, container, seen);
+    return ancestors.count(&object) == 0 && !isListed;
 }
 
 void World::append(Object* container, Object* object) {
@@ -458,6 +472,26 @@ bool World::evaluate(Object* object, float frame) {
     const float hi = object->useCustomRange ? object->customEnd : object->end();
     const float f = object->repeating ? folded(frame, lo, hi) : frame;
     return object->reversePlay ? f < lo : f > hi;
+}
+
+// Playback.
+
+void World::startWaiting() {
+    for (Object* object : waiting)
+        runningByID.emplace(object->id, object);
+    waiting.clear();
+}
+
+void World::jumpTo(Object* object, float frame) {
+    jumpCurves.clear();
+    jumpSequences.clear();
+    for (Id id : object->curves)
+        if (Object* curve = findOfType(id, CURVE))
+            jumpCurves.push_back(curve);
+    for (Id id : object->sequences)
+        if (Object* sequence = findOfType(id, SEQUENCE))
+            jumpSequences.push_back(sequence);
+    evaluate(object, frame);
 }
 
 } // namespace ka_model

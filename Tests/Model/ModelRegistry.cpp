@@ -49,8 +49,10 @@ void World::setID(Id id, Object* object) {
 void World::setID(Id id, Field* field) {
     const Id old = field->id;
     field->id = isUnique(id) ? id : createUID();
-    if (fields.erase(old) > 0)
-        fields.emplace(field->id, field);
+    if (fields.erase(old) == 0)
+        return;
+    forgetEntries(field);
+    fields.emplace(field->id, field);
 }
 
 // Creation.
@@ -232,6 +234,19 @@ void World::forgetEntries(const Object* object) {
         entry = entry->second == object ? objects.erase(entry) : std::next(entry);
 }
 
+void World::forgetEntries(const Field* field) {
+    for (auto entry = fields.begin(); entry != fields.end();)
+        entry = entry->second == field ? fields.erase(entry) : std::next(entry);
+}
+
+/// Nothing that holds objects holds one that is gone.
+void World::forgetHeld(const Object* object) {
+    for (std::vector<Object*>* list : {&copyBuffer, &waiting, &jumpCurves, &jumpSequences})
+        list->erase(std::remove(list->begin(), list->end(), object), list->end());
+    for (auto entry = runningByID.begin(); entry != runningByID.end();)
+        entry = entry->second == object ? runningByID.erase(entry) : std::next(entry);
+}
+
 void World::destroyPoint(Object* point) {
     Object* parent = parentOf(*point);
     const Id id = point->id;
@@ -270,11 +285,12 @@ void World::free(Object* object) {
             destroy(child);
     }
     forgetEntries(object);
-    copyBuffer.erase(std::remove(copyBuffer.begin(), copyBuffer.end(), object), copyBuffer.end());
+    forgetHeld(object);
 }
 
 void World::destroyField(Field* field) {
     fields.erase(field->id);
+    forgetEntries(field);
     field->alive = false;
 }
 
@@ -301,18 +317,15 @@ Node* World::nodeOf(unsigned int id) {
 }
 
 void World::clearCopyBuffer(bool destroyThem) {
-    for (Id id : takeCopyBuffer())
-        if (Object* object = destroyThem ? find(id) : nullptr)
+    for (Object* object : takeCopyBuffer())
+        if (destroyThem && object->alive)
             destroy(object);
 }
 
-/// What is copied is found by id, as everything is.
-std::vector<Id> World::takeCopyBuffer() {
-    std::vector<Id> ids;
-    for (const Object* object : copyBuffer)
-        ids.push_back(object->id);
-    copyBuffer.clear();
-    return ids;
+std::vector<Object*> World::takeCopyBuffer() {
+    std::vector<Object*> taken;
+    taken.swap(copyBuffer);
+    return taken;
 }
 
 bool World::copy(Object* object) {
@@ -356,10 +369,7 @@ bool World::paste(Node* node, bool force) {
     for (const Object* object : copyBuffer)
         if (!force && !canPaste(*node, *object))
             return false;
-    for (Id held : takeCopyBuffer()) {
-        Object* object = find(held);
-        if (!object)
-            continue;
+    for (Object* object : takeCopyBuffer()) {
         for (Id id : object->curves) {
             Object* curve = findOfType(id, CURVE);
             const Field* field = curve ? findField(curve->field) : nullptr;

@@ -56,7 +56,25 @@ Run::Run(bool tame) : _scene(std::make_unique<ka_test::TestScene>()), _tame(tame
 }
 
 Run::~Run() {
+    if (_fault.empty())
+        freeEverything();
     ka_test::emptyModule();
+}
+
+/// What was made under an id that was taken, or lost its entry to another, the registry neither knows nor
+/// frees; the model knows who is left. Handles go with their keys.
+void Run::freeEverything() {
+    while (const Object* left = pick(0, [](const Object& object) { return object.alive && !object.owner; })) {
+        kaAnimationObject* actual = real(left);
+        world.destroy(const_cast<Object*>(left));
+        manager().destroyObject(actual);
+    }
+    for (const auto& field : world.everyField) {
+        if (!field->alive)
+            continue;
+        world.destroyField(field.get());
+        manager().destroyField(realField(field.get()));
+    }
 }
 
 std::string Run::perform(const Step& step) {
@@ -169,7 +187,6 @@ void Run::match(Object* object, kaAnimationObject* actual) {
         return;
     }
     _objects[object] = actual;
-    _models[actual] = object;
     if (object->type == POINT)
         matchHandles(object);
 }
@@ -227,6 +244,17 @@ bool Run::mayList(const Object& container, const Object& object) const {
     return !namesake || namesake == &object ||
            ((container.type != CURVE || namesake->type == POINT) && namesake != &container &&
             !world.reaches(*namesake, container));
+}
+
+bool Run::wouldClose(const Object& container, const Object& object) const {
+    const auto takes = [&](const Object& taker) {
+        return (world.mayAdopt(taker, object) && world.reaches(object, taker)) || !mayList(taker, object);
+    };
+    const std::vector<Object*> children =
+        container.type == STRIP ? world.childrenOf(container) : std::vector<Object*>();
+    return takes(container) || std::any_of(children.begin(), children.end(), [&](const Object* child) {
+               return child->type == STREAK && takes(*child);
+           });
 }
 
 std::size_t Run::weightOf(const Object& object, int depth) const {

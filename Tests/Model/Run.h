@@ -95,12 +95,16 @@ class Run {
     /// Whether a container may come to list this object by its id: the registry may know another by that id,
     /// which would be listed in its stead.
     bool mayList(const Object& container, const Object& object) const;
+    /// Whether no rule says what comes of a container taking an object: a list that a host wrote leads from
+    /// the object back to the container, or, for a clip, to the track that would take it.
+    bool wouldClose(const Object& container, const Object& object) const;
     /// Entries of the subtree, counted as often as they are listed; the size of a copy.
     std::size_t weightOf(const Object& object, int depth = 0) const;
 
     World world;
 
   private:
+    void freeEverything();
     void matchNewcomers();
     void matchHandles(Object* key);
 
@@ -110,6 +114,7 @@ class Run {
     std::string compareHandle(Object& key, Object* handle, const kaControlPoint2D* actual);
     std::string compareCurve(const Object& curve, const Step& step) const;
     std::string compareAround();
+    std::string comparePlayback() const;
     bool isHandleListed() const;
     std::string checkInvariants() const;
     std::string compare(const Step& step);
@@ -117,7 +122,6 @@ class Run {
     std::vector<Object*> _alive;
     std::size_t _seenObjects = 0;
     std::unordered_map<const Object*, kaAnimationObject*> _objects;
-    std::unordered_map<const kaAnimationObject*, Object*> _models;
     std::unordered_map<const Field*, kaAnimationField*> _fields;
     std::unique_ptr<ka_test::TestScene> _scene;
     std::vector<osg::NodePtr> _nodes;

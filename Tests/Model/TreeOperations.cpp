@@ -171,8 +171,7 @@ Object* pickFor(Run& run, const Object& container, unsigned int number) {
 void addObject(Run& run, const Step& step) {
     Object* container = run.pick(step.a, isContainer);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
-    if (!object || (run.world.mayAdopt(*container, *object) && run.world.reaches(*object, *container)) ||
-        !run.world.isShallow(*container, *object) || !run.mayList(*container, *object) ||
+    if (!object || run.wouldClose(*container, *object) || !run.world.isShallow(*container, *object) ||
         (run.isTame() && run.isListed(*object)))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(container));
@@ -202,9 +201,8 @@ void subObject(Run& run, const Step& step) {
 void insertObject(Run& run, const Step& step) {
     Object* container = run.ofType(step.a / 2, step.a % 2 == 0 ? STREAK : STRIP);
     Object* object = container ? pickFor(run, *container, step.b) : nullptr;
-    if (!object || run.isCrowded() || run.world.reaches(*object, *container) ||
-        !run.world.isShallow(*container, *object) || !run.mayList(*container, *object) ||
-        (run.isTame() && run.isListed(*object)))
+    if (!object || run.isCrowded() || run.wouldClose(*container, *object) ||
+        !run.world.isShallow(*container, *object) || (run.isTame() && run.isListed(*object)))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " into " + Run::nameOf(container));
     if (container->type == STREAK) {
@@ -237,8 +235,7 @@ void destroyEmptyTracks(Run& run, const Step& step) {
 void moveToTrack(Run& run, const Step& step) {
     Object* object = run.any(step.a);
     Object* track = run.ofType(step.b, STREAK);
-    if (!object || !track || run.world.reaches(*object, *track) || !run.world.isShallow(*track, *object) ||
-        !run.mayList(*track, *object))
+    if (!object || !track || run.wouldClose(*track, *object) || !run.world.isShallow(*track, *object))
         return run.skip("none");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(track));
     const bool moved = run.world.moveToTrack(object, track);
@@ -250,12 +247,9 @@ void moveToClip(Run& run, const Step& step) {
     Object* object = run.any(step.a);
     Object* clip = run.ofType(step.b, STRIP);
     const unsigned int number = step.c % 4;
-    if (!object || !clip || run.isCrowded() || run.world.reaches(*object, *clip) ||
+    if (!object || !clip || run.isCrowded() || run.wouldClose(*clip, *object) ||
         !run.world.isShallow(*clip, *object) || !run.world.mayAdopt(*clip, Object()))
         return run.skip("none");
-    for (const auto& entry : run.world.tracksOf(*clip))
-        if (run.world.reaches(*object, *entry.second) || !run.mayList(*entry.second, *object))
-            return run.skip("would bend the tree");
     run.tell(Run::nameOf(object) + " to " + Run::nameOf(clip) + ", track " + to_string(number));
     const bool moved = run.world.moveToTrack(object, clip, number);
     run.expect("what moveObjectToStreak returns", moved,

@@ -9,11 +9,27 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#include <sanitizer/lsan_interface.h>
+#define KA_UNDER_SANITIZER
+#endif
+#endif
+
 namespace ka_model {
 
 namespace {
 
 constexpr int MISMATCH = 17;
+
+/// Whether anything is allocated that nobody can reach; known under the address sanitizer only.
+bool leaks() {
+#ifdef KA_UNDER_SANITIZER
+    return __lsan_do_recoverable_leak_check() != 0;
+#else
+    return false;
+#endif
+}
 
 /// @return what differs, or nothing.
 std::string runHere(const Program& program, bool tell) {
@@ -33,7 +49,11 @@ std::string runHere(const Program& program, bool tell) {
         if (!difference.empty())
             return "after step " + std::to_string(i) + " (" + run->story() + "): " + difference;
     }
-    return {};
+    {
+        const ka_test::CapturedOutput quiet;
+        run.reset();
+    }
+    return leaks() ? "objects are left that nobody knows" : "";
 }
 
 /// A process that ends with what `work` answers; `_exit`, so that nothing of the parent is cleaned up twice.

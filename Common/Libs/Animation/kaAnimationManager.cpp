@@ -14,6 +14,7 @@
 #include "kaCopyBuffer.h"
 #include "kaObjectRegistry.h"
 #include "kaSceneSync.h"
+#include "kaWatchedObjects.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <ctime>
@@ -76,6 +77,7 @@ void kaAnimationManager::terminate() {
 void kaAnimationManager::forget(kaAnimationObject* object) {
     the()->_connections->forget(object);
     the()->_copyBuffer->forget(object);
+    kaWatchedObjects::forget(*object);
 }
 
 // Ids.
@@ -407,7 +409,7 @@ void kaAnimationManager::destroyObject(kaAnimationObject* object) {
 void kaAnimationManager::destroyField(kaAnimationField* field) {
     if (!field)
         return;
-    _registry->eraseField(field->getId());
+    _registry->removeField(*field);
     delete field;
 }
 

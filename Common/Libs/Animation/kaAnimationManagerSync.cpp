@@ -4,6 +4,7 @@
 #include "kaCopyBuffer.h"
 #include "kaSceneNodes.h"
 #include "kaSceneSync.h"
+#include "kaWatchedObjects.h"
 
 // Scene synchronisation.
 
@@ -29,41 +30,12 @@ void kaAnimationManager::destroyNodeObjects(const osg::NodePtr& node, bool recur
 
 namespace {
 
-/// What a host hands over to be copied. Clearing the buffer may free some of it.
-class CopySources {
-  public:
-    explicit CopySources(const std::vector<kaAnimationObject*>& objects) {
-        for (kaAnimationObject* object : objects)
-            if (object)
-                _sources.push_back({object, object->getId(), isRegistered(object, object->getId())});
-    }
-
-    /// What is still there. An object that was never registered is not the buffer's to free.
-    std::vector<kaAnimationObject*> remaining() const {
-        std::vector<kaAnimationObject*> objects;
-        for (const Source& source : _sources)
-            if (!source.registered || isRegistered(source.object, source.id))
-                objects.push_back(source.object);
-        return objects;
-    }
-
-  private:
-    struct Source {
-        kaAnimationObject* object;
-        kaUID id;
-        bool registered;
-    };
-
-    static bool isRegistered(const kaAnimationObject* object, kaUID id) {
-        return kaAnimationManager::the()->getObject(id) == object;
-    }
-
-    std::vector<Source> _sources;
-};
-
-void destroyAll(const std::vector<kaUID>& ids) {
-    for (kaUID id : ids)
-        kaAnimationManager::the()->destroyObject(kaAnimationManager::the()->getObject(id));
+/// Emptied before anything is destroyed: destroying announces changes, and what the host copies then stays.
+void empty(kaCopyBuffer& buffer, bool destroy) {
+    const kaWatchedObjects held(buffer.objects());
+    buffer.clear();
+    if (destroy)
+        held.visit([](kaAnimationObject& object) { kaAnimationManager::the()->destroyObject(&object); });
 }
 
 } // namespace
@@ -71,9 +43,7 @@ void destroyAll(const std::vector<kaUID>& ids) {
 void kaAnimationManager::clearCopyBuffer(bool destroy) {
     if (_copyBuffer->empty())
         return;
-    const std::vector<kaUID> ids = _copyBuffer->take();
-    if (destroy)
-        destroyAll(ids);
+    empty(*_copyBuffer, destroy);
     updatePaste(!_copyBuffer->empty());
 }
 
@@ -81,16 +51,18 @@ bool kaAnimationManager::copy(kaAnimationObject* object) {
     return object && copy(std::vector<kaAnimationObject*>{object});
 }
 
+/// Clearing the buffer may free some of what is to be copied.
 bool kaAnimationManager::copy(const std::vector<kaAnimationObject*>& objects) {
-    const CopySources sources(objects);
+    const kaWatchedObjects sources(objects);
     clearCopyBuffer(true);
-    const std::vector<kaUID> copiedMeanwhile = _copyBuffer->take(); // by a host that was told just now
-    destroyAll(copiedMeanwhile);
-    for (kaAnimationObject* object : sources.remaining())
-        if (kaAnimationObject* duplicate = duplicateObject(object))
+    const bool copiedMeanwhile = !_copyBuffer->empty(); // by a host that was told just now
+    empty(*_copyBuffer, true);
+    sources.visit([this](kaAnimationObject& object) {
+        if (kaAnimationObject* duplicate = duplicateObject(&object))
             _copyBuffer->append(*duplicate);
+    });
     const bool copied = !_copyBuffer->empty();
-    if (copied || !copiedMeanwhile.empty())
+    if (copied || copiedMeanwhile)
         updatePaste(copied);
     return copied;
 }
@@ -112,14 +84,15 @@ bool kaAnimationManager::paste(const osg::NodePtr& node, bool force) {
     if (_copyBuffer->empty())
         return true;
     const osg::UInt32 nodeID = kaSceneNodes::idOf(node);
-    for (kaUID id : _copyBuffer->take()) {
-        kaAnimationObject* object = getObject(id);
+    const kaWatchedObjects held(_copyBuffer->objects());
+    _copyBuffer->clear();
+    held.visit([nodeID](kaAnimationObject& object) {
         const osg::NodePtr target = kaSceneNodes::find(nodeID);
-        if (!object || target == osg::NullFC)
-            continue;
-        kaAnimationUtils::changeObjectReferenceFields(object, target);
-        kaAnimationUtils::addAnimationObject(target, object);
-    }
+        if (target == osg::NullFC)
+            return;
+        kaAnimationUtils::changeObjectReferenceFields(&object, target);
+        kaAnimationUtils::addAnimationObject(target, &object);
+    });
     updatePaste(!_copyBuffer->empty());
     return true;
 }

@@ -52,9 +52,10 @@ const std::set<kaUID>& noIDs() {
     return none;
 }
 
-/// Levels below `object` down to a leaf, itself included. Curves, keys and sequences hold no containers, so
-/// only tracks and clips are walked.
-unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen) {
+/// Levels below `object` down to a leaf, itself included; counted no further than one too many. Curves, keys
+/// and sequences hold no containers, so only tracks and clips are walked.
+unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen,
+                      unsigned int level = 0) {
     const unsigned int type = object.getTypeID();
     if (type == KA_TYPE_POINT || type == KA_TYPE_SEQUENCE)
         return 1;
@@ -62,11 +63,11 @@ unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const 
         return 2;
     if (type == KA_TYPE_UNIT)
         return 3;
-    if (!seen.insert(&object).second)
+    if (level >= KA_MAX_DEPTH || !seen.insert(&object).second)
         return 1;
     unsigned int below = 0;
     for (const kaAnimationObject* child : object.getObjects())
-        below = std::max(below, heightOf(*child, seen));
+        below = std::max(below, heightOf(*child, seen, level + 1));
     return below + 1;
 }
 
@@ -360,8 +361,10 @@ bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int l
         if (ancestor == &object || ++depth >= KA_MAX_DEPTH)
             return false;
     }
-    std::unordered_set<const kaAnimationObject*> seen;
-    return depth + levelsBetween + heightOf(object, seen) <= KA_MAX_DEPTH;
+    // A track that stands in two lists has one parent only, so the other lies below it without being above.
+    std::unordered_set<const kaAnimationObject*> below;
+    const unsigned int height = heightOf(object, below);
+    return below.count(this) == 0 && depth + levelsBetween + height <= KA_MAX_DEPTH;
 }
 
 // Ids below.

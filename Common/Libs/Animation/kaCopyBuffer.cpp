@@ -1,7 +1,5 @@
 #include "kaCopyBuffer.h"
 
-#include "kaAnimationObject.h"
-
 #include <algorithm>
 #include <iterator>
 
@@ -21,15 +19,9 @@ std::vector<kaAnimationObject*> kaCopyBuffer::objects() const {
     return present;
 }
 
-std::vector<kaUID> kaCopyBuffer::take() {
-    std::vector<kaUID> ids;
-    ids.reserve(_places.size());
-    for (const kaAnimationObject* object : _objects)
-        if (object)
-            ids.push_back(object->getId());
+void kaCopyBuffer::clear() {
     _objects.clear();
     _places.clear();
-    return ids;
 }
 
 void kaCopyBuffer::vacate(kaAnimationObject* object) {

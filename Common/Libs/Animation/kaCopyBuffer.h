@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kaAnimationTypes.h"
-
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
 #include <vector>
@@ -22,8 +20,7 @@ class kaCopyBuffer {
     /// What is still there of the contents, in order.
     std::vector<kaAnimationObject*> objects() const;
 
-    /// Empties the buffer. @return the ids of what was still there, in order.
-    std::vector<kaUID> take();
+    void clear();
 
     /// Called for every object that is about to be freed. Cost: nothing while the buffer is empty, else one
     /// look-up.

@@ -26,6 +26,9 @@ class kaForgetfulList {
         return _objects;
     }
 
+    /// Whether an object was put in and is still there; nothing is read through the pointer.
+    bool contains(const Object* object) const { return _members.contains(object); }
+
     void assign(std::vector<Object*> objects) {
         clear();
         _objects = std::move(objects);

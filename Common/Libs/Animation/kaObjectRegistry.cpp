@@ -86,6 +86,22 @@ bool kaObjectRegistry::insertField(kaAnimationField& field) {
     return true;
 }
 
+/// A field that was left without an entry of its own pays for the walk, too.
+kaUID kaObjectRegistry::keyOf(const kaAnimationField& field) const {
+    if (findField(field.getId()) == &field)
+        return field.getId();
+    const auto found = std::find_if(_fields.begin(), _fields.end(),
+                                    [&field](const auto& entry) { return entry.second == &field; });
+    return found != _fields.end() ? found->first : field.getId();
+}
+
+void kaObjectRegistry::removeField(kaAnimationField& field) {
+    const kaUID entered = keyOf(field);
+    eraseField(field.getId());
+    if (entered != field.getId())
+        eraseField(entered);
+}
+
 void kaObjectRegistry::eraseField(kaUID id) {
     if (_fieldIndex.erase(id) == 0)
         return;
@@ -112,9 +128,12 @@ void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) 
 }
 
 void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID to) {
+    const kaUID former = findField(from) != &field ? keyOf(field) : from;
     std::map<kaUID, kaAnimationField*> entry{{to, &field}};
     _fieldIndex.emplace(to, &field);
     eraseField(from);
+    if (former != from)
+        eraseField(former);
     _fields.merge(entry);
     ++_fieldEpoch;
     kaEdits::note();

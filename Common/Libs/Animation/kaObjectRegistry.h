@@ -45,7 +45,8 @@ class kaObjectRegistry {
 
     bool insertField(kaAnimationField& field);
     void eraseField(kaUID id);
-    /// The same for fields.
+    /// The same for fields: `remove` and `replace`.
+    void removeField(kaAnimationField& field);
     void replaceField(kaUID from, kaAnimationField& field, kaUID to);
 
     std::size_t size() const { return _index.size(); }
@@ -82,6 +83,8 @@ class kaObjectRegistry {
   private:
     /// The id under which an object stands; its own, unless a host changed that behind the registry's back.
     kaUID keyOf(const kaAnimationObject& object) const;
+    /// The same for fields; without an entry the field's own id.
+    kaUID keyOf(const kaAnimationField& field) const;
 
     boost::unordered_flat_map<kaUID, kaAnimationObject*> _index;
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
