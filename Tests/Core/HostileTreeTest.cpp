@@ -363,6 +363,20 @@ TEST_F(HostileTree, AnIdWrittenByTheHostLeavesNoEntryBehind) {
     manager->destroyObject(other);
 }
 
+TEST_F(HostileTree, ASelectedKeyWithTheIdOfAnotherIsDeletedItself) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 0}, {10, 5}, {20, 1}});
+    const std::vector<kaUID> ids = curve->getChildIDs();
+    kaControlPoint2D* key = manager->getPoint2D(ids[0]);
+    kaControlPoint2D* namesake = manager->getPoint2D(ids[1]);
+    key->setId(ids[1]);
+    key->setSelected(true);
+    EXPECT_EQ(curve->deleteSelectedPoints(false, false), curve);
+    EXPECT_EQ(manager->getObject(ids[0]), nullptr) << "where the key was entered";
+    EXPECT_THAT(curve->getChildIDs(), ElementsAre(ids[0], ids[2])) << "the entry of its own id is gone";
+    EXPECT_EQ(namesake->getBegin(), 10.0F) << "still there, though its entry went with the id";
+    manager->destroyPoint2D(namesake);
+}
+
 // The same for fields.
 
 TEST_F(HostileTree, AFieldUnderAnotherIdThanItsOwnLeavesNoEntryBehind) {

@@ -8,6 +8,7 @@
 #include "kaCurveView.h"
 #include "kaEdits.h"
 #include "kaObjectRegistry.h"
+#include "kaWatchedObjects.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <cmath>
@@ -265,17 +266,15 @@ kaAnimationCurve2D* kaAnimationCurve2D::deletePoints(bool tellParent, bool destr
     return destroyPoints(points()) ? afterDeletion(tellParent, destroyIfEmpty) : nullptr;
 }
 
-/// By id: a host can have listed a key twice. @return whether the curve is still there: a key takes along
-/// what a host has listed below it.
+/// A host can have listed a key twice, or written its id. @return whether the curve is still there: a key
+/// takes along what a host has listed below it.
 bool kaAnimationCurve2D::destroyPoints(const std::vector<kaControlPoint2D*>& doomed) {
-    std::vector<kaUID> ids;
-    ids.reserve(doomed.size());
-    for (const kaControlPoint2D* point : doomed)
-        ids.push_back(point->getId());
+    const kaWatchedObjects keys({doomed.begin(), doomed.end()});
     const kaAliveGuard self(*this);
-    for (kaUID id : ids)
+    keys.visit([&](kaAnimationObject& key) {
         if (self)
-            subObject(kaAnimationManager::the()->getPoint2D(id), true);
+            subObject(&key, true);
+    });
     return static_cast<bool>(self);
 }
 
