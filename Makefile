@@ -59,7 +59,9 @@ check-format: setup-lint ## fail when a source file is not laid out with clang-f
 tidy: setup-lint build-sanitize ## look for faults with clang-tidy
 	run-clang-tidy-14 -quiet -j $(JOBS) -p build/sanitize '^$(CURDIR)/(Common|Tools|Tests|Benchmarks)/'
 
+# The random edits visit the same branches long before their last seed, and nothing is optimised here.
 .PHONY: coverage
+coverage: export KA_MODEL_SEEDS ?= 40
 coverage: setup-coverage test-coverage ## line and branch coverage of the libraries, as text and pages in out/coverage/
 	mkdir -p $(OUT)/coverage
 	gcovr --root . --object-directory build/coverage --filter 'Common/Libs/' --exclude-throw-branches \
