@@ -7,6 +7,7 @@
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGTransform3D.h>
+#include <kaAnimationController.h>
 #include <kaNodeUtils.h>
 
 namespace {
@@ -218,6 +219,20 @@ TEST_F(StaleBinding, ARecordFreedInAnswerToItsWriteIsLeftAlone) {
         EXPECT_TRUE(write(field, 3.0F)) << name;
         EXPECT_EQ(kaAnimationManager::the()->getField(id), nullptr) << name;
     }
+}
+
+TEST_F(StaleBinding, OfRecordsWrittenTogetherOneFreedInAnswerToAnotherIsPassedOver) {
+    kaAnimationManager* manager = kaAnimationManager::the();
+    kaAnimationField* first = makeField(rig, "vec3f");
+    const kaUID doomed = makeField(rig, "real32")->getId();
+    kaAnimationField* last = makeField(rig, "real64");
+    first->value = manager->getField(doomed)->value = last->value = 3.0F;
+    watch().answer = [manager, doomed] { manager->destroyField(manager->getField(doomed)); };
+    EXPECT_EQ(kaAnimationController::the()->updateAnimationFields({first, manager->getField(doomed), last}),
+              2U);
+    EXPECT_EQ(rig->vec3f.getValue()[0], 3.0F);
+    EXPECT_EQ(rig->real32.getValue(), 0.0F);
+    EXPECT_EQ(rig->real64.getValue(), 3.0);
 }
 
 TEST_F(StaleBinding, AContainerFreedInAnswerToItsWriteIsLeftAlone) {

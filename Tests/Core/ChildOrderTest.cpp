@@ -7,13 +7,20 @@
 
 namespace {
 
-/// A block with that many curves, each beginning at one of a few frames, and the ids in the order that a
-/// stable sort of the whole list gives after every move.
+/// A block with that many curves, most of them beginning at one of a few frames, and the ids in the order
+/// that a stable sort of the whole list gives after every move.
 struct Block {
     explicit Block(std::size_t count, unsigned int seed) : random(seed) {
         for (std::size_t i = 0; i < count; ++i) {
             kaAnimationCurve2D* curve = manager->createCurve2D(nullptr, "Curve", 0, false);
+            // Only a curve with a key has an extent.
+            manager->createCurvePoint(curve, 0.0F, 0.0F, false, false, false);
             curve->setBegin(anyFrame());
+            // Most of them bound the block by their begin alone.
+            const auto size = static_cast<float>(i);
+            curve->setEnd(100.0F + size);
+            curve->setMaximum(size);
+            curve->setMinimum(-size);
             unit->addObject(curve);
             ids.push_back(curve->getId());
             sortLiterally();
@@ -21,11 +28,18 @@ struct Block {
     }
     ~Block() { manager->destroyUnit(unit); }
 
-    float anyFrame() { return static_cast<float>(std::uniform_int_distribution<int>(0, 9)(random)); }
+    /// One that many share; now and then one before all of them, which takes the block's begin along.
+    float anyFrame() {
+        const int shared = std::uniform_int_distribution<int>(0, 9)(random);
+        const bool isLone = std::uniform_int_distribution<int>(0, 9)(random) == 0;
+        return static_cast<float>(isLone ? -std::uniform_int_distribution<int>(1, 1000)(random) : shared);
+    }
 
     void sortLiterally() {
         std::stable_sort(ids.begin(), ids.end(), &kaAnimationObject::compareObjectsByBegin);
     }
+
+    float firstBegin() const { return manager->getObject(ids.front())->getBegin(); }
 
     kaAnimationObject* any() {
         return manager->getObject(ids[std::uniform_int_distribution<std::size_t>(0, ids.size() - 1)(random)]);
@@ -47,6 +61,7 @@ TEST_P(ChildOrder, OneChildMovedAmongEqualsStandsWhereAStableSortLeavesIt) {
         block.unit->updateBy(block.any(), kaAnimationObject::MOVE_OBJECT, false);
         block.sortLiterally();
         ASSERT_EQ(block.unit->getChildIDs(), block.ids) << "after move " << i;
+        ASSERT_EQ(block.unit->getBegin(), block.firstBegin()) << "after move " << i;
     }
 }
 
@@ -58,6 +73,7 @@ TEST_P(ChildOrder, SeveralChildrenMovedBetweenTwoNoticesStandWhereAStableSortLea
         block.unit->updateBy(block.any(), kaAnimationObject::MOVE_OBJECT, false);
         block.sortLiterally();
         ASSERT_EQ(block.unit->getChildIDs(), block.ids) << "after round " << i;
+        ASSERT_EQ(block.unit->getBegin(), block.firstBegin()) << "after round " << i;
     }
 }
 
@@ -71,6 +87,7 @@ TEST_P(ChildOrder, AChildThatLeavesWhileItStandsOutOfOrderLeavesTheRestInOrder) 
         block.unit->subObject(gone, true);
         block.sortLiterally();
         ASSERT_EQ(block.unit->getChildIDs(), block.ids);
+        ASSERT_EQ(block.unit->getBegin(), block.firstBegin());
     }
 }
 

@@ -6,6 +6,7 @@
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -147,6 +148,29 @@ TEST_F(CurveQueries, PrintsItselfWithoutField) {
     EXPECT_THAT(output.text(), StartsWith("Curve Curve:\nPoints: 3\n"));
     EXPECT_THAT(output.text(), HasSubstr("FieldPtr "));
     EXPECT_THAT(output.text(), testing::Not(HasSubstr("Field Info")));
+}
+
+TEST_F(CurveQueries, WhatIsNoKeyIsNoNeighbourOfOne) {
+    curve = makeCurve(Spots{{0, 1}, {4, 7}, {20, 3}});
+    const auto ids = curve->getChildIDs();
+    kaControlPoint2D* middle = at(4.0F);
+    const std::array<kaControlPoint2D*, 2> handles{middle->getInTangent(), middle->getOutTangent()};
+    const std::array<Spot, 2> before{spotOf(*handles[0]), spotOf(*handles[1])};
+    for (const std::size_t place : {1U, 2U}) {
+        std::vector<kaUID> mixed = ids;
+        const float frame = place == 1 ? 3.0F : 5.0F;
+        mixed.insert(mixed.begin() + static_cast<std::ptrdiff_t>(place),
+                     makeSequence("door", frame, frame)->getId());
+        curve->setChildIDs(mixed);
+        middle->getInTangent()->setPosition(0.0F, 0.0F);
+        middle->getOutTangent()->setPosition(0.0F, 0.0F);
+        ASSERT_TRUE(middle->computeTangents());
+        for (std::size_t i = 0; i < 2; ++i) {
+            EXPECT_EQ(spotOf(*handles[i]).x, before[i].x) << "at place " << place;
+            EXPECT_EQ(spotOf(*handles[i]).y, before[i].y) << "at place " << place;
+        }
+        EXPECT_EQ(curve->getPoints().size(), 3U);
+    }
 }
 
 TEST_F(CurveQueries, SkipKeysThatTheRegistryDoesNotKnow) {

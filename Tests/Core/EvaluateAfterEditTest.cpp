@@ -31,9 +31,10 @@ struct Clip {
         return made;
     }
 
-    float evaluated() const {
+    float evaluated() const { return evaluated(clip, false); }
+    float evaluated(kaAnimationObject* object, bool motionBlurOnly) const {
         field->value = Untouched;
-        kaAnimationController::the()->evaluateObject(clip, Frame, false);
+        kaAnimationController::the()->evaluateObject(object, Frame, motionBlurOnly);
         return field->value;
     }
 
@@ -124,5 +125,60 @@ INSTANTIATE_TEST_SUITE_P(
              },
              8.0F}),
     [](const auto& edit) { return std::string(edit.param.name); });
+
+class EvaluateAfterLoneEdit : public ka_test::RegistryFixture {};
+
+TEST_F(EvaluateAfterLoneEdit, ACurveThatStandsInNoListEndsEarlier) {
+    const Clip c;
+    c.block->subObject(c.curve, false);
+    ASSERT_EQ(c.evaluated(c.curve, false), 2.0F);
+    c.curve->setEnd(5.0F);
+    EXPECT_EQ(c.evaluated(c.curve, false), 1.0F);
+}
+
+TEST_F(EvaluateAfterLoneEdit, ACurveComesToMotionBlurAndGoes) {
+    const Clip c;
+    ASSERT_EQ(c.evaluated(c.clip, true), Untouched);
+    c.curve->setMotionBlur(true);
+    ASSERT_EQ(c.evaluated(c.clip, true), 2.0F);
+    c.curve->setMotionBlur(false);
+    EXPECT_EQ(c.evaluated(c.clip, true), Untouched);
+}
+
+TEST_F(EvaluateAfterLoneEdit, ACurveThatTheBlockOnlyNamesIsDestroyed) {
+    const Clip c;
+    const kaUID id = c.curve->getId();
+    c.block->subObject(c.curve, false);
+    c.block->setCurveIDs({id});
+    ASSERT_EQ(c.evaluated(c.block, false), 2.0F);
+    c.manager->destroyCurve2D(c.curve);
+    EXPECT_EQ(c.evaluated(c.block, false), Untouched);
+}
+
+TEST_F(EvaluateAfterLoneEdit, TheFieldOfACurveComesAndGoes) {
+    const Clip c;
+    c.curve->setField(4711);
+    ASSERT_EQ(c.evaluated(), Untouched);
+    kaAnimationField* late = c.manager->createField(4711);
+    ASSERT_EQ(c.evaluated(), Untouched);
+    EXPECT_EQ(late->value, 2.0F);
+    c.manager->destroyField(late);
+    EXPECT_EQ(c.evaluated(), Untouched);
+}
+
+TEST_F(EvaluateAfterLoneEdit, OfTwoTracksTheOneListedLastHasTheLastWord) {
+    const Clip c;
+    kaAnimationCurve2D* other = c.manager->createCurve2D(c.field, "Other", 0, false);
+    other->setPoints({c.key(0.0F, 8.0F), c.key(20.0F, 8.0F)});
+    kaAnimationUnit* block = c.manager->createUnit(0ULL);
+    block->addObject(other);
+    kaAnimationStreak* track = c.manager->createStreak(0ULL);
+    track->addObject(block);
+    c.clip->addObject(track);
+    c.clip->setChildIDs({c.track->getId(), track->getId()});
+    ASSERT_EQ(c.evaluated(), 8.0F);
+    c.clip->setChildIDs({track->getId(), c.track->getId()});
+    EXPECT_EQ(c.evaluated(), 2.0F);
+}
 
 } // namespace

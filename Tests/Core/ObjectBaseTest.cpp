@@ -287,6 +287,27 @@ TEST_F(Finding, ByBeginNeedsTheExactValueAndARegisteredChild) {
     EXPECT_EQ(track->findObject(NAN), std::make_pair(std::size_t{3}, false));
 }
 
+TEST_F(Finding, GivesTheSameWhereEveryChildIsRegistered) {
+    track->setChildIDs({ids[0], ids[1], ids[2]});
+    for (std::size_t i = 0; i < 3; ++i) {
+        child(i)->setBegin(static_cast<float>(10 * i));
+        EXPECT_EQ(track->findObject(ids[i]), std::make_pair(i, true));
+        EXPECT_EQ(track->findObject(static_cast<float>(10 * i)), std::make_pair(i, true));
+    }
+    EXPECT_EQ(track->findObject(kaUID{42}), std::make_pair(std::size_t{3}, false));
+    EXPECT_EQ(track->findObject(5.0F), std::make_pair(std::size_t{3}, false));
+    child(2)->setBegin(10.0F);
+    EXPECT_EQ(track->findObject(10.0F), std::make_pair(std::size_t{1}, true)) << "the first of them";
+}
+
+TEST_F(Finding, AKeyListsItselfAlone) {
+    const kaControlPoint2D* key = manager->createPoint2D(10.0F, 2.0F, 0);
+    EXPECT_EQ(key->findObject(key->getId()), std::make_pair(std::size_t{0}, true));
+    EXPECT_EQ(key->findObject(ids[0]), std::make_pair(std::size_t{1}, false));
+    EXPECT_EQ(key->findObject(10.0F), std::make_pair(std::size_t{0}, true));
+    EXPECT_EQ(key->findObject(11.0F), std::make_pair(std::size_t{1}, false));
+}
+
 TEST_F(Finding, ObjectsComeInListOrderWithoutStrangers) {
     track->setChildIDs({ids[2], 42, ids[0], ids[2]});
     const std::vector<Object*> expected = {child(2), child(0), child(2)};
@@ -437,6 +458,20 @@ TEST_F(Triggers, FireWhatIsStoredUnderThemInTheOrderItWasMade) {
     EXPECT_EQ(log, "b1 b2 e1 ");
     manager->createUnit(0)->trigger(Manager::TriggerBegin);
     EXPECT_EQ(log, "b1 b2 e1 ");
+}
+
+TEST_F(Triggers, CanBeSetAltogether) {
+    log.clear();
+    kaAnimationUnit* source = manager->createUnit(0);
+    kaAnimationUnit* other = manager->createUnit(0);
+    ASSERT_TRUE(manager->createConnection(
+        source, kaAnimationManager::TriggerBegin, +[] { log += "b "; }));
+    other->setTriggers(source->getTriggers());
+    source->setTriggers({});
+    source->trigger(kaAnimationManager::TriggerBegin);
+    EXPECT_EQ(log, "");
+    other->trigger(kaAnimationManager::TriggerBegin);
+    EXPECT_EQ(log, "b ");
 }
 
 } // namespace
