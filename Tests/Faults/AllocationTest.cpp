@@ -142,6 +142,12 @@ std::vector<Operation> operations() {
              controller().loop();
              controller().loop();
          }},
+        {"destroy_what_waits_and_was_jumped_to",
+         [](Stage& s) {
+             controller().addWaitingObject(s.clip);
+             controller().gotoGlobalEnd(s.clip);
+             manager().destroyStrip(s.clip);
+         }},
         {"play_globally",
          [](Stage& s) {
              controller().playGlobal(s.clip->getId(), false, true, 0.0F, 50.0F, 0.0F);

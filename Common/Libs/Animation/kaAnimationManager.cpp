@@ -77,7 +77,7 @@ void kaAnimationManager::terminate() {
 void kaAnimationManager::forget(kaAnimationObject* object) {
     the()->_connections->forget(object);
     the()->_copyBuffer->forget(object);
-    kaWatchedObjects::forget(*object);
+    kaWatchedObjects::forget(object);
 }
 
 // Ids.

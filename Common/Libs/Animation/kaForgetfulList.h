@@ -26,20 +26,19 @@ class kaForgetfulList {
         return _objects;
     }
 
-    /// Whether an object was put in and is still there; nothing is read through the pointer.
-    bool contains(const Object* object) const { return _members.contains(object); }
-
     void assign(std::vector<Object*> objects) {
         clear();
+        _members.insert(objects.begin(), objects.end());
+        _gone.reserve(_members.size());
         _objects = std::move(objects);
-        _members.insert(_objects.begin(), _objects.end());
     }
 
     /// Those that have left go first: the new object may stand where one of them stood in memory.
     void append(Object* object) {
         objects();
-        _objects.push_back(object);
+        _gone.reserve(_members.size() + 1);
         _members.insert(object);
+        _objects.push_back(object);
     }
 
     void clear() {
@@ -48,7 +47,7 @@ class kaForgetfulList {
         _gone.clear();
     }
 
-    /// An object is about to be freed.
+    /// An object is about to be freed. Room is kept for all to leave: nothing is allocated.
     void forget(const kaAnimationObject* object) {
         if (!_members.empty() && _members.erase(object) > 0)
             _gone.insert(object);

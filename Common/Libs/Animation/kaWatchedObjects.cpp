@@ -1,16 +1,12 @@
 #include "kaWatchedObjects.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 kaWatchedObjects* kaWatchedObjects::_newest = nullptr;
 
-kaWatchedObjects::kaWatchedObjects(const std::vector<kaAnimationObject*>& objects) : _older(_newest) {
-    std::vector<kaAnimationObject*> present;
-    std::copy_if(objects.begin(), objects.end(), std::back_inserter(present),
-                 [](const kaAnimationObject* object) { return object != nullptr; });
-    _objects.assign(std::move(present));
+kaWatchedObjects::kaWatchedObjects(std::vector<kaAnimationObject*> objects)
+    : _objects(std::move(objects)), _present(_objects.begin(), _objects.end()), _older(_newest) {
+    _present.erase(nullptr);
     _newest = this;
 }
 
@@ -18,7 +14,7 @@ kaWatchedObjects::~kaWatchedObjects() {
     _newest = _older;
 }
 
-void kaWatchedObjects::forget(const kaAnimationObject& object) {
+void kaWatchedObjects::forget(kaAnimationObject* object) {
     for (kaWatchedObjects* list = _newest; list; list = list->_older)
-        list->_objects.forget(&object);
+        list->_present.erase(object);
 }

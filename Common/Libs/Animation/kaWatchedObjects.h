@@ -1,7 +1,6 @@
 #pragma once
 
-#include "kaForgetfulList.h"
-
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <vector>
 
 class kaAnimationObject;
@@ -10,11 +9,12 @@ class kaAnimationObject;
 /// is told of it; lives on the stack. Objects are followed by themselves, whatever id a host gives them
 /// meanwhile.
 ///
-/// Cost: freeing an object looks through the lists that stand at that moment, usually none.
+/// Cost: freeing an object looks through the lists that stand at that moment, usually none, and allocates
+/// nothing.
 class kaWatchedObjects {
   public:
     /// Nulls are left out; an object that stands there twice is visited twice.
-    explicit kaWatchedObjects(const std::vector<kaAnimationObject*>& objects);
+    explicit kaWatchedObjects(std::vector<kaAnimationObject*> objects);
     kaWatchedObjects(const kaWatchedObjects&) = delete;
     kaWatchedObjects& operator=(const kaWatchedObjects&) = delete;
     ~kaWatchedObjects();
@@ -22,18 +22,18 @@ class kaWatchedObjects {
     /// Calls `visit(kaAnimationObject&)` for every object that is still there when its turn comes, in order.
     template <class Visit>
     void visit(Visit&& visit) const {
-        const std::vector<kaAnimationObject*> objects = _objects.objects();
-        for (kaAnimationObject* object : objects)
-            if (_objects.contains(object))
+        for (kaAnimationObject* object : _objects)
+            if (_present.contains(object))
                 visit(*object);
     }
 
     /// An object is about to be freed.
-    static void forget(const kaAnimationObject& object);
+    static void forget(kaAnimationObject* object);
 
   private:
     static kaWatchedObjects* _newest;
 
-    kaForgetfulList<kaAnimationObject> _objects;
+    std::vector<kaAnimationObject*> _objects;
+    boost::unordered_flat_set<kaAnimationObject*> _present;
     kaWatchedObjects* _older;
 };
