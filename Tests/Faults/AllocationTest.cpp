@@ -103,6 +103,24 @@ TEST_P(AllocationFailure, LeavesTheModuleSound) {
 }
 
 /// Loading is not among them: the XML reader underneath does not survive a failed allocation itself.
+using Freeing = RegistryFixture;
+
+/// Lists keep the room they once had, so there are more here than anywhere else in this program.
+TEST_F(Freeing, ObjectsThatWaitAsksForNoMemory) {
+    std::vector<kaAnimationSequence*> waiting;
+    for (int i = 0; i < 500; ++i) {
+        waiting.push_back(manager().createSequence("waits", 0));
+        controller().addWaitingObject(waiting.back());
+    }
+    for (kaAnimationSequence* sequence : waiting) {
+        const FailingAllocation failure(0);
+        manager().destroySequence(sequence);
+        FailingAllocation::disarm();
+        ASSERT_FALSE(FailingAllocation::hasFailed());
+    }
+    EXPECT_TRUE(controller().getWaitingObjects().empty());
+}
+
 std::vector<Operation> operations() {
     return {
         {"create_a_key", [](Stage&) { manager().createPoint2D(1.0F, 2.0F, 0); }},
