@@ -32,6 +32,7 @@ function(ka_target_defaults target)
   # No contraction of a*b+c: a sample must be the same float whatever the compiler finds to fuse.
   target_compile_options(${target} PRIVATE -ffp-contract=off)
   if(KA_SANITIZE)
+    target_compile_definitions(${target} PRIVATE KA_WATCHED_MEMORY)
     target_compile_options(${target} PRIVATE
       -fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=address,undefined,float-cast-overflow)

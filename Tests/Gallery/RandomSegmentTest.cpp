@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <kaSegment.h>
 #include <limits>
 
 using namespace ka_test;
@@ -10,6 +12,12 @@ using namespace ka_test;
 namespace {
 
 constexpr int SEGMENTS = 1000000;
+
+/// For what must be the same float; KA_RANDOM_SEGMENTS asks for more, once in a while.
+int comparedSegments() {
+    const char* wanted = std::getenv("KA_RANDOM_SEGMENTS");
+    return wanted ? std::max(1000, std::atoi(wanted)) : SEGMENTS;
+}
 
 float narrow(double value) {
     return static_cast<float>(value);
@@ -44,13 +52,56 @@ SegmentCase randomSegment(Random& random) {
     return segment;
 }
 
+kaSegment packed(const SegmentCase& segment) {
+    return kaSegment({segment.left.key.x, segment.left.key.y, segment.left.out.x, segment.left.out.y,
+                      segment.right.in.x, segment.right.in.y, segment.right.key.x, segment.right.key.y});
+}
+
+SegmentCase randomCubic(Random& random) {
+    SegmentCase segment = randomSegment(random);
+    while (!packed(segment).isCubic())
+        segment = randomSegment(random);
+    return segment;
+}
+
+/// @return how many of `Side` cubics, each at a frame of its own, differ from what each gives by itself.
+int differencesSideBySide(Random& random) {
+    constexpr std::size_t Side = kaSegment::Side;
+    SegmentCase cases[Side];
+    std::vector<kaSegment> segments;
+    const kaSegment* pointers[Side];
+    float frames[Side];
+    float values[Side];
+    bool written[Side];
+    segments.reserve(Side);
+    for (std::size_t i = 0; i < Side; ++i) {
+        cases[i] = randomCubic(random);
+        segments.push_back(packed(cases[i]));
+        pointers[i] = &segments[i];
+        frames[i] = random.chance(0.01) ? cases[i].right.key.x : cases[i].frame;
+    }
+    kaSegment::sampleSideBySide(pointers, frames, values, written);
+    int differences = 0;
+    for (std::size_t i = 0; i < Side; ++i) {
+        Sample alone;
+        alone.written = alone.returned = segments[i].sample(frames[i], alone.value);
+        const Sample beside{written[i], written[i], values[i]};
+        if (sameSample(beside, alone))
+            continue;
+        ++differences;
+        ADD_FAILURE() << cases[i] << "\n  gives " << beside << " side by side, " << alone << " alone";
+    }
+    return differences;
+}
+
 class RandomSegments : public RegistryFixture {};
 
 TEST_F(RandomSegments, AreSampledToTheSameFloatAsThePlainFormula) {
     ModuleSegment module;
     Random random(1);
+    const int count = comparedSegments();
     int shown = 0;
-    for (int i = 0; i < SEGMENTS && shown < 5; ++i) {
+    for (int i = 0; i < count && shown < 5; ++i) {
         const SegmentCase segment = randomSegment(random);
         if (segment.left.key.x == segment.right.key.x)
             continue;
@@ -61,6 +112,14 @@ TEST_F(RandomSegments, AreSampledToTheSameFloatAsThePlainFormula) {
             ++shown;
         }
     }
+}
+
+TEST_F(RandomSegments, AreTheSameFloatSideBySideAsOneByOne) {
+    Random random(3);
+    const int count = comparedSegments();
+    int shown = 0;
+    for (int i = 0; i < count && shown < 5; i += static_cast<int>(kaSegment::Side))
+        shown += differencesSideBySide(random);
 }
 
 TEST_F(RandomSegments, StayByTheTruthWhereTheFormulaIsWellConditioned) {

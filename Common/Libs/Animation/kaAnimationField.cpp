@@ -3,24 +3,45 @@
 #include "kaAnimationManager.h"
 #include "kaFieldBinding.h"
 
+#include <memory_resource>
+
 namespace {
 
 kaUID freshID() {
     return kaAnimationManager::the()->createUID();
 }
 
+/// Never destroyed: records may outlive all other statics. Where memory is being watched each record is a
+/// block of its own, or a use of a freed one would go unseen.
+std::pmr::memory_resource& records() {
+#ifdef KA_WATCHED_MEMORY
+    static std::pmr::memory_resource* resource = std::pmr::new_delete_resource();
+#else
+    static std::pmr::memory_resource* resource = new std::pmr::unsynchronized_pool_resource;
+#endif
+    return *resource;
+}
+
 } // namespace
+
+void* kaAnimationField::operator new(std::size_t size) {
+    return records().allocate(size, alignof(kaAnimationField));
+}
+
+void kaAnimationField::operator delete(void* record, std::size_t size) noexcept {
+    records().deallocate(record, size, alignof(kaAnimationField));
+}
 
 kaAnimationField::kaAnimationField(kaUID id) : _id(id != 0 ? id : freshID()) {}
 
 kaAnimationField::kaAnimationField(kaAnimationField& source)
-    : fcID(source.fcID),
-      nodeID(source.nodeID),
+    : _id(freshID()),
+      fcID(source.fcID),
       name(source.name),
-      attribute(source.attribute),
       value(source.value),
       valuePos(source.valuePos),
-      dirty(source.dirty),
-      _id(freshID()) {}
+      nodeID(source.nodeID),
+      attribute(source.attribute),
+      dirty(source.dirty) {}
 
 kaAnimationField::~kaAnimationField() = default;

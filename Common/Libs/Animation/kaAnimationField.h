@@ -3,6 +3,7 @@
 #include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -19,22 +20,30 @@ class KA_ANIMATION_API kaAnimationField {
     kaAnimationField& operator=(const kaAnimationField&) = delete;
     ~kaAnimationField();
 
+    /// Records made one after the other lie side by side, wherever else memory went meanwhile: every frame
+    /// walks through them. The memory of freed ones is kept for others.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* record, std::size_t size) noexcept;
+
     kaUID getId() const { return _id; } ///< The id that curves and nodes name it by.
     /// Stored as given, without the registry: `kaAnimationManager::setID` keeps that in step.
     void setId(kaUID id) { _id = id; }
 
-    kaUID fcID = 0;   ///< container id; only the low 32 bits are looked up
-    kaUID nodeID = 0; ///< container id of the scene node
-    std::string name; ///< the scene field, or a special attribute ("rotationX", "visible", a camera value)
-    /// The animated attribute: the field's name with a component letter, or a special attribute.
-    std::string attribute;
-    float value = 0.0F;        ///< last evaluated value; degrees for angles
-    unsigned int valuePos = 0; ///< component, 0 = first
-    bool dirty = true;         ///< kept and saved for the host; evaluation neither reads nor changes it
-
   private:
     friend struct kaFieldBinding;
 
-    kaUID _id;
+    // What every evaluation reads comes first: it fills one cache line.
+
+    alignas(64) kaUID _id;
     std::unique_ptr<kaFieldBinding> _binding; ///< what the last write resolved, checked before each use
+
+  public:
+    kaUID fcID = 0;     ///< container id; only the low 32 bits are looked up
+    std::string name;   ///< the scene field, or a special attribute ("rotationX", "visible", a camera value)
+    float value = 0.0F; ///< last evaluated value; degrees for angles
+    unsigned int valuePos = 0; ///< component, 0 = first
+    kaUID nodeID = 0;          ///< container id of the scene node
+    /// The animated attribute: the field's name with a component letter, or a special attribute.
+    std::string attribute;
+    bool dirty = true; ///< kept and saved for the host; evaluation neither reads nor changes it
 };

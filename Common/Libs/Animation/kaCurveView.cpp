@@ -118,22 +118,25 @@ std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float
     return from;
 }
 
+const kaSegment* kaCurveView::segmentAt(float frame) {
+    if (_segments.empty())
+        return nullptr;
+    if (!_segments[_last].holds(frame)) {
+        if (!(frame >= _frames.front() && frame < _frames.back()))
+            return nullptr;
+        _last = upperBound(frame) - 1;
+    }
+    return &_segments[_last];
+}
+
 bool kaCurveView::sample(float frame, float& value) {
+    if (const kaSegment* segment = segmentAt(frame))
+        return segment->sample(frame, value);
     if (_count < 2)
         return false;
     if (_segments.empty())
         return _firstValue != 0.0F; // every key at one frame
-    const kaSegment::Points& last = _segments[_last].points();
-    if (last.x0 <= frame && frame < last.x3)
-        return _segments[_last].sample(frame, value);
-    if (frame < _frames.front()) {
-        value = _segments.front().points().y3; // the second key's: what hosts have always got
-        return true;
-    }
-    if (!(frame < _frames.back())) {
-        value = _segments.back().points().y3;
-        return true;
-    }
-    _last = upperBound(frame) - 1;
-    return _segments[_last].sample(frame, value);
+    // Before the first key the second one's value: what hosts have always got.
+    value = (frame < _frames.front() ? _segments.front() : _segments.back()).points().y3;
+    return true;
 }

@@ -32,13 +32,11 @@ class kaCurveView {
     /// Cost: a look at the segment sampled last, else one at the cell of the frame and the keys in it.
     bool sample(float frame, float& value);
 
-    /// Start fetching from memory what `sample` will touch: the view itself and then, when it has come, the
-    /// segment sampled last.
-    void fetch() const {
-        __builtin_prefetch(this);
-        __builtin_prefetch(&_last);
-    }
-    void fetchSegment() const { __builtin_prefetch(_segments.data() + _last); }
+    /// The segment that holds `frame`; null where none does: before the first key, from the last one on and
+    /// without keys at two frames. Good until the curve is edited. Cost: as of `sample`.
+    const kaSegment* segmentAt(float frame);
+    /// Behind the last segment; they lie side by side.
+    const kaSegment* segmentsEnd() const { return _segments.data() + _segments.size(); }
 
   private:
     void renew(const kaAnimationCurve2D& curve, const kaChildList* keys);

@@ -33,17 +33,14 @@ class kaEvaluation {
 
   private:
     class Plan;
-    struct Scratch;
-    class ScratchLease;
+    class Pass;
+    class PassLease;
 
-    /// Valid until the next call out.
+    /// Stands while an evaluation runs and the object model is not edited.
     Plan& planOf(const kaAnimationObject& object);
-
-    template <class Visit>
-    static void visitLeaves(const Plan& plan, float frame, bool motionBlurOnly, Visit&& visit);
 
     boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<Plan>> _plans;
     std::uint64_t _plansEdits = 0;
-    std::vector<std::unique_ptr<Scratch>> _scratch;
+    std::vector<std::unique_ptr<Pass>> _passes; ///< one for each depth
     std::size_t _depth = 0;
 };

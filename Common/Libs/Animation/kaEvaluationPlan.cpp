@@ -4,9 +4,9 @@
 #include "kaChildList.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
-#include "kaFieldAccess.h"
 
 #include <algorithm>
+#include <limits>
 
 void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     if (_edits == kaEdits::count)
@@ -14,8 +14,12 @@ void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     _edits = 0; // unless this comes to its end
     leaves.clear();
     curves.clear();
+    objects.clear();
     _path.clear();
     visit(object);
+    _segments.assign(curves.size(), kaSegment({}));
+    _places.assign(curves.size(), Place());
+    _held.assign(2 * curves.size(), Held());
     _edits = kaEdits::count;
 }
 
@@ -35,44 +39,42 @@ void kaEvaluation::Plan::visit(const kaAnimationObject& object) {
 }
 
 void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
+    static_assert(sizeof(Curve) == 64, "one cache line");
+    constexpr float Infinity = std::numeric_limits<float>::infinity();
     const auto& below = object.resolvedCurves();
     if (below.empty())
         return;
     leaves.push_back(
         {&object, object.getBegin(), object.getEnd(), curves.size(), below.size(), object.isRepeating()});
+    objects.insert(objects.end(), below.begin(), below.end());
     for (kaAnimationCurve2D* curve : below)
-        curves.push_back({curve,
-                          &curve->view(),
-                          curve->resolvedField(),
-                          curve->getBegin(),
-                          curve->getEnd(),
-                          {0.0F, 0.0F},
-                          {Curve::Held::Unknown, Curve::Held::Unknown},
-                          curve->isActive(),
-                          curve->isRepeating(),
-                          curve->isMotionBlur()});
+        curves.push_back(
+            {curve->resolvedField(), kaFieldGlance(), curve->isRepeating() ? -Infinity : curve->getBegin(),
+             curve->isRepeating() ? Infinity : curve->getEnd(), curve->isActive(), curve->isMotionBlur()});
 }
 
-void kaEvaluation::Plan::Curve::hold(std::size_t side) {
-    held[side] = sampleView(side == 0 ? begin : end, heldValue[side]) ? Held::Value : Held::Nothing;
+/// What plays forward goes on to the next segment, which is found without the curve.
+const kaSegment* kaEvaluation::Plan::findSegment(std::size_t curve, float frame) {
+    Place& place = _places[curve];
+    if (place.end - place.segment > 1 && place.segment[1].holds(frame)) {
+        ++place.segment;
+    } else {
+        kaCurveView& view = objects[curve]->view();
+        const kaSegment* found = view.segmentAt(frame);
+        if (!found)
+            return nullptr;
+        place = {found, view.segmentsEnd()};
+    }
+    _segments[curve] = *place.segment;
+    return &_segments[curve];
 }
 
-/// In steps, for what lies further on is found through what lies nearer.
-void kaEvaluation::Plan::fetchAhead(std::size_t index, float frame) const {
-    constexpr std::size_t Step = 4;
-    if (index + 3 * Step >= curves.size())
-        return;
-    const Curve& near = curves[index + Step];
-    const Curve& middle = curves[index + 2 * Step];
-    const Curve& far = curves[index + 3 * Step];
-    if (far.field)
-        kaFieldAccess::fetchRecord(*far.field);
-    if (middle.field)
-        kaFieldAccess::fetchBinding(*middle.field);
-    if (near.field)
-        kaFieldAccess::fetchTarget(*near.field);
-    if (far.isInside(frame))
-        far.view->fetch();
-    if (middle.isInside(frame))
-        middle.view->fetchSegment();
+bool kaEvaluation::Plan::sampleInside(std::size_t curve, float frame, float& value) const {
+    kaCurveView& view = objects[curve]->view();
+    return view.hasSpan() && view.sample(frame, value);
+}
+
+void kaEvaluation::Plan::hold(std::size_t curve, float frame, Held& held) const {
+    const float end = frame < curves[curve].begin ? curves[curve].begin : curves[curve].end;
+    held.state = sampleInside(curve, end, held.value) ? Held::State::Value : Held::State::Nothing;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "kaAnimationTypes.h"
-#include "kaCurveView.h"
+#include "kaAnimationObject.h"
 #include "kaEvaluation.h"
+#include "kaFieldGlance.h"
+#include "kaSegment.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -25,55 +26,98 @@ class kaEvaluation::Plan {
         bool repeating;
     };
 
-    struct Curve {
-        /// What sampling where the curve is held gives.
-        enum class Held : unsigned char { Unknown, Nothing, Value };
+    /// Where a leaf stands at a frame.
+    enum class Part { Finished, Running, Upcoming };
 
-        /// Samples at a frame that is held to the curve's extent unless the curve repeats.
-        /// @return whether `value` was written.
-        bool sample(float frame, float& value) {
-            if (isInside(frame))
-                return sampleView(frame, value);
-            const std::size_t side = frame < begin ? 0 : 1;
-            if (held[side] == Held::Unknown)
-                hold(side);
-            value = heldValue[side];
-            return held[side] == Held::Value;
-        }
+    /// What every frame reads of a curve: one cache line.
+    struct alignas(64) Curve {
+        bool isInside(float frame) const { return !(frame < begin || frame > end); }
 
-        bool isInside(float frame) const { return repeating || !(frame < begin || frame > end); }
-
-        kaAnimationCurve2D* curve;
-        kaCurveView* view;
         kaAnimationField* field; ///< null when the curve's field is not registered
-        float begin;
-        float end;
-        float heldValue[2]; ///< at the begin, at the end
-        Held held[2];
+        kaFieldGlance glance;
+        float begin; ///< where the curve is held; of a repeating one minus infinity
+        float end;   ///< and plus infinity
         bool active;
-        bool repeating;
         bool motionBlur;
-
-      private:
-        void hold(std::size_t side);
-        bool sampleView(float frame, float& value) const {
-            return view->hasSpan() && view->sample(frame, value);
-        }
     };
 
     /// Brings the plan up to date. Cost: a compare, or after an edit a walk of everything below the object.
     void refresh(const kaAnimationObject& object);
 
-    /// Starts fetching from memory what sampling and writing the curves after the one at `index` will touch.
-    void fetchAhead(std::size_t index, float frame) const;
+    /// `visit(part, key to order by, frame to sample at, leaf)` for every leaf that has a part at `frame`.
+    template <class Visit>
+    void forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const;
+
+    /// The segment of a curve that holds `frame`; null where none does and `sample` is to be asked. The
+    /// pointer is good until the next call for that curve.
+    const kaSegment* segmentAt(std::size_t curve, float frame) {
+        kaSegment& current = _segments[curve];
+        return current.holds(frame) ? &current : findSegment(curve, frame);
+    }
+    /// Starts fetching from memory what `segmentAt` is likely to touch.
+    void fetchSegment(std::size_t curve, float frame) const {
+        const kaSegment* former = _places[curve].segment;
+        if (former && !_segments[curve].holds(frame))
+            __builtin_prefetch(former + 1);
+    }
+
+    /// Samples a curve at a frame that is held to its extent unless it repeats. @return whether `value` was
+    /// written.
+    bool sample(std::size_t curve, float frame, float& value) {
+        const Curve& sampled = curves[curve];
+        if (sampled.isInside(frame))
+            return sampleInside(curve, frame, value);
+        Held& held = _held[2 * curve + (frame < sampled.begin ? 0 : 1)];
+        if (held.state == Held::State::Unknown)
+            hold(curve, frame, held);
+        value = held.value;
+        return held.state == Held::State::Value;
+    }
 
     std::vector<Leaf> leaves;
     std::vector<Curve> curves;
+    std::vector<kaAnimationCurve2D*> objects; ///< of `curves`
 
   private:
+    /// What sampling at one end of a curve gives.
+    struct Held {
+        enum class State : unsigned char { Unknown, Nothing, Value };
+
+        float value = 0.0F;
+        State state = State::Unknown;
+    };
+
+    /// Where a curve was sampled last among its segments.
+    struct Place {
+        const kaSegment* segment = nullptr;
+        const kaSegment* end = nullptr; ///< behind the last one
+    };
+
     void visit(const kaAnimationObject& object);
     void addLeaf(const kaAnimationObject& object);
+    const kaSegment* findSegment(std::size_t curve, float frame);
+    bool sampleInside(std::size_t curve, float frame, float& value) const;
+    void hold(std::size_t curve, float frame, Held& held) const;
 
+    std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
+    std::vector<Place> _places;
+    std::vector<Held> _held; ///< of each curve at the begin and at the end
     std::vector<const kaAnimationObject*> _path;
     std::uint64_t _edits = 0;
 };
+
+template <class Visit>
+void kaEvaluation::Plan::forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const {
+    for (const Leaf& leaf : leaves) {
+        const float at =
+            leaf.repeating ? fold(frame, leaf.object->getPlayBegin(), leaf.object->getPlayEnd()) : frame;
+        if (motionBlurOnly) {
+            if (leaf.begin <= frame && frame <= leaf.end)
+                visit(Part::Running, leaf.begin, at, leaf);
+        } else if (frame < leaf.begin) {
+            visit(Part::Upcoming, leaf.end, at, leaf);
+        } else {
+            visit(frame <= leaf.end ? Part::Running : Part::Finished, leaf.begin, at, leaf);
+        }
+    }
+}

@@ -24,20 +24,10 @@ using Target = kaFieldBinding::Target;
 
 constexpr float TWO_PI = 6.2831855F;
 constexpr double TWO_PI_DOUBLE = 6.283185307179586;
-constexpr float PI = 3.1415927F;
 constexpr osg::UInt32 VISIBLE_MASK = 0xFFFFFFFFU;
 
 float toDegrees(float radians) {
     return radians / TWO_PI * 360.0F;
-}
-
-float toRadians(float degrees) {
-    return degrees * 2.0F * PI / 360.0F;
-}
-
-/// The record's value as the scene holds it.
-float storedForm(const kaFieldBinding& binding, float value) {
-    return binding.isAngle ? toRadians(value) : value;
 }
 
 unsigned int axisOf(Role rotation) {
@@ -93,14 +83,15 @@ bool differs(const kaFieldBinding& binding, const kaAnimationField& field) {
 /// Apart from `write`, which stays small for the writes that change nothing.
 [[gnu::noinline]] void storeFloat(const kaFieldBinding& binding, const kaAnimationField& field,
                                   const osg::FieldContainerPtr& container) {
-    binding.floats[binding.componentAt(field.valuePos)] = storedForm(binding, field.value);
+    binding.floats[binding.componentAt(field.valuePos)] =
+        kaFieldBinding::storedForm(binding.isAngle, field.value);
     announce(container, binding.mask, binding.role);
 }
 
 void writeDouble(const kaFieldBinding& binding, float value, const osg::FieldContainerPtr& container) {
     if (*binding.number == static_cast<double>(value))
         return;
-    *binding.number = storedForm(binding, value);
+    *binding.number = kaFieldBinding::storedForm(binding.isAngle, value);
     announce(container, binding.mask, binding.role);
 }
 
@@ -124,7 +115,7 @@ void writeText(const kaFieldBinding& binding, const kaAnimationField& field,
     std::vector<float> numbers = numbersOf(sceneField);
     if (field.valuePos >= numbers.size() || numbers[field.valuePos] == field.value)
         return;
-    const float value = storedForm(binding, field.value);
+    const float value = kaFieldBinding::storedForm(binding.isAngle, field.value);
     numbers[field.valuePos] = isWholeNumber(sceneField) ? std::trunc(value) : value;
     sceneField.pushValueByStr(kaString::createStringFromValues(numbers).c_str());
     announce(container, binding.mask, binding.role);
@@ -236,31 +227,6 @@ bool kaFieldAccess::write(kaAnimationField& field) {
     if (differs(binding, field))
         storeFloat(binding, field, container);
     return true;
-}
-
-bool kaFieldAccess::sceneHolds(const kaAnimationField& field) {
-    const kaFieldBinding* binding = kaFieldBinding::standing(field);
-    // The container first: where it is gone, so is the number that would be compared.
-    return binding && binding->target == Target::Floats && !binding->isCamera &&
-           findContainer(field.fcID) != osg::NullFC && !differs(*binding, field);
-}
-
-void kaFieldAccess::fetchRecord(const kaAnimationField& field) {
-    __builtin_prefetch(&field.fcID);
-    __builtin_prefetch(&field.value, 1);
-}
-
-void kaFieldAccess::fetchBinding(const kaAnimationField& field) {
-    if (const kaFieldBinding* binding = kaFieldBinding::former(field)) {
-        __builtin_prefetch(binding);
-        __builtin_prefetch(&binding->mask);
-    }
-}
-
-void kaFieldAccess::fetchTarget(const kaAnimationField& field) {
-    const kaFieldBinding* binding = kaFieldBinding::former(field);
-    if (binding && binding->target == Target::Floats)
-        __builtin_prefetch(binding->floats);
 }
 
 float kaFieldAccess::read(kaAnimationField& field) {

@@ -15,14 +15,4 @@ bool write(kaAnimationField& field);
 /// The scene's value, angles in degrees; 0 when nothing can be read.
 float read(kaAnimationField& field);
 
-/// Whether the scene holds the record's value already, as far as a glance tells: false when that takes
-/// resolving the record anew, or is not a matter of comparing numbers. Calls nobody.
-bool sceneHolds(const kaAnimationField& field);
-
-// Start fetching from memory what a write will touch, each step when the one before has had its time.
-
-void fetchRecord(const kaAnimationField& field);
-void fetchBinding(const kaAnimationField& field);
-void fetchTarget(const kaAnimationField& field);
-
 } // namespace kaFieldAccess

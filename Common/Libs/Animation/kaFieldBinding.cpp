@@ -25,6 +25,8 @@ const osg::FieldDescription* findDescription(const osg::FieldContainerType& type
     return nullptr;
 }
 
+constexpr float PI = 3.1415927F;
+
 bool isAngleName(std::string_view name) {
     return name == "fieldOfView" || name.find("rotate") != std::string_view::npos;
 }
@@ -97,6 +99,10 @@ Role roleNamed(std::string_view name, Role first, Role last) {
 
 } // namespace
 
+float kaFieldBinding::storedForm(bool isAngle, float value) {
+    return isAngle ? value * 2.0F * PI / 360.0F : value;
+}
+
 kaFieldBinding& kaFieldBinding::renewed(kaAnimationField& field, const osg::FieldContainerPtr& container) {
     if (!field._binding)
         field._binding = std::make_unique<kaFieldBinding>();
@@ -108,7 +114,7 @@ void kaFieldBinding::resolve(const kaAnimationField& field, const osg::FieldCont
     fcID = 0;
     camera = osg::CameraSettingPtr::dcast(container);
     isCamera = camera != osg::NullFC;
-    const osg::FieldDescription* description = findDescription(container->getType(), field.name);
+    description = findDescription(container->getType(), field.name);
     osg::Field* sceneField = description ? container->getField(description->getFieldId()) : nullptr;
     if (sceneField) {
         name = description->getCName();

@@ -7,6 +7,8 @@
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransformAttachment.h>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -54,10 +56,8 @@ struct kaFieldBinding {
         return binding && binding->standsFor(field) ? *binding : renewed(field, container);
     }
 
-    /// The binding that the record's last use left; null before its first.
-    static const kaFieldBinding* former(const kaAnimationField& field) { return field._binding.get(); }
-    /// The same if it still stands for the record, else null. Whether the container is there is not looked
-    /// at.
+    /// The binding that the record's last use left if it still stands for the record, else null. Whether the
+    /// container is there is not looked at.
     static const kaFieldBinding* standing(const kaAnimationField& field) {
         const kaFieldBinding* binding = field._binding.get();
         return binding && binding->standsFor(field) ? binding : nullptr;
@@ -68,6 +68,23 @@ struct kaFieldBinding {
 
     /// The Euler angles of `node` in degrees; zeros without transform attachment.
     osg::Vec3f rotation();
+
+    /// A record's value as the scene holds it: angles in radians.
+    static float storedForm(bool isAngle, float value);
+
+    /// `a == b` in place: a call for the few words of a name would be most of a check's cost.
+    static bool sameText(std::string_view a, const std::string& b) {
+        const std::size_t size = a.size();
+        if (size != b.size())
+            return false;
+        if (size < sizeof(std::uint64_t))
+            return a == b;
+        const std::size_t last = size - sizeof(std::uint64_t);
+        for (std::size_t i = 0; i < last; i += sizeof(std::uint64_t))
+            if (wordAt(a.data() + i) != wordAt(b.data() + i))
+                return false;
+        return wordAt(a.data() + last) == wordAt(b.data() + last);
+    }
 
     /// The component that a position addresses: of a scalar its only one.
     unsigned int componentAt(unsigned int valuePos) const { return componentCount == 1 ? 0 : valuePos; }
@@ -91,7 +108,8 @@ struct kaFieldBinding {
         osg::Real64* number;           ///< for `Target::Double`
         osg::Field* text;              ///< for `Target::Text`
     };
-    osg::BitVector mask = 0; ///< announced after a store
+    osg::BitVector mask = 0;                            ///< announced after a store
+    const osg::FieldDescription* description = nullptr; ///< of the scene field; null where none is addressed
 
     osg::CameraSettingPtr camera; ///< the container, when it is a camera setting
     osg::NodePtr node;
@@ -107,7 +125,13 @@ struct kaFieldBinding {
     std::string_view lasting(const std::string& text, std::size_t place);
 
     bool standsFor(const kaAnimationField& field) const {
-        return fcID == static_cast<osg::UInt32>(field.fcID) && name == field.name &&
-               (!attribute.data() || attribute == field.attribute);
+        return fcID == static_cast<osg::UInt32>(field.fcID) && sameText(name, field.name) &&
+               (!attribute.data() || sameText(attribute, field.attribute));
+    }
+
+    static std::uint64_t wordAt(const char* text) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text, sizeof(word));
+        return word;
     }
 };

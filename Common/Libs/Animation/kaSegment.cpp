@@ -1,8 +1,8 @@
 #include "kaSegment.h"
 
+#include "kaLanes.h"
+
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <initializer_list>
 
 namespace {
@@ -37,31 +37,54 @@ double signedCubeRoot(double x) {
     return x < 0.0 ? -plainCubeRoot(-x) : plainCubeRoot(x);
 }
 
-/// The cube root of a positive number, relative error below 2^-50, in a third of the time of the power. Of 0
-/// it is 0; of other numbers that are no normal ones it is anything.
-double quickCubeRoot(double x) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &x, sizeof(bits));
-    bits = 0x553ef0ff289dd796ULL - bits / 3; // a third of the exponent: 1 / cube root to within 4 %
-    double inverse = 0.0;
-    std::memcpy(&inverse, &bits, sizeof(inverse));
-    // The series of (1 - r)^(-1/3), twice.
-    double r = 1.0 - x * inverse * (inverse * inverse);
-    inverse += inverse * r * ((1.0 / 3.0 + 2.0 / 9.0 * r) + r * r * (14.0 / 81.0 + 35.0 / 243.0 * r));
-    r = 1.0 - x * inverse * (inverse * inverse);
-    inverse += inverse * r * (1.0 / 3.0 + r * (2.0 / 9.0 + 14.0 / 81.0 * r));
-    return x * (inverse * inverse);
+/// Where a segment stands for a parameter t, between its four values.
+template <class Real>
+Real blendOf(const Real& t, const Real& y0, const Real& y1, const Real& y2, const Real& y3) {
+    const Real t2 = t * t;
+    const Real t3 = t2 * t;
+    return y0 * (1.0 - 3.0 * t + 3.0 * t2 - t3) + y1 * (3.0 * t - 6.0 * t2 + 3.0 * t3) + y2 * (3.0 * t2 - 3.0 * t3) +
+           y3 * t3;
 }
 
-double quickSignedCubeRoot(double x) {
-    return std::copysign(quickCubeRoot(std::fabs(x)), x);
+/// What the formula for one real root gives with quick cube roots, of one segment (`double`) or of several.
+template <class Real>
+struct Estimate {
+    Real t;
+    Real value;
+    Real error; ///< `value` is off by less
+};
+
+/// The error allows for the rounding of everything from the cube roots on, here and in the literal formula.
+template <class Real>
+Estimate<Real> estimate(const Real& half, const Real& discriminant, const Real& shift, const Real& y0, const Real& y1,
+                        const Real& y2, const Real& y3) {
+    const Real w = kaSquareRoot(discriminant);
+    const Real u = kaQuickSignedCubeRoot<Real>(w - half);
+    const Real v = kaQuickSignedCubeRoot<Real>(-half - w);
+    const Real t = u + v - shift;
+    // For t near the segment the value changes by less than 4 times the sum of the four values for each unit of t.
+    const Real reach = kaMagnitude(y0) + kaMagnitude(y1) + kaMagnitude(y2) + kaMagnitude(y3);
+    const Real size = kaMagnitude(u) + kaMagnitude(v) + kaMagnitude(shift) + 1.0;
+    return {t, blendOf(t, y0, y1, y2, y3), reach * (4.0 * size) * 0x1p-44};
+}
+
+/// Where all numbers within the error are the same float, that float is the literal result.
+/// @return whether they are; else nothing is written.
+inline bool accept(double t, double result, double error, float& value) {
+    if (!(t >= -0.01 && t <= 1.01))
+        return false;
+    const auto lowest = static_cast<float>(result - error);
+    if (lowest != static_cast<float>(result + error) || !(std::fabs(result) - error >= ValueTolerance))
+        return false;
+    value = lowest;
+    return true;
 }
 
 } // namespace
 
 kaSegment::kaSegment(const Points& points) : _points(points) {
     static_assert(sizeof(kaSegment) == 64, "one cache line");
-    if (length() == 0.0)
+    if (length() == 0.0 || isStep())
         return;
     const double b = squareCoefficient();
     const double c = linearCoefficient();
@@ -110,55 +133,61 @@ double kaSegment::positionOf(float frame) const {
 }
 
 bool kaSegment::sample(float frame, float& value) const {
+    if (_a == 0.0)
+        return sampleWithoutCube(frame, value);
+    const double q = _reduced.q0 - positionOf(frame) / _a;
+    const double half = q / 2.0;
+    const double discriminant = _reduced.pThird3 + half * half;
+    if (discriminant >= DiscriminantTolerance) {
+        const Estimate<double> quick = estimate<double>(half, discriminant, _reduced.shift, _points.y0, _points.y1,
+                                                        _points.y2, _points.y3);
+        if (accept(quick.t, quick.value, quick.error, value))
+            return true;
+    }
+    double t = 0.0;
+    return parameter(q, discriminant, t) && write(t, value);
+}
+
+bool kaSegment::sampleWithoutCube(float frame, float& value) const {
     if (length() == 0.0)
         return _points.y0 != 0.0F;
     if (isStep()) {
         value = _points.y0;
         return true;
     }
-    const double s = positionOf(frame);
     double t = 0.0;
-    if (_a == 0.0)
-        return quadraticParameter(s, t) && write(t, value);
-    const double q = _reduced.q0 - s / _a;
-    const double half = q / 2.0;
-    const double discriminant = _reduced.pThird3 + half * half;
-    if (discriminant >= DiscriminantTolerance && sampleOneRoot(half, std::sqrt(discriminant), value))
-        return true;
-    return parameter(q, discriminant, t) && write(t, value);
+    return quadraticParameter(positionOf(frame), t) && write(t, value);
+}
+
+void kaSegment::sampleSideBySide(const kaSegment* const (&segments)[Side], const float (&frames)[Side],
+                                 float (&values)[Side], bool (&written)[Side]) {
+    static_assert(Side == kaLaneCount, "one lane each");
+    kaLanes elapsed, length, a, q0, pThird3, shift, y0, y1, y2, y3;
+    for (std::size_t i = 0; i < Side; ++i) {
+        const kaSegment& segment = *segments[i];
+        const Points& points = segment._points;
+        elapsed[i] = static_cast<double>(frames[i]) - static_cast<double>(points.x0);
+        length[i] = segment.length();
+        a[i] = segment._a;
+        q0[i] = segment._reduced.q0;
+        pThird3[i] = segment._reduced.pThird3;
+        shift[i] = segment._reduced.shift;
+        y0[i] = points.y0;
+        y1[i] = points.y1;
+        y2[i] = points.y2;
+        y3[i] = points.y3;
+    }
+    const kaLanes half = (q0 - elapsed / length / a) / 2.0;
+    const kaLanes discriminant = pThird3 + half * half;
+    const Estimate<kaLanes> quick = estimate<kaLanes>(half, discriminant, shift, y0, y1, y2, y3);
+    for (std::size_t i = 0; i < Side; ++i)
+        written[i] = (discriminant[i] >= DiscriminantTolerance &&
+                      accept(quick.t[i], quick.value[i], quick.error[i], values[i])) ||
+                     segments[i]->sample(frames[i], values[i]);
 }
 
 inline double kaSegment::blend(double t) const {
-    const double t2 = t * t;
-    const double t3 = t2 * t;
-    return static_cast<double>(_points.y0) * (1.0 - 3.0 * t + 3.0 * t2 - t3) +
-           static_cast<double>(_points.y1) * (3.0 * t - 6.0 * t2 + 3.0 * t3) +
-           static_cast<double>(_points.y2) * (3.0 * t2 - 3.0 * t3) + static_cast<double>(_points.y3) * t3;
-}
-
-/// The formula for one real root with quick cube roots. The value is off by less than `error`, which allows
-/// for the rounding of everything from the cube roots on, here and in the literal formula. Where all numbers
-/// within the error are the same float, that float is the literal result.
-/// @return whether they are; else nothing is written.
-bool kaSegment::sampleOneRoot(double half, double w, float& value) const {
-    const double u = quickSignedCubeRoot(-half + w);
-    const double v = quickSignedCubeRoot(-half - w);
-    const double t = u + v - _reduced.shift;
-    if (!(t >= -0.01 && t <= 1.01))
-        return false;
-    // In this range of t the value changes by less than 4 times the sum of the four values for each unit of
-    // t.
-    const double reach =
-        std::fabs(static_cast<double>(_points.y0)) + std::fabs(static_cast<double>(_points.y1)) +
-        std::fabs(static_cast<double>(_points.y2)) + std::fabs(static_cast<double>(_points.y3));
-    const double size = std::fabs(u) + std::fabs(v) + std::fabs(_reduced.shift) + 1.0;
-    const double error = reach * (4.0 * size) * 0x1p-44;
-    const double result = blend(t);
-    const auto lowest = static_cast<float>(result - error);
-    if (lowest != static_cast<float>(result + error) || !(std::fabs(result) - error >= ValueTolerance))
-        return false;
-    value = lowest;
-    return true;
+    return blendOf<double>(t, _points.y0, _points.y1, _points.y2, _points.y3);
 }
 
 /// Cardano's formula for the reduced cubic.

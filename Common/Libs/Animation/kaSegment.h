@@ -2,6 +2,8 @@
 
 #include "kaAnimationExport.h"
 
+#include <cstddef>
+
 /// One cubic Bézier segment between two keys in the (frame, value) plane, ready to be sampled by frame.
 ///
 /// Within a segment the frame is no linear function of the curve parameter t, so t is solved for by the
@@ -19,10 +21,23 @@ class alignas(64) kaSegment {
 
     const Points& points() const { return _points; }
 
+    /// Whether the frame lies from this segment's first key on and before its second.
+    bool holds(float frame) const { return _points.x0 <= frame && frame < _points.x3; }
+
     /// @param frame in [x0, x3].
     /// @return whether `value` was written. For a segment of zero length: whether y0 differs from 0, nothing
     ///         written.
     bool sample(float frame, float& value) const;
+
+    /// Whether the frame is a true cubic of t, as it is unless the handles stand at thirds of the segment, on
+    /// their keys, or the segment has no length.
+    bool isCubic() const { return _a != 0.0; }
+
+    static constexpr std::size_t Side = 4;
+    /// `sample` of several cubic segments, each at its own frame: the same floats, and the steps of one are
+    /// taken while those of the others wait for their results.
+    static void sampleSideBySide(const kaSegment* const (&segments)[Side], const float (&frames)[Side],
+                                 float (&values)[Side], bool (&written)[Side]);
 
   private:
     /// What the time polynomial A t^3 + B t^2 + C t is reduced to by t = u - shift, shift = B/(3A), where A
@@ -44,7 +59,7 @@ class alignas(64) kaSegment {
     double p() const;
 
     double positionOf(float frame) const;
-    bool sampleOneRoot(double half, double w, float& value) const;
+    bool sampleWithoutCube(float frame, float& value) const;
     bool parameter(double q, double discriminant, double& t) const;
     bool quadraticParameter(double s, double& t) const;
     bool nearlyDoubleRoot(double q, double& t) const;
@@ -53,7 +68,7 @@ class alignas(64) kaSegment {
     bool write(double t, float& value) const;
 
     Points _points{};
-    double _a = 0.0; ///< coefficient of t^3
+    double _a = 0.0; ///< coefficient of t^3; 0 too for steps and where there is no length
     union {
         Reduced _reduced{}; ///< where `_a` is not 0
         Quadratic _quadratic;

@@ -1,0 +1,196 @@
+#include "kaEvaluationPass.h"
+
+#include "kaAnimationCurve2D.h"
+#include "kaAnimationField.h"
+#include "kaAnimationManager.h"
+#include "kaAnimationUtils.h"
+#include "kaCurveView.h"
+#include "kaEdits.h"
+#include "kaEvaluationPlan.h"
+#include "kaFieldAccess.h"
+#include "kaObjectRegistry.h"
+#include "kaSegment.h"
+
+#include <algorithm>
+#include <cstring>
+
+/// Gathers steps until there are as many as are sampled at a time. What is left at the end is sampled one by
+/// one.
+class kaEvaluation::Pass::SideBySide {
+  public:
+    void add(const kaSegment& segment, Step& step) {
+        _segments[_count] = &segment;
+        _frames[_count] = step.number;
+        _steps[_count] = &step;
+        if (++_count == kaSegment::Side)
+            sample();
+    }
+
+    void finish() {
+        for (std::size_t i = 0; i < _count; ++i)
+            if (!_segments[i]->sample(_frames[i], _steps[i]->number))
+                _steps[i]->curve = NoCurve;
+        _count = 0;
+    }
+
+  private:
+    void sample() {
+        float values[kaSegment::Side];
+        bool written[kaSegment::Side];
+        kaSegment::sampleSideBySide(_segments, _frames, values, written);
+        for (std::size_t i = 0; i < kaSegment::Side; ++i) {
+            _steps[i]->number = values[i];
+            if (!written[i])
+                _steps[i]->curve = NoCurve;
+        }
+        _count = 0;
+    }
+
+    const kaSegment* _segments[kaSegment::Side];
+    float _frames[kaSegment::Side];
+    Step* _steps[kaSegment::Side];
+    std::size_t _count = 0;
+};
+
+namespace {
+
+/// How far ahead of a write its memory is asked for.
+constexpr std::size_t Ahead = 8;
+
+bool sameBits(float a, float b) {
+    return std::memcmp(&a, &b, sizeof(a)) == 0;
+}
+
+} // namespace
+
+void kaEvaluation::Pass::clear() {
+    _finished.clear();
+    _running.clear();
+    _upcoming.clear();
+    _inBlock = 0;
+    _written.clear();
+}
+
+/// Later writes win for a field that several curves drive: of the upcoming the nearest, then what has ended,
+/// then what runs. The upcoming are walked backwards as a whole, those under one key included.
+void kaEvaluation::Pass::arrange(const Plan& plan, float frame, bool motionBlurOnly) {
+    using Part = Plan::Part;
+    plan.forEachPart(frame, motionBlurOnly, [this](Part part, float key, float at, const Plan::Leaf& leaf) {
+        std::vector<Run>& runs =
+            part == Part::Finished ? _finished : (part == Part::Running ? _running : _upcoming);
+        runs.push_back({key, at, leaf.first, leaf.count});
+    });
+    const auto byKey = [](const Run& a, const Run& b) { return a.key < b.key; };
+    for (std::vector<Run>* runs : {&_upcoming, &_finished, &_running})
+        if (!std::is_sorted(runs->begin(), runs->end(), byKey))
+            std::stable_sort(runs->begin(), runs->end(), byKey);
+}
+
+void kaEvaluation::Pass::sample(Plan& plan, float frame, bool motionBlurOnly) {
+    _motionBlurOnly = motionBlurOnly;
+    arrange(plan, frame, motionBlurOnly);
+    for (auto run = _upcoming.rbegin(); run != _upcoming.rend(); ++run)
+        for (std::size_t i = run->count; i > 0; --i)
+            add(plan, run->first + i - 1, run->frame);
+    for (const std::vector<Run>* runs : {&_finished, &_running})
+        for (const Run& run : *runs)
+            for (std::size_t i = 0; i < run.count; ++i)
+                add(plan, run.first + i, run.frame);
+    flush(plan);
+}
+
+inline void kaEvaluation::Pass::add(Plan& plan, std::size_t curve, float frame) {
+    _block[_inBlock] = {static_cast<std::uint32_t>(curve), frame};
+    if (++_inBlock == _block.size())
+        flush(plan);
+}
+
+void kaEvaluation::Pass::flush(Plan& plan) {
+    sampleBlock(plan);
+    for (std::size_t i = 0; i < _inBlock; ++i)
+        if (_block[i].curve != NoCurve)
+            store(plan, _block[i]);
+    _inBlock = 0;
+}
+
+/// Asks for the memory of the whole block before it touches any.
+void kaEvaluation::Pass::sampleBlock(Plan& plan) {
+    const bool comparing = _written.empty();
+    for (std::size_t i = 0; i < _inBlock; ++i) {
+        Step& step = _block[i];
+        const Plan::Curve& curve = plan.curves[step.curve];
+        if (!curve.active || !curve.field || (_motionBlurOnly && !curve.motionBlur)) {
+            step.curve = NoCurve;
+            continue;
+        }
+        __builtin_prefetch(curve.field, 1);
+        if (comparing)
+            curve.glance.fetchNumber();
+        if (curve.isInside(step.number))
+            plan.fetchSegment(step.curve, step.number);
+    }
+    SideBySide cubics;
+    for (std::size_t i = 0; i < _inBlock; ++i)
+        if (_block[i].curve != NoCurve)
+            sample(plan, _block[i], cubics);
+    cubics.finish();
+}
+
+inline void kaEvaluation::Pass::sample(Plan& plan, Step& step, SideBySide& cubics) {
+    const kaSegment* segment =
+        plan.curves[step.curve].isInside(step.number) ? plan.segmentAt(step.curve, step.number) : nullptr;
+    if (segment && segment->isCubic())
+        cubics.add(*segment, step);
+    else if (!plan.sample(step.curve, step.number, step.number))
+        step.curve = NoCurve;
+}
+
+inline void kaEvaluation::Pass::store(Plan& plan, const Step& step) {
+    Plan::Curve& curve = plan.curves[step.curve];
+    kaAnimationField& field = *curve.field;
+    if (!sameBits(field.value, step.number)) // memory that stays clean need not be written back
+        field.value = step.number;
+    if (!_written.empty() || !curve.glance.serves(field) || curve.glance.differs(field))
+        _written.push_back({field.getId(), &field, step.curve});
+}
+
+void kaEvaluation::Pass::sample(kaAnimationCurve2D& curve, float frame) {
+    kaCurveView& view = curve.view();
+    kaAnimationField* field = curve.resolvedField();
+    float value = 0.0F;
+    if (!field || !view.hasSpan() || !view.sample(frame, value))
+        return;
+    field->value = value;
+    _written.push_back({field->getId(), field, NoCurve});
+}
+
+inline void kaEvaluation::Pass::fetch(const Plan& plan, std::size_t place) const {
+    if (place + Ahead >= _written.size())
+        return;
+    const Written& written = _written[place + Ahead];
+    __builtin_prefetch(written.field);
+    if (written.curve != NoCurve)
+        plan.curves[written.curve].glance.fetch();
+}
+
+/// A store, and what the host does when it is announced, can change what another field addresses, so every
+/// value is compared again. Once the object model has been edited, which includes fields that come or go, the
+/// plan is left alone and fields are found by id.
+void kaEvaluation::Pass::write(Plan* plan) {
+    const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
+    const std::uint64_t edits = kaEdits::count;
+    for (std::size_t i = 0; i < _written.size(); ++i) {
+        const Written written = _written[i];
+        if (kaEdits::count != edits) {
+            kaAnimationUtils::setOSGFieldValue(registry.findField(written.id));
+            continue;
+        }
+        if (plan)
+            fetch(*plan, i);
+        kaFieldGlance* glance = written.curve != NoCurve ? &plan->curves[written.curve].glance : nullptr;
+        if (glance && glance->serves(*written.field))
+            glance->write(*written.field);
+        else
+            kaFieldAccess::write(*written.field);
+    }
+}

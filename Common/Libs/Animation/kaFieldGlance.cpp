@@ -1,0 +1,28 @@
+#include "kaFieldGlance.h"
+
+#include "kaSceneAccess.h"
+
+#include <kaOpenSGUtils.h>
+#include <limits>
+
+bool kaFieldGlance::adopt(const kaAnimationField& field) {
+    const kaFieldBinding* binding = kaFieldBinding::standing(field);
+    if (!binding || binding->target != kaFieldBinding::Target::Floats || binding->isCamera ||
+        binding->name.size() > std::numeric_limits<std::uint8_t>::max())
+        return false;
+    _floats = binding->floats;
+    _description = binding->description;
+    _container = kaSceneAccess::findContainer(binding->fcID);
+    _nameLength = static_cast<std::uint8_t>(binding->name.size());
+    _count = static_cast<std::uint8_t>(binding->componentCount);
+    _isAngle = binding->isAngle;
+    return true;
+}
+
+void kaFieldGlance::write(const kaAnimationField& field) const {
+    if (!differs(field))
+        return;
+    _floats[componentOf(field)] = kaFieldBinding::storedForm(_isAngle, field.value);
+    const osg::FieldContainerPtr container = _container;
+    kaOpenSGUtils::announceChange(container, _description->getFieldMask());
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "kaAnimationField.h"
+#include "kaFieldBinding.h"
+
+#include <OpenSG/OSGFieldContainerPtr.h>
+#include <OpenSG/OSGFieldDescription.h>
+#include <cstdint>
+#include <string_view>
+
+/// Reads and writes the number that a record addresses without touching the record's binding: what takes of
+/// that is copied here, to lie beside what else a caller reads.
+///
+/// The copy needs no upkeep. A container and the name of a field stand for the same numbers as long as the
+/// container lives: the copy is good for every record that names both. It serves float components of
+/// containers other than camera settings; for all else, and before a record's first write, `kaFieldAccess`
+/// does.
+class kaFieldGlance {
+  public:
+    /// Whether the copy serves the record, made anew if need be. Calls nobody.
+    bool serves(const kaAnimationField& field) { return (standsFor(field) || adopt(field)) && isThere(); }
+
+    /// Whether the scene holds another number than the record, which the copy serves
+    /// (`kaFieldBinding::differs`).
+    bool differs(const kaAnimationField& field) const {
+        const unsigned int component = componentOf(field);
+        return component < _count && _floats[component] != field.value;
+    }
+
+    /// Writes the number of a record, which the copy serves, where it differs from the scene's and announces
+    /// the change. The host may do anything then: nothing of this is touched afterwards.
+    void write(const kaAnimationField& field) const;
+
+    /// Starts fetching from memory what `differs` touches.
+    void fetchNumber() const { __builtin_prefetch(_floats); }
+    /// The same of `write`.
+    void fetch() const {
+        __builtin_prefetch(_floats, 1);
+        __builtin_prefetch(_container.getCPtr());
+    }
+
+  private:
+    bool adopt(const kaAnimationField& field);
+    bool isThere() const { return !_container.isNull(); }
+
+    bool standsFor(const kaAnimationField& field) const {
+        return _description && _container.getFieldContainerId() == static_cast<osg::UInt32>(field.fcID) &&
+               kaFieldBinding::sameText(std::string_view(_description->getCName(), _nameLength), field.name);
+    }
+
+    unsigned int componentOf(const kaAnimationField& field) const { return _count == 1 ? 0 : field.valuePos; }
+
+    osg::Real32* _floats = nullptr;
+    const osg::FieldDescription* _description = nullptr; ///< null = nothing copied
+    osg::FieldContainerPtr _container;
+    std::uint8_t _nameLength = 0;
+    std::uint8_t _count = 0; ///< of `_floats`
+    bool _isAngle = false;
+};
