@@ -62,11 +62,14 @@ tidy: setup-lint build-sanitize ## look for faults with clang-tidy
 # The random edits visit the same branches long before their last seed, and nothing is optimised here.
 .PHONY: coverage
 coverage: export KA_MODEL_SEEDS ?= 40
-coverage: setup-coverage test-coverage ## line and branch coverage of the libraries, as text and pages in out/coverage/
+coverage: setup-coverage test-coverage ## line and branch coverage of the libraries, in out/coverage/; fails below 90 % of the module
 	mkdir -p $(OUT)/coverage
 	gcovr --root . --object-directory build/coverage --filter 'Common/Libs/' --exclude-throw-branches \
-		--exclude-unreachable-branches --print-summary --html-details $(OUT)/coverage/index.html \
-		--txt $(OUT)/coverage/summary.txt
+		--exclude-unreachable-branches --html-details $(OUT)/coverage/index.html \
+		--txt $(OUT)/coverage/summary.txt --json $(OUT)/coverage/all.json --print-summary
+	@echo "the module alone:"
+	@gcovr --root . --add-tracefile $(OUT)/coverage/all.json --filter 'Common/Libs/Animation/' \
+		--txt /dev/null --print-summary --fail-under-branch 90
 
 .PHONY: package package-check
 package: setup-package build-package ## Debian packages of libraries, headers and tools in out/packages/
