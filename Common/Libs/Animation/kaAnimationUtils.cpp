@@ -161,8 +161,9 @@ void kaAnimationUtils::computeAnimationFieldAttributes(unsigned long long nodeID
 }
 
 void kaAnimationUtils::computeCoreTypeID(kaAnimationField* field) {
-    const osg::NodePtr node =
-        field ? kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID)) : osg::NodePtr();
+    if (!field)
+        return;
+    const osg::NodePtr node = kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID));
     const osg::NodeCorePtr core = coreOf(node);
     if (core == osg::NullFC)
         return;
@@ -172,14 +173,12 @@ void kaAnimationUtils::computeCoreTypeID(kaAnimationField* field) {
     } else if (core->getType().isDerivedFrom(osg::Transform3D::getClassType())) {
         const bool ofNode = attribute == "rotationX" || attribute == "rotationY" || attribute == "rotationZ";
         field->fcID = ofNode ? node.getFieldContainerId() : core.getFieldContainerId();
-    } else if (isOfGroup<osg::Transform>(core)) {
-        field->fcID = core.getFieldContainerId();
     } else if (isOfGroup<osg::MaterialGroup>(core)) {
         const osg::FieldContainerPtr material = kaSceneAccess::materialOf(core);
         field->fcID = material != osg::NullFC ? material.getFieldContainerId() : 0;
-    } else if (isOfGroup<osg::SpotLight>(core) || isOfGroup<osg::PointLight>(core) ||
-               isOfGroup<osg::DirectionalLight>(core) || isOfGroup<osg::CameraSetting>(core) ||
-               isOfGroup<osg::Switch>(core)) {
+    } else if (isOfGroup<osg::Transform>(core) || isOfGroup<osg::SpotLight>(core) ||
+               isOfGroup<osg::PointLight>(core) || isOfGroup<osg::DirectionalLight>(core) ||
+               isOfGroup<osg::CameraSetting>(core) || isOfGroup<osg::Switch>(core)) {
         field->fcID = core.getFieldContainerId();
     }
 }
@@ -279,7 +278,9 @@ bool kaAnimationUtils::addAnimationObject(const osg::NodePtr& node, kaAnimationO
 }
 
 bool kaAnimationUtils::subAnimationObject(const osg::NodePtr& node, kaAnimationObject* object) {
-    const osg::AnimAttachmentPtr attachment = attachmentOf(object ? node : osg::NodePtr());
+    if (!object)
+        return false;
+    const osg::AnimAttachmentPtr attachment = attachmentOf(node);
     if (attachment == osg::NullFC)
         return false;
     osg::MFUInt64& listed = attachment->getObjectIDs();

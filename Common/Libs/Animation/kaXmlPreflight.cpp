@@ -253,7 +253,7 @@ bool visitDevice(QIODevice& device, kaXmlPreflight::Visitor& visitor, kaXmlPrefl
 std::optional<kaAnimationXmlRecord> kaXmlPreflight::readText(const QString& text, Fault* fault) {
     int at = 0;
     Source source([&text, &at](int size) {
-        const QString chunk = text.mid(at, size);
+        QString chunk = text.mid(at, size);
         at += chunk.size();
         return chunk;
     });

@@ -127,7 +127,8 @@ NumberResult integerFromReal(std::string_view text, T& value) {
         return NumberResult::NoNumber;
     // The largest T may round up to a double that T cannot hold; its successor is a power of two and exact.
     const double lowest = static_cast<double>(std::numeric_limits<T>::min());
-    const double beyond = 2.0 * static_cast<double>(std::numeric_limits<T>::max() / 2 + 1);
+    constexpr T half = std::numeric_limits<T>::max() / 2 + 1;
+    const double beyond = 2.0 * static_cast<double>(half);
     const double whole = std::trunc(real);
     if (whole >= lowest && whole < beyond) {
         value = static_cast<T>(whole);

@@ -48,7 +48,7 @@ std::vector<SceneFileLink> linksOf(const FieldContainer& container, const FieldD
     if (const auto* attachments = dynamic_cast<const SFAttachmentMap*>(field))
         return attachmentLinks(attachments->getValue());
     std::vector<SceneFileLink> links;
-    if (!field->isPointerField())
+    if (!field || !field->isPointerField())
         return links;
     const bool isNode = container.getType().isNode();
     const bool isTree = isNode && (description.getFieldId() == Node::ChildrenFieldId ||

@@ -189,6 +189,7 @@ void writeValue(const Quaternion& value, std::string& out) {
     Real64 axisAngle[4];
     axisAngleFromQuaternion(value, axisAngle);
     const Quaternion back = quaternionFromAxisAngle(axisAngle);
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): bit for bit, -0 and what is no number included
     if (std::memcmp(back.getValues(), value.getValues(), 4 * sizeof(Real32)) == 0) {
         for (UInt32 i = 0; i < 4; ++i) {
             if (i > 0)
