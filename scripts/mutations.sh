@@ -22,8 +22,12 @@ mkdir -p "$tree"
 tree=$(realpath "$tree")
 export CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1
 
+# Only what differs, and as of now: what an earlier run left broken has to be built anew.
 copy_tree() {
-    git ls-files -z | tar --null --files-from=- --create | tar --extract --directory="$tree"
+    local file
+    git ls-files -z | while IFS= read -r -d '' file; do
+        cmp -s "$file" "$tree/$file" || { mkdir -p "$tree/$(dirname "$file")" && cp "$file" "$tree/$file"; }
+    done
 }
 
 build_suites() {
