@@ -40,7 +40,7 @@ torture: build-sanitize build-release ## the hardening programme at length: FUZZ
 .PHONY: bench
 bench: build-release ## measure the hot operations as ratios to a plain reference, into out/bench.json
 	mkdir -p $(OUT)
-	build/release/bin/ka-bench --benchmark_repetitions=5 --benchmark_report_aggregates_only=true \
+	build/release/bin/ka-bench --benchmark_repetitions=5 \
 		--benchmark_min_time=0.1 --benchmark_enable_random_interleaving=true \
 		--benchmark_out=$(OUT)/bench.json --benchmark_out_format=json
 
