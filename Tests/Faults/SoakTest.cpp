@@ -19,10 +19,9 @@ double readClock() {
     return clockSeconds;
 }
 
-/// How many ticks to run: all of them where nothing slows the program down, fewer under the sanitizers.
 int tickCount() {
     const char* given = std::getenv("KA_SOAK_TICKS");
-    return given ? std::atoi(given) : 200000;
+    return given ? std::atoi(given) : 1000000;
 }
 
 using Soak = RegistryFixture;

@@ -72,19 +72,19 @@ void announce(const osg::FieldContainerPtr& container, osg::BitVector mask, Role
         kaAnimationManager::the()->setFromAtUp(camera->getFrom(), camera->getAt(), camera->getUp());
 }
 
-/// Whether the scene holds another number than the record. Angles are compared in radians with the record's
-/// degrees: an angle whose two forms differ is stored, and announced, at every write. Hosts see the
-/// announcements, so the order of compare and conversion stands. Beyond the components nothing differs.
 bool differs(const kaFieldBinding& binding, const kaAnimationField& field) {
-    const unsigned int component = binding.componentAt(field.valuePos);
-    return component < binding.componentCount && binding.floats[component] != field.value;
+    return kaFieldBinding::differs(binding.floats, binding.componentCount, field);
+}
+
+/// The one that the record addresses; there is such a one.
+float& componentOf(const kaFieldBinding& binding, const kaAnimationField& field) {
+    return binding.floats[kaFieldBinding::componentAt(field.valuePos, binding.componentCount)];
 }
 
 /// Apart from `write`, which stays small for the writes that change nothing.
 [[gnu::noinline]] void storeFloat(const kaFieldBinding& binding, const kaAnimationField& field,
                                   const osg::FieldContainerPtr& container) {
-    binding.floats[binding.componentAt(field.valuePos)] =
-        kaFieldBinding::storedForm(binding.isAngle, field.value);
+    componentOf(binding, field) = kaFieldBinding::storedForm(binding.isAngle, field.value);
     announce(container, binding.mask, binding.role);
 }
 
@@ -190,7 +190,7 @@ float readNode(kaFieldBinding& binding, const kaAnimationField& field) {
 /// The stored number, before angles are turned into degrees; nothing beyond the components.
 float readSceneField(const kaFieldBinding& binding, unsigned int valuePos) {
     if (binding.target == Target::Floats) {
-        const unsigned int component = binding.componentAt(valuePos);
+        const unsigned int component = kaFieldBinding::componentAt(valuePos, binding.componentCount);
         return component < binding.componentCount ? binding.floats[component] : 0.0F;
     }
     const std::vector<float> numbers = numbersOf(*binding.text);

@@ -87,7 +87,18 @@ struct kaFieldBinding {
     }
 
     /// The component that a position addresses: of a scalar its only one.
-    unsigned int componentAt(unsigned int valuePos) const { return componentCount == 1 ? 0 : valuePos; }
+    static unsigned int componentAt(unsigned int valuePos, unsigned int count) {
+        return count == 1 ? 0 : valuePos;
+    }
+
+    /// Whether the scene, which holds `count` components, has another number than the record. Angles are
+    /// compared in radians with the record's degrees: an angle whose two forms differ is stored, and
+    /// announced, at every write. Hosts see the announcements, so the order of compare and conversion stands.
+    /// Beyond the components nothing differs.
+    static bool differs(const osg::Real32* components, unsigned int count, const kaAnimationField& field) {
+        const unsigned int component = componentAt(field.valuePos, count);
+        return component < count && components[component] != field.value;
+    }
 
     // What was resolved from. The texts belong to the scene's types, to the attribute names or to `ownNames`.
 

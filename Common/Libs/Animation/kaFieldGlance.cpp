@@ -22,7 +22,8 @@ bool kaFieldGlance::adopt(const kaAnimationField& field) {
 void kaFieldGlance::write(const kaAnimationField& field) const {
     if (!differs(field))
         return;
-    _floats[componentOf(field)] = kaFieldBinding::storedForm(_isAngle, field.value);
+    _floats[kaFieldBinding::componentAt(field.valuePos, _count)] =
+        kaFieldBinding::storedForm(_isAngle, field.value);
     const osg::FieldContainerPtr container = _container;
     kaOpenSGUtils::announceChange(container, _description->getFieldMask());
 }

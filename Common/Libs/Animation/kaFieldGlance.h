@@ -23,8 +23,7 @@ class kaFieldGlance {
     /// Whether the scene holds another number than the record, which the copy serves
     /// (`kaFieldBinding::differs`).
     bool differs(const kaAnimationField& field) const {
-        const unsigned int component = componentOf(field);
-        return component < _count && _floats[component] != field.value;
+        return kaFieldBinding::differs(_floats, _count, field);
     }
 
     /// Writes the number of a record, which the copy serves, where it differs from the scene's and announces
@@ -47,8 +46,6 @@ class kaFieldGlance {
         return _description && _container.getFieldContainerId() == static_cast<osg::UInt32>(field.fcID) &&
                kaFieldBinding::sameText(std::string_view(_description->getCName(), _nameLength), field.name);
     }
-
-    unsigned int componentOf(const kaAnimationField& field) const { return _count == 1 ? 0 : field.valuePos; }
 
     osg::Real32* _floats = nullptr;
     const osg::FieldDescription* _description = nullptr; ///< null = nothing copied
