@@ -1,5 +1,6 @@
 #include "ProgramRun.h"
 #include "ToolsTesting.h"
+#include "base/Text.h"
 #include "scene/Pose.h"
 #include "scene/Project.h"
 
@@ -72,7 +73,7 @@ TEST_F(SavedWalk, IsValidAndPosesAsBeforeInNewProcesses) {
         evaluate(model.playable(""), static_cast<float>(frame));
         const std::vector<NodePose> poses = readPose(model.placedNodes());
         const auto saved =
-            Json::parse(run({"pose", "one.osg", "--animation", "one.xml", "--frame", std::to_string(frame)})
+            Json::parse(run({"pose", "one.osg", "--animation", "one.xml", "--frame", formatNumber(frame)})
                             .output)["nodes"];
         ASSERT_EQ(saved.size(), poses.size());
         for (std::size_t node = 0; node < poses.size(); ++node) {
@@ -148,7 +149,8 @@ TEST_F(SavedWalk, MistakesAndFailuresLeaveEveryFileAsItWas) {
     const std::string scene = bytes("one.osg"), document = bytes("one.xml");
     fails({"convert", "one.osg"}, 2, "nothing to write");
     fails({"convert", "one.osg", "-o", "one.xml"}, 2, ".osg files, not one.xml");
-    fails({"convert", "one.osg", "-o", "one.osg", "--animation", "./one.osg"}, 2, ".xml files, not ./one.osg");
+    fails({"convert", "one.osg", "-o", "one.osg", "--animation", "./one.osg"}, 2,
+          ".xml files, not ./one.osg");
     fails({"convert", "walk.bvh", "one.xml", "-o", "one.osg"}, 2, "animation document");
     fails({"convert", "none.xml", "--animation", "one.xml"}, 3, "none.xml: no such file");
     _folder.write("broken.xml", "<AnimationPool>\n<field</AnimationPool>");

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <filesystem>
 
@@ -66,7 +65,7 @@ std::string extensionOf(const std::string& path) {
     std::string suffix = std::filesystem::path(path).extension().string();
     suffix.erase(0, 1);
     for (char& c : suffix)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        c = lowerCase(c);
     return suffix;
 }
 

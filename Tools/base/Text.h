@@ -28,6 +28,14 @@ std::string oneLine(std::string_view text, std::size_t limit = 200);
 std::string latin1FromUtf8(std::string_view text, bool& lossy);
 std::string utf8FromLatin1(std::string_view text);
 
+/// Letters of ASCII in the other case, in every locale: Turkish, for one, has another capital of "i".
+constexpr char lowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char upperCase(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
 /// The last suffix of a file name in lower case, without its dot; empty when there is none.
 std::string extensionOf(const std::string& path);
 

@@ -4,7 +4,6 @@
 #include "base/Text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <optional>
 
@@ -17,7 +16,7 @@ bool isBlank(char c) {
 }
 
 bool sameWord(std::string_view a, std::string_view b) {
-    const auto same = [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); };
+    const auto same = [](char x, char y) { return lowerCase(x) == lowerCase(y); };
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
 }
 
@@ -220,9 +219,7 @@ class BvhReader {
 
     ChannelTarget channelTarget(std::string_view word) const {
         const std::string_view kind = word.empty() ? word : word.substr(1);
-        const std::size_t axis = word.empty() ? 3
-                                              : std::string_view("xyz").find(static_cast<char>(
-                                                    std::tolower(static_cast<unsigned char>(word.front()))));
+        const std::size_t axis = word.empty() ? 3 : std::string_view("xyz").find(lowerCase(word.front()));
         const bool rotates = sameWord(kind, "rotation");
         if (axis > 2 || (!rotates && !sameWord(kind, "position")))
             _scan.failAt(word, "a channel such as 'Xposition' or 'Zrotation'");

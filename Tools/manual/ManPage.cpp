@@ -1,5 +1,6 @@
 #include "manual/ManPage.h"
 
+#include "base/Text.h"
 #include "manual/CommandLineParts.h"
 
 #include <sstream>
@@ -97,7 +98,7 @@ std::string manPage(const CLI::App& program, const std::string& version) {
     const std::string name = program.get_name();
     std::string title = name;
     for (char& c : title)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        c = upperCase(c);
     std::string text = ".TH " + title + " 1 \"\" \"kaAnimation " + version + "\" \"User Commands\"\n";
     text += ".SH NAME\n" + name + " \\- " + plain(program.get_description()) + "\n";
     text += ".SH SYNOPSIS\n" + bold(name) + " " + italic("COMMAND") + " [" + italic("OPTIONS") + "] [" +

@@ -8,12 +8,12 @@
 #include "kaCurveView.h"
 #include "kaEdits.h"
 #include "kaObjectRegistry.h"
+#include "kaPlainOutput.h"
 #include "kaWatchedObjects.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <cmath>
-#include <cstdio>
-#include <iostream>
+#include <ios>
 
 namespace {
 
@@ -174,14 +174,10 @@ kaAnimationField* kaAnimationCurve2D::resolvedField() const {
 }
 
 void kaAnimationCurve2D::printInfo() const {
-    std::printf("Curve %s:\n", getName().c_str());
-    std::printf("Points: %u\n", static_cast<unsigned int>(getChildCount()));
-    std::printf("Begin: %f End: %f Min: %f Max: %f\n", static_cast<double>(getBegin()),
-                static_cast<double>(getEnd()), static_cast<double>(getMinimum()),
-                static_cast<double>(getMaximum()));
-    std::fflush(stdout);
     kaAnimationField* field = resolvedField();
-    std::cout << "FieldPtr " << static_cast<const void*>(field) << std::endl;
+    kaPlainOutput() << "Curve " << getName() << ":\nPoints: " << getChildCount() << std::fixed
+                    << "\nBegin: " << getBegin() << " End: " << getEnd() << " Min: " << getMinimum()
+                    << " Max: " << getMaximum() << "\nFieldPtr " << static_cast<const void*>(field) << '\n';
     kaAnimationManager::the()->printFieldInfo(field);
 }
 
