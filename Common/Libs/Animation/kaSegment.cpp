@@ -42,8 +42,8 @@ template <class Real>
 Real blendOf(const Real& t, const Real& y0, const Real& y1, const Real& y2, const Real& y3) {
     const Real t2 = t * t;
     const Real t3 = t2 * t;
-    return y0 * (1.0 - 3.0 * t + 3.0 * t2 - t3) + y1 * (3.0 * t - 6.0 * t2 + 3.0 * t3) + y2 * (3.0 * t2 - 3.0 * t3) +
-           y3 * t3;
+    return y0 * (1.0 - 3.0 * t + 3.0 * t2 - t3) + y1 * (3.0 * t - 6.0 * t2 + 3.0 * t3) +
+           y2 * (3.0 * t2 - 3.0 * t3) + y3 * t3;
 }
 
 /// What the formula for one real root gives with quick cube roots, of one segment (`double`) or of several.
@@ -56,13 +56,14 @@ struct Estimate {
 
 /// The error allows for the rounding of everything from the cube roots on, here and in the literal formula.
 template <class Real>
-Estimate<Real> estimate(const Real& half, const Real& discriminant, const Real& shift, const Real& y0, const Real& y1,
-                        const Real& y2, const Real& y3) {
+Estimate<Real> estimate(const Real& half, const Real& discriminant, const Real& shift, const Real& y0,
+                        const Real& y1, const Real& y2, const Real& y3) {
     const Real w = kaSquareRoot(discriminant);
     const Real u = kaQuickSignedCubeRoot<Real>(w - half);
     const Real v = kaQuickSignedCubeRoot<Real>(-half - w);
     const Real t = u + v - shift;
-    // For t near the segment the value changes by less than 4 times the sum of the four values for each unit of t.
+    // For t near the segment the value changes by less than 4 times the sum of the four values for each unit
+    // of t.
     const Real reach = kaMagnitude(y0) + kaMagnitude(y1) + kaMagnitude(y2) + kaMagnitude(y3);
     const Real size = kaMagnitude(u) + kaMagnitude(v) + kaMagnitude(shift) + 1.0;
     return {t, blendOf(t, y0, y1, y2, y3), reach * (4.0 * size) * 0x1p-44};
@@ -139,8 +140,8 @@ bool kaSegment::sample(float frame, float& value) const {
     const double half = q / 2.0;
     const double discriminant = _reduced.pThird3 + half * half;
     if (discriminant >= DiscriminantTolerance) {
-        const Estimate<double> quick = estimate<double>(half, discriminant, _reduced.shift, _points.y0, _points.y1,
-                                                        _points.y2, _points.y3);
+        const Estimate<double> quick = estimate<double>(half, discriminant, _reduced.shift, _points.y0,
+                                                        _points.y1, _points.y2, _points.y3);
         if (accept(quick.t, quick.value, quick.error, value))
             return true;
     }
