@@ -20,4 +20,4 @@ struct kaHandles {
 /// are angles (the arc tangent of a slope); neighbours at the key's own x give infinite or undefined slopes,
 /// used as they come.
 KA_ANIMATION_API kaHandles kaPlaceHandles(const kaControlPoint2D& key, const kaControlPoint2D* previous,
-                         const kaControlPoint2D* next);
+                                          const kaControlPoint2D* next);
