@@ -91,6 +91,10 @@ void kaCurveView::divide() {
         ++_cells[cellOf(frame) + 1];
     for (std::size_t i = 1; i < _cells.size(); ++i)
         _cells[i] += _cells[i - 1];
+    std::size_t own = 0;
+    for (std::size_t i = 0; i < _segments.size(); ++i)
+        own += cellOf(_frames[i] + (_frames[i + 1] - _frames[i]) / 2.0F) == i ? 1 : 0;
+    _even = own > _segments.size() / 2;
 }
 
 /// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
@@ -99,16 +103,17 @@ std::size_t kaCurveView::cellOf(float frame) const {
     return std::min(cell, _frames.size() - 1);
 }
 
-/// The first key after `frame`, which stands between the first key and the last.
-std::size_t kaCurveView::upperBound(float frame) const {
+/// The number of the segment that holds `frame`, which stands between the first key and the last.
+std::size_t kaCurveView::indexAt(float frame) const {
     if (_cells.empty())
-        return upperBoundAmong(0, _frames.size(), frame);
+        return upperBoundAmong(0, _frames.size(), frame) - 1;
     const std::size_t cell = cellOf(frame);
-    // Where keys stand evenly, as captured ones do, a cell has the number of its segment: what the look at
-    // the cell will lead to is asked for beside it.
-    __builtin_prefetch(&_frames[cell]);
-    __builtin_prefetch(&_segments[std::min(cell, _segments.size() - 1)]);
-    return upperBoundAmong(_cells[cell], _cells[cell + 1], frame);
+    if (_even) {
+        const std::size_t likely = std::min(cell, _segments.size() - 1);
+        if (_segments[likely].holds(frame))
+            return likely;
+    }
+    return upperBoundAmong(_cells[cell], _cells[cell + 1], frame) - 1;
 }
 
 /// Halves without branching on the comparison: random frames would mispredict each.
@@ -128,7 +133,7 @@ const kaSegment* kaCurveView::segmentAt(float frame) {
     if (!_segments[_last].holds(frame)) {
         if (!(frame >= _frames.front() && frame < _frames.back()))
             return nullptr;
-        _last = upperBound(frame) - 1;
+        _last = indexAt(frame);
     }
     return &_segments[_last];
 }

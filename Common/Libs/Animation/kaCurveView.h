@@ -44,7 +44,7 @@ class kaCurveView {
     void pack(const std::vector<const kaControlPoint2D*>& ascending);
     void divide();
     std::size_t cellOf(float frame) const;
-    std::size_t upperBound(float frame) const;
+    std::size_t indexAt(float frame) const;
     std::size_t upperBoundAmong(std::size_t from, std::size_t to, float frame) const;
 
     std::vector<kaSegment> _segments;
@@ -53,6 +53,9 @@ class kaCurveView {
     /// before each. Empty for few keys and for spans that cannot be divided.
     std::vector<std::uint32_t> _cells;
     float _cellsPerFrame = 0.0F;
+    /// Most segments have the number of the cell that their middle lies in, as those of captured motion do:
+    /// then a look at that segment finds it without one at the cell and its keys.
+    bool _even = false;
     float _firstValue = 0.0F; ///< of the first key
     std::size_t _count = 0;   ///< registered keys, those that share an x included
     std::uint64_t _edits = 0; ///< of the object model when the packed form was last found true
