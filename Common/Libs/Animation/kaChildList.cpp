@@ -24,6 +24,14 @@ bool countsIn(const kaAnimationObject& child) {
     return child.hasChildren() || child.getTypeID() == KA_TYPE_SEQUENCE;
 }
 
+bool startsEarlier(const kaChildChunk::Entry& entry, float begin) {
+    return entry.extent.begin < begin;
+}
+
+bool startsLater(float begin, const kaChildChunk::Entry& entry) {
+    return begin < entry.extent.begin;
+}
+
 kaExtent extentOf(const kaAnimationObject& child) {
     return {child.getBegin(), child.getEnd(), child.getMaximum(), child.getMinimum()};
 }
@@ -266,12 +274,10 @@ kaChildChunk& kaChildList::makeRoom(float begin, bool early) {
 
 /// Puts the entry into the chunk that `makeRoom` found for it. Cannot fail.
 void kaChildList::insertEntry(kaChildChunk& chunk, const Entry& entry, bool early) {
-    const auto later = [](float begin, const Entry& other) { return begin < other.extent.begin; };
-    const auto earlier = [](const Entry& other, float begin) { return other.extent.begin < begin; };
     std::vector<Entry>& entries = chunk.entries;
     const float begin = entry.extent.begin;
-    entries.insert(early ? std::upper_bound(entries.begin(), entries.end(), begin, later)
-                         : std::lower_bound(entries.begin(), entries.end(), begin, earlier),
+    entries.insert(early ? std::upper_bound(entries.begin(), entries.end(), begin, startsLater)
+                         : std::lower_bound(entries.begin(), entries.end(), begin, startsEarlier),
                    entry);
     _firsts[chunk.index] = entries.front().extent.begin;
     entry.object->_home = &chunk;
@@ -370,11 +376,22 @@ kaExtent kaChildList::extent() {
 
 // Looking up.
 
+/// Looks where a child most likely stands before it looks through the chunk: at the end, where an append has
+/// left it, and where its begin belongs. A child that has just moved stands under its former begin.
 kaChildList::Place kaChildList::find(const kaAnimationObject& child) const {
     const kaChildChunk& chunk = *child._home;
-    const auto found = std::find_if(chunk.entries.begin(), chunk.entries.end(),
-                                    [&child](const Entry& entry) { return entry.object == &child; });
-    return {chunk.index, static_cast<std::size_t>(found - chunk.entries.begin())};
+    const auto first = chunk.entries.begin();
+    const auto end = chunk.entries.end();
+    const float begin = child.getBegin();
+    auto found = std::prev(end);
+    if (found->object != &child && isSorted()) {
+        found = std::lower_bound(first, end, begin, startsEarlier);
+        while (found != end && found->object != &child && found->extent.begin == begin)
+            ++found;
+    }
+    if (found == end || found->object != &child)
+        found = std::find_if(first, end, [&child](const Entry& entry) { return entry.object == &child; });
+    return {chunk.index, static_cast<std::size_t>(found - first)};
 }
 
 kaChildList::Place kaChildList::normalized(std::size_t chunk, std::size_t index) const {
@@ -404,8 +421,7 @@ kaChildList::Place kaChildList::lowerBound(float begin) const {
     if (chunk == 0)
         return {0, 0};
     const auto& entries = _chunks[chunk - 1]->entries;
-    const auto place = std::lower_bound(entries.begin(), entries.end(), begin,
-                                        [](const Entry& entry, float b) { return entry.extent.begin < b; });
+    const auto place = std::lower_bound(entries.begin(), entries.end(), begin, startsEarlier);
     return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
 }
 
@@ -415,8 +431,7 @@ kaChildList::Place kaChildList::upperBound(float begin) const {
     if (chunk == 0)
         return {0, 0};
     const auto& entries = _chunks[chunk - 1]->entries;
-    const auto place = std::upper_bound(entries.begin(), entries.end(), begin,
-                                        [](float b, const Entry& entry) { return b < entry.extent.begin; });
+    const auto place = std::upper_bound(entries.begin(), entries.end(), begin, startsLater);
     return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
 }
 
