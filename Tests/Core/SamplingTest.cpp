@@ -187,6 +187,47 @@ TEST_F(Sampling, MissingHandlesStandOnTheirKeys) {
     EXPECT_EQ(value, 0.0F) << "a step now";
 }
 
+/// Steps, so that the value names the segment: the frame is looked up among many keys in several ways, which
+/// must agree on every one.
+TEST_F(Sampling, FindsTheSegmentHoweverKeysAreSpaced) {
+    struct Spacing {
+        const char* name;
+        float (*frameOf)(int key);
+    };
+    constexpr int Count = 100;
+    const Spacing spacings[] = {
+        {"even", [](int i) { return static_cast<float>(i) * 4.0F; }},
+        {"even, of no round width", [](int i) { return -3.7F + static_cast<float>(i) / 30.0F; }},
+        {"even after a long first segment", [](int i) { return i == 0 ? -5000.0F : static_cast<float>(i); }},
+        {"even but for a gap", [](int i) { return static_cast<float>(i < 40 ? i : i + 20); }},
+        {"two widths", [](int i) { return static_cast<float>(i < 50 ? i : 50 + (i - 50) * 3); }},
+        {"off even by turns", [](int i) { return static_cast<float>(i) + (i % 2 == 0 ? 0.0F : 0.45F); }},
+        {"in pairs", [](int i) { return static_cast<float>(i / 2 * 10 + i % 2); }},
+        {"ever wider", [](int i) { return std::ldexp(1.0F, i - 40); }},
+        {"crowded in the end",
+         [](int i) { return 10.0F - std::ldexp(10.0F, -i / 5) + static_cast<float>(i) * 1e-4F; }},
+        {"over all floats", [](int i) { return std::ldexp(i < 50 ? -1.0F : 1.0F, i < 50 ? 120 - i : i); }},
+    };
+    for (const Spacing& spacing : spacings) {
+        SCOPED_TRACE(spacing.name);
+        Keys keys;
+        for (int i = 0; i < Count; ++i)
+            keys.push_back(stepKey(spacing.frameOf(i), static_cast<float>(i + 1)));
+        kaAnimationCurve2D* curve = makeCurve(keys);
+        ASSERT_EQ(curve->getChildCount(), static_cast<unsigned int>(Count));
+        for (float (*within)(float, float) :
+             {+[](float first, float) { return first; },
+              +[](float first, float second) { return std::nextafter(second, first); },
+              +[](float first, float second) { return first / 2.0F + second / 2.0F; }}) {
+            for (int turn = 0; turn < Count - 1; ++turn) {
+                const int i = turn * 37 % (Count - 1); // never in the segment looked at last
+                expectValue(curve, within(spacing.frameOf(i), spacing.frameOf(i + 1)),
+                            static_cast<float>(i + 1));
+            }
+        }
+    }
+}
+
 TEST_F(Sampling, SeesEveryDirectWrite) {
     kaAnimationCurve2D* curve = segment({15, 0}, {15, 1});
     kaControlPoint2D* first = curve->findPoint(0.0F);
