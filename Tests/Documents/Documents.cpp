@@ -175,25 +175,4 @@ std::filesystem::path testFile(const std::string& name) {
     return std::filesystem::path(KA_TEST_FILES) / name;
 }
 
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    EXPECT_TRUE(stream.good()) << file;
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "kaTest-XXXXXX").string();
-    _path = ::mkdtemp(name.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(_path, ignored);
-}
-
-std::string TemporaryFolder::put(const std::string& name, const std::string& content) const {
-    std::ofstream(at(name), std::ios::binary) << content;
-    return at(name);
-}
-
 } // namespace ka_test

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TemporaryFolder.h"
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -34,22 +36,5 @@ void expectSoundRegistry();
 
 /// A file of this folder.
 std::filesystem::path testFile(const std::string& name);
-std::string contentOf(const std::filesystem::path& file);
-
-/// A folder of its own for a test, which goes with the object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    std::string at(const std::string& name) const { return (_path / name).string(); }
-    std::string put(const std::string& name, const std::string& content) const;
-    const std::filesystem::path& path() const { return _path; }
-
-  private:
-    std::filesystem::path _path;
-};
 
 } // namespace ka_test

@@ -1,5 +1,5 @@
+#include "FolderTest.h"
 #include "Privilege.h"
-#include "TemporaryFolder.h"
 #include "kaFile.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class CheckWrite : public TemporaryFolder {
+class CheckWrite : public FolderTest {
   protected:
     static bool isAllowed(const std::string& name) { return kaFile::checkWrite(name, true, false); }
 };
@@ -16,18 +16,18 @@ class CheckWrite : public TemporaryFolder {
 } // namespace
 
 TEST_F(CheckWrite, AllowsAFileThatExistsAndOneThatCanBeMade) {
-    put(at("old.xml"), "old");
+    put("old.xml", "old");
     EXPECT_TRUE(isAllowed(at("old.xml")));
     EXPECT_TRUE(isAllowed(at("new.xml")));
     EXPECT_TRUE(isAllowed(at("\xC3\xA9t\xC3\xA9.xml")));
-    EXPECT_EQ(contentOf(at("old.xml")), "old");
+    EXPECT_EQ(ka_test::contentOf(at("old.xml")), "old");
     EXPECT_EQ(fileCount(), 1U);
 }
 
 TEST_F(CheckWrite, RefusesWhatCannotBeAFile) {
-    put(at("file"), "");
+    put("file", "");
     EXPECT_FALSE(isAllowed(""));
-    EXPECT_FALSE(isAllowed(_folder.string()));
+    EXPECT_FALSE(isAllowed(_folder.path().string()));
     EXPECT_FALSE(isAllowed(at("new/")));
     EXPECT_FALSE(isAllowed(at("missing/new.xml")));
     EXPECT_FALSE(isAllowed(at("file/new.xml")));
@@ -45,11 +45,11 @@ TEST_F(CheckWrite, FollowsLinksToWhereTheFileWouldBe) {
 }
 
 TEST_F(CheckWrite, GoesByThePermissions) {
-    put(at("readonly.xml"), "");
+    put("readonly.xml", "");
     fs::permissions(at("readonly.xml"), fs::perms(0444));
     fs::create_directory(at("closed"));
     fs::permissions(at("closed"), fs::perms(0555));
-    fs::permissions(_folder, fs::perms::all);
+    fs::permissions(_folder.path(), fs::perms::all);
 
     const WithoutPrivilege plain;
     ASSERT_TRUE(plain.isInForce());

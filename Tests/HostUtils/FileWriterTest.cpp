@@ -1,5 +1,5 @@
+#include "FolderTest.h"
 #include "Privilege.h"
-#include "TemporaryFolder.h"
 #include "kaFile.h"
 #include "kaFileWriter.h"
 
@@ -14,16 +14,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-class FileWriter : public TemporaryFolder {
+class FileWriter : public FolderTest {
   protected:
     // Tries to replace a file that has content and expects that content, and nothing beside it, to be there
     // after.
     void expectFailureKeepsOld(std::size_t size, const std::string& reason) {
-        put(at("file"), "old");
+        put("file", "old");
         std::string error;
         EXPECT_FALSE(kaFile::writeSafely(at("file"), std::string(size, 'n'), error));
         EXPECT_EQ(error, "cannot write '" + at("file") + "': " + reason);
-        EXPECT_EQ(contentOf(at("file")), "old");
+        EXPECT_EQ(ka_test::contentOf(at("file")), "old");
         EXPECT_EQ(fileCount(), 1U);
     }
     static std::string errorOf(const std::string& name) {
@@ -64,9 +64,9 @@ class SizeLimit {
 TEST_F(FileWriter, MakesAndReplacesAFile) {
     std::string error = "untouched";
     EXPECT_TRUE(kaFile::writeSafely(at("file"), "first", error));
-    EXPECT_EQ(contentOf(at("file")), "first");
+    EXPECT_EQ(ka_test::contentOf(at("file")), "first");
     EXPECT_TRUE(kaFile::writeSafely(at("file"), "", error));
-    EXPECT_EQ(contentOf(at("file")), "");
+    EXPECT_EQ(ka_test::contentOf(at("file")), "");
     EXPECT_EQ(error, "untouched");
     EXPECT_EQ(fileCount(), 1U);
 }
@@ -83,7 +83,7 @@ TEST_F(FileWriter, JoinsPiecesOfEverySize) {
     expected += "42!" + std::string(70000, 's');
     EXPECT_FALSE(fs::exists(at("file")));
     EXPECT_TRUE(writer.commit());
-    EXPECT_TRUE(contentOf(at("file")) == expected);
+    EXPECT_TRUE(ka_test::contentOf(at("file")) == expected);
 }
 
 TEST_F(FileWriter, IsDoneAfterCommit) {
@@ -93,11 +93,11 @@ TEST_F(FileWriter, IsDoneAfterCommit) {
     EXPECT_FALSE(writer.write("more"));
     EXPECT_FALSE(writer.getStream() << "more");
     EXPECT_FALSE(writer.commit());
-    EXPECT_EQ(contentOf(at("file")), "whole");
+    EXPECT_EQ(ka_test::contentOf(at("file")), "whole");
 }
 
 TEST_F(FileWriter, LeavesNoTraceWithoutCommit) {
-    put(at("file"), "old");
+    put("file", "old");
     {
         kaFileWriter forgotten(at("file"));
         forgotten.write(std::string(100000, 'n'));
@@ -106,7 +106,7 @@ TEST_F(FileWriter, LeavesNoTraceWithoutCommit) {
         cancelled.cancel();
         EXPECT_FALSE(cancelled.commit());
     }
-    EXPECT_EQ(contentOf(at("file")), "old");
+    EXPECT_EQ(ka_test::contentOf(at("file")), "old");
     EXPECT_EQ(fileCount(), 1U);
 }
 
@@ -123,7 +123,7 @@ TEST_F(FileWriter, WritesUpToTheSizeLimit) {
 }
 
 TEST_F(FileWriter, KeepsTheOldFileWhenTheProcessIsKilled) {
-    put(at("file"), "old");
+    put("file", "old");
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
@@ -134,15 +134,16 @@ TEST_F(FileWriter, KeepsTheOldFileWhenTheProcessIsKilled) {
     int status = 0;
     ::waitpid(child, &status, 0);
     EXPECT_TRUE(WIFSIGNALED(status));
-    EXPECT_EQ(contentOf(at("file")), "old");
+    EXPECT_EQ(ka_test::contentOf(at("file")), "old");
     EXPECT_TRUE(fs::remove(at(".ka-" + std::to_string(child) + "-0.tmp")) || fileCount() == 2U);
 }
 
 TEST_F(FileWriter, RefusesWhatCannotBeAFile) {
-    put(at("file"), "");
+    put("file", "");
     fs::create_symlink(at("round"), at("round"));
     EXPECT_EQ(errorOf(""), "cannot write '': Invalid argument");
-    EXPECT_EQ(errorOf(_folder.string()), "cannot write '" + _folder.string() + "': Is a directory");
+    EXPECT_EQ(errorOf(_folder.path().string()),
+              "cannot write '" + _folder.path().string() + "': Is a directory");
     EXPECT_EQ(errorOf(at("missing/x")), "cannot write '" + at("missing/x") + "': No such file or directory");
     EXPECT_EQ(errorOf(at("file/x")), "cannot write '" + at("file/x") + "': Not a directory");
     EXPECT_EQ(errorOf(at("round")), "cannot write '" + at("round") + "': Too many levels of symbolic links");
@@ -151,29 +152,29 @@ TEST_F(FileWriter, RefusesWhatCannotBeAFile) {
 }
 
 TEST_F(FileWriter, RefusesAReadOnlyFileAndAClosedFolder) {
-    put(at("readonly"), "old");
+    put("readonly", "old");
     fs::permissions(at("readonly"), fs::perms(0444));
     fs::create_directory(at("closed"));
     fs::permissions(at("closed"), fs::perms(0555));
-    fs::permissions(_folder, fs::perms::all);
+    fs::permissions(_folder.path(), fs::perms::all);
 
     const WithoutPrivilege plain;
     ASSERT_TRUE(plain.isInForce());
     EXPECT_EQ(errorOf(at("readonly")), "cannot write '" + at("readonly") + "': Permission denied");
     EXPECT_EQ(errorOf(at("closed/x")), "cannot write '" + at("closed/x") + "': Permission denied");
-    EXPECT_EQ(contentOf(at("readonly")), "old");
+    EXPECT_EQ(ka_test::contentOf(at("readonly")), "old");
 }
 
 TEST_F(FileWriter, KeepsPermissionsAndLinks) {
-    put(at("target"), "old");
+    put("target", "old");
     fs::permissions(at("target"), fs::perms(0640));
     fs::create_symlink("target", at("link"));
     fs::create_symlink("made", at("dangling"));
     std::string error;
     EXPECT_TRUE(kaFile::writeSafely(at("link"), "new", error));
     EXPECT_TRUE(kaFile::writeSafely(at("dangling"), "made", error));
-    EXPECT_EQ(contentOf(at("target")), "new");
-    EXPECT_EQ(contentOf(at("made")), "made");
+    EXPECT_EQ(ka_test::contentOf(at("target")), "new");
+    EXPECT_EQ(ka_test::contentOf(at("made")), "made");
     EXPECT_TRUE(fs::is_symlink(at("link")));
     EXPECT_TRUE(fs::is_symlink(at("dangling")));
     EXPECT_EQ(modeOf(at("target")) & 0777U, 0640U);
@@ -191,7 +192,7 @@ TEST_F(FileWriter, FitsBesideATargetWithTheLongestName) {
     const std::string name = at(std::string(255, 'x'));
     std::string error;
     EXPECT_TRUE(kaFile::writeSafely(name, "new", error)) << error;
-    EXPECT_EQ(contentOf(name), "new");
+    EXPECT_EQ(ka_test::contentOf(name), "new");
 }
 
 /// Without root's rights, or a writer that does replace it would leave the machine without.
@@ -209,9 +210,9 @@ TEST_F(FileWriter, NeverReplacesADevice) {
 
 TEST_F(FileWriter, WritesToAFileInTheCurrentFolderByItsBareName) {
     const fs::path before = fs::current_path();
-    fs::current_path(_folder);
+    fs::current_path(_folder.path());
     std::string error;
     EXPECT_TRUE(kaFile::writeSafely("bare", "new", error)) << error;
     fs::current_path(before);
-    EXPECT_EQ(contentOf(at("bare")), "new");
+    EXPECT_EQ(ka_test::contentOf(at("bare")), "new");
 }

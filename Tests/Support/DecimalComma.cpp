@@ -1,8 +1,9 @@
 #include "DecimalComma.h"
 
+#include "TemporaryFolder.h"
+
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <optional>
 #include <stdlib.h>
 
@@ -21,18 +22,9 @@ class CommaPunctuation : public std::numpunct<char> {
 class GermanLocale {
   public:
     GermanLocale() {
-        std::string name = (std::filesystem::temp_directory_path() / "kaTest-XXXXXX").string();
-        if (!::mkdtemp(name.data()))
-            return;
-        _folder = name;
-        const std::string make = "localedef -i de_DE -f UTF-8 '" + _folder + "/de_DE.UTF-8' >/dev/null 2>&1";
+        const std::string make =
+            "localedef -i de_DE -f UTF-8 '" + _folder.at("de_DE.UTF-8") + "' >/dev/null 2>&1";
         _isMade = std::system(make.c_str()) == 0;
-    }
-    GermanLocale(const GermanLocale&) = delete;
-    GermanLocale& operator=(const GermanLocale&) = delete;
-    ~GermanLocale() {
-        std::error_code ignored;
-        std::filesystem::remove_all(_folder, ignored);
     }
 
     /// Where the C library looks for locales matters only while one is taken.
@@ -42,7 +34,7 @@ class GermanLocale {
         std::optional<std::string> before;
         if (const char* path = std::getenv("LOCPATH"))
             before = path;
-        ::setenv("LOCPATH", _folder.c_str(), 1);
+        ::setenv("LOCPATH", _folder.path().c_str(), 1);
         const bool isTaken = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
         if (before)
             ::setenv("LOCPATH", before->c_str(), 1);
@@ -52,7 +44,7 @@ class GermanLocale {
     }
 
   private:
-    std::string _folder;
+    TemporaryFolder _folder;
     bool _isMade = false;
 };
 

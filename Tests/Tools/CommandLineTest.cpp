@@ -26,16 +26,16 @@ class CommandLineTest : public ::testing::Test {
   protected:
     CommandLineTest() {
         describeProgram(_program, _none);
-        _folder.write("move.bvh", model);
-        std::filesystem::create_directory(_folder.path("folder.osg"));
-        std::filesystem::create_directory(_folder.path("folder.bvh"));
+        _folder.put("move.bvh", model);
+        std::filesystem::create_directory(_folder.at("folder.osg"));
+        std::filesystem::create_directory(_folder.at("folder.bvh"));
         for (const char* name : {"empty.bvh", "empty.osg", "empty.xml", "empty.glb"})
-            _folder.write(name, "");
-        _folder.write("broken.bvh", "HIERARCHY\nROOT\n");
-        _folder.write("broken.glb", "glTF");
-        _folder.write("broken.osg", "#OSG V1.0\nNode { core");
-        _folder.write("broken.xml", "<objects");
-        _folder.write("notes.txt", "text");
+            _folder.put(name, "");
+        _folder.put("broken.bvh", "HIERARCHY\nROOT\n");
+        _folder.put("broken.glb", "glTF");
+        _folder.put("broken.osg", "#OSG V1.0\nNode { core");
+        _folder.put("broken.xml", "<objects");
+        _folder.put("notes.txt", "text");
     }
 
     /// The command with `input` for what it reads and with everything else that it needs.
@@ -65,7 +65,7 @@ class CommandLineTest : public ::testing::Test {
     }
 
     void expectOneLine(const std::vector<std::string>& words, int code, const std::string& part = "") const {
-        const ProgramRun run = runKaAnim(words, _folder.path(""));
+        const ProgramRun run = runKaAnim(words, _folder.at(""));
         const std::string shown = ::testing::PrintToString(words);
         EXPECT_EQ(run.code, code) << shown << run.messages;
         EXPECT_TRUE(run.isOneLine()) << shown << run.messages;
@@ -130,12 +130,12 @@ TEST_F(CommandLineTest, InputsThatCannotBeReadEndWithCodeThree) {
              {"none.bvh", "none.osg", "none", "folder.bvh", "folder.osg", ".", "empty.bvh", "empty.osg",
               "empty.glb", "broken.bvh", "broken.osg", "broken.glb", "notes.txt", "/dev/null"})
             expectOneLine(line(*command, name), 3, name);
-        EXPECT_FALSE(std::filesystem::exists(_folder.path("result.osg"))) << command->get_name();
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("result.osg"))) << command->get_name();
     }
 }
 
 TEST_F(CommandLineTest, DocumentsThatCannotBeReadEndWithCodeThree) {
-    _folder.write("scene.osg", "#OSG V1.0\nDEF mover Node { core Transform3D { } }\n");
+    _folder.put("scene.osg", "#OSG V1.0\nDEF mover Node { core Transform3D { } }\n");
     for (const CLI::App* command : commandsOf(_program)) {
         for (const CLI::Option* option : optionsOf(*command)) {
             const bool isWritten = option->get_description().find("to write") != std::string::npos;
@@ -153,7 +153,7 @@ TEST_F(CommandLineTest, DocumentsThatCannotBeReadEndWithCodeThree) {
 TEST_F(CommandLineTest, HelpIsDataOfEveryCommand) {
     for (const CLI::App* command : commandsOf(_program))
         for (const char* spelling : {"-h", "--help"}) {
-            const ProgramRun help = runKaAnim({command->get_name(), spelling}, _folder.path(""));
+            const ProgramRun help = runKaAnim({command->get_name(), spelling}, _folder.at(""));
             EXPECT_EQ(help.code, 0);
             EXPECT_EQ(help.messages, "");
             EXPECT_THAT(help.output, HasSubstr("Examples:"));
@@ -164,14 +164,14 @@ TEST_F(CommandLineTest, AReaderThatGoesAwayEndsWithCodeFour) {
     for (const CLI::App* command : commandsOf(_program)) {
         const std::string name = command->get_name();
         const ProgramRun help =
-            runShell("ka-anim " + name + " --help | true; exit ${PIPESTATUS[0]}", _folder.path(""));
+            runShell("ka-anim " + name + " --help | true; exit ${PIPESTATUS[0]}", _folder.at(""));
         // Where all fits into the pipe before the reader goes, nobody can tell.
         EXPECT_TRUE(help.code == 0 || help.code == 4) << name;
-        EXPECT_EQ(runShell("ka-anim " + name + " --help >&-", _folder.path("")).code, 4) << name;
-        EXPECT_EQ(runShell("ka-anim " + name + " --help >/dev/full", _folder.path("")).code, 4) << name;
+        EXPECT_EQ(runShell("ka-anim " + name + " --help >&-", _folder.at("")).code, 4) << name;
+        EXPECT_EQ(runShell("ka-anim " + name + " --help >/dev/full", _folder.at("")).code, 4) << name;
     }
     const ProgramRun sample = runShell(
-        "ka-anim sample move.bvh --to 100000 --step 0.1 | head -1; exit ${PIPESTATUS[0]}", _folder.path(""));
+        "ka-anim sample move.bvh --to 100000 --step 0.1 | head -1; exit ${PIPESTATUS[0]}", _folder.at(""));
     EXPECT_EQ(sample.code, 4);
     EXPECT_EQ(sample.output, "curve,frame,value\n");
     EXPECT_TRUE(sample.isOneLine()) << sample.messages;

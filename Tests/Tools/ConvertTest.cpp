@@ -18,7 +18,7 @@ using Json = nlohmann::json;
 class ConvertTest : public ::testing::Test {
   protected:
     ProgramRun run(const std::vector<std::string>& arguments) const {
-        return runKaAnim(arguments, _folder.path(""));
+        return runKaAnim(arguments, _folder.at(""));
     }
 
     /// Converts to `name`.osg and `name`.xml.
@@ -32,7 +32,7 @@ class ConvertTest : public ::testing::Test {
         EXPECT_EQ(result.output, "");
     }
 
-    std::string bytes(const std::string& name) const { return readFile(_folder.path(name)); }
+    std::string bytes(const std::string& name) const { return contentOf(_folder.at(name)); }
 
     TemporaryFolder _folder;
 };
@@ -50,7 +50,7 @@ void expectNear(const Json& saved, const std::array<float, 3>& before, double to
 class SavedWalk : public ConvertTest {
   protected:
     void SetUp() override {
-        _folder.write("walk.bvh", shortCapture(97));
+        _folder.put("walk.bvh", shortCapture(97));
         convert({"walk.bvh"}, "one");
     }
 };
@@ -61,7 +61,7 @@ TEST_F(SavedWalk, IsValidAndPosesAsBeforeInNewProcesses) {
     EXPECT_EQ(check.code, 0) << check.output.substr(0, 2000);
     const auto counts =
         Json::parse(run({"info", "one.osg", "--animation", "one.xml", "--format", "json"}).output)["counts"];
-    const Project model({_folder.path("walk.bvh"), "", {}, {}});
+    const Project model({_folder.at("walk.bvh"), "", {}, {}});
     EXPECT_EQ(counts["clips"], model.report().clips);
     EXPECT_EQ(counts["blocks"], model.report().blocks);
     EXPECT_EQ(counts["curves"], model.report().curves);
@@ -153,10 +153,10 @@ TEST_F(SavedWalk, MistakesAndFailuresLeaveEveryFileAsItWas) {
           ".xml files, not ./one.osg");
     fails({"convert", "walk.bvh", "one.xml", "-o", "one.osg"}, 2, "animation document");
     fails({"convert", "none.xml", "--animation", "one.xml"}, 3, "none.xml: no such file");
-    _folder.write("broken.xml", "<AnimationPool>\n<field</AnimationPool>");
+    _folder.put("broken.xml", "<AnimationPool>\n<field</AnimationPool>");
     fails({"convert", "broken.xml", "--animation", "one.xml"}, 3, "broken.xml");
     // The second file fails: the first one stays too.
-    std::filesystem::create_symlink("/dev/full", _folder.path("full.xml"));
+    std::filesystem::create_symlink("/dev/full", _folder.at("full.xml"));
     fails({"convert", "walk.bvh", "-o", "one.osg", "--animation", "full.xml"}, 4, "full.xml");
     fails({"convert", "walk.bvh", "-o", "none/one.osg", "--animation", "one.xml"}, 4, "none");
     EXPECT_EQ(bytes("one.osg"), scene);
@@ -171,7 +171,7 @@ TEST_F(SavedWalk, ItMayReplaceWhatItReads) {
 }
 
 TEST_F(ConvertTest, NamesInLatin1SurviveAndOthersAreMarked) {
-    _folder.write(
+    _folder.put(
         "d.xml",
         "<AnimationPool objects=\"1\"><clip id=\"5\" typeID=\"5\" name=\"caf\xE9\"/></AnimationPool>");
     EXPECT_EQ(run({"convert", "d.xml", "--animation", "e.xml"}).code, 0);

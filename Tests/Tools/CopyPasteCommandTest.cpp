@@ -52,12 +52,12 @@ const char* const model = "HIERARCHY ROOT mover\n{ OFFSET 0 0 0 CHANNELS 1 Xposi
 class CopyPasteCommandTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        _folder.write("older.osg", olderHouse);
-        _folder.write("move.bvh", model);
+        _folder.put("older.osg", olderHouse);
+        _folder.put("move.bvh", model);
         ASSERT_EQ(run("upgrade older.osg -o house.osg --animation house.xml").code, 0);
     }
 
-    ProgramRun run(const std::string& line) const { return runShell("ka-anim " + line, _folder.path("")); }
+    ProgramRun run(const std::string& line) const { return runShell("ka-anim " + line, _folder.at("")); }
 
     /// @param line  without the outputs, which are new.osg and new.xml.
     ProgramRun runInto(const std::string& line) const {
@@ -66,8 +66,8 @@ class CopyPasteCommandTest : public ::testing::Test {
 
     std::unique_ptr<Project> open(const std::string& scene, const std::string& document) const {
         ProjectFiles files;
-        files.file = _folder.path(scene);
-        files.animation = _folder.path(document);
+        files.file = _folder.at(scene);
+        files.animation = _folder.at(document);
         return std::make_unique<Project>(files);
     }
 
@@ -146,7 +146,7 @@ TEST_F(CopyPasteCommandTest, PasteBringsAnimationOverFromASceneOfTheSameIds) {
 }
 
 TEST_F(CopyPasteCommandTest, PasteLeavesNothingOfTheSourceBehind) {
-    _folder.write("empty.osg", "#OSG V1.0\nDEF box Node { core Transform3D { } }\n");
+    _folder.put("empty.osg", "#OSG V1.0\nDEF box Node { core Transform3D { } }\n");
     EXPECT_EQ(
         runInto("paste empty.osg --source house.osg --source-animation house.xml --from door --to box").code,
         0);
@@ -176,10 +176,10 @@ TEST_F(CopyPasteCommandTest, PasteTakesAModelForASource) {
 TEST_F(CopyPasteCommandTest, TheSameLineGivesTheSameFiles) {
     const std::string line = "copy house.osg --animation house.xml --from door --to 'gate*'";
     runInto(line);
-    const std::string scene = readFile(_folder.path("new.osg")), document = readFile(_folder.path("new.xml"));
+    const std::string scene = contentOf(_folder.at("new.osg")), document = contentOf(_folder.at("new.xml"));
     runInto(line);
-    EXPECT_EQ(readFile(_folder.path("new.osg")), scene);
-    EXPECT_EQ(readFile(_folder.path("new.xml")), document);
+    EXPECT_EQ(contentOf(_folder.at("new.osg")), scene);
+    EXPECT_EQ(contentOf(_folder.at("new.xml")), document);
 }
 
 struct RefusalRow {
@@ -217,17 +217,17 @@ TEST_F(CopyPasteCommandTest, RefusalsAreOneLineAndWriteNothing) {
         EXPECT_EQ(refused.code, row.code) << line << "\n" << refused.messages;
         EXPECT_TRUE(refused.isOneLine()) << line << "\n" << refused.messages;
         EXPECT_THAT(refused.messages, HasSubstr(row.part));
-        EXPECT_FALSE(std::filesystem::exists(_folder.path("new.osg"))) << line;
-        EXPECT_FALSE(std::filesystem::exists(_folder.path("new.xml"))) << line;
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("new.osg"))) << line;
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("new.xml"))) << line;
     }
     EXPECT_EQ(run("copy " + house + "--from door --to gate_left -o none/a.osg --animation-out a.xml").code,
               4);
 }
 
 TEST_F(CopyPasteCommandTest, ANodeThatIsPassedByStaysAsItWas) {
-    _folder.write("mixed.osg", "#OSG V1.0\nDEF top Node { core Group { } children [\n"
-                               "  DEF part_a Node { core Transform3D { } }\n"
-                               "  DEF part_b Node { core ComponentTransform { } }\n] }\n");
+    _folder.put("mixed.osg", "#OSG V1.0\nDEF top Node { core Group { } children [\n"
+                             "  DEF part_a Node { core Transform3D { } }\n"
+                             "  DEF part_b Node { core ComponentTransform { } }\n] }\n");
     const ProgramRun pasted = runInto("paste mixed.osg --source move.bvh --from mover --to 'part*'");
     ASSERT_EQ(pasted.code, 0) << pasted.messages;
     EXPECT_THAT(pasted.messages, HasSubstr("passed by: 'top/part_b' "));

@@ -50,11 +50,11 @@ const std::string document = [] {
 class DiffTest : public ::testing::Test {
   protected:
     ProgramRun diff(const std::string& b, const std::vector<std::string>& more = {}) const {
-        _folder.write("a.xml", document);
-        _folder.write("b.xml", b);
+        _folder.put("a.xml", document);
+        _folder.put("b.xml", b);
         std::vector<std::string> words{"diff", "a.xml", "b.xml"};
         words.insert(words.end(), more.begin(), more.end());
-        return runKaAnim(words, _folder.path(""));
+        return runKaAnim(words, _folder.at(""));
     }
 
     TemporaryFolder _folder;
@@ -167,36 +167,36 @@ TEST_F(DiffTest, NodesAreComparedWhereBothHaveAScene) {
         return "#OSG V1.0 \nDEF Root Node { core Group { } children [" + nodes + "] }\n";
     };
     const std::string arm = "DEF Arm Node { core Transform3D { translation 1 2 3 } }";
-    _folder.write("a.osg", scene(arm + " DEF Leg Node { core Transform3D { } }"));
-    _folder.write(
+    _folder.put("a.osg", scene(arm + " DEF Leg Node { core Transform3D { } }"));
+    _folder.put(
         "b.osg",
         scene("DEF Arm Node { core Transform3D { translation 1 2 4 } } DEF Tail Node { core Group { } }"));
-    const ProgramRun run = runKaAnim({"diff", "a.osg", "b.osg"}, _folder.path(""));
+    const ProgramRun run = runKaAnim({"diff", "a.osg", "b.osg"}, _folder.at(""));
     EXPECT_EQ(run.code, 1);
     EXPECT_EQ(run.output, "3 differences of structure (A | B)\n"
                           "  node  Leg   only in A\n"
                           "  node  Tail  only in B\n"
                           "  node  Arm   translation  1 2 3 | 1 2 4\n");
-    EXPECT_EQ(runKaAnim({"diff", "a.osg", "a.osg"}, _folder.path("")).code, 0);
+    EXPECT_EQ(runKaAnim({"diff", "a.osg", "a.osg"}, _folder.at("")).code, 0);
 }
 
 TEST_F(DiffTest, AModelEqualsWhatItWasSavedAs) {
-    _folder.write("walk.bvh", shortCapture(97));
-    runKaAnim({"convert", "walk.bvh", "-o", "walk.osg", "--animation", "walk.xml"}, _folder.path(""));
+    _folder.put("walk.bvh", shortCapture(97));
+    runKaAnim({"convert", "walk.bvh", "-o", "walk.osg", "--animation", "walk.xml"}, _folder.at(""));
     // Six decimals of a frame, on segments that climb by some hundred degrees a frame.
     const ProgramRun run =
-        runKaAnim({"diff", "walk.bvh", "walk.osg", "--animation-b", "walk.xml"}, _folder.path(""));
+        runKaAnim({"diff", "walk.bvh", "walk.osg", "--animation-b", "walk.xml"}, _folder.at(""));
     EXPECT_EQ(run.code, 0) << run.output;
     EXPECT_THAT(run.messages, HasSubstr("96 curves compared"));
     // A scene without its document has none of the curves.
-    EXPECT_EQ(runKaAnim({"diff", "walk.bvh", "walk.osg"}, _folder.path("")).code, 1);
+    EXPECT_EQ(runKaAnim({"diff", "walk.bvh", "walk.osg"}, _folder.at("")).code, 1);
 }
 
 TEST_F(DiffTest, FilesThatCannotBeReadEndWithCodeThree) {
-    _folder.write("a.xml", document);
+    _folder.put("a.xml", document);
     for (const auto& words :
          {std::vector<std::string>{"diff", "a.xml", "none.xml"}, {"diff", "none.xml", "a.xml"}}) {
-        const ProgramRun run = runKaAnim(words, _folder.path(""));
+        const ProgramRun run = runKaAnim(words, _folder.at(""));
         EXPECT_EQ(run.code, 3);
         EXPECT_TRUE(run.isOneLine()) << run.messages;
     }
@@ -205,7 +205,7 @@ TEST_F(DiffTest, FilesThatCannotBeReadEndWithCodeThree) {
 /// The plain sampling of compared curves against the controller's own, at keys, between them and beyond.
 TEST(PlainCurve, GivesWhatTheControllerGives) {
     const TemporaryFolder folder;
-    const Project project({folder.write("a.xml", document), "", {}, {}});
+    const Project project({folder.put("a.xml", document), "", {}, {}});
     const ProjectSummary summary = summarize(project);
     ASSERT_EQ(summary.count(KA_TYPE_CURVE), 2U);
     for (const auto& object : summary.objects) {

@@ -118,7 +118,7 @@ double between(const Matrix& a, const Matrix& b) {
 }
 
 Capture readCapture(const std::string& path) {
-    std::istringstream text(testing::readFile(path));
+    std::istringstream text(testing::contentOf(path));
     Capture capture;
     std::vector<int> open;
     std::string word;

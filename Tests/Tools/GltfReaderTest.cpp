@@ -67,7 +67,7 @@ class GltfFile {
 
 ReadModel read(const std::string& text) {
     const testing::TemporaryFolder folder;
-    return readModel(folder.write("a.gltf", text), {512, 30.0});
+    return readModel(folder.put("a.gltf", text), {512, 30.0});
 }
 
 std::string failure(const std::string& text) {

@@ -36,14 +36,14 @@ class InfoTest : public ::testing::Test {
     ProgramRun info(const std::vector<std::string>& more) const {
         std::vector<std::string> words{"info"};
         words.insert(words.end(), more.begin(), more.end());
-        return runKaAnim(words, _folder.path(""));
+        return runKaAnim(words, _folder.at(""));
     }
 
     TemporaryFolder _folder;
 };
 
 TEST_F(InfoTest, ReadsWell) {
-    _folder.write("d.xml", document);
+    _folder.put("d.xml", document);
     const ProgramRun run = info({"d.xml"});
     EXPECT_EQ(run.messages, "");
     EXPECT_EQ(run.output, "d.xml\n"
@@ -65,7 +65,7 @@ TEST_F(InfoTest, ReadsWell) {
 }
 
 TEST_F(InfoTest, JsonHoldsCountsRangesAndCurvesByNode) {
-    _folder.write("d.xml", document);
+    _folder.put("d.xml", document);
     const auto result = nlohmann::json::parse(info({"d.xml", "--format", "json"}).output);
     EXPECT_EQ(result["counts"]["keys"], 3);
     EXPECT_EQ(result["counts"]["animatedFields"], 2);
@@ -81,19 +81,19 @@ TEST_F(InfoTest, JsonHoldsCountsRangesAndCurvesByNode) {
 }
 
 TEST_F(InfoTest, CurvesStandWithTheNodesThatTheyMoveInTheOrderOfTheScene) {
-    _folder.write("d.xml", document);
-    _folder.write("s.osg",
-                  "#OSG V1.0 \nDEF Root Node { core Group { } children [\n"
-                  "DEF Still Node { core Transform3D { } }\n"
-                  "DEF Arm Node { attachments [ AnimAttachment { objectIDs [ 31 ] fieldIDs [ 7 8 ] } ] "
-                  "core Transform3D { } } ] }\n");
+    _folder.put("d.xml", document);
+    _folder.put("s.osg",
+                "#OSG V1.0 \nDEF Root Node { core Group { } children [\n"
+                "DEF Still Node { core Transform3D { } }\n"
+                "DEF Arm Node { attachments [ AnimAttachment { objectIDs [ 31 ] fieldIDs [ 7 8 ] } ] "
+                "core Transform3D { } } ] }\n");
     const ProgramRun run = info({"s.osg", "--animation", "d.xml"});
     EXPECT_THAT(run.output,
                 HasSubstr("\nanimated nodes\n  Arm  translation XY  2 curves  3 keys  2 to 30\n"));
 }
 
 TEST_F(InfoTest, NothingIsNothing) {
-    _folder.write("d.xml", "<AnimationPool/>");
+    _folder.put("d.xml", "<AnimationPool/>");
     const ProgramRun run = info({"d.xml"});
     EXPECT_EQ(run.code, 0);
     EXPECT_THAT(run.output, HasSubstr("  curves     0\n"));

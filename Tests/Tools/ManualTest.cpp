@@ -21,8 +21,8 @@ class ManualTest : public ::testing::Test {
   protected:
     ManualTest() {
         describeProgram(_program, _none);
-        _folder.write("ka-anim.1", manPage(_program, "1.0.0"));
-        _folder.write("ka-anim.bash", bashCompletion(_program));
+        _folder.put("ka-anim.1", manPage(_program, "1.0.0"));
+        _folder.put("ka-anim.bash", bashCompletion(_program));
     }
 
     /// What bash offers at the end of a line of these words.
@@ -33,7 +33,7 @@ class ManualTest : public ::testing::Test {
         const ProgramRun run = runShell("source ./ka-anim.bash; COMP_WORDS=(ka-anim" + list +
                                             "); COMP_CWORD=" + std::to_string(words.size()) +
                                             "; _ka_anim; printf '%s\\n' \"${COMPREPLY[@]}\"",
-                                        _folder.path(""));
+                                        _folder.at(""));
         EXPECT_EQ(run.messages, "");
         std::istringstream lines(run.output);
         std::vector<std::string> offers;
@@ -63,7 +63,7 @@ std::string withoutSpace(std::string text) {
 }
 
 TEST_F(ManualTest, ThePageIsCleanRoff) {
-    const std::string page = readFile(_folder.path("ka-anim.1"));
+    const std::string page = contentOf(_folder.at("ka-anim.1"));
     EXPECT_EQ(page.rfind(".TH KA-ANIM 1 ", 0), 0U);
     std::istringstream lines(page);
     for (std::string line; std::getline(lines, line);)
@@ -74,7 +74,7 @@ TEST_F(ManualTest, ThePageIsCleanRoff) {
         }
     if (runShell("command -v groff", "/").code != 0)
         GTEST_SKIP() << "no groff here";
-    const ProgramRun shown = runShell("groff -man -Tutf8 -ww -rLL=500n ka-anim.1", _folder.path(""));
+    const ProgramRun shown = runShell("groff -man -Tutf8 -ww -rLL=500n ka-anim.1", _folder.at(""));
     EXPECT_EQ(shown.code, 0);
     EXPECT_EQ(shown.messages, "");
 }
@@ -83,7 +83,7 @@ TEST_F(ManualTest, ThePageShowsEveryCommandOptionAndExample) {
     if (runShell("command -v groff", "/").code != 0)
         GTEST_SKIP() << "no groff here";
     const ProgramRun shown =
-        runShell("groff -man -Tascii -P-c -P-b -P-u -rLL=500n ka-anim.1", _folder.path(""));
+        runShell("groff -man -Tascii -P-c -P-b -P-u -rLL=500n ka-anim.1", _folder.at(""));
     const std::string page = withoutSpace(shown.output);
     for (const CLI::App* command : commandsOf(_program)) {
         EXPECT_THAT(page, HasSubstr("ka-anim" + command->get_name()));
@@ -132,15 +132,15 @@ TEST_F(ManualTest, BashCompletesWhatFollowsAnOption) {
 }
 
 TEST_F(ManualTest, BashCompletesFilesWhateverTheirNames) {
-    _folder.write("a walk.bvh", "");
+    _folder.put("a walk.bvh", "");
     EXPECT_THAT(completed({"sample", "a w"}), ElementsAre("a walk.bvh"));
     EXPECT_THAT(completed({"sample", ""}), IsSupersetOf({"a walk.bvh", "ka-anim.1"}));
 }
 
 TEST_F(ManualTest, TheScriptTakesOverInBash) {
-    EXPECT_THAT(runShell("source ./ka-anim.bash; complete -p ka-anim", _folder.path("")).output,
+    EXPECT_THAT(runShell("source ./ka-anim.bash; complete -p ka-anim", _folder.at("")).output,
                 HasSubstr("complete -F _ka_anim ka-anim"));
-    EXPECT_EQ(runShell("bash -n ka-anim.bash", _folder.path("")).messages, "");
+    EXPECT_EQ(runShell("bash -n ka-anim.bash", _folder.at("")).messages, "");
 }
 
 } // namespace

@@ -50,13 +50,13 @@ TEST(ReadModel, SaysWhyInOneLine) {
     const auto reason = [&](const std::string& path) {
         return testing::failureOf([&] { readModel(path, limits); });
     };
-    EXPECT_THAT(reason(folder.path("none.bvh")), EndsWith("none.bvh: no such file"));
-    EXPECT_THAT(reason(folder.write("a.txt", "text")), EndsWith("a.txt: no reader for '.txt' files"));
-    EXPECT_THAT(reason(folder.write("plain", "text")),
+    EXPECT_THAT(reason(folder.at("none.bvh")), EndsWith("none.bvh: no such file"));
+    EXPECT_THAT(reason(folder.put("a.txt", "text")), EndsWith("a.txt: no reader for '.txt' files"));
+    EXPECT_THAT(reason(folder.put("plain", "text")),
                 EndsWith("plain: no extension tells what kind of model it is"));
-    EXPECT_THAT(reason(folder.write("a.glb", "text")), HasSubstr("a.glb: not readable as glTF"));
-    EXPECT_THAT(reason(folder.write("a.gltf", "{")), HasSubstr("a.gltf: not readable as glTF"));
-    EXPECT_THAT(reason(folder.write("a.fbx", "text")), StartsWith(folder.path("a.fbx") + ": "));
+    EXPECT_THAT(reason(folder.put("a.glb", "text")), HasSubstr("a.glb: not readable as glTF"));
+    EXPECT_THAT(reason(folder.put("a.gltf", "{")), HasSubstr("a.gltf: not readable as glTF"));
+    EXPECT_THAT(reason(folder.put("a.fbx", "text")), StartsWith(folder.at("a.fbx") + ": "));
 }
 
 TEST(ReadModel, NothingThatAFileDoesReachesUs) {
@@ -89,7 +89,7 @@ std::string nested(int levels) {
 
 TEST(ReadModel, SurvivesAReaderThatOverflowsItsStack) {
     const testing::TemporaryFolder folder;
-    const std::string path = folder.write("deep.dae", nested(200000));
+    const std::string path = folder.put("deep.dae", nested(200000));
     EXPECT_THAT(testing::failureOf([&] { readModel(path, limits); }), StartsWith(path + ": "));
 }
 
@@ -97,7 +97,7 @@ TEST(ReadModel, RefusesToLeadAReaderOutOfItsFolder) {
     const testing::TemporaryFolder folder;
     const std::string text =
         R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":4,"uri":"../../../../../../../../etc/passwd"}]})";
-    const std::string path = folder.write("a.gltf", text);
+    const std::string path = folder.put("a.gltf", text);
     EXPECT_THAT(testing::failureOf([&] { readModel(path, limits); }),
                 StartsWith(path + ": not readable as glTF"));
 }

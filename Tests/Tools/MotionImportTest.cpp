@@ -30,7 +30,7 @@ class MotionImportTest : public ::testing::Test {
     static std::unique_ptr<Project> emptyProject() {
         const testing::TemporaryFolder folder;
         ProjectFiles files;
-        files.file = folder.write(
+        files.file = folder.put(
             "empty.bvh",
             "HIERARCHY ROOT empty\n{ OFFSET 0 0 0 CHANNELS 0 }\nMOTION\nFrames: 0\nFrame Time: 1\n");
         return std::make_unique<Project>(files);

@@ -14,10 +14,10 @@ using ::testing::HasSubstr;
 
 TEST(ReplaceFile, WritesAWholeFileOrSaysWhyNot) {
     const testing::TemporaryFolder folder;
-    replaceFile(folder.path("a.txt"), "text");
-    EXPECT_EQ(testing::readFile(folder.path("a.txt")), "text");
+    replaceFile(folder.at("a.txt"), "text");
+    EXPECT_EQ(testing::contentOf(folder.at("a.txt")), "text");
     try {
-        replaceFile(folder.path("none/a.txt"), "text");
+        replaceFile(folder.at("none/a.txt"), "text");
         FAIL();
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.code(), ExitCode::OutputFailed);

@@ -55,13 +55,13 @@ constexpr const char* show = R"(<!DOCTYPE ORVA>
 class PlayTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        _folder.write("slide.bvh", slide());
-        _folder.write("walk.bvh", shortCapture(97));
+        _folder.put("slide.bvh", slide());
+        _folder.put("walk.bvh", shortCapture(97));
     }
 
     ProgramRun play(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), "play");
-        return runKaAnim(arguments, _folder.path(""));
+        return runKaAnim(arguments, _folder.at(""));
     }
 
     /// The messages of a run with `--format json`.
@@ -216,7 +216,7 @@ TEST_F(PlayTest, AnObjectByItselfPlaysWithoutTheTimeline) {
 }
 
 TEST_F(PlayTest, TellsWhichSequencesFire) {
-    _folder.write("show.xml", show);
+    _folder.put("show.xml", show);
     EXPECT_THAT(play({"show.xml", "--frames", "100", "--verbose"}).output,
                 HasSubstr("currentFullFrameChanged frame=3\nsequence door opens\nframe 3\n"));
     std::vector<std::size_t> fired;
@@ -231,7 +231,7 @@ TEST_F(PlayTest, TellsWhichSequencesFire) {
 }
 
 TEST_F(PlayTest, RefusesWhatWouldPlayForeverWithoutMovingOn) {
-    _folder.write("show.xml", show);
+    _folder.put("show.xml", show);
     const ProgramRun empty = play({"show.xml", "--object", "empty"});
     EXPECT_EQ(empty.code, 2);
     EXPECT_EQ(empty.messages, "ka-anim: 'empty' holds nothing to play\n");
@@ -270,15 +270,15 @@ TEST_F(PlayTest, MistakesGetOneLineAndCodeTwo) {
 }
 
 TEST_F(PlayTest, AModelWithoutMotionEndsAtOnce) {
-    _folder.write("still.bvh", "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 0 }\nMOTION\nFrames: 0\nFrame "
-                               "Time: 1\n");
+    _folder.put("still.bvh", "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 0 }\nMOTION\nFrames: 0\nFrame "
+                             "Time: 1\n");
     const ProgramRun run = play({"still.bvh"});
     EXPECT_EQ(run.code, 0);
     EXPECT_THAT(run.messages, HasSubstr("finished at frame 0 after 1 tick,"));
 }
 
 TEST_F(PlayTest, InterruptingItEndsTheOutputInOrder) {
-    RunningProgram program({"play", "slide.bvh", "--repeat", "--format", "json"}, _folder.path(""),
+    RunningProgram program({"play", "slide.bvh", "--repeat", "--format", "json"}, _folder.at(""),
                            RunningProgram::Streams::Pipe);
     program.readUntil([](const std::string& seen) { return std::count(seen.begin(), seen.end(), '\n') > 3; });
     program.interrupt();
@@ -289,7 +289,7 @@ TEST_F(PlayTest, InterruptingItEndsTheOutputInOrder) {
 }
 
 TEST_F(PlayTest, OnATerminalOneLineTellsTheFrameUntilCtrlC) {
-    RunningProgram program({"play", "slide.bvh", "--repeat"}, _folder.path(""),
+    RunningProgram program({"play", "slide.bvh", "--repeat"}, _folder.at(""),
                            RunningProgram::Streams::Terminal);
     program.readUntil([](const std::string& seen) { return std::count(seen.begin(), seen.end(), '\r') > 3; });
     EXPECT_THAT(program.seen(), StartsWith("\rplaying: frame 0 (0 to 20)\033[K\rplaying: frame "));
@@ -304,7 +304,7 @@ TEST_F(PlayTest, OnATerminalOneLineTellsTheFrameUntilCtrlC) {
 }
 
 TEST_F(PlayTest, LinesOnATerminalAreNotMixedWithTheLiveOne) {
-    RunningProgram program({"play", "slide.bvh", "--frames", "5", "--verbose"}, _folder.path(""),
+    RunningProgram program({"play", "slide.bvh", "--frames", "5", "--verbose"}, _folder.at(""),
                            RunningProgram::Streams::Terminal);
     EXPECT_EQ(program.finish(), 0);
     EXPECT_THAT(program.seen(), HasSubstr("frame 4\r\n"));

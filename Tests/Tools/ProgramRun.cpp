@@ -32,11 +32,11 @@ ProgramRun run(const std::vector<std::string>& words, const std::string& folder)
     const TemporaryFolder files;
     const pid_t child = fork();
     if (child == 0)
-        runChild(words, folder, files.path("out"), files.path("err"));
+        runChild(words, folder, files.at("out"), files.at("err"));
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(files.path("out")),
-            readFile(files.path("err"))};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(files.at("out")),
+            contentOf(files.at("err"))};
 }
 
 } // namespace

@@ -21,12 +21,12 @@ const char* const commands[] = {"import", "convert", "info", "validate", "diff",
 class ProgramTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        _folder.write("walk.bvh", shortCapture(97));
-        _folder.write("door.osg", readFile(std::string(KA_LIFE_DATA) + "/one_curve.osg"));
+        _folder.put("walk.bvh", shortCapture(97));
+        _folder.put("door.osg", contentOf(std::string(KA_LIFE_DATA) + "/one_curve.osg"));
     }
 
     ProgramRun run(const std::vector<std::string>& arguments) const {
-        return runKaAnim(arguments, _folder.path(""));
+        return runKaAnim(arguments, _folder.at(""));
     }
 
     /// The run fails with one line and this code.
@@ -56,7 +56,7 @@ class HelpOf : public ProgramTest, public ::testing::WithParamInterface<const ch
     void SetUp() override {
         ProgramTest::SetUp();
         ASSERT_EQ(run({"convert", "walk.bvh", "-o", "walk.osg", "--animation", "walk.xml"}).code, 0);
-        _folder.write("copy.xml", readFile(_folder.path("walk.xml")));
+        _folder.put("copy.xml", contentOf(_folder.at("walk.xml")));
     }
 };
 
@@ -69,7 +69,7 @@ TEST_P(HelpOf, HasExamplesThatRun) {
         if (line.rfind("  ka-anim ", 0) != 0)
             continue;
         ++examples;
-        const ProgramRun example = runShell(line, _folder.path(""));
+        const ProgramRun example = runShell(line, _folder.at(""));
         EXPECT_EQ(example.code, 0) << line << "\n" << example.messages;
     }
     EXPECT_GE(examples, 2U);
@@ -95,9 +95,9 @@ TEST_F(ProgramTest, MistakesInTheLineGetOneLineAndCodeTwo) {
 }
 
 TEST_F(ProgramTest, InputsThatCannotBeReadGetOneLineAndCodeThree) {
-    _folder.write("broken.bvh", "HIERARCHY\nROOT\n");
-    _folder.write("broken.glb", "glTF");
-    _folder.write("notes.txt", "text");
+    _folder.put("broken.bvh", "HIERARCHY\nROOT\n");
+    _folder.put("broken.glb", "glTF");
+    _folder.put("notes.txt", "text");
     for (const char* command : {"import", "sample"}) {
         expectFailure({command, "none.bvh"}, 3, "none.bvh: no such file");
         expectFailure({command, "broken.bvh"}, 3, "broken.bvh:2:5: a joint without a name");
@@ -110,19 +110,19 @@ TEST_F(ProgramTest, InputsThatCannotBeReadGetOneLineAndCodeThree) {
 TEST_F(ProgramTest, OutputsThatCannotBeWrittenGetOneLineAndCodeFour) {
     expectFailure({"plot", "walk.bvh", "-o", "none/curves.png"}, 4, "none");
     expectFailure({"render", "walk.bvh", "-o", "/dev/full"}, 4, "/dev/full");
-    _folder.write("file", "");
+    _folder.put("file", "");
     expectFailure({"demo", "walk.bvh", "-o", "file/out"}, 4, "file/out");
 }
 
 TEST_F(ProgramTest, AClosedPipeEndsWithOneLineAndCodeFour) {
     const ProgramRun result =
-        runShell("ka-anim sample walk.bvh | true; exit ${PIPESTATUS[0]}", _folder.path(""));
+        runShell("ka-anim sample walk.bvh | true; exit ${PIPESTATUS[0]}", _folder.at(""));
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(result.messages, "ka-anim: standard output was closed by its reader\n");
-    const ProgramRun full = runShell("ka-anim --help > /dev/full", _folder.path(""));
+    const ProgramRun full = runShell("ka-anim --help > /dev/full", _folder.at(""));
     EXPECT_EQ(full.code, 4);
     EXPECT_TRUE(full.isOneLine()) << full.messages;
-    EXPECT_EQ(runShell("ka-anim --help >&-", _folder.path("")).code, 4);
+    EXPECT_EQ(runShell("ka-anim --help >&-", _folder.at("")).code, 4);
 }
 
 TEST_F(ProgramTest, SamplePrintsEveryStepOfACurve) {
@@ -170,13 +170,13 @@ TEST_F(ProgramTest, PicturesArePngFiles) {
     EXPECT_EQ(run({"plot", "walk.bvh", "-o", "curves.png", "--width", "400"}).code, 0);
     EXPECT_EQ(run({"render", "walk.bvh", "-o", "figure.png", "--width", "400", "--count", "2"}).code, 0);
     for (const char* name : {"curves.png", "figure.png"})
-        EXPECT_EQ(readFile(_folder.path(name)).substr(1, 3), "PNG") << name;
+        EXPECT_EQ(contentOf(_folder.at(name)).substr(1, 3), "PNG") << name;
 }
 
 TEST_F(ProgramTest, ImportReportsAndIsStrictOnlyWhenAsked) {
-    _folder.write("damaged.bvh",
-                  "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 1 Xposition }\nMOTION\nFrames: 3\nFrame "
-                  "Time: 1\n1\nnan\n3\n");
+    _folder.put("damaged.bvh",
+                "HIERARCHY ROOT a\n{ OFFSET 0 0 0 CHANNELS 1 Xposition }\nMOTION\nFrames: 3\nFrame "
+                "Time: 1\n1\nnan\n3\n");
     const ProgramRun lenient = run({"import", "damaged.bvh", "--json"});
     EXPECT_EQ(lenient.code, 0);
     const auto report = nlohmann::json::parse(lenient.output);
@@ -211,22 +211,22 @@ TEST_F(ProgramTest, AnImportWritesBothFilesOrNone) {
     expectFailure({"import", "walk.bvh", "-o", "half.txt", "--animation", "half.xml"}, 2, "half.txt");
     expectFailure({"import", "walk.bvh", "-o", "half.osg", "--animation", "none/half.xml"}, 4,
                   "none/half.xml");
-    EXPECT_FALSE(std::filesystem::exists(_folder.path("half.osg")));
-    EXPECT_FALSE(std::filesystem::exists(_folder.path("half.xml")));
+    EXPECT_FALSE(std::filesystem::exists(_folder.at("half.osg")));
+    EXPECT_FALSE(std::filesystem::exists(_folder.at("half.xml")));
 }
 
 TEST_F(ProgramTest, AHostileModelCannotTakeTheProgramDown) {
     std::string deep = "{\"asset\":{\"version\":\"2.0\"},\"nodes\":[";
     for (int i = 0; i < 20000; ++i)
         deep += "{\"children\":[" + std::to_string(i + 1) + "]},";
-    _folder.write("deep.gltf", deep + "{}]}");
+    _folder.put("deep.gltf", deep + "{}]}");
     expectFailure({"import", "deep.gltf"}, 3, "nested deeper than 500 levels");
 }
 
 TEST_F(ProgramTest, NumbersDoNotDependOnTheLocale) {
     const std::string line = "ka-anim sample walk.bvh --curve Hips.translationX --to 3";
-    EXPECT_EQ(runShell("LC_ALL=de_DE.UTF-8 " + line, _folder.path("")).output,
-              runShell(line, _folder.path("")).output);
+    EXPECT_EQ(runShell("LC_ALL=de_DE.UTF-8 " + line, _folder.at("")).output,
+              runShell(line, _folder.at("")).output);
 }
 
 } // namespace

@@ -27,7 +27,7 @@ class ReaderProcessTest : public ::testing::Test {
     }
 
     testing::TemporaryFolder _temporary;
-    ConfinedFolder _folder{_temporary.write("a.x", "model")};
+    ConfinedFolder _folder{_temporary.put("a.x", "model")};
     Motion _motion;
 };
 
@@ -90,7 +90,7 @@ TEST_F(ReaderProcessTest, StopsAReaderThatEatsMemory) {
 }
 
 TEST_F(ReaderProcessTest, ConfinesTheReaderToTheFolder) {
-    const std::string inside = _temporary.path("a.x");
+    const std::string inside = _temporary.at("a.x");
     const auto opens = [&](const std::string& path, int flags) {
         const std::string answer = outcome([&]() -> Motion {
             const int file = open(path.c_str(), flags, 0600);
@@ -102,7 +102,7 @@ TEST_F(ReaderProcessTest, ConfinesTheReaderToTheFolder) {
     if (opens("/etc/passwd", O_RDONLY))
         GTEST_SKIP() << "this kernel cannot confine a process; the readers' file handlers must do";
     EXPECT_FALSE(opens(inside, O_WRONLY));
-    EXPECT_FALSE(opens(_temporary.path("new"), O_WRONLY | O_CREAT));
+    EXPECT_FALSE(opens(_temporary.at("new"), O_WRONLY | O_CREAT));
 }
 
 TEST_F(ReaderProcessTest, KeepsTheReadersChatterOffOurStreams) {

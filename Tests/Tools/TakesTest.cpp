@@ -69,7 +69,7 @@ std::multimap<unsigned int, std::string> blocksOf(const kaAnimationStrip& clip) 
 TEST(Takes, EachAnimationOfAFileIsAClipWithABlockForEachNodeItMoves) {
     const testing::TemporaryFolder folder;
     ProjectFiles files;
-    files.file = folder.write("takes.gltf", threeTakes());
+    files.file = folder.put("takes.gltf", threeTakes());
     const Project project(files);
     std::map<std::string, const kaAnimationStrip*> clips;
     for (const kaAnimationStrip* clip : kaAnimationManager::the()->getSceneStrips())
@@ -87,7 +87,7 @@ TEST(Takes, EachAnimationOfAFileIsAClipWithABlockForEachNodeItMoves) {
 TEST(Takes, EachPlaysAsItsAnimationMeansIt) {
     const testing::TemporaryFolder folder;
     ProjectFiles files;
-    files.file = folder.write("takes.gltf", threeTakes());
+    files.file = folder.put("takes.gltf", threeTakes());
     const Project project(files);
     const auto placeAt = [&](const char* take, float frame) {
         evaluate(project.playable(take), frame);
@@ -103,14 +103,14 @@ TEST(Takes, EachPlaysAsItsAnimationMeansIt) {
 
 TEST(Takes, AreCountedAndPlayedByName) {
     const testing::TemporaryFolder folder;
-    folder.write("takes.gltf", threeTakes());
+    folder.put("takes.gltf", threeTakes());
     const auto report =
-        json::parse(testing::runKaAnim({"import", "takes.gltf", "--json"}, folder.path("")).output);
+        json::parse(testing::runKaAnim({"import", "takes.gltf", "--json"}, folder.at("")).output);
     EXPECT_EQ(report["clips"], 3);
     EXPECT_EQ(report["blocks"], 4);
     EXPECT_EQ(report["curves"], 12);
     const testing::ProgramRun run =
-        testing::runKaAnim({"play", "takes.gltf", "--object", "run", "--frames", "1000"}, folder.path(""));
+        testing::runKaAnim({"play", "takes.gltf", "--object", "run", "--frames", "1000"}, folder.at(""));
     EXPECT_EQ(run.messages, "ka-anim: finished at frame 51 after 52 ticks\n");
 }
 

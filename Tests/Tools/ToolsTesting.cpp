@@ -1,34 +1,8 @@
 #include "ToolsTesting.h"
 
-#include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 namespace ka::tools::testing {
-
-namespace fs = std::filesystem;
-
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "ka-tools-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-        std::abort();
-    _path = fs::canonical(name);
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(_path, ignored);
-}
-
-std::string TemporaryFolder::write(const std::string& name, const std::string& bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-    return path(name);
-}
-
-std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::string shortCapture(int frames) {
     std::ifstream file(modelPath("BVH/01_01.bvh"));

@@ -1,29 +1,14 @@
 #pragma once
 
+#include "TemporaryFolder.h"
 #include "import/Motion.h"
 
-#include <filesystem>
 #include <string>
 
 namespace ka::tools::testing {
 
-/// A folder of its own for one test, gone with the object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    ~TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string path(const std::string& name) const { return (_path / name).string(); }
-    /// Writes a file and gives its path.
-    std::string write(const std::string& name, const std::string& bytes) const;
-
-  private:
-    std::filesystem::path _path;
-};
-
-std::string readFile(const std::string& path);
+using ka_test::contentOf;
+using ka_test::TemporaryFolder;
 
 /// The message of the Failure that `action` throws, "no failure" when it does not.
 template <class Action>

@@ -28,13 +28,13 @@ class UpgradeTest : public ::testing::Test {
     void SetUp() override { osg::osgInit(0, nullptr); }
 
     std::string older(const std::string& name) const {
-        return _folder.write(name, readFile(std::string(KA_LIFE_DATA) + "/" + name));
+        return _folder.put(name, contentOf(std::string(KA_LIFE_DATA) + "/" + name));
     }
 
     ProgramRun upgrade(const std::string& file, const std::vector<std::string>& more = {}) const {
         std::vector<std::string> words{"upgrade", file, "-o", "new.osg", "--animation", "new.xml"};
         words.insert(words.end(), more.begin(), more.end());
-        return runKaAnim(words, _folder.path(""));
+        return runKaAnim(words, _folder.at(""));
     }
 
     nlohmann::json report(const std::string& file) const {
@@ -105,7 +105,7 @@ TEST_F(UpgradeTest, SaysWhatWasLeftOutAndWhy) {
 }
 
 TEST_F(UpgradeTest, CountsPointsThatALaterOneReplaces) {
-    _folder.write("twice.osg", R"(#OSG V1.0
+    _folder.put("twice.osg", R"(#OSG V1.0
         DEF box Node { core Transform3D { } attachments [ AnimationAttachment { blocks [ ] } ]
           children [ DEF lid Node { core Transform3D { } attachments [ AnimationAttachment { blocks [
             AnimationBlock { node USE lid curves [ AnimationCurve { attribute "rotateX" node USE lid points [
@@ -133,9 +133,9 @@ TEST_F(UpgradeTest, PutsTheCamerasAnimationWhereItIsAsked) {
 TEST_F(UpgradeTest, LeavesNothingToUpgrade) {
     older("camera_and_clips.osg");
     upgrade("camera_and_clips.osg");
-    EXPECT_THAT(readFile(_folder.path("new.osg")), Not(HasSubstr("AnimationAttachment")));
+    EXPECT_THAT(contentOf(_folder.at("new.osg")), Not(HasSubstr("AnimationAttachment")));
     const ProgramRun again =
-        runKaAnim({"upgrade", "new.osg", "-o", "newer.osg", "--animation", "newer.xml"}, _folder.path(""));
+        runKaAnim({"upgrade", "new.osg", "-o", "newer.osg", "--animation", "newer.xml"}, _folder.at(""));
     EXPECT_EQ(again.code, 0);
     EXPECT_THAT(again.output, HasSubstr("0 curves            became 0 curves"));
 }
@@ -143,11 +143,11 @@ TEST_F(UpgradeTest, LeavesNothingToUpgrade) {
 TEST_F(UpgradeTest, GivesTheSameFilesOnEveryRun) {
     older("camera_and_clips.osg");
     upgrade("camera_and_clips.osg");
-    const std::string scene = readFile(_folder.path("new.osg"));
-    const std::string document = readFile(_folder.path("new.xml"));
+    const std::string scene = contentOf(_folder.at("new.osg"));
+    const std::string document = contentOf(_folder.at("new.xml"));
     upgrade("camera_and_clips.osg");
-    EXPECT_EQ(readFile(_folder.path("new.osg")), scene);
-    EXPECT_EQ(readFile(_folder.path("new.xml")), document);
+    EXPECT_EQ(contentOf(_folder.at("new.osg")), scene);
+    EXPECT_EQ(contentOf(_folder.at("new.xml")), document);
 }
 
 TEST_F(UpgradeTest, ShowsABarOnATerminalOnly) {
@@ -155,7 +155,7 @@ TEST_F(UpgradeTest, ShowsABarOnATerminalOnly) {
     EXPECT_EQ(upgrade("one_curve.osg").messages, "");
     const ProgramRun terminal =
         runShell("script -qec 'ka-anim upgrade one_curve.osg -o new.osg --animation new.xml' /dev/null",
-                 _folder.path(""));
+                 _folder.at(""));
     EXPECT_EQ(terminal.code, 0);
     EXPECT_THAT(terminal.output, HasSubstr("upgrading ["));
     EXPECT_THAT(terminal.output, HasSubstr("100 %"));
@@ -163,8 +163,8 @@ TEST_F(UpgradeTest, ShowsABarOnATerminalOnly) {
 
 TEST_F(UpgradeTest, RefusesInOneLineAndWritesNothing) {
     older("one_curve.osg");
-    _folder.write("walk.bvh", "HIERARCHY");
-    _folder.write("damaged.osg", "#OSG V1.0\nNode { core");
+    _folder.put("walk.bvh", "HIERARCHY");
+    _folder.put("damaged.osg", "#OSG V1.0\nNode { core");
     struct Row {
         std::vector<std::string> words;
         int code;
@@ -180,16 +180,16 @@ TEST_F(UpgradeTest, RefusesInOneLineAndWritesNothing) {
         {{"one_curve.osg", "-o", "a.osg", "--animation", "none/a.xml"}, 4, "none"},
         {{"one_curve.osg", "-o", "none/a.osg", "--animation", "a.xml"}, 4, "none"},
         {{"one_curve.osg", "-o", "folder.osg", "--animation", "a.xml"}, 4, "folder.osg"}};
-    std::filesystem::create_directory(_folder.path("folder.osg"));
+    std::filesystem::create_directory(_folder.at("folder.osg"));
     for (const Row& row : rows) {
         std::vector<std::string> words{"upgrade"};
         words.insert(words.end(), row.words.begin(), row.words.end());
-        const ProgramRun run = runKaAnim(words, _folder.path(""));
+        const ProgramRun run = runKaAnim(words, _folder.at(""));
         EXPECT_EQ(run.code, row.code) << run.messages;
         EXPECT_TRUE(run.isOneLine()) << run.messages;
         EXPECT_THAT(run.messages, HasSubstr(row.part));
-        EXPECT_FALSE(std::filesystem::exists(_folder.path("a.osg"))) << row.part;
-        EXPECT_FALSE(std::filesystem::exists(_folder.path("a.xml"))) << row.part;
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("a.osg"))) << row.part;
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("a.xml"))) << row.part;
     }
 }
 
@@ -209,8 +209,8 @@ class UpgradePlaybackTest : public UpgradeTest,
 
     void openUpgraded() {
         ProjectFiles files;
-        files.file = _folder.path("new.osg");
-        files.animation = _folder.path("new.xml");
+        files.file = _folder.at("new.osg");
+        files.animation = _folder.at("new.xml");
         _upgraded = std::make_unique<Project>(files);
         for (const osg::NodePtr& node : nodesBelow(_upgraded->root()))
             _nodes[nodeName(node)] = node;
@@ -247,11 +247,11 @@ class UpgradePlaybackTest : public UpgradeTest,
 TEST_P(UpgradePlaybackTest, PlaysAsTheOlderContainersSayFrameByFrame) {
     osg::NodePtr scene = ka_older::makeScene(GetParam().second);
     osg::addRefCP(scene);
-    ASSERT_TRUE(osg::SceneFileHandler::the().write(scene, _folder.path("old.osg")));
+    ASSERT_TRUE(osg::SceneFileHandler::the().write(scene, _folder.at("old.osg")));
     osg::subRefCP(scene);
     const ProgramRun run = upgrade("old.osg");
     ASSERT_EQ(run.code, 0) << run.messages;
-    readOlder(_folder.path("old.osg"));
+    readOlder(_folder.at("old.osg"));
     openUpgraded();
 
     osg::NodePtr top = topOf(_older);

@@ -83,10 +83,10 @@ std::string document(const Lines& elements) {
 class ValidateTest : public ::testing::Test {
   protected:
     ProgramRun validate(const std::string& text, const std::vector<std::string>& more = {}) const {
-        _folder.write("d.xml", text);
+        _folder.put("d.xml", text);
         std::vector<std::string> arguments{"validate", "d.xml"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        return runKaAnim(arguments, _folder.path(""));
+        return runKaAnim(arguments, _folder.at(""));
     }
 
     void expectFindings(const std::string& text, const Lines& lines) const {
@@ -317,9 +317,9 @@ TEST_F(ValidateTest, WhatIsNotWellFormedIsAFindingWithItsPlace) {
 }
 
 TEST_F(ValidateTest, FilesThatCannotBeReadEndWithCodeThree) {
-    _folder.write("empty.xml", "");
+    _folder.put("empty.xml", "");
     for (const char* name : {"none.xml", "empty.xml", "."}) {
-        const ProgramRun run = runKaAnim({"validate", name}, _folder.path(""));
+        const ProgramRun run = runKaAnim({"validate", name}, _folder.at(""));
         EXPECT_EQ(run.code, 3) << name;
         EXPECT_EQ(run.output, "") << name;
         EXPECT_TRUE(run.isOneLine()) << run.messages;
@@ -347,8 +347,8 @@ TEST_F(ValidateTest, ASceneMustKnowTheDocumentsFields) {
         return "#OSG V1.0 \nDEF Arm Node { attachments [ AnimAttachment { objectIDs [" + objects +
                "] fieldIDs [" + fields + "] } ] core Transform3D { } }\n";
     };
-    _folder.write("fits.osg", scene("31", "7"));
-    _folder.write("other.osg", scene("99 7", "8"));
+    _folder.put("fits.osg", scene("31", "7"));
+    _folder.put("other.osg", scene("99 7", "8"));
     EXPECT_EQ(validate(document(soundElements()), {"--scene", "fits.osg"}).output, "");
     EXPECT_EQ(validate(document(soundElements()), {"--scene", "other.osg"}).output,
               "d.xml:6: curve 21: no node of the scene lists its field 7: it moves nothing\n"
