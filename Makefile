@@ -24,15 +24,15 @@ demo: build-release ## import a real motion, play it and draw it into out/
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release ## build everything and run all tests
+test: test-release programme ## build everything, run all tests and the hardening programme: what CI runs
 
-# Seconds for each fuzzer; two run at a time.
+# Seconds for each fuzzer.
 FUZZ_SECONDS ?= 60
 .PHONY: programme torture
-programme: test-sanitize build-release ## all tests under the sanitizers, then fuzzers, locales, bad disks and valgrind
+programme: test-sanitize build-release ## all tests under the sanitizers, fuzzers, random edits, locales, bad disks, valgrind
 	scripts/programme.sh build/sanitize build/release $(FUZZ_SECONDS)
 
-# Minutes for each fuzzer; two run at a time.
+# Minutes for each fuzzer.
 FUZZ_MINUTES ?= 60
 torture: build-sanitize build-release ## the hardening programme at length: FUZZ_MINUTES=60 a fuzzer
 	scripts/torture.sh build/sanitize build/release $(FUZZ_MINUTES)

@@ -1,71 +1,65 @@
 #!/usr/bin/env bash
-# The part of the hardening programme that runs beside the test suites: fuzzers on a build of the sanitize preset,
-# locales, bad disks and valgrind on one of the release preset, where they meet what users run.
+# The part of the hardening programme that runs beside the test suites: fuzzers on a build of the sanitize preset; random
+# edits at full size, locales, bad disks and valgrind on one of the release preset, where they meet what users run.
 # usage: programme.sh SANITIZE_BUILD RELEASE_BUILD [SECONDS_PER_FUZZER]     default: 60
-# Needs root for the full disk; without it that part says so and is passed over.
+# Runs as many parts at a time as there are processors. Needs root for the full disk; without it that part says so and is
+# passed over.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build=$(realpath "$1")
 release=$(realpath "$2")
 seconds=${3:-60}
-passed=0
-failed=0
+logs=$build/programme
+rm -rf "$logs"
+mkdir -p "$logs"
+trap 'kill $(jobs -rp) 2>/dev/null || true' EXIT
 
-# report NAME COMMAND...: runs the command, counts it and shows its output when it fails.
-report() {
-    local name=$1
+# run NAME COMMAND...: runs the command and tells how it went; what it printed, when it failed.
+run() {
+    local name=$1 begin=$SECONDS
     shift
-    local log=$build/programme-$name.log
-    if "$@" >"$log" 2>&1; then
-        echo "ok      $name"
-        passed=$((passed + 1))
+    if "$@" >"$logs/$name.log" 2>&1; then
+        echo "ok      $name, $((SECONDS - begin)) s"
+        touch "$logs/$name.passed"
     else
-        echo "FAILED  $name"
-        tail -n 40 "$log"
-        failed=$((failed + 1))
+        echo "FAILED  $name, $((SECONDS - begin)) s"
+        tail -n 40 "$logs/$name.log"
     fi
+}
+
+# start NAME COMMAND...: runs the command beside others once a processor is free.
+started=0
+start() {
+    while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do
+        wait -n || true
+    done
+    started=$((started + 1))
+    run "$@" &
 }
 
 fuzz() {
     local target=$1
     local found=$build/fuzz/$target
     mkdir -p "$found/new"
-    (cd "$found" && "$build/bin/ka-fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=4096 \
-        -max_len=65536 -print_final_stats=1 -artifact_prefix="$found/crash-" "$found/new" \
-        "$here/Tests/Fuzz/corpus/$target")
-}
-
-fuzz_two() {
-    fuzz "$1" >"$build/programme-fuzz-$1.log" 2>&1 &
-    local first=$!
-    local status=0
-    fuzz "$2" >"$build/programme-fuzz-$2.log" 2>&1 || status=$?
-    wait "$first" || status=$?
-    return "$status"
+    cd "$found"
+    "$build/bin/ka-fuzz-$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=4096 -max_len=65536 \
+        -print_final_stats=1 -artifact_prefix="$found/crash-" "$found/new" "$here/Tests/Fuzz/corpus/$target"
 }
 
 in_locale() {
     local locale=$1
     local folder=$build/locales
     mkdir -p "$folder"
-    [ -d "$folder/$locale" ] || localedef -i "${locale%.*}" -f UTF-8 "$folder/$locale"
+    [ -d "$folder/$locale" ] || localedef -i "${locale%.*}" -f UTF-8 "$folder/$locale" || return 1
+    local failed=0
     for program in "$release"/bin/ka-test-*; do
         case $program in
             *-faults | *-model | *-gallery) continue ;; # nothing of theirs is read or written as text
         esac
-        LOCPATH=$folder LC_ALL=$locale "$program" --gtest_brief=1
+        LOCPATH=$folder LC_ALL=$locale "$program" --gtest_brief=1 || failed=1
     done
-}
-
-# Two at a time: each test program keeps one processor busy.
-in_locales() {
-    in_locale "$1" >"$build/programme-locale-$1.log" 2>&1 &
-    local first=$!
-    local status=0
-    in_locale "$2" || status=$?
-    wait "$first" || { status=$?; tail -n 40 "$build/programme-locale-$1.log"; }
-    return "$status"
+    return "$failed"
 }
 
 # An older scene from its upgrade to its being saved again: no read of memory that nobody wrote.
@@ -73,19 +67,26 @@ under_valgrind() {
     local folder
     folder=$(mktemp -d)
     local checked=(valgrind --quiet --error-exitcode=99 "$release/bin/ka-anim")
-    "${checked[@]}" upgrade "$here/Tests/Life/data/camera_and_clips.osg" -o "$folder/scene.osg" --animation "$folder/document.xml"
-    "${checked[@]}" convert "$folder/scene.osg" "$folder/document.xml" -o "$folder/again.osg" \
-        --animation "$folder/again.xml"
-    "${checked[@]}" play "$folder/scene.osg" --animation "$folder/document.xml" --frames 100
+    local failed=0
+    "${checked[@]}" upgrade "$here/Tests/Life/data/camera_and_clips.osg" -o "$folder/scene.osg" --animation "$folder/document.xml" &&
+        "${checked[@]}" convert "$folder/scene.osg" "$folder/document.xml" -o "$folder/again.osg" \
+            --animation "$folder/again.xml" &&
+        "${checked[@]}" play "$folder/scene.osg" --animation "$folder/document.xml" --frames 100 || failed=1
     rm -rf "$folder"
+    return "$failed"
 }
 
-report fuzz-document-and-scene fuzz_two document scene
-report fuzz-bvh-and-arguments fuzz_two bvh arguments
-report locales-de-and-tr in_locales de_DE.UTF-8 tr_TR.UTF-8
-report locales-ar-and-fr in_locales ar_EG.UTF-8 fr_FR.UTF-8
-report writers "$here/Tests/Faults/writers.sh" "$release/bin/ka-anim"
-report valgrind under_valgrind
+for target in document scene bvh arguments; do
+    start "fuzz-$target" fuzz "$target"
+done
+start random-edits env KA_MODEL_SEEDS=2000 KA_MODEL_STEPS=500 "$release/bin/ka-test-model" --gtest_brief=1
+for locale in de_DE tr_TR ar_EG fr_FR; do
+    start "locale-$locale" in_locale "$locale.UTF-8"
+done
+start writers "$here/Tests/Faults/writers.sh" "$release/bin/ka-anim"
+start valgrind under_valgrind
+wait
 
-echo "$passed passed, $failed failed"
-[ "$failed" -eq 0 ]
+passed=$(find "$logs" -name '*.passed' | wc -l)
+echo "$passed of $started passed"
+[ "$passed" -eq "$started" ]
