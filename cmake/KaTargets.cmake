@@ -82,10 +82,11 @@ function(ka_add_program target)
   endif()
 endfunction()
 
-# ka_add_test(<target> SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test. Program and test are
-#   called after the folder: Tests/Core gives ka-test-core.
+# ka_add_test(<target> [OPTIMIZED] [FIRST] SOURCES ... LIBRARIES ...): a GoogleTest program, run by ctest as one test.
+#   Program and test are called after the folder: Tests/Core gives ka-test-core. FIRST is for those that take longest:
+#   started first they end with the others.
 function(ka_add_test target)
-  cmake_parse_arguments(arg "OPTIMIZED" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "OPTIMIZED;FIRST" "" "SOURCES;LIBRARIES" ${ARGN})
   cmake_path(GET CMAKE_CURRENT_SOURCE_DIR FILENAME area)
   string(TOLOWER ka-test-${area} name)
   ka_add_program(${target} SOURCES ${arg_SOURCES} LIBRARIES ${arg_LIBRARIES} ka_test_main)
@@ -104,4 +105,7 @@ function(ka_add_test target)
   endif()
   target_precompile_headers(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
   add_test(NAME ${name} COMMAND ${target})
+  if(arg_FIRST)
+    set_tests_properties(${name} PROPERTIES COST 1000)
+  endif()
 endfunction()

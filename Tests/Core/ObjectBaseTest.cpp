@@ -3,10 +3,13 @@
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
 #include "kaAnimationUtils.h"
+#include "kaObjectName.h"
 
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <utility>
 
 using namespace ka_test;
 using testing::ElementsAre;
@@ -472,6 +475,28 @@ TEST_F(Triggers, CanBeSetAltogether) {
     EXPECT_EQ(log, "");
     other->trigger(kaAnimationManager::TriggerBegin);
     EXPECT_EQ(log, "b ");
+}
+
+/// A name may be one that all keys share or one of its own.
+TEST(ObjectName, KeepsItsTextWhenItIsCopiedMovedAndAssigned) {
+    const std::string texts[] = {"", "Unnamed", "Point", "OutTangent", "left foot", std::string(10000, 'x')};
+    EXPECT_EQ(kaObjectName().text(), "Unnamed");
+    for (const std::string& text : texts) {
+        for (const std::string& former : texts) {
+            auto source = std::make_unique<kaObjectName>(text);
+            kaObjectName copy(*source);
+            kaObjectName assigned(former);
+            assigned = *source;
+            kaObjectName moved(std::move(*source));
+            source.reset();
+            EXPECT_EQ(copy.text(), text);
+            EXPECT_EQ(assigned.text(), text);
+            EXPECT_EQ(moved.text(), text);
+            copy = kaObjectName(former);
+            EXPECT_EQ(copy.text(), former);
+            EXPECT_EQ(moved.text(), text);
+        }
+    }
 }
 
 } // namespace
