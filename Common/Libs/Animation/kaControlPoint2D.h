@@ -89,10 +89,9 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     unsigned int getTangentType() const { return _tangentType; }
     void setTangentType(unsigned int type) { _tangentType = type; } ///< Any value is stored.
     unsigned int getTangentLengthMode() const { return _tangentLengthMode; }
-    void setTangentLengthMode(unsigned int mode) {
-        _tangentLengthMode = mode;
-    } ///< Any value is stored.
-      /// @}
+    /// Any value is stored.
+    void setTangentLengthMode(unsigned int mode) { _tangentLengthMode = mode; }
+    /// @}
 
   private:
     /// Kept only by keys that an editor drags.
