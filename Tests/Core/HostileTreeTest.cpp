@@ -377,6 +377,34 @@ TEST_F(HostileTree, ASelectedKeyWithTheIdOfAnotherIsDeletedItself) {
     manager->destroyPoint2D(namesake);
 }
 
+TEST_F(HostileTree, AKeyIsListedUnderTheIdThatTheHostWroteAndFoundByWhatTheRegistryKnows) {
+    kaAnimationCurve2D* curve = makeCurve(Spots{{0, 0}});
+    const kaUID first = curve->getChildIDs().front();
+    kaControlPoint2D* key = manager->createPoint2D(10.0F, 1.0F, 0);
+    const kaUID former = key->getId();
+
+    key->setId(first);
+    EXPECT_EQ(curve->addObject(key), key);
+    EXPECT_THAT(curve->getChildIDs(), ElementsAre(first)) << "that id is listed already";
+
+    key->setId(UNKNOWN);
+    EXPECT_EQ(curve->addObject(key), key);
+    EXPECT_THAT(curve->getChildIDs(), ElementsAre(first, UNKNOWN));
+    EXPECT_EQ(curve->getObjects().size(), 1U) << "no object is registered as the other";
+    EXPECT_EQ(curve->subObject(key, false), key);
+
+    key->setId(former);
+    EXPECT_EQ(curve->addObject(key), key);
+    EXPECT_THAT(curve->getChildIDs(), ElementsAre(first, former));
+    EXPECT_EQ(curve->getObjects().size(), 2U);
+
+    manager->setID(UNKNOWN, key);
+    EXPECT_THAT(curve->getChildIDs(), ElementsAre(first, former)) << "the list keeps what it was given";
+    EXPECT_EQ(curve->subObject(key, false), nullptr);
+    EXPECT_EQ(curve->addObject(key), key);
+    EXPECT_EQ(curve->getObjects().size(), 2U);
+}
+
 // The same for fields.
 
 TEST_F(HostileTree, AFieldUnderAnotherIdThanItsOwnLeavesNoEntryBehind) {

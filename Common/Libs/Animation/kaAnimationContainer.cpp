@@ -78,13 +78,13 @@ kaAnimationObject* kaAnimationContainer::adopt(kaAnimationObject& child) {
     if (!mayAdopt(child))
         return nullptr;
     child.setParent(getId());
-    children().append(child.getId());
+    children().append(child);
     updateBy(&child, ADD_OBJECT, true);
     return &child;
 }
 
 kaAnimationObject* kaAnimationContainer::release(kaAnimationObject& child, bool destroy) {
-    if (!hasChildren() || !children().remove(child.getId()))
+    if (!hasChildren() || !children().remove(child))
         return nullptr;
     child.setParent(0);
     updateBy(&child, SUB_OBJECT, true);

@@ -140,9 +140,9 @@ kaAnimationCurve2D::Neighbours kaAnimationCurve2D::neighboursByX(float x) const 
 
 kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(kaControlPoint2D* point) const {
     const kaChildList* keys = childrenOrNull();
-    if (!point || !keys || !keys->contains(point->getId()))
+    if (!point || !keys || !keys->contains(*point))
         return {nullptr, nullptr};
-    const auto beside = keys->beside(point->getId());
+    const auto beside = keys->beside(*point);
     return {asPoint(beside.first), asPoint(beside.second)};
 }
 
@@ -214,8 +214,8 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
             return nullptr; // it went with the key that gave way, as its handle or below it
     }
     point->setParent(getId());
-    if (!children().contains(point->getId()))
-        children().append(point->getId());
+    if (!children().contains(*point))
+        children().append(*point);
     children().sort();
     computeTangentsAround(point);
     updateBy(point, ADD_OBJECT, true);
@@ -224,7 +224,7 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
 
 kaAnimationObject* kaAnimationCurve2D::subObject(kaAnimationObject* object, bool destroy) {
     kaControlPoint2D* point = asPoint(object);
-    if (!point || !children().remove(point->getId()))
+    if (!point || !children().remove(*point))
         return nullptr;
     point->setParent(0);
     updateBy(point, SUB_OBJECT, true);

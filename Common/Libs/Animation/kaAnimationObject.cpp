@@ -89,7 +89,8 @@ kaAnimationObject::kaAnimationObject()
       _motionBlur(false),
       _useCustomRange(false),
       _ownChild(false),
-      _registered(false) {}
+      _registered(false),
+      _findable(false) {}
 
 kaAnimationObject::~kaAnimationObject() {
     destroyChildren();
@@ -238,6 +239,7 @@ void kaAnimationObject::setId(kaUID id) {
     if (_ownChild)
         children(); // keeps the former id as its only child
     _id = id;
+    _findable = false;
     kaEdits::note();
 }
 

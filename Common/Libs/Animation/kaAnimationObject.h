@@ -315,5 +315,6 @@ class KA_ANIMATION_API kaAnimationObject {
 
   private:
     bool _ownChild : 1;   ///< `_childIDs` is the object's own id alone
-    bool _registered : 1; ///< the registry's entry of `_id` is this object
+    bool _registered : 1; ///< the registry has an entry for this object
+    bool _findable : 1;   ///< certainly under `_id`: no need to ask the registry what that id names
 };

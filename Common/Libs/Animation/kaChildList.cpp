@@ -42,6 +42,15 @@ kaAnimationObject* kaChildList::resolve(kaUID id) {
     return kaAnimationManager::the()->getObject(id);
 }
 
+/// What the child's id names: mostly the child, whatever a host has made of the ids.
+const kaAnimationObject* kaChildList::resolve(const kaAnimationObject& child) {
+    return child._findable ? &child : resolve(child.getId());
+}
+
+bool kaChildList::isHome(const kaAnimationObject* child) const {
+    return child && child->_home && child->_home->list == this;
+}
+
 /// An id that a host gave an object behind the registry's back does not name it here: the list shows the ids.
 bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
     return object && object != _owner && !object->_home && object->getId() == id &&
@@ -87,23 +96,22 @@ void kaChildList::assign(std::vector<kaUID> ids) {
         _owner->noteChange();
 }
 
-void kaChildList::append(kaUID id) {
+void kaChildList::append(kaAnimationObject& child) {
     if (_mirrored) {
-        kaAnimationObject* object = resolve(id);
-        if (adoptable(id, object)) {
-            appendEntry(entryOf(*object));
+        if (resolve(child) == &child && adoptable(child.getId(), &child)) {
+            appendEntry(entryOf(child));
             sizeChanged(_size + 1);
             return;
         }
         becomeLiteral();
     }
-    _ids.push_back(id);
+    _ids.push_back(child.getId());
     sizeChanged(_size + 1);
 }
 
-bool kaChildList::remove(kaUID id) {
+bool kaChildList::remove(const kaAnimationObject& child) {
     if (!_mirrored) {
-        const auto found = std::find(_ids.begin(), _ids.end(), id);
+        const auto found = std::find(_ids.begin(), _ids.end(), child.getId());
         if (found == _ids.end())
             return false;
         _ids.erase(found);
@@ -112,8 +120,8 @@ bool kaChildList::remove(kaUID id) {
             release();
         return true;
     }
-    const kaAnimationObject* object = resolve(id);
-    if (!object || !object->_home || object->_home->list != this)
+    const kaAnimationObject* object = resolve(child);
+    if (!isHome(object))
         return false;
     const Place place = find(*object);
     eraseEntry(*_chunks[place.chunk], place.index);
@@ -441,7 +449,7 @@ std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
         return {static_cast<std::size_t>(found - _ids.begin()), found != _ids.end()};
     }
     const kaAnimationObject* object = resolve(id);
-    if (!object || !object->_home || object->_home->list != this)
+    if (!isHome(object))
         return {_size, false};
     const Place place = find(*object);
     std::size_t result = place.index;
@@ -466,8 +474,11 @@ std::pair<std::size_t, bool> kaChildList::position(float begin) const {
 bool kaChildList::contains(kaUID id) const {
     if (!_mirrored)
         return std::find(_ids.begin(), _ids.end(), id) != _ids.end();
-    const kaAnimationObject* object = resolve(id);
-    return object && object->_home && object->_home->list == this;
+    return isHome(resolve(id));
+}
+
+bool kaChildList::contains(const kaAnimationObject& child) const {
+    return _mirrored ? isHome(resolve(child)) : contains(child.getId());
 }
 
 kaAnimationObject* kaChildList::firstAt(float begin) const {
@@ -483,15 +494,15 @@ kaAnimationObject* kaChildList::firstAt(float begin) const {
     return found;
 }
 
-std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(kaUID id) const {
+std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAnimationObject& child) const {
     if (_mirrored) {
-        const Place place = find(*resolve(id));
+        const Place place = find(*resolve(child));
         const Entry* previous = before(place);
         const Entry* next = at(normalized(place.chunk, place.index + 1));
         return {previous ? previous->object : nullptr, next ? next->object : nullptr};
     }
     std::pair<kaAnimationObject*, kaAnimationObject*> result;
-    const auto place = std::find(_ids.begin(), _ids.end(), id);
+    const auto place = std::find(_ids.begin(), _ids.end(), child.getId());
     for (auto it = std::make_reverse_iterator(place); it != _ids.rend() && !result.first; ++it)
         result.first = resolve(*it);
     for (auto it = std::next(place); it != _ids.end() && !result.second; ++it)

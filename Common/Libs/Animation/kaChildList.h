@@ -53,10 +53,10 @@ class kaChildList {
 
     /// Replaces the ids as they stand, unsorted.
     void assign(std::vector<kaUID> ids);
-    /// Puts an id at the end, unsorted.
-    void append(kaUID id);
-    /// Takes out the first entry equal to `id`. Cost: O(log c + ChunkSize).
-    bool remove(kaUID id);
+    /// Puts the child's id at the end, unsorted.
+    void append(kaAnimationObject& child);
+    /// Takes out the first entry equal to the child's id. Cost: O(log c + ChunkSize).
+    bool remove(const kaAnimationObject& child);
     /// Lets go of all children, which no longer know this list; the list is empty then.
     void release();
 
@@ -79,11 +79,13 @@ class kaChildList {
     /// Position of the first registered child with exactly this begin, and whether there is one.
     std::pair<std::size_t, bool> position(float begin) const;
     bool contains(kaUID id) const;
+    /// The same for the child's id; without a search where the registry finds the child under it.
+    bool contains(const kaAnimationObject& child) const;
     kaAnimationObject* firstAt(float begin) const;
 
-    /// The registered children next to the first entry equal to `id` in list order; there must be one. The
-    /// entry itself may be unknown to the registry.
-    std::pair<kaAnimationObject*, kaAnimationObject*> beside(kaUID id) const;
+    /// The registered children next to the first entry equal to the child's id in list order; there must be
+    /// one. The entry itself may be unknown to the registry.
+    std::pair<kaAnimationObject*, kaAnimationObject*> beside(const kaAnimationObject& child) const;
 
     /// What stands around a begin in ascending order of begin; of equal begins the first in list order.
     struct Around {
@@ -146,6 +148,8 @@ class kaChildList {
     using Entry = kaChildChunk::Entry;
 
     static kaAnimationObject* resolve(kaUID id);
+    static const kaAnimationObject* resolve(const kaAnimationObject& child);
+    bool isHome(const kaAnimationObject* child) const;
     bool adoptable(kaUID id, const kaAnimationObject* object) const;
     Entry entryOf(kaAnimationObject& child) const;
 

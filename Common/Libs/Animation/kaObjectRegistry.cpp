@@ -21,6 +21,7 @@ bool kaObjectRegistry::insert(kaAnimationObject& object) {
         throw;
     }
     object._registered = true;
+    object._findable = true;
     kaEdits::note();
     _epoch += type != KA_TYPE_POINT ? 1 : 0;
     return true;
@@ -34,6 +35,7 @@ void kaObjectRegistry::erase(kaUID id) {
     if (object._home)
         object._home->list->childLost(object);
     object._registered = false;
+    object._findable = false;
     kaEdits::note();
     _index.erase(found);
     if (object.getTypeID() == KA_TYPE_POINT)
@@ -66,6 +68,7 @@ void kaObjectRegistry::drop(kaAnimationObject& object) {
     for (auto& objects : _byType)
         objects.erase(id);
     object._registered = false;
+    object._findable = false;
     kaEdits::note();
     ++_epoch;
 }
@@ -123,6 +126,7 @@ void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) 
         erase(former);
     _byType[type].merge(entry);
     object._registered = true;
+    object._findable = true;
     kaEdits::note();
     _epoch += type != KA_TYPE_POINT ? 1 : 0;
 }
