@@ -228,6 +228,20 @@ TEST_F(Sampling, FindsTheSegmentHoweverKeysAreSpaced) {
     }
 }
 
+/// 32 768 segments fill a huge page.
+TEST_F(Sampling, FindsEverySegmentOfCurvesThatGrowBeyondAPage) {
+    constexpr int Many = 32767;
+    Keys keys;
+    for (int i = 0; i < Many; ++i)
+        keys.push_back(stepKey(static_cast<float>(i), static_cast<float>(i + 1)));
+    kaAnimationCurve2D* curve = makeCurve(keys);
+    for (int count = Many; count < Many + 4; ++count) {
+        for (int i = 0; i < count - 1; ++i)
+            expectValue(curve, static_cast<float>(i) + 0.5F, static_cast<float>(i + 1));
+        curve->addObject(makeKey(stepKey(static_cast<float>(count), static_cast<float>(count + 1))));
+    }
+}
+
 TEST_F(Sampling, SeesEveryDirectWrite) {
     kaAnimationCurve2D* curve = segment({15, 0}, {15, 1});
     kaControlPoint2D* first = curve->findPoint(0.0F);

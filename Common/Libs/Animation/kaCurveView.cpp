@@ -76,14 +76,16 @@ void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {
         }
         left = right;
     }
+    _begin = ascending.empty() ? 0.0F : _frames.front();
+    _end = ascending.empty() ? 0.0F : _frames.back();
 }
 
 void kaCurveView::divide() {
     _cells.clear();
-    if (_frames.size() <= FewKeys || _frames.size() >= std::numeric_limits<std::uint32_t>::max())
+    if (_frames.size() <= FewKeys || _frames.size() >= std::numeric_limits<std::int32_t>::max())
         return;
     const auto count = static_cast<float>(_frames.size() - 1);
-    _cellsPerFrame = count / (_frames.back() - _frames.front());
+    _cellsPerFrame = count / (_end - _begin);
     if (!std::isfinite(_cellsPerFrame) || !(_cellsPerFrame > 0.0F))
         return;
     _cells.assign(_frames.size() + 1, 0);
@@ -99,8 +101,8 @@ void kaCurveView::divide() {
 
 /// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
 std::size_t kaCurveView::cellOf(float frame) const {
-    const auto cell = static_cast<std::size_t>((frame - _frames.front()) * _cellsPerFrame);
-    return std::min(cell, _frames.size() - 1);
+    const auto cell = static_cast<std::uint32_t>((frame - _begin) * _cellsPerFrame);
+    return std::min<std::size_t>(cell, _segments.size());
 }
 
 /// The number of the segment that holds `frame`, which stands between the first key and the last.
@@ -108,11 +110,9 @@ std::size_t kaCurveView::indexAt(float frame) const {
     if (_cells.empty())
         return upperBoundAmong(0, _frames.size(), frame) - 1;
     const std::size_t cell = cellOf(frame);
-    if (_even) {
-        const std::size_t likely = std::min(cell, _segments.size() - 1);
-        if (_segments[likely].holds(frame))
-            return likely;
-    }
+    const std::size_t likely = std::min(cell, _segments.size() - 1);
+    if (_even && _segments[likely].holds(frame))
+        return likely;
     return upperBoundAmong(_cells[cell], _cells[cell + 1], frame) - 1;
 }
 
@@ -128,13 +128,10 @@ std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float
 }
 
 const kaSegment* kaCurveView::segmentAt(float frame) {
-    if (_segments.empty())
+    if (_segments.empty() || !(frame >= _begin && frame < _end))
         return nullptr;
-    if (!_segments[_last].holds(frame)) {
-        if (!(frame >= _frames.front() && frame < _frames.back()))
-            return nullptr;
+    if (!_segments[_last].holds(frame))
         _last = indexAt(frame);
-    }
     return &_segments[_last];
 }
 
@@ -146,6 +143,6 @@ bool kaCurveView::sample(float frame, float& value) {
     if (_segments.empty())
         return _firstValue != 0.0F; // every key at one frame
     // Before the first key the second one's value: what hosts have always got.
-    value = (frame < _frames.front() ? _segments.front() : _segments.back()).points().y3;
+    value = (frame < _begin ? _segments.front() : _segments.back()).points().y3;
     return true;
 }

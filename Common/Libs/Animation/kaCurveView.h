@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kaEdits.h"
+#include "kaHugePages.h"
 #include "kaSegment.h"
 
 #include <cstddef>
@@ -47,12 +48,14 @@ class kaCurveView {
     std::size_t indexAt(float frame) const;
     std::size_t upperBoundAmong(std::size_t from, std::size_t to, float frame) const;
 
-    std::vector<kaSegment> _segments;
+    std::vector<kaSegment, kaHugePages::Allocator<kaSegment>> _segments;
     std::vector<float> _frames; ///< of the keys, apart, so that a search touches little memory
     /// The span of the curve in as many cells of equal width as there are keys: how many keys stand in cells
     /// before each. Empty for few keys and for spans that cannot be divided.
     std::vector<std::uint32_t> _cells;
     float _cellsPerFrame = 0.0F;
+    float _begin = 0.0F; ///< frame of the first key
+    float _end = 0.0F;   ///< frame of the last key
     /// Most segments have the number of the cell that their middle lies in, as those of captured motion do:
     /// then a look at that segment finds it without one at the cell and its keys.
     bool _even = false;

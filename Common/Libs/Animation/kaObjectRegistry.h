@@ -1,11 +1,13 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
+#include "kaHugePages.h"
 
 #include <array>
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -86,9 +88,13 @@ class kaObjectRegistry {
     /// The same for fields; without an entry the field's own id.
     kaUID keyOf(const kaAnimationField& field) const;
 
-    boost::unordered_flat_map<kaUID, kaAnimationObject*> _index;
+    template <class Value>
+    using Index = boost::unordered_flat_map<kaUID, Value, boost::hash<kaUID>, std::equal_to<kaUID>,
+                                            kaHugePages::Allocator<std::pair<const kaUID, Value>>>;
+
+    Index<kaAnimationObject*> _index;
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
-    boost::unordered_flat_map<kaUID, kaAnimationField*> _fieldIndex;
+    Index<kaAnimationField*> _fieldIndex;
     std::map<kaUID, kaAnimationField*> _fields;
     std::uint64_t _epoch = 1;
     std::uint64_t _fieldEpoch = 1;

@@ -21,8 +21,10 @@ class alignas(64) kaSegment {
 
     const Points& points() const { return _points; }
 
-    /// Whether the frame lies from this segment's first key on and before its second.
-    bool holds(float frame) const { return _points.x0 <= frame && frame < _points.x3; }
+    /// Whether the frame lies from this segment's first key on and before its second, which is not earlier.
+    /// The answer is one comparison of two: of random frames either alone is as likely as not, which no
+    /// processor foresees, and what it has begun of the next sample by then would be lost.
+    bool holds(float frame) const { return (_points.x0 <= frame) != (_points.x3 <= frame); }
 
     /// @param frame in [x0, x3].
     /// @return whether `value` was written. For a segment of zero length: whether y0 differs from 0, nothing
