@@ -3,6 +3,7 @@
 #include "commands/Program.h"
 #include "manual/CommandLineParts.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <map>
 
@@ -25,7 +26,6 @@ const std::map<std::string, std::string> values{
 class CommandLineTest : public ::testing::Test {
   protected:
     CommandLineTest() {
-        describeProgram(_program, _none);
         _folder.put("move.bvh", model);
         std::filesystem::create_directory(_folder.at("folder.osg"));
         std::filesystem::create_directory(_folder.at("folder.bvh"));
@@ -39,27 +39,27 @@ class CommandLineTest : public ::testing::Test {
     }
 
     /// The command with `input` for what it reads and with everything else that it needs.
-    std::vector<std::string> line(const CLI::App& command, const std::string& input) const {
-        std::vector<std::string> words{command.get_name()};
-        for (const CLI::Option* positional : positionalsOf(command))
-            if (positional->get_required() || positional == positionalsOf(command).front())
+    std::vector<std::string> line(const CommandParts& command, const std::string& input) const {
+        std::vector<std::string> words{command.name};
+        for (const OptionParts& positional : command.positionals)
+            if (positional.isNeeded || &positional == &command.positionals.front())
                 words.push_back(input);
-        for (const CLI::Option* option : optionsOf(command)) {
-            const std::string name = spellingsOf(*option).back();
+        for (const OptionParts& option : command.options) {
+            const std::string name = option.spellings.back();
             // A conversion needs one of its outputs, whichever.
-            const bool isNeeded = command.get_name() == "convert" && name == "--output";
-            if (!option->get_required() && !isNeeded)
+            const bool isNeeded = command.name == "convert" && name == "--output";
+            if (!option.isNeeded && !isNeeded)
                 continue;
             words.push_back(name);
             const auto known = values.find(name);
-            words.push_back(known != values.end() ? known->second : outputFor(*option));
+            words.push_back(known != values.end() ? known->second : outputFor(option));
         }
         return words;
     }
 
-    static std::string outputFor(const CLI::Option& option) {
+    static std::string outputFor(const OptionParts& option) {
         for (const char* extension : {".osg", ".xml", ".png"})
-            if (option.get_description().find(extension) != std::string::npos)
+            if (option.description.find(extension) != std::string::npos)
                 return std::string("result") + extension;
         return "result.png";
     }
@@ -73,14 +73,14 @@ class CommandLineTest : public ::testing::Test {
         EXPECT_EQ(run.output, "") << shown;
     }
 
-    CLI::App _program;
     Action _none;
+    const CommandParts _program = partsOf(*describedProgram(_none));
     TemporaryFolder _folder;
 };
 
 TEST_F(CommandLineTest, UnknownOptionsEndWithCodeTwo) {
-    for (const CLI::App* command : commandsOf(_program)) {
-        std::vector<std::string> words = line(*command, "move.bvh");
+    for (const CommandParts& command : _program.commands) {
+        std::vector<std::string> words = line(command, "move.bvh");
         words.emplace_back("--no-such-option");
         expectOneLine(words, 2, "--no-such-option");
     }
@@ -91,58 +91,58 @@ TEST_F(CommandLineTest, UnknownOptionsEndWithCodeTwo) {
 }
 
 TEST_F(CommandLineTest, MissingWordsEndWithCodeTwo) {
-    for (const CLI::App* command : commandsOf(_program)) {
-        if (line(*command, "move.bvh").size() > 1 && positionalsOf(*command).front()->get_required())
-            expectOneLine({command->get_name()}, 2);
-        for (const CLI::Option* option : optionsOf(*command)) {
-            if (!takesValue(*option))
+    for (const CommandParts& command : _program.commands) {
+        if (line(command, "move.bvh").size() > 1 && command.positionals.front().isNeeded)
+            expectOneLine({command.name}, 2);
+        for (const OptionParts& option : command.options) {
+            if (!option.takesValue)
                 continue;
-            std::vector<std::string> words = line(*command, "move.bvh");
-            words.push_back(spellingsOf(*option).back());
-            expectOneLine(words, 2, spellingsOf(*option).back());
+            std::vector<std::string> words = line(command, "move.bvh");
+            words.push_back(option.spellings.back());
+            expectOneLine(words, 2, option.spellings.back());
         }
     }
 }
 
 TEST_F(CommandLineTest, ValuesThatMakeNoSenseEndWithCodeTwo) {
-    for (const CLI::App* command : commandsOf(_program))
-        for (const CLI::Option* option : optionsOf(*command)) {
-            const bool isChoice = option->get_type_name().find('|') != std::string::npos;
-            const bool isNumber = takesValue(*option) && option->get_type_name().empty();
+    for (const CommandParts& command : _program.commands)
+        for (const OptionParts& option : command.options) {
+            const bool isChoice = option.typeName.find('|') != std::string::npos;
+            const bool isNumber = option.takesValue && option.typeName.empty();
             if (!isChoice && !isNumber)
                 continue;
-            std::vector<std::string> words = line(*command, "move.bvh");
-            const auto stands = std::find(words.begin(), words.end(), spellingsOf(*option).back());
+            std::vector<std::string> words = line(command, "move.bvh");
+            const auto stands = std::find(words.begin(), words.end(), option.spellings.back());
             if (stands != words.end())
                 *(stands + 1) = "nonsense";
             else
-                words.insert(words.end(), {spellingsOf(*option).back(), "nonsense"});
+                words.insert(words.end(), {option.spellings.back(), "nonsense"});
             expectOneLine(words, 2, "nonsense");
         }
 }
 
 TEST_F(CommandLineTest, InputsThatCannotBeReadEndWithCodeThree) {
-    for (const CLI::App* command : commandsOf(_program)) {
+    for (const CommandParts& command : _program.commands) {
         // To validate, damage is what it looks for: a finding, no failure.
-        if (command->get_name() == "validate")
+        if (command.name == "validate")
             continue;
         for (const char* name :
              {"none.bvh", "none.osg", "none", "folder.bvh", "folder.osg", ".", "empty.bvh", "empty.osg",
               "empty.glb", "broken.bvh", "broken.osg", "broken.glb", "notes.txt", "/dev/null"})
-            expectOneLine(line(*command, name), 3, name);
-        EXPECT_FALSE(std::filesystem::exists(_folder.at("result.osg"))) << command->get_name();
+            expectOneLine(line(command, name), 3, name);
+        EXPECT_FALSE(std::filesystem::exists(_folder.at("result.osg"))) << command.name;
     }
 }
 
 TEST_F(CommandLineTest, DocumentsThatCannotBeReadEndWithCodeThree) {
     _folder.put("scene.osg", "#OSG V1.0\nDEF mover Node { core Transform3D { } }\n");
-    for (const CLI::App* command : commandsOf(_program)) {
-        for (const CLI::Option* option : optionsOf(*command)) {
-            const bool isWritten = option->get_description().find("to write") != std::string::npos;
-            if (spellingsOf(*option).back() != "--animation" || isWritten)
+    for (const CommandParts& command : _program.commands) {
+        for (const OptionParts& option : command.options) {
+            const bool isWritten = option.description.find("to write") != std::string::npos;
+            if (option.spellings.back() != "--animation" || isWritten)
                 continue;
             for (const char* name : {"none.xml", "empty.xml", "broken.xml", "notes.txt", "."}) {
-                std::vector<std::string> words = line(*command, "scene.osg");
+                std::vector<std::string> words = line(command, "scene.osg");
                 words.insert(words.end(), {"--animation", name});
                 expectOneLine(words, 3, name);
             }
@@ -151,9 +151,9 @@ TEST_F(CommandLineTest, DocumentsThatCannotBeReadEndWithCodeThree) {
 }
 
 TEST_F(CommandLineTest, HelpIsDataOfEveryCommand) {
-    for (const CLI::App* command : commandsOf(_program))
+    for (const CommandParts& command : _program.commands)
         for (const char* spelling : {"-h", "--help"}) {
-            const ProgramRun help = runKaAnim({command->get_name(), spelling}, _folder.at(""));
+            const ProgramRun help = runKaAnim({command.name, spelling}, _folder.at(""));
             EXPECT_EQ(help.code, 0);
             EXPECT_EQ(help.messages, "");
             EXPECT_THAT(help.output, HasSubstr("Examples:"));
@@ -161,8 +161,8 @@ TEST_F(CommandLineTest, HelpIsDataOfEveryCommand) {
 }
 
 TEST_F(CommandLineTest, AReaderThatGoesAwayEndsWithCodeFour) {
-    for (const CLI::App* command : commandsOf(_program)) {
-        const std::string name = command->get_name();
+    for (const CommandParts& command : _program.commands) {
+        const std::string name = command.name;
         const ProgramRun help =
             runShell("ka-anim " + name + " --help | true; exit ${PIPESTATUS[0]}", _folder.at(""));
         // Where all fits into the pipe before the reader goes, nobody can tell.

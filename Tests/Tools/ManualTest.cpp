@@ -5,6 +5,7 @@
 #include "manual/Completion.h"
 #include "manual/ManPage.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <sstream>
 
@@ -20,7 +21,6 @@ using ::testing::UnorderedElementsAre;
 class ManualTest : public ::testing::Test {
   protected:
     ManualTest() {
-        describeProgram(_program, _none);
         _folder.put("ka-anim.1", manPage(_program, "1.0.0"));
         _folder.put("ka-anim.bash", bashCompletion(_program));
     }
@@ -45,13 +45,13 @@ class ManualTest : public ::testing::Test {
 
     std::vector<std::string> commandNames() const {
         std::vector<std::string> names;
-        for (const CLI::App* command : commandsOf(_program))
-            names.push_back(command->get_name());
+        for (const CommandParts& command : _program.commands)
+            names.push_back(command.name);
         return names;
     }
 
-    CLI::App _program;
     Action _none;
+    const CommandParts _program = partsOf(*describedProgram(_none));
     TemporaryFolder _folder;
 };
 
@@ -85,17 +85,17 @@ TEST_F(ManualTest, ThePageShowsEveryCommandOptionAndExample) {
     const ProgramRun shown =
         runShell("groff -man -Tascii -P-c -P-b -P-u -rLL=500n ka-anim.1", _folder.at(""));
     const std::string page = withoutSpace(shown.output);
-    for (const CLI::App* command : commandsOf(_program)) {
-        EXPECT_THAT(page, HasSubstr("ka-anim" + command->get_name()));
-        EXPECT_THAT(page, HasSubstr(withoutSpace(command->get_description())));
-        for (const CLI::Option* option : optionsOf(*command)) {
+    for (const CommandParts& command : _program.commands) {
+        EXPECT_THAT(page, HasSubstr("ka-anim" + command.name));
+        EXPECT_THAT(page, HasSubstr(withoutSpace(command.description)));
+        for (const OptionParts& option : command.options) {
             std::string title;
-            for (const std::string& spelling : spellingsOf(*option))
+            for (const std::string& spelling : option.spellings)
                 title += (title.empty() ? "" : ",") + spelling;
-            EXPECT_THAT(page, HasSubstr(title)) << command->get_name();
-            EXPECT_THAT(page, HasSubstr(withoutSpace(option->get_description())));
+            EXPECT_THAT(page, HasSubstr(title)) << command.name;
+            EXPECT_THAT(page, HasSubstr(withoutSpace(option.description)));
         }
-        std::istringstream footer(command->get_footer());
+        std::istringstream footer(command.ending);
         for (std::string line; std::getline(footer, line);)
             if (line.rfind("  ", 0) == 0) {
                 EXPECT_THAT(page, HasSubstr(withoutSpace(line)));
@@ -111,12 +111,12 @@ TEST_F(ManualTest, BashCompletesCommands) {
 }
 
 TEST_F(ManualTest, BashCompletesEveryOptionOfEveryCommand) {
-    for (const CLI::App* command : commandsOf(_program)) {
+    for (const CommandParts& command : _program.commands) {
         std::vector<std::string> options;
-        for (const CLI::Option* option : optionsOf(*command))
-            for (const std::string& spelling : spellingsOf(*option))
+        for (const OptionParts& option : command.options)
+            for (const std::string& spelling : option.spellings)
                 options.push_back(spelling);
-        EXPECT_THAT(completed({command->get_name(), "-"}), ElementsAreArray(options)) << command->get_name();
+        EXPECT_THAT(completed({command.name, "-"}), ElementsAreArray(options)) << command.name;
     }
     EXPECT_THAT(completed({"sample", "walk.bvh", "--fro"}), ElementsAre("--from"));
     EXPECT_THAT(completed({"sample", "walk.bvh", "--for"}), ElementsAre("--format"));

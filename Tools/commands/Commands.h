@@ -1,19 +1,8 @@
 #pragma once
 
-#include "base/Failure.h"
-#include "cli/Output.h"
-
-#include <functional>
-
-namespace CLI {
-class App;
-}
+#include "cli/Command.h"
 
 namespace ka::tools {
-
-/// What the chosen command does once the whole command line has been read. It throws a Failure, or gives the
-/// code to end with.
-using Action = std::function<ExitCode(Output&)>;
 
 // Each of these adds one command, with its options, help and examples, to the program. Choosing it sets
 // `action`.

@@ -44,20 +44,16 @@ ExitCode convert(const ConvertOptions& options) {
 
 void addConvertCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<ConvertOptions>();
-    CLI::App* command =
-        program.add_subcommand("convert", "Save a model, a scene or a document as a scene and a document");
-    command->add_option("IN", options->files.file, "a model, a scene (.osg) or an animation document (.xml)")
-        ->type_name("")
-        ->required();
-    command->add_option("INDOC", options->files.animation, "the animation document that goes with a scene")
-        ->type_name("");
-    command->add_option("-o,--output", options->saved.scene, "the scene to write (.osg)")->type_name("PATH");
-    command->add_option("--animation", options->saved.animation, "the animation document to write")
-        ->type_name("PATH");
-    addModelOptions(*command, options->files);
-    addExamples(*command, {"ka-anim convert walk.bvh -o walk.osg --animation walk.xml",
-                           "ka-anim convert walk.osg walk.xml -o copy.osg --animation copy.xml"});
-    command->callback([options, &action] { action = [options](Output&) { return convert(*options); }; });
+    Command command(program, "convert", "Save a model, a scene or a document as a scene and a document");
+    command.option("IN", options->files.file, "a model, a scene (.osg) or an animation document (.xml)")
+        .needed();
+    command.option("INDOC", options->files.animation, "the animation document that goes with a scene");
+    command.option("-o,--output", options->saved.scene, "the scene to write (.osg)").takes("PATH");
+    command.option("--animation", options->saved.animation, "the animation document to write").takes("PATH");
+    addModelOptions(command, options->files);
+    command.examples({"ka-anim convert walk.bvh -o walk.osg --animation walk.xml",
+                      "ka-anim convert walk.osg walk.xml -o copy.osg --animation copy.xml"});
+    command.runs(action, [options](Output&) { return convert(*options); });
 }
 
 } // namespace ka::tools

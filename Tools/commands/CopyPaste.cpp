@@ -68,61 +68,59 @@ ExitCode pasteFromOther(const PasteOptions& options) {
     return ExitCode::Fine;
 }
 
-void addNodeOptions(CLI::App& command, std::string& from, std::string& to) {
-    command.add_option("--from", from, "the node to copy from, by name or by the end of its path (arm/hand)")
-        ->type_name("NODE")
-        ->required();
+void addNodeOptions(Command& command, std::string& from, std::string& to) {
+    command.option("--from", from, "the node to copy from, by name or by the end of its path (arm/hand)")
+        .takes("NODE")
+        .needed();
     command
-        .add_option("--to", to,
-                    "the node to paste onto; with the wildcards * ? [...] every node that matches and has "
-                    "the attributes")
-        ->type_name("NODE")
-        ->required();
+        .option("--to", to,
+                "the node to paste onto; with the wildcards * ? [...] every node that matches and has "
+                "the attributes")
+        .takes("NODE")
+        .needed();
 }
 
 } // namespace
 
 void addCopyCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<CopyOptions>();
-    CLI::App* command = program.add_subcommand("copy", "Copy a node's animation to other nodes of its scene");
-    addProjectOptions(*command, options->files);
-    addNodeOptions(*command, options->from, options->to);
-    addSceneOutputs(*command, options->outputs, "--animation-out");
-    addExamples(
-        *command,
+    Command command(program, "copy", "Copy a node's animation to other nodes of its scene");
+    addProjectOptions(command, options->files);
+    addNodeOptions(command, options->from, options->to);
+    addSceneOutputs(command, options->outputs, "--animation-out");
+    command.examples(
         {"ka-anim copy walk.bvh --from LeftUpLeg --to RightUpLeg -o new.osg --animation-out new.xml",
          "ka-anim copy walk.bvh --from Head --to '*Finger*' -o new.osg --animation-out new.xml"},
         "What animates the other nodes already stays. A node takes the animation when it is of the same "
         "kind and has every attribute that is animated.");
-    command->callback([options, &action] { action = [options](Output&) { return copy(*options); }; });
+    command.runs(action, [options](Output&) { return copy(*options); });
 }
 
 void addPasteCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PasteOptions>();
-    CLI::App* command = program.add_subcommand("paste", "Bring a node's animation over from another scene");
-    addProjectOptions(*command, options->files);
+    Command command(program, "paste", "Bring a node's animation over from another scene");
+    addProjectOptions(command, options->files);
     command
-        ->add_option("--source", options->source.file,
-                     "what to copy from: a scene (.osg), or a model, read as FILE would be")
-        ->type_name("PATH")
-        ->required();
+        .option("--source", options->source.file,
+                "what to copy from: a scene (.osg), or a model, read as FILE would be")
+        .takes("PATH")
+        .needed();
     command
-        ->add_option("--source-animation", options->source.animation,
-                     "the animation document that goes with the source")
-        ->type_name("PATH");
-    addNodeOptions(*command, options->from, options->to);
-    addSceneOutputs(*command, options->outputs, "--animation-out");
-    addExamples(
-        *command,
+        .option("--source-animation", options->source.animation,
+                "the animation document that goes with the source")
+        .takes("PATH");
+    addNodeOptions(command, options->from, options->to);
+    addSceneOutputs(command, options->outputs, "--animation-out");
+    command.examples(
         {"ka-anim paste door.osg --source walk.bvh --from Hips --to door -o new.osg "
          "--animation-out new.xml",
          "ka-anim paste walk.bvh --source walk.bvh --from Hips --to '*Leg' -o new.osg "
          "--animation-out new.xml"},
         "A copy lasts no longer than the program, so copying there and pasting here are one command.");
-    command->callback([options, &action] {
+    command.runs(action, [options](Output&) {
         options->source.import = options->files.import;
         options->source.reader = options->files.reader;
-        action = [options](Output&) { return pasteFromOther(*options); };
+        return pasteFromOther(*options);
     });
 }
 

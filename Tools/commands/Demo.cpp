@@ -86,15 +86,14 @@ ExitCode demo(const DemoOptions& options, Output& output) {
 void addDemoCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<DemoOptions>();
     options->files.file = "/usr/share/assimp/models/BVH/01_03.bvh";
-    CLI::App* command = program.add_subcommand("demo", "Import a motion capture, play it and draw it");
-    command->add_option("FILE", options->files.file, "a model")->type_name("")->capture_default_str();
-    addModelOptions(*command, options->files);
-    command->add_option("-o,--output", options->folder, "the folder for the pictures")
-        ->type_name("PATH")
-        ->capture_default_str();
-    addExamples(*command, {"ka-anim demo walk.bvh", "ka-anim demo walk.bvh --fps 30 -o pictures"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return demo(*options, output); }; });
+    Command command(program, "demo", "Import a motion capture, play it and draw it");
+    command.option("FILE", options->files.file, "a model").showsDefault();
+    addModelOptions(command, options->files);
+    command.option("-o,--output", options->folder, "the folder for the pictures")
+        .takes("PATH")
+        .showsDefault();
+    command.examples({"ka-anim demo walk.bvh", "ka-anim demo walk.bvh --fps 30 -o pictures"});
+    command.runs(action, [options](Output& output) { return demo(*options, output); });
 }
 
 } // namespace ka::tools

@@ -117,30 +117,24 @@ ExitCode diff(const DiffOptions& options, Output& output) {
 
 void addDiffCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<DiffOptions>();
-    CLI::App* command =
-        program.add_subcommand("diff", "Compare what two files hold and the values that their curves give");
-    command->add_option("A", options->a.file, "a model, a scene (.osg) or an animation document (.xml)")
-        ->type_name("")
-        ->required();
-    command->add_option("B", options->b.file, "the other")->type_name("")->required();
-    command
-        ->add_option("--animation-a", options->a.animation, "the animation document that goes with scene A")
-        ->type_name("PATH");
-    command
-        ->add_option("--animation-b", options->b.animation, "the animation document that goes with scene B")
-        ->type_name("PATH");
-    command->add_option("--by", options->tolerance, "what frames and values may differ by")
-        ->type_name("")
-        ->check(zeroOrMore())
-        ->capture_default_str();
-    addTextFormatOption(*command, options->format);
-    addModelOptions(*command, options->a);
-    addExamples(*command, {"ka-anim diff walk.bvh walk.osg --animation-b walk.xml",
-                           "ka-anim diff walk.xml copy.xml --format json"});
-    command->callback([options, &action] {
+    Command command(program, "diff", "Compare what two files hold and the values that their curves give");
+    command.option("A", options->a.file, "a model, a scene (.osg) or an animation document (.xml)").needed();
+    command.option("B", options->b.file, "the other").needed();
+    command.option("--animation-a", options->a.animation, "the animation document that goes with scene A")
+        .takes("PATH");
+    command.option("--animation-b", options->b.animation, "the animation document that goes with scene B")
+        .takes("PATH");
+    command.option("--by", options->tolerance, "what frames and values may differ by")
+        .zeroOrMore()
+        .showsDefault();
+    addTextFormatOption(command, options->format);
+    addModelOptions(command, options->a);
+    command.examples({"ka-anim diff walk.bvh walk.osg --animation-b walk.xml",
+                      "ka-anim diff walk.xml copy.xml --format json"});
+    command.runs(action, [options](Output& output) {
         options->b.import = options->a.import;
         options->b.reader = options->a.reader;
-        action = [options](Output& output) { return diff(*options, output); };
+        return diff(*options, output);
     });
 }
 

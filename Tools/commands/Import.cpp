@@ -69,29 +69,23 @@ ExitCode import(const ImportCommandOptions& options, Output& output) {
 
 void addImportCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<ImportCommandOptions>();
-    CLI::App* command = program.add_subcommand("import", "Turn a model's motion into editable curves");
-    command->add_option("MODEL", options->files.file, "a .bvh, .gltf, .glb or any other model file")
-        ->type_name("")
-        ->required();
-    CLI::Option* scene =
-        command->add_option("-o,--output", options->outputs.scene, "the scene to write (.osg)")
-            ->type_name("PATH");
-    CLI::Option* document =
-        command
-            ->add_option("--animation", options->outputs.animation, "the animation document to write (.xml)")
-            ->type_name("PATH");
+    Command command(program, "import", "Turn a model's motion into editable curves");
+    command.option("MODEL", options->files.file, "a .bvh, .gltf, .glb or any other model file").needed();
+    const Command::Option scene =
+        command.option("-o,--output", options->outputs.scene, "the scene to write (.osg)").takes("PATH");
+    const Command::Option document =
+        command.option("--animation", options->outputs.animation, "the animation document to write (.xml)")
+            .takes("PATH");
     // One without the other would lose what the model holds.
-    scene->needs(document);
-    document->needs(scene);
-    addModelOptions(*command, options->files);
-    command->add_flag("--strict", options->strict, "end with code 1 when the file holds damage");
-    command->add_flag("--json", options->asJson, "print the report as JSON");
-    addExamples(*command,
-                {"ka-anim import walk.bvh -o walk.osg --animation walk.xml",
-                 "ka-anim import walk.bvh --fps 30 --strict --json"},
-                "Without files to write it reports what an import makes of the model.");
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return import(*options, output); }; });
+    scene.needs(document);
+    document.needs(scene);
+    addModelOptions(command, options->files);
+    command.flag("--strict", options->strict, "end with code 1 when the file holds damage");
+    command.flag("--json", options->asJson, "print the report as JSON");
+    command.examples({"ka-anim import walk.bvh -o walk.osg --animation walk.xml",
+                      "ka-anim import walk.bvh --fps 30 --strict --json"},
+                     "Without files to write it reports what an import makes of the model.");
+    command.runs(action, [options](Output& output) { return import(*options, output); });
 }
 
 } // namespace ka::tools

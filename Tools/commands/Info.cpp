@@ -286,14 +286,11 @@ ExitCode info(const InfoOptions& options, Output& output) {
 
 void addInfoCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<InfoOptions>();
-    CLI::App* command =
-        program.add_subcommand("info", "Print what a file holds: counts, names, ranges, nodes");
-    addProjectOptions(*command, options->files);
-    addTextFormatOption(*command, options->format);
-    addExamples(*command,
-                {"ka-anim info walk.bvh", "ka-anim info walk.osg --animation walk.xml --format json"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return info(*options, output); }; });
+    Command command(program, "info", "Print what a file holds: counts, names, ranges, nodes");
+    addProjectOptions(command, options->files);
+    addTextFormatOption(command, options->format);
+    command.examples({"ka-anim info walk.bvh", "ka-anim info walk.osg --animation walk.xml --format json"});
+    command.runs(action, [options](Output& output) { return info(*options, output); });
 }
 
 } // namespace ka::tools

@@ -61,51 +61,41 @@ ExitCode render(const PictureOptions& options) {
     return ExitCode::Fine;
 }
 
-void addPictureOptions(CLI::App& command, PictureOptions& options) {
+void addPictureOptions(Command& command, PictureOptions& options) {
     addProjectOptions(command, options.files);
     addOutputOption(command, options.output, "the PNG file to write");
     addObjectOption(command, options.object);
-    command.add_option("--from", options.from, "first frame")->type_name("")->check(finite());
-    command.add_option("--to", options.to, "last frame")->type_name("")->check(finite());
-    command.add_option("--width", options.width, "pixels")
-        ->type_name("")
-        ->check(between(320, 16384))
-        ->capture_default_str();
-    command.add_option("--height", options.height, "pixels (default: by the width)")
-        ->type_name("")
-        ->check(between(240, 16384));
+    command.option("--from", options.from, "first frame").finite();
+    command.option("--to", options.to, "last frame").finite();
+    command.option("--width", options.width, "pixels").between(320, 16384).showsDefault();
+    command.option("--height", options.height, "pixels (default: by the width)").between(240, 16384);
 }
 
 } // namespace
 
 void addPlotCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PictureOptions>();
-    CLI::App* command = program.add_subcommand("plot", "Draw curves over time into a PNG file");
-    addPictureOptions(*command, *options);
+    Command command(program, "plot", "Draw curves over time into a PNG file");
+    addPictureOptions(command, *options);
     command
-        ->add_option("--curve", options->curves,
-                     "a curve by id, name, node or label; repeatable (default: a telling few)")
-        ->type_name("NAME")
-        ->take_all()
-        ->allow_extra_args(false);
-    command->add_flag("--handles", options->withHandles, "draw the handles of the keys too");
-    addExamples(*command,
-                {"ka-anim plot walk.bvh -o curves.png",
-                 "ka-anim plot walk.bvh -o hips.png --curve Hips.translationY --from 0 --to 20 --handles"});
-    command->callback([options, &action] { action = [options](Output&) { return plot(*options); }; });
+        .option("--curve", options->curves,
+                "a curve by id, name, node or label; repeatable (default: a telling few)")
+        .takes("NAME");
+    command.flag("--handles", options->withHandles, "draw the handles of the keys too");
+    command.examples(
+        {"ka-anim plot walk.bvh -o curves.png",
+         "ka-anim plot walk.bvh -o hips.png --curve Hips.translationY --from 0 --to 20 --handles"});
+    command.runs(action, [options](Output&) { return plot(*options); });
 }
 
 void addRenderCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PictureOptions>();
-    CLI::App* command = program.add_subcommand("render", "Draw the figure at several frames into a PNG file");
-    addPictureOptions(*command, *options);
-    command->add_option("--count", options->count, "how many frames to draw")
-        ->type_name("")
-        ->check(between(1, 400))
-        ->capture_default_str();
-    addExamples(*command, {"ka-anim render walk.bvh -o figure.png",
-                           "ka-anim render walk.bvh -o steps.png --from 0 --to 20 --count 8 --width 1200"});
-    command->callback([options, &action] { action = [options](Output&) { return render(*options); }; });
+    Command command(program, "render", "Draw the figure at several frames into a PNG file");
+    addPictureOptions(command, *options);
+    command.option("--count", options->count, "how many frames to draw").between(1, 400).showsDefault();
+    command.examples({"ka-anim render walk.bvh -o figure.png",
+                      "ka-anim render walk.bvh -o steps.png --from 0 --to 20 --count 8 --width 1200"});
+    command.runs(action, [options](Output&) { return render(*options); });
 }
 
 } // namespace ka::tools

@@ -12,7 +12,6 @@
 #include <cmath>
 #include <kaAnimationObject.h>
 #include <limits>
-#include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -189,52 +188,42 @@ ExitCode play(const PlayOptions& options, Output& output) {
     return ExitCode::Fine;
 }
 
-void addPlayOptions(CLI::App& command, PlayOptions& options) {
-    static const std::map<std::string, Lines> formats{{"text", Lines::Text}, {"json", Lines::Json}};
+void addPlayOptions(Command& command, PlayOptions& options) {
     addProjectOptions(command, options.files);
     command
-        .add_option("--object", options.object,
-                    "play a clip, track or block by itself, by name or id (default: the first clip, on the "
-                    "timeline)")
-        ->type_name("NAME");
-    command.add_option("--from", options.from, "first frame (default: that of the animation)")
-        ->type_name("")
-        ->check(finite());
-    command.add_option("--to", options.to, "last frame (default: that of the animation)")
-        ->type_name("")
-        ->check(finite());
-    command.add_flag("--repeat", options.repeat, "start again at the end, until Ctrl-C");
-    command.add_flag("--reverse", options.reverse, "play backwards, from the last frame to the first");
-    command.add_option("--speed", options.speed, "how many times as fast as --fps says")
-        ->type_name("")
-        ->check(aboveZero(1e6))
-        ->capture_default_str();
+        .option("--object", options.object,
+                "play a clip, track or block by itself, by name or id (default: the first clip, on the "
+                "timeline)")
+        .takes("NAME");
+    command.option("--from", options.from, "first frame (default: that of the animation)").finite();
+    command.option("--to", options.to, "last frame (default: that of the animation)").finite();
+    command.flag("--repeat", options.repeat, "start again at the end, until Ctrl-C");
+    command.flag("--reverse", options.reverse, "play backwards, from the last frame to the first");
+    command.option("--speed", options.speed, "how many times as fast as --fps says")
+        .aboveZero(1e6)
+        .showsDefault();
     command
-        .add_option("--frames", options.frames,
-                    "play so many ticks of one frame each (times --speed) on a simulated clock, without "
-                    "waiting (default: the wall clock)")
-        ->type_name("")
-        ->check(between(1, 1000000000));
-    command.add_flag("--verbose", options.verbose, "print a line for each whole frame and each message");
-    command.add_option("--format", options.format, "text, or json: each message as one line of JSON")
-        ->type_name("")
-        ->transform(CLI::CheckedTransformer(formats).description(""))
-        ->default_str("text");
+        .option("--frames", options.frames,
+                "play so many ticks of one frame each (times --speed) on a simulated clock, without "
+                "waiting (default: the wall clock)")
+        .between(1, 1000000000);
+    command.flag("--verbose", options.verbose, "print a line for each whole frame and each message");
+    command
+        .choice("--format", options.format, {{"text", Lines::Text}, {"json", Lines::Json}},
+                "text, or json: each message as one line of JSON")
+        .takes("");
 }
 
 } // namespace
 
 void addPlayCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PlayOptions>();
-    CLI::App* command =
-        program.add_subcommand("play", "Play an animation on the clock and print what a host is told");
-    addPlayOptions(*command, *options);
-    addExamples(*command,
-                {"ka-anim play walk.bvh --speed 2", "ka-anim play walk.bvh --frames 100 --format json",
-                 "ka-anim play walk.bvh --object walk --from 5 --to 15 --reverse --frames 20 "
-                 "--verbose"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return play(*options, output); }; });
+    Command command(program, "play", "Play an animation on the clock and print what a host is told");
+    addPlayOptions(command, *options);
+    command.examples(
+        {"ka-anim play walk.bvh --speed 2", "ka-anim play walk.bvh --frames 100 --format json",
+         "ka-anim play walk.bvh --object walk --from 5 --to 15 --reverse --frames 20 --verbose"});
+    command.runs(action, [options](Output& output) { return play(*options, output); });
 }
 
 } // namespace ka::tools

@@ -72,15 +72,13 @@ ExitCode pose(const PoseOptions& options, Output& output) {
 
 void addPoseCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<PoseOptions>();
-    CLI::App* command = program.add_subcommand("pose", "Print how every node stands at one frame");
-    addProjectOptions(*command, options->files);
-    command->add_option("--frame", options->frame, "the frame")->type_name("")->check(finite())->required();
-    addObjectOption(*command, options->object);
-    addFormatOption(*command, options->format);
-    addExamples(*command,
-                {"ka-anim pose walk.bvh --frame 12.5", "ka-anim pose walk.bvh --frame 0 --format csv"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return pose(*options, output); }; });
+    Command command(program, "pose", "Print how every node stands at one frame");
+    addProjectOptions(command, options->files);
+    command.option("--frame", options->frame, "the frame").finite().needed();
+    addObjectOption(command, options->object);
+    addFormatOption(command, options->format);
+    command.examples({"ka-anim pose walk.bvh --frame 12.5", "ka-anim pose walk.bvh --frame 0 --format csv"});
+    command.runs(action, [options](Output& output) { return pose(*options, output); });
 }
 
 } // namespace ka::tools

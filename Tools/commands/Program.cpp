@@ -54,35 +54,37 @@ int run(std::vector<std::string> arguments) {
 
 } // namespace
 
-void describeProgram(CLI::App& program, Action& action) {
-    program.name("ka-anim");
-    program.description("Imports, samples, plays and draws keyframe animations of 3D scenes.");
-    program.footer(
+std::shared_ptr<CLI::App> describedProgram(Action& action) {
+    auto program = std::make_shared<CLI::App>();
+    program->name("ka-anim");
+    program->description("Imports, samples, plays and draws keyframe animations of 3D scenes.");
+    program->footer(
         "Data goes to standard output, messages to standard error. Exit codes: 0 fine, 1 findings, "
         "2 a mistake in the command line, 3 an input that cannot be read, 4 an output that cannot "
         "be written.");
-    program.set_version_flag("--version", "ka-anim " KA_VERSION, "Print the version and exit");
-    program.require_subcommand(1);
-    program.get_formatter()->column_width(32);
-    addCommands(program, action);
+    program->set_version_flag("--version", "ka-anim " KA_VERSION, "Print the version and exit");
+    program->require_subcommand(1);
+    program->get_formatter()->column_width(32);
+    addCommands(*program, action);
+    return program;
 }
 
 CommandLine readCommandLine(std::vector<std::string> arguments) {
-    CLI::App program;
     CommandLine line;
-    describeProgram(program, line.action);
+    const std::shared_ptr<CLI::App> program = describedProgram(line.action);
     const std::string first = arguments.empty() ? std::string() : arguments.front();
     try {
         std::reverse(arguments.begin(), arguments.end());
-        program.parse(arguments);
+        program->parse(arguments);
     } catch (const CLI::ParseError& outcome) {
         line.action = nullptr;
         if (outcome.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
             std::ostringstream answer, none;
-            program.exit(outcome, answer, none);
+            program->exit(outcome, answer, none);
             line.answer = answer.str();
         } else {
-            line.mistake = mistakeOf(program, outcome, first) + " (see " + commandName(program) + " --help)";
+            line.mistake =
+                mistakeOf(*program, outcome, first) + " (see " + commandName(*program) + " --help)";
             line.code = ExitCode::Usage;
         }
     }

@@ -2,6 +2,7 @@
 
 #include "commands/Commands.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,9 @@ struct CommandLine {
     ExitCode code = ExitCode::Fine; ///< to end with when there is nothing to run
 };
 
-/// Gives the program its name, commands, options and help. A line that it parses then sets `action`, which
-/// must last as long as it does.
-void describeProgram(CLI::App& program, Action& action);
+/// The program with its name, commands, options and help. A line that it parses sets `action`, which must
+/// last as long as the program does.
+std::shared_ptr<CLI::App> describedProgram(Action& action);
 
 /// Reads a command line, without the program's name. Nothing is run and no file is touched.
 CommandLine readCommandLine(std::vector<std::string> arguments);

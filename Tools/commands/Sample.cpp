@@ -84,30 +84,20 @@ ExitCode sample(const SampleOptions& options, Output& output) {
 
 void addSampleCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<SampleOptions>();
-    CLI::App* command = program.add_subcommand("sample", "Print the values of curves at many frames");
-    addProjectOptions(*command, options->files);
+    Command command(program, "sample", "Print the values of curves at many frames");
+    addProjectOptions(command, options->files);
     command
-        ->add_option("--curve", options->curves,
-                     "a curve by id, name, node or label such as Hips.translationX; repeatable")
-        ->type_name("NAME")
-        ->take_all()
-        ->allow_extra_args(false);
-    addObjectOption(*command, options->object);
-    command->add_option("--from", options->from, "first frame (default: each curve's own)")
-        ->type_name("")
-        ->check(finite());
-    command->add_option("--to", options->to, "last frame (default: each curve's own)")
-        ->type_name("")
-        ->check(finite());
-    command->add_option("--step", options->step, "frames from sample to sample")
-        ->type_name("")
-        ->check(aboveZero())
-        ->capture_default_str();
-    addFormatOption(*command, options->format);
-    addExamples(*command, {"ka-anim sample walk.bvh --curve Hips.translationX",
-                           "ka-anim sample walk.bvh --curve Hips --from 0 --to 10 --step 0.5 --format json"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return sample(*options, output); }; });
+        .option("--curve", options->curves,
+                "a curve by id, name, node or label such as Hips.translationX; repeatable")
+        .takes("NAME");
+    addObjectOption(command, options->object);
+    command.option("--from", options->from, "first frame (default: each curve's own)").finite();
+    command.option("--to", options->to, "last frame (default: each curve's own)").finite();
+    command.option("--step", options->step, "frames from sample to sample").aboveZero().showsDefault();
+    addFormatOption(command, options->format);
+    command.examples({"ka-anim sample walk.bvh --curve Hips.translationX",
+                      "ka-anim sample walk.bvh --curve Hips --from 0 --to 10 --step 0.5 --format json"});
+    command.runs(action, [options](Output& output) { return sample(*options, output); });
 }
 
 } // namespace ka::tools

@@ -116,22 +116,19 @@ ExitCode upgrade(const UpgradeOptions& options, Output& output) {
 
 void addUpgradeCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<UpgradeOptions>();
-    CLI::App* command = program.add_subcommand(
-        "upgrade", "Convert the animation that an older scene carries inside itself into a document");
-    command->add_option("OLD", options->files.file, "a scene (.osg) of an older version")
-        ->type_name("")
-        ->required();
-    addSceneOutputs(*command, options->outputs, "--animation");
+    Command command(program, "upgrade",
+                    "Convert the animation that an older scene carries inside itself into a document");
+    command.option("OLD", options->files.file, "a scene (.osg) of an older version").needed();
+    addSceneOutputs(command, options->outputs, "--animation");
     command
-        ->add_option("--camera", options->camera,
-                     "the node that takes the old camera's animation (default: the first camera)")
-        ->type_name("NODE");
-    addTextFormatOption(*command, options->format);
-    command->add_flag("--strict", options->strict, "end with code 1 when anything was left out");
-    addExamples(*command, {"ka-anim upgrade door.osg -o new.osg --animation new.xml",
-                           "ka-anim upgrade door.osg -o new.osg --animation new.xml --strict --format json"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return upgrade(*options, output); }; });
+        .option("--camera", options->camera,
+                "the node that takes the old camera's animation (default: the first camera)")
+        .takes("NODE");
+    addTextFormatOption(command, options->format);
+    command.flag("--strict", options->strict, "end with code 1 when anything was left out");
+    command.examples({"ka-anim upgrade door.osg -o new.osg --animation new.xml",
+                      "ka-anim upgrade door.osg -o new.osg --animation new.xml --strict --format json"});
+    command.runs(action, [options](Output& output) { return upgrade(*options, output); });
 }
 
 } // namespace ka::tools

@@ -86,16 +86,13 @@ ExitCode validate(const ValidateOptions& options, Output& output) {
 
 void addValidateCommand(CLI::App& program, Action& action) {
     auto options = std::make_shared<ValidateOptions>();
-    CLI::App* command =
-        program.add_subcommand("validate", "Look for everything that is wrong with a document");
-    command->add_option("DOC", options->document, "an animation document")->type_name("")->required();
-    command->add_option("--scene", options->scene, "the scene (.osg) that the document goes with")
-        ->type_name("PATH");
-    addTextFormatOption(*command, options->format);
-    addExamples(*command,
-                {"ka-anim validate walk.xml", "ka-anim validate walk.xml --scene walk.osg --format json"});
-    command->callback(
-        [options, &action] { action = [options](Output& output) { return validate(*options, output); }; });
+    Command command(program, "validate", "Look for everything that is wrong with a document");
+    command.option("DOC", options->document, "an animation document").needed();
+    command.option("--scene", options->scene, "the scene (.osg) that the document goes with").takes("PATH");
+    addTextFormatOption(command, options->format);
+    command.examples(
+        {"ka-anim validate walk.xml", "ka-anim validate walk.xml --scene walk.osg --format json"});
+    command.runs(action, [options](Output& output) { return validate(*options, output); });
 }
 
 } // namespace ka::tools

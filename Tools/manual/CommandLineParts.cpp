@@ -1,20 +1,14 @@
 #include "manual/CommandLineParts.h"
 
+#include <CLI/CLI.hpp>
+
 namespace ka::tools {
 
-std::vector<const CLI::App*> commandsOf(const CLI::App& program) {
-    return program.get_subcommands([](const CLI::App*) { return true; });
-}
-
-std::vector<const CLI::Option*> optionsOf(const CLI::App& command) {
-    return command.get_options([](const CLI::Option* option) { return !option->get_positional(); });
-}
-
-std::vector<const CLI::Option*> positionalsOf(const CLI::App& command) {
-    return command.get_options([](const CLI::Option* option) { return option->get_positional(); });
-}
+namespace {
 
 std::vector<std::string> spellingsOf(const CLI::Option& option) {
+    if (option.get_positional())
+        return {option.get_single_name()};
     std::vector<std::string> spellings;
     for (const std::string& name : option.get_snames())
         spellings.push_back("-" + name);
@@ -23,8 +17,29 @@ std::vector<std::string> spellingsOf(const CLI::Option& option) {
     return spellings;
 }
 
-bool takesValue(const CLI::Option& option) {
-    return option.get_items_expected_max() > 0;
+OptionParts optionParts(const CLI::Option& option) {
+    OptionParts parts;
+    parts.spellings = spellingsOf(option);
+    parts.description = option.get_description();
+    parts.typeName = option.get_type_name();
+    parts.defaultText = option.get_default_str();
+    parts.isNeeded = option.get_required();
+    parts.takesValue = option.get_items_expected_max() > 0;
+    return parts;
+}
+
+} // namespace
+
+CommandParts partsOf(const CLI::App& program) {
+    CommandParts parts;
+    parts.name = program.get_name();
+    parts.description = program.get_description();
+    parts.ending = program.get_footer();
+    for (const CLI::Option* option : program.get_options())
+        (option->get_positional() ? parts.positionals : parts.options).push_back(optionParts(*option));
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; }))
+        parts.commands.push_back(partsOf(*command));
+    return parts;
 }
 
 } // namespace ka::tools

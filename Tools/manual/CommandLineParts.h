@@ -1,21 +1,35 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace ka::tools {
 
-/// The commands in the order of the help.
-std::vector<const CLI::App*> commandsOf(const CLI::App& program);
+/// An option of a command, or a value that is told by its place.
+struct OptionParts {
+    std::vector<std::string> spellings; ///< "-o", "--output"; of a value told by its place, its name alone
+    std::string description;
+    std::string typeName;    ///< what its value is called: "PATH", "csv|json"; may be empty
+    std::string defaultText; ///< its default, where the help shows one
+    bool isNeeded = false;
+    bool takesValue = false;
+};
 
-/// The options (positionals) of a command in the order of the help.
-std::vector<const CLI::Option*> optionsOf(const CLI::App& command);
-std::vector<const CLI::Option*> positionalsOf(const CLI::App& command);
+/// A program, or one of its commands, as its help describes it and in the order of the help.
+struct CommandParts {
+    std::string name;
+    std::string description;
+    std::string ending; ///< what stands at the end of the help
+    std::vector<OptionParts> positionals;
+    std::vector<OptionParts> options;
+    std::vector<CommandParts> commands;
+};
 
-/// Every spelling of an option: "-o", "--output".
-std::vector<std::string> spellingsOf(const CLI::Option& option);
-
-bool takesValue(const CLI::Option& option);
+/// What the program is made of, so that nobody else has to walk over the parser's objects.
+CommandParts partsOf(const CLI::App& program);
 
 } // namespace ka::tools

@@ -1,7 +1,5 @@
 #include "manual/Completion.h"
 
-#include "manual/CommandLineParts.h"
-
 #include <algorithm>
 
 namespace ka::tools {
@@ -21,8 +19,8 @@ std::string joined(const std::vector<std::string>& words, const char* between) {
     return text;
 }
 
-std::string replyFor(const CLI::Option& option) {
-    std::string type = option.get_type_name();
+std::string replyFor(const OptionParts& option) {
+    std::string type = option.typeName;
     if (type == "PATH")
         return "_ka_anim_files";
     if (type.find('|') == type.npos)
@@ -31,23 +29,23 @@ std::string replyFor(const CLI::Option& option) {
     return "_ka_anim_words '" + type + "'";
 }
 
-void addValues(const CLI::App& command, std::vector<Values>& all) {
-    for (const CLI::Option* option : optionsOf(command)) {
-        if (!takesValue(*option))
+void addValues(const CommandParts& command, std::vector<Values>& all) {
+    for (const OptionParts& option : command.options) {
+        if (!option.takesValue)
             continue;
-        const std::string reply = replyFor(*option);
+        const std::string reply = replyFor(option);
         auto same = std::find_if(all.begin(), all.end(), [&](const Values& v) { return v.reply == reply; });
         if (same == all.end())
             same = all.insert(all.end(), {{}, reply});
-        for (const std::string& spelling : spellingsOf(*option))
-            same->after.push_back("'" + command.get_name() + " " + spelling + "'");
+        for (const std::string& spelling : option.spellings)
+            same->after.push_back("'" + command.name + " " + spelling + "'");
     }
 }
 
-std::string optionWords(const CLI::App& command) {
+std::string optionWords(const CommandParts& command) {
     std::vector<std::string> words;
-    for (const CLI::Option* option : optionsOf(command))
-        for (const std::string& spelling : spellingsOf(*option))
+    for (const OptionParts& option : command.options)
+        for (const std::string& spelling : option.spellings)
             words.push_back(spelling);
     return joined(words, " ");
 }
@@ -86,16 +84,16 @@ constexpr const char* wordsSoFar = R"(_ka_anim()
 
 } // namespace
 
-std::string bashCompletion(const CLI::App& program) {
+std::string bashCompletion(const CommandParts& program) {
     std::vector<std::string> names;
     std::vector<Values> values;
     std::string cases;
-    for (const CLI::App* command : commandsOf(program)) {
-        names.push_back(command->get_name());
-        addValues(*command, values);
-        cases += "        " + command->get_name() + ") options='" + optionWords(*command) + "' ;;\n";
+    for (const CommandParts& command : program.commands) {
+        names.push_back(command.name);
+        addValues(command, values);
+        cases += "        " + command.name + ") options='" + optionWords(command) + "' ;;\n";
     }
-    std::string script = "# What bash completes on a command line of " + program.get_name() + ".\n\n";
+    std::string script = "# What bash completes on a command line of " + program.name + ".\n\n";
     script += std::string(helpers) + wordsSoFar;
     script += "    case \"$command $previous\" in\n";
     for (const Values& value : values)
@@ -106,7 +104,7 @@ std::string bashCompletion(const CLI::App& program) {
     script += "    if [[ $current == -* ]]; then\n        _ka_anim_words \"$options\"\n"
               "    elif [[ -z $command ]]; then\n        _ka_anim_words '" +
               joined(names, " ") + "'\n    else\n        _ka_anim_files\n    fi\n}\n\n";
-    return script + "complete -F _ka_anim " + program.get_name() + "\n";
+    return script + "complete -F _ka_anim " + program.name + "\n";
 }
 
 } // namespace ka::tools

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "manual/CommandLineParts.h"
+
 #include <string>
 
 namespace ka::tools {
@@ -8,6 +9,6 @@ namespace ka::tools {
 /// A bash script that completes the program's commands, their options and what can follow an option: one of
 /// its choices (type names such as "csv|json"), a file for type names "PATH", nothing for other values.
 /// Everything else on a line completes to files.
-std::string bashCompletion(const CLI::App& program);
+std::string bashCompletion(const CommandParts& program);
 
 } // namespace ka::tools

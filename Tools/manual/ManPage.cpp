@@ -1,7 +1,6 @@
 #include "manual/ManPage.h"
 
 #include "base/Text.h"
-#include "manual/CommandLineParts.h"
 
 #include <sstream>
 
@@ -35,35 +34,35 @@ std::string italic(const std::string& text) {
     return "\\fI" + plain(text) + "\\fR";
 }
 
-std::string valueName(const CLI::Option& option) {
-    return option.get_type_name().empty() ? "VALUE" : option.get_type_name();
+std::string valueName(const OptionParts& option) {
+    return option.typeName.empty() ? "VALUE" : option.typeName;
 }
 
 /// "ka-anim plot [OPTIONS] FILE", with the options that are needed spelled out.
-std::string synopsis(const std::string& program, const CLI::App& command) {
-    std::string line = bold(program + " " + command.get_name()) + " [" + italic("OPTIONS") + "]";
-    for (const CLI::Option* option : optionsOf(command))
-        if (option->get_required())
-            line += " " + bold(spellingsOf(*option).back()) + " " + italic(valueName(*option));
-    for (const CLI::Option* positional : positionalsOf(command)) {
-        const std::string name = italic(positional->get_single_name());
-        line += positional->get_required() ? " " + name : " [" + name + "]";
+std::string synopsis(const std::string& program, const CommandParts& command) {
+    std::string line = bold(program + " " + command.name) + " [" + italic("OPTIONS") + "]";
+    for (const OptionParts& option : command.options)
+        if (option.isNeeded)
+            line += " " + bold(option.spellings.back()) + " " + italic(valueName(option));
+    for (const OptionParts& positional : command.positionals) {
+        const std::string name = italic(positional.spellings.front());
+        line += positional.isNeeded ? " " + name : " [" + name + "]";
     }
     return line;
 }
 
-std::string entry(const std::string& title, const CLI::Option& option) {
-    std::string text = ".TP\n" + title + "\n" + plain(option.get_description());
-    if (!option.get_default_str().empty())
-        text += " (default: " + plain(option.get_default_str()) + ")";
+std::string entry(const std::string& title, const OptionParts& option) {
+    std::string text = ".TP\n" + title + "\n" + plain(option.description);
+    if (!option.defaultText.empty())
+        text += " (default: " + plain(option.defaultText) + ")";
     return text + "\n";
 }
 
-std::string optionTitle(const CLI::Option& option) {
+std::string optionTitle(const OptionParts& option) {
     std::string title;
-    for (const std::string& spelling : spellingsOf(option))
+    for (const std::string& spelling : option.spellings)
         title += (title.empty() ? "" : ", ") + bold(spelling);
-    return takesValue(option) ? title + " " + italic(valueName(option)) : title;
+    return option.takesValue ? title + " " + italic(valueName(option)) : title;
 }
 
 /// The end of a help text: lines of prose, and examples, which are indented.
@@ -82,33 +81,33 @@ std::string ending(const std::string& footer) {
     return isExample ? text + ".fi\n.RE\n" : text;
 }
 
-std::string section(const std::string& program, const CLI::App& command) {
-    std::string text = ".SS " + plain(program + " " + command.get_name()) + "\n";
-    text += synopsis(program, command) + "\n.PP\n" + plain(command.get_description()) + "\n";
-    for (const CLI::Option* positional : positionalsOf(command))
-        text += entry(italic(positional->get_single_name()), *positional);
-    for (const CLI::Option* option : optionsOf(command))
-        text += entry(optionTitle(*option), *option);
-    return text + ending(command.get_footer());
+std::string section(const std::string& program, const CommandParts& command) {
+    std::string text = ".SS " + plain(program + " " + command.name) + "\n";
+    text += synopsis(program, command) + "\n.PP\n" + plain(command.description) + "\n";
+    for (const OptionParts& positional : command.positionals)
+        text += entry(italic(positional.spellings.front()), positional);
+    for (const OptionParts& option : command.options)
+        text += entry(optionTitle(option), option);
+    return text + ending(command.ending);
 }
 
 } // namespace
 
-std::string manPage(const CLI::App& program, const std::string& version) {
-    const std::string name = program.get_name();
+std::string manPage(const CommandParts& program, const std::string& version) {
+    const std::string name = program.name;
     std::string title = name;
     for (char& c : title)
         c = upperCase(c);
     std::string text = ".TH " + title + " 1 \"\" \"kaAnimation " + version + "\" \"User Commands\"\n";
-    text += ".SH NAME\n" + name + " \\- " + plain(program.get_description()) + "\n";
+    text += ".SH NAME\n" + name + " \\- " + plain(program.description) + "\n";
     text += ".SH SYNOPSIS\n" + bold(name) + " " + italic("COMMAND") + " [" + italic("OPTIONS") + "] [" +
             italic("FILE") + "]\n";
-    text += ".SH DESCRIPTION\n" + plain(program.get_footer()) + "\n.SH OPTIONS\n";
-    for (const CLI::Option* option : optionsOf(program))
-        text += entry(optionTitle(*option), *option);
+    text += ".SH DESCRIPTION\n" + plain(program.ending) + "\n.SH OPTIONS\n";
+    for (const OptionParts& option : program.options)
+        text += entry(optionTitle(option), option);
     text += ".SH COMMANDS\n";
-    for (const CLI::App* command : commandsOf(program))
-        text += section(name, *command);
+    for (const CommandParts& command : program.commands)
+        text += section(name, command);
     return text;
 }
 

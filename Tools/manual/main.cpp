@@ -24,9 +24,8 @@ int main(int argc, char** argv) {
         std::cerr << "ka-anim-manual: two names are needed, for the manual page and the completion\n";
         return 2;
     }
-    CLI::App program;
     ka::tools::Action none;
-    ka::tools::describeProgram(program, none);
+    const ka::tools::CommandParts program = ka::tools::partsOf(*ka::tools::describedProgram(none));
     const bool isWritten = write(argv[1], ka::tools::manPage(program, KA_VERSION)) &&
                            write(argv[2], ka::tools::bashCompletion(program));
     return isWritten ? 0 : 4;

@@ -1,0 +1,141 @@
+#include "cli/Command.h"
+
+#include "base/Text.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <limits>
+#include <map>
+
+namespace ka::tools {
+
+namespace {
+
+/// Without the parser's own name for the type, which would stand in the help.
+template <class Value>
+CLI::Option* addOption(CLI::App& command, const std::string& names, Value& value,
+                       const std::string& description) {
+    return command.add_option(names, value, description)->type_name("");
+}
+
+} // namespace
+
+Command::Command(CLI::App& program, const std::string& name, const std::string& description)
+    : _command(program.add_subcommand(name, description)) {}
+
+Command::Option Command::option(const std::string& names, std::string& value,
+                                const std::string& description) {
+    return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::option(const std::string& names, double& value, const std::string& description) {
+    return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::option(const std::string& names, std::optional<double>& value,
+                                const std::string& description) {
+    return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::option(const std::string& names, int& value, const std::string& description) {
+    return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::option(const std::string& names, std::size_t& value,
+                                const std::string& description) {
+    return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::option(const std::string& names, std::vector<std::string>& values,
+                                const std::string& description) {
+    return Option(addOption(*_command, names, values, description)->take_all()->allow_extra_args(false));
+}
+
+Command::Option Command::flag(const std::string& names, bool& value, const std::string& description) {
+    return Option(_command->add_flag(names, value, description));
+}
+
+Command::Option Command::addChoice(const std::string& names, const std::vector<NumberedWord>& words,
+                                   int chosen, const std::function<void(int)>& choose,
+                                   const std::string& description) {
+    std::map<std::string, int> numbers;
+    std::string list, byDefault;
+    for (const NumberedWord& entry : words) {
+        numbers[entry.word] = entry.number;
+        list += (list.empty() ? "" : "|") + entry.word;
+        if (entry.number == chosen)
+            byDefault = entry.word;
+    }
+    return Option(_command->add_option_function<int>(names, choose, description)
+                      ->type_name(list)
+                      ->transform(CLI::CheckedTransformer(numbers).description(""))
+                      ->default_str(byDefault));
+}
+
+void Command::examples(const std::vector<std::string>& lines, const std::string& remark) {
+    std::string text = remark + (remark.empty() ? "" : "\n\n") + "Examples:";
+    for (const std::string& line : lines)
+        text += "\n  " + line;
+    _command->footer(text);
+}
+
+void Command::runs(Action& action, const Action& what) {
+    _command->callback([&action, what] { action = what; });
+}
+
+Command::Option Command::Option::needed() const {
+    _option->required();
+    return *this;
+}
+
+Command::Option Command::Option::needs(const Option& other) const {
+    _option->needs(other._option);
+    return *this;
+}
+
+Command::Option Command::Option::takes(const std::string& what) const {
+    _option->type_name(what);
+    return *this;
+}
+
+Command::Option Command::Option::showsDefault() const {
+    _option->capture_default_str();
+    return *this;
+}
+
+Command::Option Command::Option::finite() const {
+    _option->check([](const std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        if (!value || !std::isfinite(*value))
+            return "'" + oneLine(text) + "' is not a finite number";
+        const bool fits = std::abs(*value) <= static_cast<double>(std::numeric_limits<float>::max());
+        return fits ? std::string() : "'" + oneLine(text) + "' is beyond the range of a float";
+    });
+    return *this;
+}
+
+Command::Option Command::Option::aboveZero(double high) const {
+    _option->check([high](const std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        if (!value || !(*value > 0.0))
+            return "'" + oneLine(text) + "' is not a number above zero";
+        return *value <= high ? std::string() : "'" + oneLine(text) + "' is above " + formatNumber(high);
+    });
+    return *this;
+}
+
+Command::Option Command::Option::zeroOrMore() const {
+    _option->check([](const std::string& text) {
+        const std::optional<double> value = parseNumber(text);
+        const bool fits = value && *value >= 0.0 && std::isfinite(*value);
+        return fits ? std::string() : "'" + oneLine(text) + "' is not a finite number of at least 0";
+    });
+    return *this;
+}
+
+Command::Option Command::Option::between(int low, int high) const {
+    _option->check(CLI::Range(low, high).description(""));
+    return *this;
+}
+
+} // namespace ka::tools
