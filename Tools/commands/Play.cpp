@@ -208,10 +208,8 @@ void addPlayOptions(Command& command, PlayOptions& options) {
                 "waiting (default: the wall clock)")
         .between(1, 1000000000);
     command.flag("--verbose", options.verbose, "print a line for each whole frame and each message");
-    command
-        .choice("--format", options.format, {{"text", Lines::Text}, {"json", Lines::Json}},
-                "text, or json: each message as one line of JSON")
-        .takes("");
+    command.choice("--format", options.format, {{"text", Lines::Text}, {"json", Lines::Json}},
+                   "text, or json: each message as one line of JSON");
 }
 
 } // namespace
