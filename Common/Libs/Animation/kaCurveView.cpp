@@ -88,7 +88,7 @@ void kaCurveView::divide() {
     _cellsPerFrame = count / (_end - _begin);
     if (!std::isfinite(_cellsPerFrame) || !(_cellsPerFrame > 0.0F))
         return;
-    _cells.assign(_frames.size() + 1, 0);
+    _cells.assign(_frames.size(), 0);
     for (float frame : _frames)
         ++_cells[cellOf(frame) + 1];
     for (std::size_t i = 1; i < _cells.size(); ++i)
@@ -102,7 +102,7 @@ void kaCurveView::divide() {
 /// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
 std::size_t kaCurveView::cellOf(float frame) const {
     const auto cell = static_cast<std::uint32_t>((frame - _begin) * _cellsPerFrame);
-    return std::min<std::size_t>(cell, _segments.size());
+    return std::min<std::size_t>(cell, _segments.size() - 1);
 }
 
 /// The number of the segment that holds `frame`, which stands between the first key and the last.
@@ -110,25 +110,24 @@ std::size_t kaCurveView::indexAt(float frame) const {
     if (_cells.empty())
         return upperBoundAmong(0, _frames.size(), frame) - 1;
     const std::size_t cell = cellOf(frame);
-    const std::size_t likely = std::min(cell, _segments.size() - 1);
-    if (_even && _segments[likely].holds(frame))
-        return likely;
+    if (_even && _segments[cell].holds(frame))
+        return cell;
     return upperBoundAmong(_cells[cell], _cells[cell + 1], frame) - 1;
 }
 
-/// Halves without branching on the comparison: random frames would mispredict each.
+/// Halves without branching on the comparison, which random frames would mispredict each time: a product is
+/// no branch whatever the compiler makes of it.
 std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float frame) const {
-    while (from < to) {
-        const std::size_t half = (to - from) / 2;
-        const bool later = frame < _frames[from + half];
-        to = later ? from + half : to;
-        from = later ? from : from + half + 1;
+    for (std::size_t count = to - from; count > 0;) {
+        const std::size_t half = (count + 1) / 2;
+        from += static_cast<std::size_t>(_frames[from + half - 1] <= frame) * half;
+        count = count / 2;
     }
     return from;
 }
 
 const kaSegment* kaCurveView::segmentAt(float frame) {
-    if (_segments.empty() || !(frame >= _begin && frame < _end))
+    if (!(frame >= _begin && frame < _end))
         return nullptr;
     if (!_segments[_last].holds(frame))
         _last = indexAt(frame);

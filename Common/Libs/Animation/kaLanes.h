@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 // Wider than some processors' registers: how such values are passed depends on the build, but nothing here is
 // called across one.
@@ -15,9 +16,13 @@ using kaLanes = double __attribute__((vector_size(32)));
 
 inline constexpr std::size_t kaLaneCount = sizeof(kaLanes) / sizeof(double);
 
+/// Two of them, which every processor that this is built for has registers for.
+using kaPair = double __attribute__((vector_size(16)));
+
 namespace kaLanesDetail {
 
 using LaneBits = std::uint64_t __attribute__((vector_size(sizeof(kaLanes))));
+using PairBits = std::uint64_t __attribute__((vector_size(sizeof(kaPair))));
 
 /// The integer of the same width and as many lanes.
 template <class Real>
@@ -27,6 +32,10 @@ struct Bits {
 template <>
 struct Bits<kaLanes> {
     using type = LaneBits;
+};
+template <>
+struct Bits<kaPair> {
+    using type = PairBits;
 };
 
 template <class To, class From>
@@ -45,6 +54,9 @@ template <class Real>
 inline Real kaMagnitude(const Real& x) {
     using namespace kaLanesDetail;
     return bitCast<Real>(bitCast<typename Bits<Real>::type>(x) & ~SignBit);
+}
+inline double kaMagnitude(double x) {
+    return std::fabs(x);
 }
 
 /// `magnitude`, which is not negative, with the sign of `sign`.
@@ -85,4 +97,15 @@ inline Real kaQuickCubeRoot(const Real& x) {
 template <class Real>
 inline Real kaQuickSignedCubeRoot(const Real& x) {
     return kaWithSign(kaQuickCubeRoot(kaMagnitude(x)), x);
+}
+
+/// The same of two numbers, of which either may be several side by side.
+template <class Real>
+inline std::pair<Real, Real> kaQuickSignedCubeRoots(const Real& a, const Real& b) {
+    return {kaQuickSignedCubeRoot(a), kaQuickSignedCubeRoot(b)};
+}
+template <>
+inline std::pair<double, double> kaQuickSignedCubeRoots(const double& a, const double& b) {
+    const kaPair roots = kaQuickSignedCubeRoot(kaPair{a, b});
+    return {roots[0], roots[1]};
 }

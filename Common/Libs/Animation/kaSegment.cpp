@@ -37,13 +37,13 @@ double signedCubeRoot(double x) {
     return x < 0.0 ? -plainCubeRoot(-x) : plainCubeRoot(x);
 }
 
-/// Where a segment stands for a parameter t, between its four values.
+/// Where a segment stands for a parameter t, between its four values: the polynomial in powers of t, most of
+/// which is there before t is.
 template <class Real>
-Real blendOf(const Real& t, const Real& y0, const Real& y1, const Real& y2, const Real& y3) {
-    const Real t2 = t * t;
-    const Real t3 = t2 * t;
-    return y0 * (1.0 - 3.0 * t + 3.0 * t2 - t3) + y1 * (3.0 * t - 6.0 * t2 + 3.0 * t3) +
-           y2 * (3.0 * t2 - 3.0 * t3) + y3 * t3;
+Real quickBlend(const Real& t, const Real& y0, const Real& y1, const Real& y2, const Real& y3) {
+    const Real first = 3.0 * (y1 - y0);
+    const Real second = 3.0 * (y2 - y1);
+    return y0 + t * (first + t * ((second - first) + t * (y3 - y0 - second)));
 }
 
 /// What the formula for one real root gives with quick cube roots, of one segment (`double`) or of several.
@@ -59,14 +59,13 @@ template <class Real>
 Estimate<Real> estimate(const Real& half, const Real& discriminant, const Real& shift, const Real& y0,
                         const Real& y1, const Real& y2, const Real& y3) {
     const Real w = kaSquareRoot(discriminant);
-    const Real u = kaQuickSignedCubeRoot<Real>(w - half);
-    const Real v = kaQuickSignedCubeRoot<Real>(-half - w);
+    const auto [u, v] = kaQuickSignedCubeRoots<Real>(w - half, -half - w);
     const Real t = u + v - shift;
     // For t near the segment the value changes by less than 4 times the sum of the four values for each unit
     // of t.
     const Real reach = kaMagnitude(y0) + kaMagnitude(y1) + kaMagnitude(y2) + kaMagnitude(y3);
     const Real size = kaMagnitude(u) + kaMagnitude(v) + kaMagnitude(shift) + 1.0;
-    return {t, blendOf(t, y0, y1, y2, y3), reach * (4.0 * size) * 0x1p-44};
+    return {t, quickBlend(t, y0, y1, y2, y3), reach * size * 0x1p-42};
 }
 
 /// Where all numbers within the error are the same float, that float is the literal result.
@@ -187,8 +186,12 @@ void kaSegment::sampleSideBySide(const kaSegment* const (&segments)[Side], const
                      segments[i]->sample(frames[i], values[i]);
 }
 
+/// By the weights of the four values, which round otherwise than the powers of t.
 inline double kaSegment::blend(double t) const {
-    return blendOf<double>(t, _points.y0, _points.y1, _points.y2, _points.y3);
+    const double t2 = t * t;
+    const double t3 = t2 * t;
+    return _points.y0 * (1.0 - 3.0 * t + 3.0 * t2 - t3) + _points.y1 * (3.0 * t - 6.0 * t2 + 3.0 * t3) +
+           _points.y2 * (3.0 * t2 - 3.0 * t3) + _points.y3 * t3;
 }
 
 /// Cardano's formula for the reduced cubic.
