@@ -73,7 +73,24 @@ std::vector<kaUID> kaChildList::ids() const {
 }
 
 void kaChildList::noteEdit() {
-    ++_revision;
+    _changesFrom = ++_revision;
+    kaEdits::note();
+}
+
+/// What has to be forgotten for it is the change that is longest ago.
+void kaChildList::noteEditOf(const kaAnimationObject& child) {
+    Change* change = _changes.data();
+    for (Change& other : _changes) {
+        if (other.child == &child) {
+            change = &other;
+            break;
+        }
+        if (other.revision < change->revision)
+            change = &other;
+    }
+    if (change->child != &child)
+        _changesFrom = std::max(_changesFrom, change->revision);
+    *change = {&child, ++_revision};
     kaEdits::note();
 }
 
@@ -316,7 +333,7 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
 void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
     if (_ending)
         return;
-    noteEdit();
+    noteEditOf(child);
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
     const Entry now = entryOf(child);
@@ -449,13 +466,15 @@ std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
         return {static_cast<std::size_t>(found - _ids.begin()), found != _ids.end()};
     }
     const kaAnimationObject* object = resolve(id);
-    if (!isHome(object))
-        return {_size, false};
-    const Place place = find(*object);
+    return isHome(object) ? std::make_pair(positionOf(*object), true) : std::make_pair(_size, false);
+}
+
+std::size_t kaChildList::positionOf(const kaAnimationObject& child) const {
+    const Place place = find(child);
     std::size_t result = place.index;
     for (std::size_t i = 0; i < place.chunk; ++i)
         result += _chunks[i]->entries.size();
-    return {result, true};
+    return result;
 }
 
 std::pair<std::size_t, bool> kaChildList::position(float begin) const {

@@ -2,6 +2,7 @@
 
 #include "kaAnimationObject.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -129,6 +130,22 @@ class kaChildList {
     /// mirrored.
     std::uint64_t revision() const { return _revision; }
 
+    /// Calls `visit(const kaAnimationObject&)` for each mirrored child that has changed since `revision`, in
+    /// no order, where all that has changed are a few children in their places. @return false, without a
+    /// call, where more has: which children there are, their order, or more of them than are remembered.
+    template <class Visit>
+    bool forEachChanged(std::uint64_t revision, Visit&& visit) const {
+        if (!_mirrored || revision < _changesFrom)
+            return false;
+        for (const Change& change : _changes)
+            if (change.revision > revision)
+                visit(*change.child);
+        return true;
+    }
+
+    /// Position of a mirrored child. Cost: O(log ChunkSize + c).
+    std::size_t positionOf(const kaAnimationObject& child) const;
+
     /// A mirrored child has changed.
     void childChanged(kaChildChunk& chunk, kaAnimationObject& child);
     /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.
@@ -146,6 +163,11 @@ class kaChildList {
         std::size_t index;
     };
     using Entry = kaChildChunk::Entry;
+    /// A key that is dragged changes, and so do the keys beside it, whose handles follow.
+    struct Change {
+        const kaAnimationObject* child = nullptr;
+        std::uint64_t revision = 0; ///< at its last change
+    };
 
     static kaAnimationObject* resolve(kaUID id);
     static const kaAnimationObject* resolve(const kaAnimationObject& child);
@@ -173,6 +195,7 @@ class kaChildList {
     bool tryMirror();
     void becomeLiteral();
     void noteEdit();
+    void noteEditOf(const kaAnimationObject& child);
     void sizeChanged(std::size_t size);
 
     Place lowerBound(float begin) const;
@@ -190,6 +213,8 @@ class kaChildList {
     std::vector<kaUID> _ids;    ///< the list while it is not mirrored
     std::size_t _size = 0;
     std::uint64_t _revision = 0;
+    std::uint64_t _changesFrom = 0; ///< all that has changed after this revision stands in `_changes`
+    std::array<Change, 8> _changes;
     kaExtent _extent;
     bool _extentValid = true;
     bool _mirrored = true;

@@ -12,25 +12,81 @@ namespace {
 /// Fewer keys than this are searched as they are.
 constexpr std::size_t FewKeys = 8;
 
+/// A missing handle stands on its key.
+kaSegment segmentBetween(const kaControlPoint2D& left, const kaControlPoint2D& right) {
+    const kaControlPoint2D* outHandle = left.getOutTangent();
+    const kaControlPoint2D* inHandle = right.getInTangent();
+    const osg::Pnt2f& a = left.getPosition();
+    const osg::Pnt2f& out = (outHandle ? outHandle : &left)->getPosition();
+    const osg::Pnt2f& in = (inHandle ? inHandle : &right)->getPosition();
+    const osg::Pnt2f& b = right.getPosition();
+    return kaSegment(kaSegment::Points{a[0], a[1], out[0], out[1], in[0], in[1], b[0], b[1]});
+}
+
 } // namespace
 
 void kaCurveView::renew(const kaAnimationCurve2D& curve, const kaChildList* keys) {
     const bool mirrored = keys && keys->isMirrored();
     if (!mirrored || !_packed || keys->revision() != _revision) {
-        pack(curve, keys);
-        divide();
+        if (!mirrored || !_packed || !mend(*keys)) {
+            pack(curve, keys);
+            divide();
+        }
         _packed = mirrored;
         _revision = keys ? keys->revision() : 0;
     }
     _edits = kaEdits::count;
 }
 
+/// Packs the segments beside the keys that have changed. @return false where that is not enough; what has
+/// been packed until then is good for nothing.
+bool kaCurveView::mend(const kaChildList& keys) {
+    if (!_inListOrder || _segments.empty())
+        return false;
+    bool ordered = true;
+    bool regroup = false;
+    const bool known = keys.forEachChanged(_revision, [&](const kaAnimationObject& child) {
+        const auto& point = static_cast<const kaControlPoint2D&>(child);
+        const std::size_t place = keys.positionOf(child);
+        const auto beside = keys.beside(child);
+        const float x = point.getPosition()[0];
+        regroup = regroup || !staysInCell(place, x);
+        _frames[place] = x;
+        if (const auto* previous = static_cast<const kaControlPoint2D*>(beside.first)) {
+            ordered = ordered && previous->getPosition()[0] < x;
+            _segments[place - 1] = segmentBetween(*previous, point);
+        } else {
+            _firstValue = point.getPosition()[1];
+        }
+        if (const auto* next = static_cast<const kaControlPoint2D*>(beside.second)) {
+            ordered = ordered && x < next->getPosition()[0];
+            _segments[place] = segmentBetween(point, *next);
+        }
+    });
+    if (!known || !ordered)
+        return false;
+    if (regroup) {
+        noteEnds();
+        divide();
+    }
+    return true;
+}
+
+/// Whether the cells stay as they are when the key at `place` goes to `frame`.
+bool kaCurveView::staysInCell(std::size_t place, float frame) const {
+    const float former = _frames[place];
+    if (frame == former)
+        return true;
+    const bool isBetween = place > 0 && place < _segments.size() && frame >= _begin && frame < _end;
+    return isBetween && !_cells.empty() && cellOf(frame) == cellOf(former);
+}
+
 void kaCurveView::pack(const kaAnimationCurve2D& curve, const kaChildList* keys) {
     static std::vector<const kaControlPoint2D*> points; // kept, or every edited curve would allocate its own
     points.clear();
     _count = 0;
+    bool ascending = true;
     if (keys) {
-        bool ascending = true;
         keys->forEach([&](kaAnimationObject& child) {
             if (child.getTypeID() != KA_TYPE_POINT)
                 return;
@@ -52,9 +108,9 @@ void kaCurveView::pack(const kaAnimationCurve2D& curve, const kaChildList* keys)
         }
     }
     pack(points);
+    _inListOrder = ascending && keys && keys->isMirrored() && points.size() == keys->size();
 }
 
-/// A missing handle stands on its key.
 void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {
     _segments.clear();
     _frames.clear();
@@ -65,23 +121,21 @@ void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {
     const kaControlPoint2D* left = nullptr;
     for (const kaControlPoint2D* right : ascending) {
         _frames.push_back(right->getPosition()[0]);
-        if (left) {
-            const kaControlPoint2D* outHandle = left->getOutTangent();
-            const kaControlPoint2D* inHandle = right->getInTangent();
-            const osg::Pnt2f& a = left->getPosition();
-            const osg::Pnt2f& out = (outHandle ? outHandle : left)->getPosition();
-            const osg::Pnt2f& in = (inHandle ? inHandle : right)->getPosition();
-            const osg::Pnt2f& b = right->getPosition();
-            _segments.emplace_back(kaSegment::Points{a[0], a[1], out[0], out[1], in[0], in[1], b[0], b[1]});
-        }
+        if (left)
+            _segments.push_back(segmentBetween(*left, *right));
         left = right;
     }
-    _begin = ascending.empty() ? 0.0F : _frames.front();
-    _end = ascending.empty() ? 0.0F : _frames.back();
+    noteEnds();
+}
+
+void kaCurveView::noteEnds() {
+    _begin = _frames.empty() ? 0.0F : _frames.front();
+    _end = _frames.empty() ? 0.0F : _frames.back();
 }
 
 void kaCurveView::divide() {
     _cells.clear();
+    _even = false;
     if (_frames.size() <= FewKeys || _frames.size() >= std::numeric_limits<std::int32_t>::max())
         return;
     const auto count = static_cast<float>(_frames.size() - 1);

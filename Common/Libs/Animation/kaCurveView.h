@@ -16,7 +16,8 @@ class kaControlPoint2D;
 /// segments.
 ///
 /// This class alone answers whether the packed form is still true: it is while the key list is mirrored and
-/// its revision stands, for every way in which a key, a handle or the list can change raises that revision. A
+/// its revision stands, for every way in which a key, a handle or the list can change raises that revision.
+/// Of a few keys that have moved between their neighbours only the segments beside them are packed anew. A
 /// list that is not mirrored is packed anew for every sample.
 class kaCurveView {
   public:
@@ -41,9 +42,12 @@ class kaCurveView {
 
   private:
     void renew(const kaAnimationCurve2D& curve, const kaChildList* keys);
+    bool mend(const kaChildList& keys);
+    bool staysInCell(std::size_t place, float frame) const;
     void pack(const kaAnimationCurve2D& curve, const kaChildList* keys);
     void pack(const std::vector<const kaControlPoint2D*>& ascending);
     void divide();
+    void noteEnds();
     std::size_t cellOf(float frame) const;
     std::size_t indexAt(float frame) const;
     std::size_t upperBoundAmong(std::size_t from, std::size_t to, float frame) const;
@@ -64,6 +68,7 @@ class kaCurveView {
     std::uint64_t _edits = 0; ///< of the object model when the packed form was last found true
     std::uint64_t _revision = 0;
     bool _packed = false;
+    bool _inListOrder = false; ///< the list holds the packed keys and nothing else, in their order
 
     std::size_t _last = 0; ///< the segment sampled last
 };
