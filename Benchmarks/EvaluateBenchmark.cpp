@@ -3,6 +3,8 @@
 #include <OpenSG/OSGThread.h>
 #include <benchmark/benchmark.h>
 #include <kaAnimationController.h>
+#include <kaAnimationCurve2D.h>
+#include <kaControlPoint2D.h>
 
 namespace {
 
@@ -39,7 +41,23 @@ void evaluateHeld(benchmark::State& state) {
     workload::clearAll();
 }
 
+/// A key of one of the curves moves before each frame, as while it is dragged.
+void evaluateAfterEdit(benchmark::State& state) {
+    const workload::BoundClip bound = workload::boundClip(Curves, Keys);
+    kaControlPoint2D* key = bound.clip->getCurves().front()->findPoint(bound.end);
+    kaAnimationController::the()->evaluateObject(bound.clip, 0.5F, false);
+    float value = 0.0F;
+    for (auto _ : state) {
+        key->setPosition(bound.end, value += 1.0F);
+        kaAnimationController::the()->evaluateObject(bound.clip, 0.5F, false);
+        osg::PThreadBase::getCurrentChangeList()->clearAll();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Curves));
+    workload::clearAll();
+}
+
 BENCHMARK(evaluateChanging)->Iterations(150)->Unit(benchmark::kMicrosecond);
 BENCHMARK(evaluateHeld)->Iterations(150)->Unit(benchmark::kMicrosecond);
+BENCHMARK(evaluateAfterEdit)->Iterations(150)->Unit(benchmark::kMicrosecond);
 
 } // namespace
