@@ -154,6 +154,17 @@ std::vector<Operation> operations() {
                                         kaAnimationManager::ActionPlay);
          }},
         {"evaluate", [](Stage& s) { controller().evaluateObject(s.clip, 12.0F, false); }},
+        {"sample_a_curve_between_edits",
+         [](Stage& s) {
+             float value = 0.0F;
+             kaControlPoint2D* key = s.curve->findPoint(10.0F);
+             for (const float x : {12.0F, 35.0F, 14.0F}) { // between its neighbours, over them, and back
+                 key->setPosition(x, 1.0F);
+                 controller().computeCurveValue(s.curve, 5.0F, value);
+             }
+             manager().createCurvePoint(s.curve, 5.0F, 1.0F, false, false, false);
+             controller().computeCurveValue(s.curve, 5.0F, value);
+         }},
         {"play_an_object",
          [](Stage& s) {
              controller().addWaitingObject(s.clip);

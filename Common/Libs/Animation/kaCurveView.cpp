@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -28,7 +29,8 @@ kaSegment segmentBetween(const kaControlPoint2D& left, const kaControlPoint2D& r
 void kaCurveView::renew(const kaAnimationCurve2D& curve, const kaChildList* keys) {
     const bool mirrored = keys && keys->isMirrored();
     if (!mirrored || !_packed || keys->revision() != _revision) {
-        if (!mirrored || !_packed || !mend(*keys)) {
+        const bool wasPacked = std::exchange(_packed, false); // unless this comes to its end
+        if (!wasPacked || !mirrored || !mend(*keys)) {
             pack(curve, keys);
             divide();
         }

@@ -4,7 +4,7 @@
 
 namespace {
 
-/// What is asked of the heap, which may be told the size when it gets the memory back.
+/// What is asked of the heap.
 struct Request {
     Request(std::size_t wanted, std::size_t alignment)
         : isHuge(wanted >= kaHugePages::Size),
@@ -30,5 +30,5 @@ void* kaHugePages::allocate(std::size_t bytes, std::size_t alignment) {
 
 void kaHugePages::release(void* memory, std::size_t bytes, std::size_t alignment) noexcept {
     const Request request(bytes, alignment);
-    ::operator delete(memory, request.bytes, request.align);
+    ::operator delete(memory, request.align);
 }
