@@ -1,5 +1,6 @@
 #include "cli/Command.h"
 
+#include "DecimalComma.h"
 #include "commands/Program.h"
 #include "manual/CommandLineParts.h"
 
@@ -51,6 +52,15 @@ TEST(CommandTest, LimitsHoldAtTheirEdges) {
     expectRefused({"diff", "a.bvh", "b.bvh", "--by", "inf"}, "'inf' is not a finite number of at least 0");
     expectAccepted({"pose", "walk.bvh", "--frame", "-3.4e38"});
     expectRefused({"pose", "walk.bvh", "--frame", "3.5e38"}, "'3.5e38' is beyond the range of a float");
+}
+
+TEST(CommandTest, NumbersHaveAPointInEveryLocale) {
+    const ka_test::DecimalComma comma;
+    expectAccepted({"pose", "walk.bvh", "--frame", "-1.5"});
+    expectRefused({"pose", "walk.bvh", "--frame", "1,5"}, "'1,5' is not a finite number");
+    expectAccepted({"info", "walk.bvh", "--tolerance", "0.25"});
+    expectRefused({"info", "walk.bvh", "--tolerance", "0,25"}, "'0,25' is not a number above zero");
+    EXPECT_EQ(partOf("info", "--tolerance").defaultText, "0.01");
 }
 
 TEST(CommandTest, AnOptionIsGivenOnceUnlessItMayBeRepeated) {

@@ -18,6 +18,23 @@ CLI::Option* addOption(CLI::App& command, const std::string& names, Value& value
     return command.add_option(names, value, description)->type_name("");
 }
 
+/// A number with a fraction has a point in every locale; how the parser itself reads one depends on that.
+template <class Number>
+CLI::Option* addNumber(CLI::App& command, const std::string& names, Number& number,
+                       const std::string& description) {
+    const auto read = [&number](const std::vector<std::string>& words) {
+        const std::optional<double> value = parseNumber(words.front());
+        if (value)
+            number = *value;
+        return value.has_value();
+    };
+    const auto shown = [&number] {
+        const std::optional<double> value = number;
+        return value ? formatNumber(*value) : std::string();
+    };
+    return command.add_option(names, read, description, false, shown);
+}
+
 } // namespace
 
 Command::Command(CLI::App& program, const std::string& name, const std::string& description)
@@ -29,12 +46,12 @@ Command::Option Command::option(const std::string& names, std::string& value,
 }
 
 Command::Option Command::option(const std::string& names, double& value, const std::string& description) {
-    return Option(addOption(*_command, names, value, description));
+    return Option(addNumber(*_command, names, value, description));
 }
 
 Command::Option Command::option(const std::string& names, std::optional<double>& value,
                                 const std::string& description) {
-    return Option(addOption(*_command, names, value, description));
+    return Option(addNumber(*_command, names, value, description));
 }
 
 Command::Option Command::option(const std::string& names, int& value, const std::string& description) {
