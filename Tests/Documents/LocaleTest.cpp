@@ -21,7 +21,7 @@ class UnderADecimalComma : public RegistryFixture {
 
 TEST_F(UnderADecimalComma, TheCLibraryReadsNoPoint) {
     if (!_comma.isInForceInC())
-        GTEST_SKIP() << "no German locale can be made here";
+        GTEST_SKIP() << "the C library has no German here";
     EXPECT_EQ(std::strtof("1.5", nullptr), 1.0F);
 }
 

@@ -1,7 +1,5 @@
 #include "DecimalComma.h"
 
-#include "TemporaryFolder.h"
-
 #include <clocale>
 #include <cstdlib>
 #include <optional>
@@ -18,44 +16,26 @@ class CommaPunctuation : public std::numpunct<char> {
     std::string do_grouping() const override { return "\3"; }
 };
 
-/// A folder with a German locale, made once for each program: few machines have one.
-class GermanLocale {
-  public:
-    GermanLocale() {
-        const std::string make =
-            "localedef -i de_DE -f UTF-8 '" + _folder.at("de_DE.UTF-8") + "' >/dev/null 2>&1";
-        _isMade = std::system(make.c_str()) == 0;
-    }
-
-    /// Where the C library looks for locales matters only while one is taken.
-    bool take() const {
-        if (!_isMade)
-            return false;
-        std::optional<std::string> before;
-        if (const char* path = std::getenv("LOCPATH"))
-            before = path;
-        ::setenv("LOCPATH", _folder.path().c_str(), 1);
-        const bool isTaken = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
-        if (before)
-            ::setenv("LOCPATH", before->c_str(), 1);
-        else
-            ::unsetenv("LOCPATH");
-        return isTaken;
-    }
-
-  private:
-    TemporaryFolder _folder;
-    bool _isMade = false;
-};
+/// The C library's German; whether it is there. Where it looks for locales matters only while one is taken.
+bool takeGerman() {
+    std::optional<std::string> before;
+    if (const char* path = std::getenv("LOCPATH"))
+        before = path;
+    ::setenv("LOCPATH", KA_TEST_LOCALES, 1);
+    const bool isTaken = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    if (before)
+        ::setenv("LOCPATH", before->c_str(), 1);
+    else
+        ::unsetenv("LOCPATH");
+    return isTaken;
+}
 
 } // namespace
 
 DecimalComma::DecimalComma()
     : _before(std::locale::global(std::locale(std::locale::classic(), new CommaPunctuation))),
-      _beforeInC(std::setlocale(LC_ALL, nullptr)) {
-    static const GermanLocale german;
-    _isInForceInC = german.take();
-}
+      _beforeInC(std::setlocale(LC_ALL, nullptr)),
+      _isInForceInC(takeGerman()) {}
 
 DecimalComma::~DecimalComma() {
     std::locale::global(_before);

@@ -6,7 +6,7 @@
 namespace ka_test {
 
 /// For as long as it lives numbers have a decimal comma and grouped thousands: in C++ streams always, in the
-/// C library where a German locale can be made.
+/// C library where it has German.
 class DecimalComma {
   public:
     DecimalComma();
@@ -20,7 +20,7 @@ class DecimalComma {
   private:
     std::locale _before;
     std::string _beforeInC;
-    bool _isInForceInC = false;
+    bool _isInForceInC;
 };
 
 } // namespace ka_test
