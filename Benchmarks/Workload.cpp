@@ -83,16 +83,19 @@ BoundClip boundClip(std::size_t curves, std::size_t keys) {
     BoundClip result{osg::Node::create(), nullptr, curves, static_cast<float>(keys - 1) * Spacing};
     osg::addRefCP(result.root);
     result.root->setCore(osg::Group::create());
+    // The scene is there first, as where a host has loaded one.
+    for (std::size_t i = 0; i < curves; i += 3) {
+        osg::NodePtr node = osg::Node::create();
+        node->setCore(osg::Transform3D::create());
+        result.root->addChild(node);
+    }
     std::vector<kaAnimationUnit*> units;
     for (std::size_t i = 0; i < curves; ++i) {
+        osg::NodePtr node = result.root->getChild(i / 3);
         if (i % 3 == 0) {
-            osg::NodePtr node = osg::Node::create();
-            node->setCore(osg::Transform3D::create());
-            result.root->addChild(node);
             units.push_back(manager().createUnit(0ULL));
             units.back()->setNodeID(node.getFieldContainerId());
         }
-        osg::NodePtr node = result.root->getChild(result.root->getNChildren() - 1);
         kaAnimationField* field = manager().createField(0);
         field->fcID = node->getCore().getFieldContainerId();
         field->nodeID = node.getFieldContainerId();
