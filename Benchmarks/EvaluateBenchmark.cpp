@@ -41,16 +41,18 @@ void evaluateHeld(benchmark::State& state) {
     workload::clearAll();
 }
 
-/// A key of one of the curves moves before each frame, as while it is dragged.
+/// A key inside one of the curves, at a third of 15 steps, is dragged to and fro, a frame after each move.
 void evaluateAfterEdit(benchmark::State& state) {
     const workload::BoundClip bound = workload::boundClip(Curves, Keys);
-    kaControlPoint2D* key = bound.clip->getCurves().front()->findPoint(bound.end);
+    kaAnimationCurve2D* curve = bound.clip->getCurves().front();
+    curve->findPoint(bound.end / 3.0F)->setSelected(true);
     kaAnimationController::the()->evaluateObject(bound.clip, 0.5F, false);
-    float value = 0.0F;
+    float step = 0.25F;
     for (auto _ : state) {
-        key->setPosition(bound.end, value += 1.0F);
+        curve->moveSelectedPoints(osg::Vec2f(step, 0.1F), false, false, true, false);
         kaAnimationController::the()->evaluateObject(bound.clip, 0.5F, false);
         osg::PThreadBase::getCurrentChangeList()->clearAll();
+        step = -step;
     }
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(Curves));
     workload::clearAll();

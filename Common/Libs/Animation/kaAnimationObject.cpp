@@ -248,17 +248,28 @@ kaAnimationObject* kaAnimationObject::getParentObject() const {
 }
 
 void kaAnimationObject::noteChange() {
-    kaEdits::note();
+    if (getTypeID() == KA_TYPE_POINT)
+        kaEdits::noteKey(_home ? &_home->list->owner() : nullptr);
+    else
+        kaEdits::note();
+    tellList();
+}
+
+void kaAnimationObject::tellList() {
     if (_home)
         _home->list->childChanged(*_home, *this);
 }
 
+/// Of the extent, evaluation reads the span alone.
 void kaAnimationObject::storeExtent(const kaExtent& extent) {
+    const bool isSpanKept = _begin == extent.begin && _end == extent.end;
     _begin = extent.begin;
     _end = extent.end;
     _maximum = extent.maximum;
     _minimum = extent.minimum;
-    noteChange();
+    if (!isSpanKept)
+        kaEdits::note();
+    tellList();
 }
 
 const kaAnimationObject::Playback& kaAnimationObject::defaultPlayback() {

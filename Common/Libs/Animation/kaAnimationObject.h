@@ -241,6 +241,8 @@ class KA_ANIMATION_API kaAnimationObject {
 
     /// Tells the list that holds this object that something it mirrors has changed.
     void noteChange();
+    /// The same where no evaluation reads what has changed.
+    void tellList();
 
     /// The rule of start and end triggers for one object: a frame at or after the range's begin starts it,
     /// one after the range's end ends it. The range is the extent or the custom range. What fires may destroy

@@ -73,24 +73,7 @@ std::vector<kaUID> kaChildList::ids() const {
 }
 
 void kaChildList::noteEdit() {
-    _changesFrom = ++_revision;
-    kaEdits::note();
-}
-
-/// What has to be forgotten for it is the change that is longest ago.
-void kaChildList::noteEditOf(const kaAnimationObject& child) {
-    Change* change = _changes.data();
-    for (Change& other : _changes) {
-        if (other.child == &child) {
-            change = &other;
-            break;
-        }
-        if (other.revision < change->revision)
-            change = &other;
-    }
-    if (change->child != &child)
-        _changesFrom = std::max(_changesFrom, change->revision);
-    *change = {&child, ++_revision};
+    _changes.noteAll(++_revision);
     kaEdits::note();
 }
 
@@ -333,7 +316,7 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
 void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
     if (_ending)
         return;
-    noteEditOf(child);
+    _changes.note(child, ++_revision);
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
     const Entry now = entryOf(child);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "kaAnimationObject.h"
+#include "kaRecentChanges.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -123,6 +123,7 @@ class kaChildList {
         }
     }
 
+    const kaAnimationObject& owner() const { return *_owner; }
     bool isMirrored() const { return _mirrored; }
     /// Whether the children are known to be in ascending order of begin.
     bool isSorted() const { return _mirrored && _order == Order::Sorted; }
@@ -135,12 +136,7 @@ class kaChildList {
     /// call, where more has: which children there are, their order, or more of them than are remembered.
     template <class Visit>
     bool forEachChanged(std::uint64_t revision, Visit&& visit) const {
-        if (!_mirrored || revision < _changesFrom)
-            return false;
-        for (const Change& change : _changes)
-            if (change.revision > revision)
-                visit(*change.child);
-        return true;
+        return _mirrored && _changes.forEachSince(revision, visit);
     }
 
     /// Position of a mirrored child. Cost: O(log ChunkSize + c).
@@ -163,11 +159,6 @@ class kaChildList {
         std::size_t index;
     };
     using Entry = kaChildChunk::Entry;
-    /// A key that is dragged changes, and so do the keys beside it, whose handles follow.
-    struct Change {
-        const kaAnimationObject* child = nullptr;
-        std::uint64_t revision = 0; ///< at its last change
-    };
 
     static kaAnimationObject* resolve(kaUID id);
     static const kaAnimationObject* resolve(const kaAnimationObject& child);
@@ -195,7 +186,6 @@ class kaChildList {
     bool tryMirror();
     void becomeLiteral();
     void noteEdit();
-    void noteEditOf(const kaAnimationObject& child);
     void sizeChanged(std::size_t size);
 
     Place lowerBound(float begin) const;
@@ -213,8 +203,9 @@ class kaChildList {
     std::vector<kaUID> _ids;    ///< the list while it is not mirrored
     std::size_t _size = 0;
     std::uint64_t _revision = 0;
-    std::uint64_t _changesFrom = 0; ///< all that has changed after this revision stands in `_changes`
-    std::array<Change, 8> _changes;
+    /// Children by revision. A key that is dragged changes, and so do the keys beside it, whose handles
+    /// follow.
+    kaRecentChanges<kaAnimationObject> _changes;
     kaExtent _extent;
     bool _extentValid = true;
     bool _mirrored = true;

@@ -37,6 +37,7 @@ void kaCurveView::renew(const kaAnimationCurve2D& curve, const kaChildList* keys
         _packed = mirrored;
         _revision = keys ? keys->revision() : 0;
     }
+    _kept = mirrored || !keys;
     _edits = kaEdits::count;
 }
 

@@ -27,6 +27,10 @@ class kaCurveView {
             renew(curve, keys);
     }
 
+    /// Whether the packed form stays, unless `kaEdits` names the curve: not where the key list is packed anew
+    /// after each edit.
+    bool isKept() const { return _kept; }
+
     /// Whether there are keys at two frames or more: without, no sample writes a value.
     bool hasSpan() const { return !_segments.empty(); }
 
@@ -68,6 +72,7 @@ class kaCurveView {
     std::uint64_t _edits = 0; ///< of the object model when the packed form was last found true
     std::uint64_t _revision = 0;
     bool _packed = false;
+    bool _kept = false;
     bool _inListOrder = false; ///< the list holds the packed keys and nothing else, in their order
 
     std::size_t _last = 0; ///< the segment sampled last

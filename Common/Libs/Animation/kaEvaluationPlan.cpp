@@ -11,7 +11,14 @@
 void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     if (_edits == kaEdits::count)
         return;
-    _edits = 0; // unless this comes to its end
+    const auto forget = [this](const kaAnimationObject& curve) { forgetKeysOf(curve); };
+    if (!_mendable || !kaEdits::keysOf.forEachSince(_edits, forget))
+        remake(object);
+    _edits = kaEdits::count;
+}
+
+void kaEvaluation::Plan::remake(const kaAnimationObject& object) {
+    _mendable = false; // unless this comes to its end
     leaves.clear();
     curves.clear();
     objects.clear();
@@ -20,7 +27,18 @@ void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     _segments.assign(curves.size(), kaSegment({}));
     _places.assign(curves.size(), Place());
     _held.assign(2 * curves.size(), Held());
-    _edits = kaEdits::count;
+    _mendable = true;
+}
+
+/// The curve may stand below several objects.
+void kaEvaluation::Plan::forgetKeysOf(const kaAnimationObject& curve) {
+    for (std::size_t i = 0; i < objects.size(); ++i) {
+        if (objects[i] != &curve)
+            continue;
+        _segments[i] = kaSegment({});
+        _places[i] = Place();
+        _held[2 * i] = _held[2 * i + 1] = Held();
+    }
 }
 
 /// Containers down to the objects that hold curves.
@@ -53,13 +71,20 @@ void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
              curve->isRepeating() ? Infinity : curve->getEnd(), curve->isActive(), curve->isMotionBlur()});
 }
 
+/// What is remembered of a view that does not last would be of no use after the next edit of any key.
+kaCurveView& kaEvaluation::Plan::viewOf(std::size_t curve) {
+    kaCurveView& view = objects[curve]->view();
+    _mendable = _mendable && view.isKept();
+    return view;
+}
+
 /// What plays forward goes on to the next segment, which is found without the curve.
 const kaSegment* kaEvaluation::Plan::findSegment(std::size_t curve, float frame) {
     Place& place = _places[curve];
     if (place.end - place.segment > 1 && place.segment[1].holds(frame)) {
         ++place.segment;
     } else {
-        kaCurveView& view = objects[curve]->view();
+        kaCurveView& view = viewOf(curve);
         const kaSegment* found = view.segmentAt(frame);
         if (!found)
             return nullptr;
@@ -69,12 +94,12 @@ const kaSegment* kaEvaluation::Plan::findSegment(std::size_t curve, float frame)
     return &_segments[curve];
 }
 
-bool kaEvaluation::Plan::sampleInside(std::size_t curve, float frame, float& value) const {
-    kaCurveView& view = objects[curve]->view();
+bool kaEvaluation::Plan::sampleInside(std::size_t curve, float frame, float& value) {
+    kaCurveView& view = viewOf(curve);
     return view.hasSpan() && view.sample(frame, value);
 }
 
-void kaEvaluation::Plan::hold(std::size_t curve, float frame, Held& held) const {
+void kaEvaluation::Plan::hold(std::size_t curve, float frame, Held& held) {
     const float end = frame < curves[curve].begin ? curves[curve].begin : curves[curve].end;
     held.state = sampleInside(curve, end, held.value) ? Held::State::Value : Held::State::Nothing;
 }

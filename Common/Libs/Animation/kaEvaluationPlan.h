@@ -10,6 +10,7 @@
 #include <vector>
 
 class kaAnimationField;
+class kaCurveView;
 
 /// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
 /// frame of an unedited clip touches no object but the fields. Made anew after any edit of the object model
@@ -41,7 +42,8 @@ class kaEvaluation::Plan {
         bool motionBlur;
     };
 
-    /// Brings the plan up to date. Cost: a compare, or after an edit a walk of everything below the object.
+    /// Brings the plan up to date. Cost: a compare; after edits of the keys of a few curves a look for these
+    /// curves; after any other edit a walk of everything below the object.
     void refresh(const kaAnimationObject& object);
 
     /// `visit(part, key to order by, frame to sample at, leaf)` for every leaf that has a part at `frame`.
@@ -93,17 +95,21 @@ class kaEvaluation::Plan {
         const kaSegment* end = nullptr; ///< behind the last one
     };
 
+    void remake(const kaAnimationObject& object);
+    void forgetKeysOf(const kaAnimationObject& curve);
+    kaCurveView& viewOf(std::size_t curve);
     void visit(const kaAnimationObject& object);
     void addLeaf(const kaAnimationObject& object);
     const kaSegment* findSegment(std::size_t curve, float frame);
-    bool sampleInside(std::size_t curve, float frame, float& value) const;
-    void hold(std::size_t curve, float frame, Held& held) const;
+    bool sampleInside(std::size_t curve, float frame, float& value);
+    void hold(std::size_t curve, float frame, Held& held);
 
     std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
     std::vector<Place> _places;
     std::vector<Held> _held; ///< of each curve at the begin and at the end
     std::vector<const kaAnimationObject*> _path;
     std::uint64_t _edits = 0;
+    bool _mendable = false; ///< made to its end, and `kaEdits` names every curve whose keys change
 };
 
 template <class Visit>
