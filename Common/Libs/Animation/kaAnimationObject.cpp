@@ -249,7 +249,7 @@ kaAnimationObject* kaAnimationObject::getParentObject() const {
 
 void kaAnimationObject::noteChange() {
     if (getTypeID() == KA_TYPE_POINT)
-        kaEdits::noteKey(_home ? &_home->list->owner() : nullptr);
+        kaEdits::noteKey();
     else
         kaEdits::note();
     tellList();

@@ -317,6 +317,8 @@ void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
     if (_ending)
         return;
     _changes.note(child, ++_revision);
+    if (child.getTypeID() == KA_TYPE_POINT)
+        kaEdits::noteKeyOf(*_owner);
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
     const Entry now = entryOf(child);

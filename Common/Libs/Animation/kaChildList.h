@@ -123,7 +123,6 @@ class kaChildList {
         }
     }
 
-    const kaAnimationObject& owner() const { return *_owner; }
     bool isMirrored() const { return _mirrored; }
     /// Whether the children are known to be in ascending order of begin.
     bool isSorted() const { return _mirrored && _order == Order::Sorted; }

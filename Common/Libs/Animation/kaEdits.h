@@ -16,19 +16,22 @@ class kaAnimationObject;
 namespace kaEdits {
 
 inline std::uint64_t count = 1;
-/// The objects whose list holds the keys that changed. A key that stands in no list that mirrors it is not
-/// among them: a list of mere ids is read anew after any edit.
+/// The objects whose lists mirror the keys that changed. For a key that is listed by its id alone none is named:
+/// such a list is read anew after any edit.
 inline kaRecentChanges<kaAnimationObject> keysOf;
 
 inline void note() {
     keysOf.noteAll(++count);
 }
 
-/// A key or a handle has changed in its place; `listedBy` is null where no list mirrors it.
-inline void noteKey(const kaAnimationObject* listedBy) {
+/// A key or a handle has changed in its place; a list that mirrors it says so, too.
+inline void noteKey() {
     ++count;
-    if (listedBy)
-        keysOf.note(*listedBy, count);
+}
+
+/// A key has changed in the list of `owner`.
+inline void noteKeyOf(const kaAnimationObject& owner) {
+    keysOf.note(owner, ++count);
 }
 
 } // namespace kaEdits
