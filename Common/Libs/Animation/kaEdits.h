@@ -16,8 +16,8 @@ class kaAnimationObject;
 namespace kaEdits {
 
 inline std::uint64_t count = 1;
-/// The objects whose lists mirror the keys that changed. For a key that is listed by its id alone none is named:
-/// such a list is read anew after any edit.
+/// The objects whose lists mirror the keys that changed. For a key that is listed by its id alone none is
+/// named: such a list is read anew after any edit.
 inline kaRecentChanges<kaAnimationObject> keysOf;
 
 inline void note() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 /// Which few things have changed last, so that what was made of many need not be made anew for one of them.
