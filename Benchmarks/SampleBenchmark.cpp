@@ -27,8 +27,8 @@ void sampleRandom(benchmark::State& state) {
     kaAnimationController* controller = kaAnimationController::the();
     std::size_t i = 0;
     float value = 0.0F;
-    controller->computeCurveValue(curve, 0.0F,
-                                  value); // packs the curve, which is sampleAfterEdit's to measure
+    // Packs the curve, which is sampleAfterEdit's to measure.
+    controller->computeCurveValue(curve, 0.0F, value);
     for (auto _ : state) {
         benchmark::DoNotOptimize(controller->computeCurveValue(curve, frames[i++ % FrameCount], value));
         benchmark::DoNotOptimize(value);
