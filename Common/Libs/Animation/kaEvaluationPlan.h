@@ -13,8 +13,8 @@ class kaAnimationField;
 class kaCurveView;
 
 /// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
-/// frame of an unedited clip touches no object but the fields. Made anew after any edit of the object model
-/// (`kaEdits`).
+/// frame of an unedited clip touches no object but the fields. Made anew after an edit of the object model
+/// (`kaEdits`), unless only the keys of a few curves moved: those curves' keys are then asked for again.
 class kaEvaluation::Plan {
   public:
     /// An object that holds curves (a block, a curve), which are all sampled at one frame.
