@@ -70,7 +70,7 @@ coverage: setup-coverage test-coverage ## line and branch coverage of the librar
 		--txt $(OUT)/coverage/summary.txt --json $(OUT)/coverage/all.json --print-summary
 	@echo "the module alone:"
 	@gcovr --root . --add-tracefile $(OUT)/coverage/all.json --filter 'Common/Libs/Animation/' \
-		--txt /dev/null --print-summary --fail-under-branch 90
+		--txt $(OUT)/coverage/module.txt --print-summary --fail-under-branch 90
 
 .PHONY: package package-check
 package: setup-package build-package ## Debian packages of libraries, headers and tools in out/packages/
