@@ -7,6 +7,8 @@
 #include <QMetaObject>
 #include <ctime>
 #include <iterator>
+#include <map>
+#include <random>
 
 using namespace ka_test;
 using testing::ElementsAre;
@@ -81,6 +83,42 @@ TEST_F(Registry, TypedLookupsAnswerOnlyTheirType) {
             EXPECT_EQ(typed[type - 1], type == id ? expected : nullptr);
     }
 }
+
+/// Ids as documents may bring them: drawn, counted, or with all that tells them apart in one part of the number.
+class RegistryOf : public Registry, public testing::WithParamInterface<kaUID (*)(kaUID)> {};
+
+TEST_P(RegistryOf, ThousandsThatComeAndGoFindsThoseThatAreThereAndNoOther) {
+    constexpr kaUID Ids = 2000;
+    std::map<kaUID, kaAnimationUnit*> there;
+    std::mt19937 random(12);
+    std::uniform_int_distribution<kaUID> any(1, Ids);
+    for (int i = 0; i < 20000; ++i) {
+        const kaUID id = GetParam()(any(random));
+        const auto found = there.find(id);
+        ASSERT_EQ(manager->getUnit(id), found != there.end() ? found->second : nullptr) << "step " << i;
+        if (found != there.end()) {
+            manager->destroyUnit(found->second);
+            there.erase(found);
+        } else {
+            there.emplace(id, manager->createUnit(id));
+        }
+        if (i % 1000 != 999)
+            continue;
+        for (kaUID number = 0; number <= Ids; ++number)
+            ASSERT_EQ(manager->getUnit(GetParam()(number)), there.count(GetParam()(number)) > 0
+                                                                ? there.at(GetParam()(number))
+                                                                : nullptr);
+        ASSERT_EQ(manager->getObjects().size(), there.size());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Ids, RegistryOf,
+    testing::Values(static_cast<kaUID (*)(kaUID)>([](kaUID number) { return number; }),
+                    [](kaUID number) { return ~number; }, [](kaUID number) { return number << 20U; },
+                    [](kaUID number) { return number << 32U; }, [](kaUID number) { return number << 52U; },
+                    [](kaUID number) { return number * 1664525ULL + 1013904223ULL; },
+                    [](kaUID number) { return number * number * number * 0x9E3779B97F4A7C15ULL; }));
 
 TEST_F(Registry, FindsByNameTheSmallestId) {
     manager->createUnit("same", 9);

@@ -9,13 +9,13 @@
 
 bool kaObjectRegistry::insert(kaAnimationObject& object) {
     const kaUID id = object.getId();
-    if (_index.contains(id))
+    if (find(id))
         return false;
     const unsigned int type = object.getTypeID();
     if (type != KA_TYPE_POINT)
         _byType[type].emplace(id, &object);
     try {
-        _index.emplace(id, &object);
+        _index.insert(id, object);
     } catch (...) {
         _byType[type].erase(id);
         throw;
@@ -28,16 +28,16 @@ bool kaObjectRegistry::insert(kaAnimationObject& object) {
 }
 
 void kaObjectRegistry::erase(kaUID id) {
-    const auto found = _index.find(id);
-    if (found == _index.end())
+    kaAnimationObject* found = find(id);
+    if (!found)
         return;
-    kaAnimationObject& object = *found->second;
+    kaAnimationObject& object = *found;
     if (object._home)
         object._home->list->childLost(object);
     object._registered = false;
     object._findable = false;
     kaEdits::note();
-    _index.erase(found);
+    _index.erase(id);
     if (object.getTypeID() == KA_TYPE_POINT)
         return;
     _byType[object.getTypeID()].erase(id);
@@ -52,11 +52,13 @@ void kaObjectRegistry::remove(kaAnimationObject& object) {
 
 /// The object's own id first; a host that changed the id behind the registry's back pays for a walk.
 kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object) const {
-    auto found = _index.find(object.getId());
-    if (found == _index.end() || found->second != &object)
-        found = std::find_if(_index.begin(), _index.end(),
-                             [&object](const auto& entry) { return entry.second == &object; });
-    return found != _index.end() ? found->first : object.getId();
+    kaUID result = object.getId();
+    if (find(result) != &object)
+        _index.forEach([&object, &result](kaUID id, const kaAnimationObject& other) {
+            if (&other == &object)
+                result = id;
+        });
+    return result;
 }
 
 /// Called when the object is all but gone, so its type is not asked.
@@ -75,11 +77,11 @@ void kaObjectRegistry::drop(kaAnimationObject& object) {
 
 bool kaObjectRegistry::insertField(kaAnimationField& field) {
     const kaUID id = field.getId();
-    if (_fieldIndex.contains(id))
+    if (findField(id))
         return false;
     _fields.emplace(id, &field);
     try {
-        _fieldIndex.emplace(id, &field);
+        _fieldIndex.insert(id, field);
     } catch (...) {
         _fields.erase(id);
         throw;
@@ -106,7 +108,7 @@ void kaObjectRegistry::removeField(kaAnimationField& field) {
 }
 
 void kaObjectRegistry::eraseField(kaUID id) {
-    if (_fieldIndex.erase(id) == 0)
+    if (!_fieldIndex.erase(id))
         return;
     _fields.erase(id);
     ++_fieldEpoch;
@@ -120,7 +122,7 @@ void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) 
     std::map<kaUID, kaAnimationObject*> entry;
     if (type != KA_TYPE_POINT)
         entry.emplace(to, &object);
-    _index.emplace(to, &object);
+    _index.insert(to, object);
     erase(from);
     if (former != from)
         erase(former);
@@ -134,7 +136,7 @@ void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) 
 void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID to) {
     const kaUID former = findField(from) != &field ? keyOf(field) : from;
     std::map<kaUID, kaAnimationField*> entry{{to, &field}};
-    _fieldIndex.emplace(to, &field);
+    _fieldIndex.insert(to, field);
     eraseField(from);
     if (former != from)
         eraseField(former);
@@ -144,7 +146,9 @@ void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID t
 }
 
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
-    std::vector<Entry> entries(_index.begin(), _index.end());
+    std::vector<Entry> entries;
+    entries.reserve(_index.size());
+    _index.forEach([&entries](kaUID id, kaAnimationObject& object) { entries.emplace_back(id, &object); });
     std::sort(entries.begin(), entries.end());
     return entries;
 }
@@ -155,9 +159,10 @@ std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ofType(unsigned int type)
         entries.assign(_byType[type].begin(), _byType[type].end());
         return entries;
     }
-    for (const auto& entry : _index)
-        if (entry.second->getTypeID() == KA_TYPE_POINT)
-            entries.emplace_back(entry.first, entry.second);
+    _index.forEach([&entries](kaUID id, kaAnimationObject& object) {
+        if (object.getTypeID() == KA_TYPE_POINT)
+            entries.emplace_back(id, &object);
+    });
     std::sort(entries.begin(), entries.end());
     return entries;
 }

@@ -1,13 +1,11 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
-#include "kaHugePages.h"
+#include "kaIDTable.h"
 
 #include <array>
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <utility>
 #include <vector>
@@ -22,14 +20,8 @@ class kaObjectRegistry {
   public:
     using Entry = std::pair<kaUID, kaAnimationObject*>;
 
-    kaAnimationObject* find(kaUID id) const {
-        const auto found = _index.find(id);
-        return found != _index.end() ? found->second : nullptr;
-    }
-    kaAnimationField* findField(kaUID id) const {
-        const auto found = _fieldIndex.find(id);
-        return found != _fieldIndex.end() ? found->second : nullptr;
-    }
+    kaAnimationObject* find(kaUID id) const { return _index.find(id); }
+    kaAnimationField* findField(kaUID id) const { return _fieldIndex.find(id); }
 
     /// Enters an object under its id. @return false, with nothing changed, when the id has an entry.
     bool insert(kaAnimationObject& object);
@@ -58,15 +50,12 @@ class kaObjectRegistry {
     /// Cost: O(n).
     template <class Holds>
     kaAnimationObject* smallestID(Holds&& holds) const {
-        const Entry* found = nullptr;
-        Entry best;
-        for (const auto& entry : _index) {
-            if ((!found || entry.first < best.first) && holds(*entry.second)) {
-                best = Entry(entry.first, entry.second);
-                found = &best;
-            }
-        }
-        return found ? best.second : nullptr;
+        Entry best(0, nullptr);
+        _index.forEach([&best, &holds](kaUID id, kaAnimationObject& object) {
+            if ((!best.second || id < best.first) && holds(object))
+                best = Entry(id, &object);
+        });
+        return best.second;
     }
 
     /// Every object in ascending id order. Cost: O(n log n).
@@ -88,13 +77,9 @@ class kaObjectRegistry {
     /// The same for fields; without an entry the field's own id.
     kaUID keyOf(const kaAnimationField& field) const;
 
-    template <class Value>
-    using Index = boost::unordered_flat_map<kaUID, Value, boost::hash<kaUID>, std::equal_to<kaUID>,
-                                            kaHugePages::Allocator<std::pair<const kaUID, Value>>>;
-
-    Index<kaAnimationObject*> _index;
+    kaIDTable<kaAnimationObject> _index;
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
-    Index<kaAnimationField*> _fieldIndex;
+    kaIDTable<kaAnimationField> _fieldIndex;
     std::map<kaUID, kaAnimationField*> _fields;
     std::uint64_t _epoch = 1;
     std::uint64_t _fieldEpoch = 1;
