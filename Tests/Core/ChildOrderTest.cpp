@@ -3,7 +3,9 @@
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationUnit.h>
+#include <map>
 #include <random>
+#include <string>
 
 namespace {
 
@@ -15,6 +17,7 @@ struct Block {
             kaAnimationCurve2D* curve = manager->createCurve2D(nullptr, "Curve", 0, false);
             // Only a curve with a key has an extent.
             manager->createCurvePoint(curve, 0.0F, 0.0F, false, false, false);
+            keys[curve->getId()] = curve->getChildIDs();
             curve->setBegin(anyFrame());
             // Most of them bound the block by their begin alone.
             const auto size = static_cast<float>(i);
@@ -45,9 +48,12 @@ struct Block {
         return manager->getObject(ids[std::uniform_int_distribution<std::size_t>(0, ids.size() - 1)(random)]);
     }
 
+    std::vector<kaUID> keysOf(const kaAnimationObject& curve) const { return keys.at(curve.getId()); }
+
     kaAnimationManager* manager = kaAnimationManager::the();
     kaAnimationUnit* unit = manager->createUnit(0ULL);
     std::vector<kaUID> ids;
+    std::map<kaUID, std::vector<kaUID>> keys; ///< of each curve
     std::mt19937 random;
 };
 
@@ -89,6 +95,75 @@ TEST_P(ChildOrder, AChildThatLeavesWhileItStandsOutOfOrderLeavesTheRestInOrder) 
         ASSERT_EQ(block.unit->getChildIDs(), block.ids);
         ASSERT_EQ(block.unit->getBegin(), block.firstBegin());
     }
+}
+
+/// What the children with children of their own span, each of them looked at.
+kaExtent spanOfChildren(const kaAnimationObject& parent) {
+    kaExtent span;
+    for (const kaAnimationObject* child : parent.getObjects()) {
+        if (!child->hasChildren())
+            continue;
+        span.begin = std::min(span.begin, child->getBegin());
+        span.end = std::max(span.end, child->getEnd());
+        span.maximum = std::max(span.maximum, child->getMaximum());
+        span.minimum = std::min(span.minimum, child->getMinimum());
+    }
+    return span;
+}
+
+void expectToSpanItsChildren(const kaAnimationObject& parent) {
+    const kaExtent span = spanOfChildren(parent);
+    ASSERT_EQ(parent.getBegin(), span.begin);
+    ASSERT_EQ(parent.getEnd(), span.end);
+    ASSERT_EQ(parent.getMaximum(), span.maximum);
+    ASSERT_EQ(parent.getMinimum(), span.minimum);
+}
+
+TEST_P(ChildOrder, WhicheverSideOfAChildMovesItsParentSpansAllChildren) {
+    Block block(GetParam(), 8);
+    std::uniform_real_distribution<float> anywhere(-2000.0F, 2000.0F);
+    std::uniform_int_distribution<int> oneInFive(0, 4);
+    for (int i = 0; i < 500; ++i) {
+        SCOPED_TRACE("after move " + std::to_string(i));
+        kaAnimationObject* child = block.any();
+        const int what = oneInFive(block.random);
+        if (what == 0)
+            child->setBegin(anywhere(block.random));
+        else if (what == 1)
+            child->setEnd(anywhere(block.random));
+        else if (what == 2)
+            child->setMaximum(anywhere(block.random));
+        else if (what == 3)
+            child->setMinimum(anywhere(block.random));
+        else // a curve without keys has no extent; one that gets its key back has the former
+            child->setChildIDs(child->hasChildren() ? std::vector<kaUID>() : block.keysOf(*child));
+        block.unit->updateBy(child, kaAnimationObject::MOVE_OBJECT, false);
+        ASSERT_NO_FATAL_FAILURE(expectToSpanItsChildren(*block.unit));
+    }
+}
+
+TEST_P(ChildOrder, WhereverAKeyMovesItsCurveSpansAllKeys) {
+    kaAnimationManager* manager = kaAnimationManager::the();
+    kaAnimationCurve2D* curve = manager->createCurve2D(nullptr, "Curve", 0, false);
+    std::vector<kaControlPoint2D*> keys;
+    for (std::size_t i = 0; i < GetParam(); ++i)
+        keys.push_back(manager->createPoint2D(static_cast<float>(i), static_cast<float>(i % 7), 0));
+    curve->setPoints(keys);
+    std::mt19937 random(9);
+    std::uniform_int_distribution<std::size_t> any(0, keys.size() - 1);
+    // Few places, so that keys that bound the curve do so together with others, or leave and come back.
+    std::uniform_int_distribution<int> place(-20, 20);
+    for (int i = 0; i < 500; ++i) {
+        SCOPED_TRACE("after move " + std::to_string(i));
+        kaControlPoint2D* key = keys[any(random)];
+        key->setPosition(static_cast<float>(place(random)), static_cast<float>(place(random)));
+        key->setSelected(i % 3 == 0);
+        curve->updateBy(key, kaAnimationObject::MOVE_OBJECT, false);
+        ASSERT_NO_FATAL_FAILURE(expectToSpanItsChildren(*curve));
+        const auto points = curve->getPoints();
+        ASSERT_EQ(points.at(key->getPosition()[0])->getPosition()[0], key->getPosition()[0]);
+    }
+    manager->destroyCurve2D(curve);
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, ChildOrder, testing::Values(2, 3, 129, 400));

@@ -22,6 +22,11 @@ kaControlPoint2D* asPoint(kaAnimationObject* object) {
     return isPoint ? static_cast<kaControlPoint2D*>(object) : nullptr;
 }
 
+/// A child of `keys`, itself unseen where all of them are known to be keys.
+kaControlPoint2D* asPoint(const kaChildList& keys, kaAnimationObject* child) {
+    return keys.holdsKeysAlone() ? static_cast<kaControlPoint2D*>(child) : asPoint(child);
+}
+
 osg::Pnt2f moved(const osg::Pnt2f& point, float dx, float dy) {
     return {point[0] + dx, point[1] + dy};
 }
@@ -88,8 +93,8 @@ std::vector<kaControlPoint2D*> kaAnimationCurve2D::points() const {
     if (!keys)
         return result;
     result.reserve(keys->size());
-    keys->forEach([&result](kaAnimationObject& child) {
-        if (kaControlPoint2D* point = asPoint(&child))
+    keys->forEach([&result, keys](kaAnimationObject& child) {
+        if (kaControlPoint2D* point = asPoint(*keys, &child))
             result.push_back(point);
     });
     return result;
@@ -99,7 +104,7 @@ std::vector<kaControlPoint2D*> kaAnimationCurve2D::selectedPoints() const {
     std::vector<kaControlPoint2D*> result;
     if (const kaChildList* keys = childrenOrNull())
         for (kaAnimationObject* child : keys->selected())
-            if (kaControlPoint2D* point = asPoint(child))
+            if (kaControlPoint2D* point = asPoint(*keys, child))
                 result.push_back(point);
     return result;
 }
@@ -114,7 +119,7 @@ std::map<float, kaControlPoint2D*> kaAnimationCurve2D::getPoints() const {
 
 kaControlPoint2D* kaAnimationCurve2D::findPoint(float x) const {
     const kaChildList* keys = childrenOrNull();
-    return keys ? asPoint(keys->firstAt(x)) : nullptr;
+    return keys ? asPoint(*keys, keys->firstAt(x)) : nullptr;
 }
 
 kaControlPoint2D* kaAnimationCurve2D::findPoint(kaUID id) const {
@@ -127,9 +132,9 @@ kaAnimationCurve2D::Neighbours kaAnimationCurve2D::neighboursByX(float x) const 
     if (!keys)
         return {};
     const kaChildList::Around around = keys->around(x);
-    const auto strange = [](kaAnimationObject* object) { return object && !asPoint(object); };
+    const auto strange = [keys](kaAnimationObject* object) { return object && !asPoint(*keys, object); };
     if (!strange(around.at) && !strange(around.before) && !strange(around.after))
-        return {around.at != nullptr, asPoint(around.before), asPoint(around.after)};
+        return {around.at != nullptr, asPoint(*keys, around.before), asPoint(*keys, around.after)};
     // Something that is no key stands among the keys.
     const auto points = getPoints();
     const auto next = points.upper_bound(x);
@@ -143,7 +148,7 @@ kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(kaCont
     if (!point || !keys || !keys->contains(*point))
         return {nullptr, nullptr};
     const auto beside = keys->beside(*point);
-    return {asPoint(beside.first), asPoint(beside.second)};
+    return {asPoint(*keys, beside.first), asPoint(*keys, beside.second)};
 }
 
 kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(float x) const {
@@ -152,7 +157,7 @@ kaAnimationCurve2D::PointPair kaAnimationCurve2D::getPreviousAndNextPoint(float 
         return {nullptr, nullptr};
     const kaChildList::Around around = keys->firstNotBefore(x);
     const bool atX = around.at && around.at->getBegin() == x;
-    return {asPoint(around.before), asPoint(atX ? around.after : around.at)};
+    return {asPoint(*keys, around.before), asPoint(*keys, atX ? around.after : around.at)};
 }
 
 osg::NodePtr kaAnimationCurve2D::getParentOSGNode() const {
@@ -205,7 +210,8 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
     kaControlPoint2D* point = asPoint(object);
     if (!point)
         return nullptr;
-    kaControlPoint2D* existing = findPoint(point->getPosition()[0]);
+    const kaChildList& keys = children();
+    kaControlPoint2D* existing = asPoint(keys, keys.firstAtPrefetching(point->getPosition()[0]));
     if (existing && existing != point) {
         const kaAliveGuard self(*this);
         const kaAliveGuard alive(*point);

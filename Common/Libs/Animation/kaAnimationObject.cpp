@@ -13,7 +13,8 @@
 #include <algorithm>
 #include <unordered_set>
 
-/// What every object but keys and handles has: children and the ids below them.
+/// What every object but keys and handles has: children and the ids below them. What only objects that play
+/// or fire have stands here too, so that keys do not even carry a pointer for it.
 struct kaAnimationObject::Group {
     explicit Group(kaAnimationObject& owner) : children(owner) {}
 
@@ -21,6 +22,7 @@ struct kaAnimationObject::Group {
     std::set<kaUID> curves;
     std::set<kaUID> sequences;
     std::uint64_t curvesRevision = 0;
+    std::unique_ptr<Playback> playback;
 
     /// The curves that `curves` names, while registry and set are as they were.
     std::vector<kaAnimationCurve2D*> resolved;
@@ -260,27 +262,36 @@ void kaAnimationObject::tellList() {
         _home->list->childChanged(*_home, *this);
 }
 
+void kaAnimationObject::noteReshaped() {
+    kaEdits::noteKey();
+    if (_home)
+        _home->list->childReshaped(*this);
+}
+
 /// Of the extent, evaluation reads the span alone.
 void kaAnimationObject::storeExtent(const kaExtent& extent) {
     const bool isSpanKept = _begin == extent.begin && _end == extent.end;
+    const bool isKept = isSpanKept && _maximum == extent.maximum && _minimum == extent.minimum;
     _begin = extent.begin;
     _end = extent.end;
     _maximum = extent.maximum;
     _minimum = extent.minimum;
     if (!isSpanKept)
         kaEdits::note();
-    tellList();
+    if (!isKept)
+        tellList();
 }
 
-const kaAnimationObject::Playback& kaAnimationObject::defaultPlayback() {
+const kaAnimationObject::Playback& kaAnimationObject::playback() const {
     static const Playback defaults;
-    return defaults;
+    return _group && _group->playback ? *_group->playback : defaults;
 }
 
 kaAnimationObject::Playback& kaAnimationObject::editPlayback() {
-    if (!_playback)
-        _playback = std::make_unique<Playback>();
-    return *_playback;
+    std::unique_ptr<Playback>& own = group().playback;
+    if (!own)
+        own = std::make_unique<Playback>();
+    return *own;
 }
 
 kaAnimationObject::Group& kaAnimationObject::group() {

@@ -243,6 +243,8 @@ class KA_ANIMATION_API kaAnimationObject {
     void noteChange();
     /// The same where no evaluation reads what has changed.
     void tellList();
+    /// The same for a key whose handle has changed: nothing that the list mirrors.
+    void noteReshaped();
 
     /// The rule of start and end triggers for one object: a frame at or after the range's begin starts it,
     /// one after the range's end ends it. The range is the extent or the custom range. What fires may destroy
@@ -276,9 +278,8 @@ class KA_ANIMATION_API kaAnimationObject {
     };
     struct Group;
 
-    const Playback& playback() const { return _playback ? *_playback : defaultPlayback(); }
+    const Playback& playback() const;
     Playback& editPlayback();
-    static const Playback& defaultPlayback();
     Group& group();
 
     /// `getCurves()` without the copy; valid until the registry or `_curves` change.
@@ -291,7 +292,6 @@ class KA_ANIMATION_API kaAnimationObject {
 
     kaChildChunk* _home = nullptr; ///< the place in the one list that mirrors this object, if any
     std::unique_ptr<Group> _group;
-    std::unique_ptr<Playback> _playback;
     kaObjectName _name;
 
   protected:

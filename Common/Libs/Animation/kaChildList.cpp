@@ -5,8 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
-#include <list>
+#include <limits>
 
 namespace {
 
@@ -16,25 +15,9 @@ bool touches(const kaExtent& whole, const kaExtent& part) {
            part.minimum <= whole.minimum;
 }
 
-bool same(const kaExtent& a, const kaExtent& b) {
-    return a.begin == b.begin && a.end == b.end && a.maximum == b.maximum && a.minimum == b.minimum;
-}
-
-bool countsIn(const kaAnimationObject& child) {
-    return child.hasChildren() || child.getTypeID() == KA_TYPE_SEQUENCE;
-}
-
-bool startsEarlier(const kaChildChunk::Entry& entry, float begin) {
-    return entry.extent.begin < begin;
-}
-
-bool startsLater(float begin, const kaChildChunk::Entry& entry) {
-    return begin < entry.extent.begin;
-}
-
-kaExtent extentOf(const kaAnimationObject& child) {
-    return {child.getBegin(), child.getEnd(), child.getMaximum(), child.getMinimum()};
-}
+/// Reaches as far as anything can.
+constexpr float Infinite = std::numeric_limits<float>::infinity();
+constexpr kaExtent Unbounded{-Infinite, Infinite, Infinite, -Infinite};
 
 } // namespace
 
@@ -57,10 +40,6 @@ bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
            !std::isnan(object->getBegin());
 }
 
-kaChildList::Entry kaChildList::entryOf(kaAnimationObject& child) const {
-    return {&child, extentOf(child), countsIn(child), child.isSelected()};
-}
-
 std::vector<kaUID> kaChildList::ids() const {
     if (!_mirrored)
         return _ids;
@@ -68,7 +47,7 @@ std::vector<kaUID> kaChildList::ids() const {
     result.reserve(_size);
     for (const auto& chunk : _chunks)
         for (const Entry& entry : chunk->entries)
-            result.push_back(entry.object->getId());
+            result.push_back(entry.object()->getId());
     return result;
 }
 
@@ -99,7 +78,7 @@ void kaChildList::assign(std::vector<kaUID> ids) {
 void kaChildList::append(kaAnimationObject& child) {
     if (_mirrored) {
         if (resolve(child) == &child && adoptable(child.getId(), &child)) {
-            appendEntry(entryOf(child));
+            appendEntry(Entry(child));
             sizeChanged(_size + 1);
             return;
         }
@@ -132,10 +111,11 @@ bool kaChildList::remove(const kaAnimationObject& child) {
 void kaChildList::release() {
     for (const auto& chunk : _chunks)
         for (const Entry& entry : chunk->entries)
-            entry.object->_home = nullptr;
+            entry.object()->_home = nullptr;
     _chunks.clear();
     _firsts.clear();
     _ids.clear();
+    _strangers = 0;
     _out = nullptr;
     _extent = kaExtent();
     _extentValid = true;
@@ -181,7 +161,7 @@ kaUID kaChildList::takeNext() {
         return id;
     }
     kaChildChunk& chunk = *_chunks.back();
-    const kaUID id = chunk.entries.back().object->getId();
+    const kaUID id = chunk.entries.back().object()->getId();
     eraseEntry(chunk, chunk.entries.size() - 1);
     return id;
 }
@@ -198,7 +178,7 @@ void kaChildList::addChunk(std::size_t at, std::unique_ptr<kaChildChunk> chunk) 
     const auto offset = static_cast<std::ptrdiff_t>(at);
     _firsts.reserve(_chunks.size() + 1);
     _chunks.insert(_chunks.begin() + offset, std::move(chunk));
-    _firsts.insert(_firsts.begin() + offset, _chunks[at]->entries.front().extent.begin);
+    _firsts.insert(_firsts.begin() + offset, _chunks[at]->entries.front().begin());
     renumber(at);
 }
 
@@ -212,8 +192,8 @@ void kaChildList::splitChunk(std::size_t at) {
     addChunk(at + 1, std::move(second));
     left.entries.erase(middle, left.entries.end());
     for (const Entry& entry : right.entries) {
-        entry.object->_home = &right;
-        right.selectedCount += entry.selected ? 1U : 0U;
+        entry.object()->_home = &right;
+        right.selectedCount += entry.isSelected() ? 1U : 0U;
     }
     left.selectedCount -= right.selectedCount;
     left.extentValid = false;
@@ -221,26 +201,30 @@ void kaChildList::splitChunk(std::size_t at) {
 }
 
 void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
-    chunk.selectedCount += entry.selected ? 1U : 0U;
-    if (!entry.counts)
+    chunk.selectedCount += entry.isSelected() ? 1U : 0U;
+    _strangers += entry.isKey() ? 0U : 1U;
+    if (!entry.counts())
         return;
-    chunk.extent.include(entry.extent);
-    _extent.include(entry.extent);
+    const kaExtent extent = entry.extent();
+    chunk.extent.include(extent);
+    _extent.include(extent);
 }
 
-void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry) {
-    chunk.selectedCount -= entry.selected ? 1U : 0U;
-    if (!entry.counts)
+/// @param extent  what the entry's child may have widened the list's by.
+void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry, const kaExtent& extent) {
+    chunk.selectedCount -= entry.isSelected() ? 1U : 0U;
+    _strangers -= entry.isKey() ? 0U : 1U;
+    if (!entry.counts())
         return;
-    if (touches(chunk.extent, entry.extent))
+    if (touches(chunk.extent, extent))
         chunk.extentValid = false;
-    if (touches(_extent, entry.extent))
+    if (touches(_extent, extent))
         _extentValid = false;
 }
 
 void kaChildList::appendEntry(const Entry& entry) {
     const Entry* last = _chunks.empty() ? nullptr : &_chunks.back()->entries.back();
-    const bool early = last && entry.extent.begin < last->extent.begin;
+    const bool early = last && entry.begin() < last->begin();
     if (_chunks.empty() || _chunks.back()->entries.size() >= ChunkSize)
         addFirst(_chunks.size(), entry);
     else
@@ -249,10 +233,10 @@ void kaChildList::appendEntry(const Entry& entry) {
         _order = Order::Disturbed;
     if (early && _order == Order::Sorted) {
         _order = Order::OneOut;
-        _out = entry.object;
+        _out = entry.object();
     }
     kaChildChunk& chunk = *_chunks.back();
-    entry.object->_home = &chunk;
+    entry.object()->_home = &chunk;
     widen(chunk, entry);
 }
 
@@ -283,22 +267,22 @@ kaChildChunk& kaChildList::makeRoom(float begin, bool early) {
 /// Puts the entry into the chunk that `makeRoom` found for it. Cannot fail.
 void kaChildList::insertEntry(kaChildChunk& chunk, const Entry& entry, bool early) {
     std::vector<Entry>& entries = chunk.entries;
-    const float begin = entry.extent.begin;
-    entries.insert(early ? std::upper_bound(entries.begin(), entries.end(), begin, startsLater)
-                         : std::lower_bound(entries.begin(), entries.end(), begin, startsEarlier),
+    const float begin = entry.begin();
+    entries.insert(early ? std::upper_bound(entries.begin(), entries.end(), begin, Entry::ByBegin())
+                         : std::lower_bound(entries.begin(), entries.end(), begin, Entry::ByBegin()),
                    entry);
-    _firsts[chunk.index] = entries.front().extent.begin;
-    entry.object->_home = &chunk;
+    _firsts[chunk.index] = entries.front().begin();
+    entry.object()->_home = &chunk;
     widen(chunk, entry);
 }
 
 void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
     const Entry entry = chunk.entries[index];
     const std::size_t at = chunk.index;
-    if (_order == Order::OneOut && entry.object == _out)
+    if (_order == Order::OneOut && entry.object() == _out)
         _order = Order::Sorted;
-    entry.object->_home = nullptr;
-    narrow(chunk, entry);
+    entry.object()->_home = nullptr;
+    narrow(chunk, entry, entry.extent());
     chunk.entries.erase(chunk.entries.begin() + static_cast<std::ptrdiff_t>(index));
     if (chunk.entries.empty()) {
         _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(at));
@@ -307,33 +291,39 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
         if (_chunks.empty())
             _order = Order::Sorted;
     } else if (index == 0) {
-        _firsts[at] = chunk.entries.front().extent.begin;
+        _firsts[at] = chunk.entries.front().begin();
     }
 }
 
 // What the children tell.
 
-void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
+void kaChildList::childReshaped(const kaAnimationObject& child) {
     if (_ending)
         return;
     _changes.note(child, ++_revision);
     if (child.getTypeID() == KA_TYPE_POINT)
         kaEdits::noteKeyOf(*_owner);
+}
+
+void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
+    if (_ending)
+        return;
+    childReshaped(child);
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
-    const Entry now = entryOf(child);
-    if (same(now.extent, entry.extent) && now.counts == entry.counts && now.selected == entry.selected)
+    const Entry now(child);
+    if (now.tellsTheSame(entry))
         return;
-    if (std::isnan(now.extent.begin)) {
+    if (std::isnan(now.begin())) {
         becomeLiteral();
         return;
     }
-    const bool moved = now.extent.begin != entry.extent.begin;
-    narrow(chunk, entry);
+    const bool moved = now.begin() != entry.begin();
+    narrow(chunk, entry, entry.isKey() ? entry.extent() : Unbounded);
     entry = now;
     widen(chunk, entry);
     if (place.index == 0)
-        _firsts[place.chunk] = now.extent.begin;
+        _firsts[place.chunk] = now.begin();
     if (moved)
         checkOrder(place);
 }
@@ -341,16 +331,16 @@ void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
 /// The child at `place` has moved.
 void kaChildList::checkOrder(Place place) {
     const Entry& moved = *at(place);
-    if (_order == Order::OneOut && _out != moved.object)
+    if (_order == Order::OneOut && _out != moved.object())
         _order = Order::Disturbed;
     if (_order == Order::Disturbed)
         return;
     const Entry* previous = before(place);
     const Entry* next = at(normalized(place.chunk, place.index + 1));
-    const bool isOut = (previous && moved.extent.begin < previous->extent.begin) ||
-                       (next && next->extent.begin < moved.extent.begin);
+    const bool isOut = (previous && moved.begin() < previous->begin()) ||
+                       (next && next->begin() < moved.begin());
     _order = isOut ? Order::OneOut : Order::Sorted;
-    _out = moved.object;
+    _out = moved.object();
 }
 
 // Extent.
@@ -358,17 +348,18 @@ void kaChildList::checkOrder(Place place) {
 void kaChildList::recompute(kaChildChunk& chunk) {
     chunk.extent = kaExtent();
     for (const Entry& entry : chunk.entries)
-        if (entry.counts)
-            chunk.extent.include(entry.extent);
+        if (entry.counts())
+            chunk.extent.include(entry.extent());
     chunk.extentValid = true;
 }
 
 kaExtent kaChildList::extent() {
     if (!_mirrored) {
         kaExtent result;
-        forEach([&result](const kaAnimationObject& child) {
-            if (countsIn(child))
-                result.include(extentOf(child));
+        forEach([&result](kaAnimationObject& child) {
+            const Entry entry(child);
+            if (entry.counts())
+                result.include(entry.extent());
         });
         return result;
     }
@@ -382,207 +373,4 @@ kaExtent kaChildList::extent() {
         _extentValid = true;
     }
     return _extent;
-}
-
-// Looking up.
-
-/// Looks where a child most likely stands before it looks through the chunk: at the end, where an append has
-/// left it, and where its begin belongs. A child that has just moved stands under its former begin.
-kaChildList::Place kaChildList::find(const kaAnimationObject& child) const {
-    const kaChildChunk& chunk = *child._home;
-    const auto first = chunk.entries.begin();
-    const auto end = chunk.entries.end();
-    const float begin = child.getBegin();
-    auto found = std::prev(end);
-    if (found->object != &child && isSorted()) {
-        found = std::lower_bound(first, end, begin, startsEarlier);
-        while (found != end && found->object != &child && found->extent.begin == begin)
-            ++found;
-    }
-    if (found == end || found->object != &child)
-        found = std::find_if(first, end, [&child](const Entry& entry) { return entry.object == &child; });
-    return {chunk.index, static_cast<std::size_t>(found - first)};
-}
-
-kaChildList::Place kaChildList::normalized(std::size_t chunk, std::size_t index) const {
-    return chunk < _chunks.size() && index >= _chunks[chunk]->entries.size() ? Place{chunk + 1, 0}
-                                                                             : Place{chunk, index};
-}
-
-const kaChildList::Entry* kaChildList::at(Place place) const {
-    return place.chunk < _chunks.size() ? &_chunks[place.chunk]->entries[place.index] : nullptr;
-}
-
-const kaChildList::Entry* kaChildList::before(Place place) const {
-    if (place.index > 0)
-        return &_chunks[place.chunk]->entries[place.index - 1];
-    // A chunk that was just made for an append is still empty.
-    while (place.chunk > 0) {
-        const auto& entries = _chunks[--place.chunk]->entries;
-        if (!entries.empty())
-            return &entries.back();
-    }
-    return nullptr;
-}
-
-kaChildList::Place kaChildList::lowerBound(float begin) const {
-    const auto next = std::lower_bound(_firsts.begin(), _firsts.end(), begin);
-    const auto chunk = static_cast<std::size_t>(next - _firsts.begin());
-    if (chunk == 0)
-        return {0, 0};
-    const auto& entries = _chunks[chunk - 1]->entries;
-    const auto place = std::lower_bound(entries.begin(), entries.end(), begin, startsEarlier);
-    return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
-}
-
-kaChildList::Place kaChildList::upperBound(float begin) const {
-    const auto next = std::upper_bound(_firsts.begin(), _firsts.end(), begin);
-    const auto chunk = static_cast<std::size_t>(next - _firsts.begin());
-    if (chunk == 0)
-        return {0, 0};
-    const auto& entries = _chunks[chunk - 1]->entries;
-    const auto place = std::upper_bound(entries.begin(), entries.end(), begin, startsLater);
-    return normalized(chunk - 1, static_cast<std::size_t>(place - entries.begin()));
-}
-
-std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
-    if (!_mirrored) {
-        const auto found = std::find(_ids.begin(), _ids.end(), id);
-        return {static_cast<std::size_t>(found - _ids.begin()), found != _ids.end()};
-    }
-    const kaAnimationObject* object = resolve(id);
-    return isHome(object) ? std::make_pair(positionOf(*object), true) : std::make_pair(_size, false);
-}
-
-std::size_t kaChildList::positionOf(const kaAnimationObject& child) const {
-    const Place place = find(child);
-    std::size_t result = place.index;
-    for (std::size_t i = 0; i < place.chunk; ++i)
-        result += _chunks[i]->entries.size();
-    return result;
-}
-
-std::pair<std::size_t, bool> kaChildList::position(float begin) const {
-    if (_mirrored) {
-        const kaAnimationObject* object = firstAt(begin);
-        return object ? position(object->getId()) : std::make_pair(_size, false);
-    }
-    for (std::size_t i = 0; i < _ids.size(); ++i) {
-        const kaAnimationObject* object = resolve(_ids[i]);
-        if (object && object->getBegin() == begin)
-            return {i, true};
-    }
-    return {_size, false};
-}
-
-bool kaChildList::contains(kaUID id) const {
-    if (!_mirrored)
-        return std::find(_ids.begin(), _ids.end(), id) != _ids.end();
-    return isHome(resolve(id));
-}
-
-bool kaChildList::contains(const kaAnimationObject& child) const {
-    return _mirrored ? isHome(resolve(child)) : contains(child.getId());
-}
-
-kaAnimationObject* kaChildList::firstAt(float begin) const {
-    if (isSorted()) {
-        const Entry* entry = std::isnan(begin) ? nullptr : at(lowerBound(begin));
-        return entry && entry->extent.begin == begin ? entry->object : nullptr;
-    }
-    kaAnimationObject* found = nullptr;
-    forEach([&found, begin](kaAnimationObject& child) {
-        if (!found && child.getBegin() == begin)
-            found = &child;
-    });
-    return found;
-}
-
-std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAnimationObject& child) const {
-    if (_mirrored) {
-        const Place place = find(*resolve(child));
-        const Entry* previous = before(place);
-        const Entry* next = at(normalized(place.chunk, place.index + 1));
-        return {previous ? previous->object : nullptr, next ? next->object : nullptr};
-    }
-    std::pair<kaAnimationObject*, kaAnimationObject*> result;
-    const auto place = std::find(_ids.begin(), _ids.end(), child.getId());
-    for (auto it = std::make_reverse_iterator(place); it != _ids.rend() && !result.first; ++it)
-        result.first = resolve(*it);
-    for (auto it = std::next(place); it != _ids.end() && !result.second; ++it)
-        result.second = resolve(*it);
-    return result;
-}
-
-kaChildList::Around kaChildList::around(float begin) const {
-    if (std::isnan(begin))
-        return {};
-    return isSorted() ? aroundSorted(begin) : aroundLinear(begin);
-}
-
-kaChildList::Around kaChildList::aroundSorted(float begin) const {
-    Around result;
-    const Place place = lowerBound(begin);
-    const Entry* entry = at(place);
-    if (entry && entry->extent.begin == begin)
-        result.at = entry->object;
-    if (const Entry* previous = before(place))
-        result.before = at(lowerBound(previous->extent.begin))->object;
-    if (const Entry* next = at(upperBound(begin)))
-        result.after = next->object;
-    return result;
-}
-
-kaChildList::Around kaChildList::aroundLinear(float begin) const {
-    Around result;
-    forEach([&result, begin](kaAnimationObject& child) {
-        const float other = child.getBegin();
-        if (other == begin && !result.at)
-            result.at = &child;
-        else if (other < begin && (!result.before || other > result.before->getBegin()))
-            result.before = &child;
-        else if (other > begin && (!result.after || other < result.after->getBegin()))
-            result.after = &child;
-    });
-    return result;
-}
-
-kaChildList::Around kaChildList::firstNotBefore(float begin) const {
-    Around result;
-    if (isSorted() && !std::isnan(begin)) {
-        const Place place = lowerBound(begin);
-        const Entry* previous = before(place);
-        const Entry* found = at(place);
-        const Entry* next = found ? at(normalized(place.chunk, place.index + 1)) : nullptr;
-        result.before = previous ? previous->object : nullptr;
-        result.at = found ? found->object : nullptr;
-        result.after = next ? next->object : nullptr;
-        return result;
-    }
-    forEach([&result, begin](kaAnimationObject& child) {
-        if (result.at && !result.after)
-            result.after = &child;
-        else if (!result.at && begin <= child.getBegin())
-            result.at = &child;
-        else if (!result.at)
-            result.before = &child;
-    });
-    return result;
-}
-
-std::vector<kaAnimationObject*> kaChildList::selected() const {
-    std::vector<kaAnimationObject*> result;
-    if (_mirrored) {
-        for (const auto& chunk : _chunks)
-            if (chunk->selectedCount > 0)
-                for (const Entry& entry : chunk->entries)
-                    if (entry.selected)
-                        result.push_back(entry.object);
-    } else {
-        forEach([&result](kaAnimationObject& child) {
-            if (child.isSelected())
-                result.push_back(&child);
-        });
-    }
-    return result;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kaAnimationObject.h"
+#include "kaChildEntry.h"
 #include "kaRecentChanges.h"
 
 #include <cstdint>
@@ -13,17 +14,10 @@ class kaChildList;
 /// A run of up to `kaChildList::ChunkSize` consecutive children. Chunks never move in memory, so a child can
 /// remember the one it stands in.
 struct kaChildChunk {
-    struct Entry {
-        kaAnimationObject* object;
-        kaExtent extent;
-        bool counts;   ///< the child widens its parent's extent
-        bool selected; ///< the child's selected flag
-    };
-
     explicit kaChildChunk(kaChildList& owner) : list(&owner) {}
 
     kaChildList* list;
-    std::vector<Entry> entries;
+    std::vector<kaChildEntry> entries;
     kaExtent extent; ///< of the entries that count, while `extentValid`
     bool extentValid = true;
     unsigned int selectedCount = 0;
@@ -83,6 +77,9 @@ class kaChildList {
     /// The same for the child's id; without a search where the registry finds the child under it.
     bool contains(const kaAnimationObject& child) const;
     kaAnimationObject* firstAt(float begin) const;
+    /// The same, and asks for the memory of the keys on both sides, for a caller that is about to put a key
+    /// there and then reads them.
+    kaAnimationObject* firstAtPrefetching(float begin) const;
 
     /// The registered children next to the first entry equal to the child's id in list order; there must be
     /// one. The entry itself may be unknown to the registry.
@@ -115,7 +112,7 @@ class kaChildList {
         if (_mirrored) {
             for (const auto& chunk : _chunks)
                 for (const auto& entry : chunk->entries)
-                    visit(*entry.object);
+                    visit(*entry.object());
         } else {
             for (kaUID id : _ids)
                 if (kaAnimationObject* object = resolve(id))
@@ -124,6 +121,8 @@ class kaChildList {
     }
 
     bool isMirrored() const { return _mirrored; }
+    /// Whether all children are known to be keys, without a look at any.
+    bool holdsKeysAlone() const { return _mirrored && _strangers == 0; }
     /// Whether the children are known to be in ascending order of begin.
     bool isSorted() const { return _mirrored && _order == Order::Sorted; }
     /// Grows with every change of the list or of a mirrored child; says nothing while the list is not
@@ -143,6 +142,8 @@ class kaChildList {
 
     /// A mirrored child has changed.
     void childChanged(kaChildChunk& chunk, kaAnimationObject& child);
+    /// The same where nothing that the list keeps of the child is concerned: a handle of a key has moved.
+    void childReshaped(const kaAnimationObject& child);
     /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.
     void childLost(kaAnimationObject& child);
 
@@ -157,13 +158,12 @@ class kaChildList {
         std::size_t chunk;
         std::size_t index;
     };
-    using Entry = kaChildChunk::Entry;
+    using Entry = kaChildEntry;
 
     static kaAnimationObject* resolve(kaUID id);
     static const kaAnimationObject* resolve(const kaAnimationObject& child);
     bool isHome(const kaAnimationObject* child) const;
     bool adoptable(kaUID id, const kaAnimationObject* object) const;
-    Entry entryOf(kaAnimationObject& child) const;
 
     void appendEntry(const Entry& entry);
     void addFirst(std::size_t at, const Entry& entry);
@@ -174,7 +174,7 @@ class kaChildList {
     void splitChunk(std::size_t at);
     void renumber(std::size_t from);
     void widen(kaChildChunk& chunk, const Entry& entry);
-    void narrow(kaChildChunk& chunk, const Entry& entry);
+    void narrow(kaChildChunk& chunk, const Entry& entry, const kaExtent& extent);
     void checkOrder(Place place);
     static void recompute(kaChildChunk& chunk);
 
@@ -201,6 +201,7 @@ class kaChildList {
     std::vector<float> _firsts; ///< begin of each chunk's first entry
     std::vector<kaUID> _ids;    ///< the list while it is not mirrored
     std::size_t _size = 0;
+    std::size_t _strangers = 0; ///< mirrored children that are no keys
     std::uint64_t _revision = 0;
     /// Children by revision. A key that is dragged changes, and so do the keys beside it, whose handles
     /// follow.

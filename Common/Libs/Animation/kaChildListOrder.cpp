@@ -23,7 +23,7 @@ void kaChildList::settle() {
     const Entry* previous = nullptr;
     for (const auto& chunk : _chunks) {
         for (const Entry& entry : chunk->entries) {
-            if (previous && entry.extent.begin < previous->extent.begin)
+            if (previous && entry.begin() < previous->begin())
                 return;
             previous = &entry;
         }
@@ -38,25 +38,25 @@ void kaChildList::sortOne() {
     const Entry out = *at(place);
     const Entry* previous = before(place);
     const Entry* next = at(normalized(place.chunk, place.index + 1));
-    const bool early = previous && out.extent.begin < previous->extent.begin;
-    const bool late = next && next->extent.begin < out.extent.begin;
+    const bool early = previous && out.begin() < previous->begin();
+    const bool late = next && next->begin() < out.begin();
     if (early || late) {
         // While its new place is looked for it stands under a neighbour's begin, so that the list is sorted.
         const auto standUnder = [&](float begin) {
             const Place now = find(*_out);
-            _chunks[now.chunk]->entries[now.index].extent.begin = begin;
+            _chunks[now.chunk]->entries[now.index].standUnder(begin);
             if (now.index == 0)
                 _firsts[now.chunk] = begin;
         };
-        standUnder(early ? previous->extent.begin : next->extent.begin);
+        standUnder(early ? previous->begin() : next->begin());
         kaChildChunk* target = nullptr;
         try {
-            target = &makeRoom(out.extent.begin, early);
+            target = &makeRoom(out.begin(), early);
         } catch (...) {
-            standUnder(out.extent.begin);
+            standUnder(out.begin());
             throw;
         }
-        standUnder(out.extent.begin);
+        standUnder(out.begin());
         const Place from = find(*_out);
         eraseEntry(*_chunks[from.chunk], from.index);
         insertEntry(*target, out, early);
@@ -71,18 +71,17 @@ void kaChildList::sortAll() {
     entries.reserve(_size);
     for (const auto& chunk : _chunks)
         entries.insert(entries.end(), chunk->entries.begin(), chunk->entries.end());
-    std::stable_sort(entries.begin(), entries.end(),
-                     [](const Entry& a, const Entry& b) { return a.extent.begin < b.extent.begin; });
+    std::stable_sort(entries.begin(), entries.end(), Entry::ByBegin());
     auto from = entries.begin();
     for (const auto& chunk : _chunks) {
         chunk->selectedCount = 0;
         chunk->extentValid = false;
         for (Entry& entry : chunk->entries) {
             entry = *from++;
-            entry.object->_home = chunk.get();
-            chunk->selectedCount += entry.selected ? 1U : 0U;
+            entry.object()->_home = chunk.get();
+            chunk->selectedCount += entry.isSelected() ? 1U : 0U;
         }
-        _firsts[chunk->index] = chunk->entries.front().extent.begin;
+        _firsts[chunk->index] = chunk->entries.front().begin();
     }
     _order = Order::Sorted;
     noteEdit();
@@ -138,7 +137,7 @@ bool kaChildList::tryMirror() {
                 giveUp();
                 return false;
             }
-            appendEntry(entryOf(*object));
+            appendEntry(Entry(*object));
         }
     } catch (...) {
         giveUp();

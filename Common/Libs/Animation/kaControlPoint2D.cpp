@@ -3,6 +3,7 @@
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationManager.h"
 #include "kaChildList.h"
+#include "kaKeyMemory.h"
 #include "kaTangents.h"
 
 #include <utility>
@@ -30,7 +31,7 @@ kaControlPoint2D::kaControlPoint2D(const std::string& name, kaUID id, bool isTan
     : kaControlPoint2D(0.0F, 0.0F, name, id, isTangent) {}
 
 kaControlPoint2D::kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent)
-    : _position(x, y), _isTangent(isTangent) {
+    : _isTangent(isTangent), _position(x, y) {
     _id = id != 0 ? id : kaAnimationManager::the()->createUID();
     setName(name);
     if (!isTangent) {
@@ -72,6 +73,16 @@ kaControlPoint2D::~kaControlPoint2D() {
     freeHandle(_outTangent);
 }
 
+void* kaControlPoint2D::operator new(std::size_t /*size*/) {
+    static_assert(sizeof(kaControlPoint2D) <= kaKeyMemory::BlockSize, "two lines of the cache");
+    return kaKeyMemory::the().take();
+}
+
+void kaControlPoint2D::operator delete(void* memory) noexcept {
+    if (memory)
+        kaKeyMemory::the().giveBack(memory);
+}
+
 void kaControlPoint2D::own(kaControlPoint2D*& slot, kaControlPoint2D* handle) {
     slot = handle;
     if (handle)
@@ -103,7 +114,7 @@ kaControlPoint2D::Saved& kaControlPoint2D::editSaved() {
 void kaControlPoint2D::noteGeometry() {
     noteChange();
     if (_owner)
-        _owner->noteChange();
+        _owner->noteReshaped();
 }
 
 void kaControlPoint2D::setPosition(const osg::Pnt2f& position) {

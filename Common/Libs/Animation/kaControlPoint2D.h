@@ -43,6 +43,10 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     /// Frees the handles, registered or not.
     ~kaControlPoint2D();
 
+    /// Keys stand side by side, so that walks and edits of long curves find them fast.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* memory) noexcept;
+
     void setBegin(float x) override;
     void setEnd(float x) override;
     void setMaximum(float y) override;
@@ -107,12 +111,13 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void own(kaControlPoint2D*& slot, kaControlPoint2D* handle);
     void freeHandle(kaControlPoint2D*& slot);
 
+    // What is read of a key's neighbours stands in one line of the cache.
+    bool _isTangent = false;
     osg::Pnt2f _position{0.0F, 0.0F};
+    unsigned int _tangentType = TANGENT_SMOOTH;
     kaControlPoint2D* _inTangent = nullptr;
     kaControlPoint2D* _outTangent = nullptr;
     kaControlPoint2D* _owner = nullptr; ///< the key whose handle this is
     std::unique_ptr<Saved> _saved;
-    unsigned int _tangentType = TANGENT_SMOOTH;
     unsigned int _tangentLengthMode = LENGTH_HALF;
-    bool _isTangent = false;
 };
