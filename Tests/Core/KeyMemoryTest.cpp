@@ -63,7 +63,8 @@ TEST_F(KeyMemory, GoesBackWithTheLastKey) {
     constexpr std::size_t Megabyte = 1 << 20;
     { // What is made once and kept, as the index of objects is.
         std::vector<kaControlPoint2D*> keys(Keys);
-        std::generate(keys.begin(), keys.end(), [number = std::size_t{0}]() mutable { return make(number++); });
+        std::generate(keys.begin(), keys.end(),
+                      [number = std::size_t{0}]() mutable { return make(number++); });
         for (kaControlPoint2D* key : keys)
             kaAnimationManager::the()->destroyPoint2D(key);
     }

@@ -84,7 +84,8 @@ TEST_F(Registry, TypedLookupsAnswerOnlyTheirType) {
     }
 }
 
-/// Ids as documents may bring them: drawn, counted, or with all that tells them apart in one part of the number.
+/// Ids as documents may bring them: drawn, counted, or with all that tells them apart in one part of the
+/// number.
 class RegistryOf : public Registry, public testing::WithParamInterface<kaUID (*)(kaUID)> {};
 
 TEST_P(RegistryOf, ThousandsThatComeAndGoFindsThoseThatAreThereAndNoOther) {
@@ -105,20 +106,20 @@ TEST_P(RegistryOf, ThousandsThatComeAndGoFindsThoseThatAreThereAndNoOther) {
         if (i % 1000 != 999)
             continue;
         for (kaUID number = 0; number <= Ids; ++number)
-            ASSERT_EQ(manager->getUnit(GetParam()(number)), there.count(GetParam()(number)) > 0
-                                                                ? there.at(GetParam()(number))
-                                                                : nullptr);
+            ASSERT_EQ(manager->getUnit(GetParam()(number)),
+                      there.count(GetParam()(number)) > 0 ? there.at(GetParam()(number)) : nullptr);
         ASSERT_EQ(manager->getObjects().size(), there.size());
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Ids, RegistryOf,
-    testing::Values(static_cast<kaUID (*)(kaUID)>([](kaUID number) { return number; }),
-                    [](kaUID number) { return ~number; }, [](kaUID number) { return number << 20U; },
-                    [](kaUID number) { return number << 32U; }, [](kaUID number) { return number << 52U; },
-                    [](kaUID number) { return number * 1664525ULL + 1013904223ULL; },
-                    [](kaUID number) { return number * number * number * 0x9E3779B97F4A7C15ULL; }));
+INSTANTIATE_TEST_SUITE_P(Ids, RegistryOf,
+                         testing::Values(
+                             static_cast<kaUID (*)(kaUID)>([](kaUID number) { return number; }),
+                             [](kaUID number) { return ~number; }, [](kaUID number) { return number << 20U; },
+                             [](kaUID number) { return number << 32U; },
+                             [](kaUID number) { return number << 52U; },
+                             [](kaUID number) { return number * 1664525ULL + 1013904223ULL; },
+                             [](kaUID number) { return number * number * number * 0x9E3779B97F4A7C15ULL; }));
 
 TEST_F(Registry, FindsByNameTheSmallestId) {
     manager->createUnit("same", 9);

@@ -337,8 +337,8 @@ void kaChildList::checkOrder(Place place) {
         return;
     const Entry* previous = before(place);
     const Entry* next = at(normalized(place.chunk, place.index + 1));
-    const bool isOut = (previous && moved.begin() < previous->begin()) ||
-                       (next && next->begin() < moved.begin());
+    const bool isOut =
+        (previous && moved.begin() < previous->begin()) || (next && next->begin() < moved.begin());
     _order = isOut ? Order::OneOut : Order::Sorted;
     _out = moved.object();
 }

@@ -28,7 +28,8 @@ class kaIDTable {
         return slot.object;
     }
 
-    /// @return false, with nothing changed, when the id is taken. @throws std::bad_alloc, with nothing changed.
+    /// @return false, with nothing changed, when the id is taken. @throws std::bad_alloc, with nothing
+    /// changed.
     bool insert(kaUID id, Object& object) {
         if (find(id))
             return false;

@@ -5,9 +5,9 @@
 #include <cstddef>
 #include <vector>
 
-/// Memory for keys and their handles, of which a scene has a hundred thousand: each has two lines of the cache
-/// to itself, one beside the other and, where there are many, in huge pages. A key that is looked up then
-/// costs one wait for memory, not two or three.
+/// Memory for keys and their handles, of which a scene has a hundred thousand: each has two lines of the
+/// cache to itself, one beside the other and, where there are many, in huge pages. A key that is looked up
+/// then costs one wait for memory, not two or three.
 ///
 /// What is given back is taken anew; all of it goes back to the heap with the last key. A build that checks
 /// the use of memory gives every key memory of its own instead.
