@@ -190,6 +190,7 @@ class kaChildList {
     Place lowerBound(float begin) const;
     Place upperBound(float begin) const;
     const Entry* at(Place place) const;
+    Place placeBefore(Place place) const;
     const Entry* before(Place place) const;
     Place normalized(std::size_t chunk, std::size_t index) const;
     Place find(const kaAnimationObject& child) const;

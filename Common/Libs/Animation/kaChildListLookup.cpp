@@ -34,16 +34,21 @@ const kaChildList::Entry* kaChildList::at(Place place) const {
     return place.chunk < _chunks.size() ? &_chunks[place.chunk]->entries[place.index] : nullptr;
 }
 
-const kaChildList::Entry* kaChildList::before(Place place) const {
+/// The end where nothing stands before.
+kaChildList::Place kaChildList::placeBefore(Place place) const {
     if (place.index > 0)
-        return &_chunks[place.chunk]->entries[place.index - 1];
+        return {place.chunk, place.index - 1};
     // A chunk that was just made for an append is still empty.
     while (place.chunk > 0) {
-        const auto& entries = _chunks[--place.chunk]->entries;
-        if (!entries.empty())
-            return &entries.back();
+        const std::size_t size = _chunks[--place.chunk]->entries.size();
+        if (size > 0)
+            return {place.chunk, size - 1};
     }
-    return nullptr;
+    return {_chunks.size(), 0};
+}
+
+const kaChildList::Entry* kaChildList::before(Place place) const {
+    return at(placeBefore(place));
 }
 
 kaChildList::Place kaChildList::lowerBound(float begin) const {
@@ -154,16 +159,24 @@ kaChildList::Around kaChildList::around(float begin) const {
     return isSorted() ? aroundSorted(begin) : aroundLinear(begin);
 }
 
+/// Mostly no two children begin at one frame: then what is looked for stands next to the place of `begin`.
 kaChildList::Around kaChildList::aroundSorted(float begin) const {
     Around result;
     const Place place = lowerBound(begin);
-    const Entry* entry = at(place);
-    if (entry && entry->begin() == begin)
-        result.at = entry->object();
-    if (const Entry* previous = before(place))
-        result.before = at(lowerBound(previous->begin()))->object();
-    if (const Entry* next = at(upperBound(begin)))
-        result.after = next->object();
+    const Place last = placeBefore(place);
+    if (const Entry* previous = at(last)) {
+        const Entry* earlier = before(last);
+        const bool isShared = earlier && earlier->begin() == previous->begin();
+        result.before = (isShared ? at(lowerBound(previous->begin())) : previous)->object();
+    }
+    const Entry* next = at(place);
+    if (next && next->begin() == begin) {
+        result.at = next->object();
+        next = at(normalized(place.chunk, place.index + 1));
+        if (next && next->begin() == begin)
+            next = at(upperBound(begin));
+    }
+    result.after = next ? next->object() : nullptr;
     return result;
 }
 

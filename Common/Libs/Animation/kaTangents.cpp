@@ -14,9 +14,9 @@ struct Offset {
     double y = 0.0;
 };
 
-/// A displacement of horizontal extent `h` along the angle of a slope.
-Offset reaching(double h, float slope) {
-    return {h, h * std::tan(std::atan(static_cast<double>(slope)))};
+/// The rise of a unit along the angle of a slope.
+double riseAlong(float slope) {
+    return std::tan(std::atan(static_cast<double>(slope)));
 }
 
 /// A displacement of length `length` along the angle of a slope.
@@ -92,6 +92,13 @@ class Placement {
     double reachAfter() const { return both() ? capped(halfAfter()) : halfToOnly(); }
     double halfToOnly() const { return _hasPrevious ? halfBefore() : halfAfter(); }
 
+    /// Both handles on one line, as far as either may reach.
+    void reachAlong(float slope) {
+        const double rise = riseAlong(slope);
+        _in = {reachBefore(), reachBefore() * rise};
+        _out = {reachAfter(), reachAfter() * rise};
+    }
+
     void broken() {
         switch (_mode) {
         case kaControlPoint2D::LENGTH_THIRD:
@@ -137,8 +144,7 @@ class Placement {
             break;
         case kaControlPoint2D::LENGTH_HALF:
             if (both()) {
-                _in = reaching(reachBefore(), slope);
-                _out = reaching(reachAfter(), slope);
+                reachAlong(slope);
             } else {
                 _in = _out = rising(halfToOnly(), slope);
             }
@@ -163,8 +169,7 @@ class Placement {
             break;
         case kaControlPoint2D::LENGTH_HALF:
             if (both()) {
-                _in = reaching(reachBefore(), slope);
-                _out = reaching(reachAfter(), slope);
+                reachAlong(slope);
             } else {
                 _in = _out = rising(halfToOnly(), slope);
             }
