@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "Workload.h"
 
 #include <QDomDocument>
 #include <QFile>
@@ -100,8 +101,20 @@ void saveDocument(benchmark::State& state) {
                }));
 }
 
-BENCHMARK(bareSetContent)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(loadDocument)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(saveDocument)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(bareSetContent)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Repetitions(workload::ComparedRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(loadDocument)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Repetitions(workload::ComparedRepetitions)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(saveDocument)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Repetitions(workload::ComparedRepetitions)
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -38,6 +38,10 @@ void loopTenPlaying(benchmark::State& state) {
     workload::clearAll();
 }
 
-BENCHMARK(loopTenPlaying)->Arg(100)->Arg(100000)->Iterations(50000);
+BENCHMARK(loopTenPlaying)
+    ->Arg(100)
+    ->Arg(100000)
+    ->Iterations(50000)
+    ->Repetitions(workload::ComparedRepetitions);
 
 } // namespace

@@ -9,6 +9,10 @@
 /// What the benchmarks work on. Every builder registers with the manager; `clearAll` empties it again.
 namespace workload {
 
+/// Repetitions of what is compared with something else that takes long: the ratio holds only if both have met
+/// a quiet moment of the machine.
+constexpr int ComparedRepetitions = 10;
+
 /// Frames in [0, last], the same ones in every run.
 std::vector<float> randomFrames(std::size_t count, float last);
 
