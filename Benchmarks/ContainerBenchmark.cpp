@@ -38,15 +38,7 @@ void destroyClip(benchmark::State& state) {
 
 BENCHMARK(addAndRemoveCurve)->Iterations(2000)->Unit(benchmark::kMicrosecond);
 // Both take equally long, so that neither is the likelier to meet a quiet moment of the machine.
-BENCHMARK(destroyClip)
-    ->Arg(10000)
-    ->Iterations(10)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(destroyClip)
-    ->Arg(100000)
-    ->Iterations(1)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(destroyClip)->Arg(10000)->Iterations(10)->Apply(workload::compared);
+BENCHMARK(destroyClip)->Arg(100000)->Iterations(1)->Apply(workload::compared);
 
 } // namespace

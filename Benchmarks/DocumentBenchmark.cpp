@@ -101,20 +101,8 @@ void saveDocument(benchmark::State& state) {
                }));
 }
 
-BENCHMARK(bareSetContent)
-    ->UseManualTime()
-    ->Iterations(1)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(loadDocument)
-    ->UseManualTime()
-    ->Iterations(1)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(saveDocument)
-    ->UseManualTime()
-    ->Iterations(1)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(bareSetContent)->UseManualTime()->Iterations(1)->Apply(workload::compared);
+BENCHMARK(loadDocument)->UseManualTime()->Iterations(1)->Apply(workload::compared);
+BENCHMARK(saveDocument)->UseManualTime()->Iterations(1)->Apply(workload::compared);
 
 } // namespace

@@ -55,26 +55,10 @@ void memoryPerKey(benchmark::State& state) {
 }
 
 // What is compared takes equally long, so that neither is the likelier to meet a quiet moment of the machine.
-BENCHMARK(buildAscending)
-    ->Arg(10000)
-    ->Iterations(30)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(buildAscending)
-    ->Arg(100000)
-    ->Iterations(3)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(buildShuffled)
-    ->Arg(10000)
-    ->Iterations(30)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(buildShuffled)
-    ->Arg(100000)
-    ->Iterations(3)
-    ->Repetitions(workload::ComparedRepetitions)
-    ->Unit(benchmark::kMillisecond);
+BENCHMARK(buildAscending)->Arg(10000)->Iterations(30)->Apply(workload::compared);
+BENCHMARK(buildAscending)->Arg(100000)->Iterations(3)->Apply(workload::compared);
+BENCHMARK(buildShuffled)->Arg(10000)->Iterations(30)->Apply(workload::compared);
+BENCHMARK(buildShuffled)->Arg(100000)->Iterations(3)->Apply(workload::compared);
 BENCHMARK(dragOneOf100000)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(memoryPerKey)->Iterations(1);
 

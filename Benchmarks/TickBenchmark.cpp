@@ -42,6 +42,7 @@ BENCHMARK(loopTenPlaying)
     ->Arg(100)
     ->Arg(100000)
     ->Iterations(50000)
-    ->Repetitions(workload::ComparedRepetitions);
+    ->Apply(workload::compared)
+    ->Unit(benchmark::kNanosecond);
 
 } // namespace

@@ -55,6 +55,10 @@ kaAnimationStrip* clipAround(const std::vector<kaAnimationUnit*>& units) {
 
 namespace workload {
 
+void compared(benchmark::internal::Benchmark* one) {
+    one->Repetitions(10)->Unit(benchmark::kMillisecond);
+}
+
 std::vector<float> randomFrames(std::size_t count, float last) {
     std::mt19937 generator(7);
     std::uniform_real_distribution<float> frame(0.0F, last);

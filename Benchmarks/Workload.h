@@ -1,6 +1,7 @@
 #pragma once
 
 #include <OpenSG/OSGNode.h>
+#include <benchmark/benchmark.h>
 #include <cstddef>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationStrip.h>
@@ -9,9 +10,9 @@
 /// What the benchmarks work on. Every builder registers with the manager; `clearAll` empties it again.
 namespace workload {
 
-/// Repetitions of what is compared with something else that takes long: the ratio holds only if both have met
-/// a quiet moment of the machine.
-constexpr int ComparedRepetitions = 10;
+/// For what is compared with something else that takes long: the ratio holds only if both have met a quiet
+/// moment of the machine, so both are repeated oftener. In milliseconds.
+void compared(benchmark::internal::Benchmark* one);
 
 /// Frames in [0, last], the same ones in every run.
 std::vector<float> randomFrames(std::size_t count, float last);
