@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-/// Collects the medians of a run and sets them against what each operation must not exceed.
+/// Collects the fastest repetitions of a run and sets them against what each operation must not exceed.
 class Table : public benchmark::ConsoleReporter {
   public:
     Table();
