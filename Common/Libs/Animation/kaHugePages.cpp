@@ -1,34 +1,60 @@
 #include "kaHugePages.h"
 
+#include <cstdint>
 #include <sys/mman.h>
 
 namespace {
 
-/// What is asked of the heap.
-struct Request {
-    Request(std::size_t wanted, std::size_t alignment)
-        : isHuge(wanted >= kaHugePages::Size),
-          bytes(isHuge ? (wanted + kaHugePages::Size - 1) / kaHugePages::Size * kaHugePages::Size : wanted),
-          align(std::align_val_t{isHuge ? kaHugePages::Size : alignment}) {}
+/// In whole huge pages; 0 where that is more than there can be.
+std::size_t roundedUp(std::size_t bytes) {
+    return (bytes + kaHugePages::Size - 1) / kaHugePages::Size * kaHugePages::Size;
+}
 
-    bool isHuge;
-    std::size_t bytes;
-    std::align_val_t align;
-};
+#ifdef KA_WATCHED_MEMORY
+
+/// What is watched has to come from the heap.
+bool isMapped(std::size_t /*bytes*/) {
+    return false;
+}
+
+#else
+
+bool isMapped(std::size_t bytes) {
+    return bytes >= kaHugePages::Size;
+}
+
+#endif
+
+/// Asks for one page more, to begin where a huge page may, and gives back what stands over on both sides: the
+/// heap would keep it.
+void* map(std::size_t bytes) {
+    const std::size_t asked = bytes + kaHugePages::Size;
+    if (bytes == 0 || asked < bytes)
+        throw std::bad_alloc();
+    void* all = mmap(nullptr, asked, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (all == MAP_FAILED)
+        throw std::bad_alloc();
+    char* const begin = static_cast<char*>(all);
+    const std::size_t past = reinterpret_cast<std::uintptr_t>(all) % kaHugePages::Size;
+    const std::size_t lead = past > 0 ? kaHugePages::Size - past : 0;
+    char* const memory = begin + lead;
+    if (lead > 0)
+        munmap(begin, lead);
+    if (lead < kaHugePages::Size)
+        munmap(memory + bytes, kaHugePages::Size - lead);
+    madvise(memory, bytes, MADV_HUGEPAGE);
+    return memory;
+}
 
 } // namespace
 
 void* kaHugePages::allocate(std::size_t bytes, std::size_t alignment) {
-    const Request request(bytes, alignment);
-    if (request.bytes < bytes)
-        throw std::bad_alloc();
-    void* memory = ::operator new(request.bytes, request.align);
-    if (request.isHuge)
-        madvise(memory, request.bytes, MADV_HUGEPAGE);
-    return memory;
+    return isMapped(bytes) ? map(roundedUp(bytes)) : ::operator new (bytes, std::align_val_t{alignment});
 }
 
 void kaHugePages::release(void* memory, std::size_t bytes, std::size_t alignment) noexcept {
-    const Request request(bytes, alignment);
-    ::operator delete(memory, request.align);
+    if (isMapped(bytes))
+        munmap(memory, roundedUp(bytes));
+    else
+        ::operator delete (memory, std::align_val_t{alignment});
 }

@@ -10,7 +10,7 @@ namespace kaHugePages {
 
 constexpr std::size_t Size = std::size_t{2} << 20; ///< of one huge page, in bytes
 
-/// @param bytes      any number; from `Size` on a multiple of `Size` is allocated.
+/// @param bytes      any number; from `Size` on a multiple of `Size` is taken, straight from the system.
 /// @param alignment  a power of two.
 /// @return memory to be given back to `release` with the same arguments. Whether the pages are huge is up to
 ///         the system. @throws std::bad_alloc.
