@@ -160,8 +160,16 @@ TEST_P(ChildOrder, WhereverAKeyMovesItsCurveSpansAllKeys) {
         key->setSelected(i % 3 == 0);
         curve->updateBy(key, kaAnimationObject::MOVE_OBJECT, false);
         ASSERT_NO_FATAL_FAILURE(expectToSpanItsChildren(*curve));
-        const auto points = curve->getPoints();
-        ASSERT_EQ(points.at(key->getPosition()[0])->getPosition()[0], key->getPosition()[0]);
+        const auto objects = curve->getObjects();
+        ASSERT_EQ(objects.size(), keys.size());
+        const auto first =
+            std::find_if(objects.begin(), objects.end(), [key](const kaAnimationObject* object) {
+                return object->getBegin() == key->getBegin();
+            });
+        ASSERT_EQ(curve->findPoint(key->getBegin()), *first);
+        ASSERT_TRUE(std::is_sorted(objects.begin(), objects.end(), [](const auto* a, const auto* b) {
+            return a->getBegin() < b->getBegin();
+        }));
     }
     manager->destroyCurve2D(curve);
 }

@@ -23,19 +23,19 @@ class kaIDTable {
     std::size_t size() const { return _size; }
 
     /// What stands under the id, or null.
-    Object* find(kaUID id) const {
-        const Slot& slot = _slots[slotOf(id)];
-        return slot.object;
-    }
+    Object* find(kaUID id) const { return _slots[slotOf(id)].object; }
 
     /// @return false, with nothing changed, when the id is taken. @throws std::bad_alloc, with nothing
     /// changed.
     bool insert(kaUID id, Object& object) {
-        if (find(id))
+        std::size_t slot = slotOf(id);
+        if (_slots[slot].object)
             return false;
-        if (4 * (_size + 1) > 3 * _slots.size())
+        if (4 * (_size + 1) > 3 * _slots.size()) {
             resize(2 * _slots.size());
-        _slots[slotOf(id)] = {id, &object};
+            slot = slotOf(id);
+        }
+        _slots[slot] = {id, &object};
         ++_size;
         return true;
     }

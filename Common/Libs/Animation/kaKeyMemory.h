@@ -9,8 +9,8 @@
 /// cache to itself, one beside the other and, where there are many, in huge pages. A key that is looked up
 /// then costs one wait for memory, not two or three.
 ///
-/// What is given back is taken anew; all of it goes back to the heap with the last key. A build that checks
-/// the use of memory gives every key memory of its own instead.
+/// What is given back is taken anew; all of it goes where it came from with the last key. A build that checks
+/// the use of memory gives every key memory of its own from the heap instead, aligned as the heap does.
 class kaKeyMemory {
   public:
     static constexpr std::size_t BlockSize = 128; ///< in bytes
