@@ -187,7 +187,7 @@ void UnrulyHost::connect(Object* source) {
 }
 
 void UnrulyHost::populate() {
-    while (_manager->registry().size() < Objects * 4) { // each block has a curve and two keys
+    while (kaObjectRegistry::the().size() < Objects * 4) { // each block has a curve and two keys
         Object* object = makeRandomObject();
         _tops.push_back(object->getId());
         connect(object);

@@ -35,7 +35,7 @@ ExitCode convert(const ConvertOptions& options) {
     for (const std::string& name : {options.saved.scene, options.saved.animation})
         if (!name.empty())
             say("wrote " + name);
-    if (options.saved.animation.empty() && kaAnimationManager::the()->registry().size() > 0)
+    if (options.saved.animation.empty() && kaObjectRegistry::the().size() > 0)
         say("the animation was not written: name a document for it with --animation");
     return ExitCode::Fine;
 }

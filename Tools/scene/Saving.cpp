@@ -51,8 +51,8 @@ void writeDocument(kaFileWriter& file) {
     const kaAnimationManager& manager = *kaAnimationManager::the();
     kaAnimationXmlTextOutput text([&file](std::string_view piece) { file.write(piece); });
     text.documentType("ORVA");
-    CountedOutput output(text, manager.registry().size() + manager.registry().fieldCount());
-    kaAnimationXmlWriter(manager, output).pool();
+    CountedOutput output(text, kaObjectRegistry::the().size() + kaObjectRegistry::the().fieldCount());
+    kaAnimationXmlWriter(output).pool();
 }
 
 void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter& file) {

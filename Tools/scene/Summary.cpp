@@ -25,7 +25,7 @@ class Summarizer {
 
     ProjectSummary run() {
         addNodes();
-        const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
+        const kaObjectRegistry& registry = kaObjectRegistry::the();
         for (unsigned int type = KA_TYPE_OBJECT; type < KA_TYPE_COUNT; ++type)
             if (type != KA_TYPE_POINT)
                 for (const auto& [id, object] : registry.byType(type))

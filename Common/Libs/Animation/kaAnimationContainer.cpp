@@ -1,9 +1,9 @@
 #include "kaAnimationContainer.h"
 
 #include "kaAliveGuard.h"
-#include "kaAnimationManager.h"
 #include "kaChildList.h"
 #include "kaDescent.h"
+#include "kaObjectStore.h"
 #include "kaSnapshot.h"
 
 #include <algorithm>
@@ -44,7 +44,7 @@ kaDescent::Path& triggerPath() {
 } // namespace
 
 kaAnimationContainer::kaAnimationContainer(const std::string& name, kaUID id) {
-    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
+    _id = id != 0 ? id : kaObjectRegistry::the().createUID();
     setName(name);
 }
 
@@ -90,7 +90,7 @@ kaAnimationObject* kaAnimationContainer::release(kaAnimationObject& child, bool 
     updateBy(&child, SUB_OBJECT, true);
     if (!destroy)
         return &child;
-    kaAnimationManager::the()->destroyObject(&child);
+    kaObjectStore::destroy(&child);
     return nullptr;
 }
 

@@ -3,13 +3,14 @@
 #include "kaAliveGuard.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
 #include "kaEvaluation.h"
 #include "kaNesting.h"
+#include "kaObjectStore.h"
 #include "kaPlayedObjects.h"
+#include "kaSceneObjects.h"
 #include "kaSnapshot.h"
 
 #include <chrono>
@@ -54,17 +55,22 @@ kaAnimationController* kaAnimationController::the() {
 }
 
 kaAnimationController::kaAnimationController()
-    : _evaluation(std::make_unique<kaEvaluation>()), _played(std::make_unique<kaPlayedObjects>()) {
+    : _evaluation(std::make_unique<kaEvaluation>(
+          [](const std::vector<kaAnimationSequence*>& sequences, float frame) {
+              the()->evaluateSequences(sequences, frame);
+          })),
+      _played(std::make_unique<kaPlayedObjects>()) {
     _instance = this;
+    kaObjectStore::addForgetter(&forget);
 }
 
 kaAnimationController::~kaAnimationController() {
     _instance = nullptr;
 }
 
-void kaAnimationController::forget(kaAnimationObject* object) {
+void kaAnimationController::forget(kaAnimationObject& object) {
     if (_instance)
-        _instance->_played->forget(object);
+        _instance->_played->forget(&object);
 }
 
 const std::vector<kaAnimationCurve2D*>& kaAnimationController::getCurves() {
@@ -170,18 +176,17 @@ void kaAnimationController::evaluate(float frame, bool motionBlurOnly) {
 
 void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurves, bool evalActiveUnits,
                                      bool motionBlurOnly) {
-    const kaAnimationManager* manager = kaAnimationManager::the();
     if (evalObject)
-        evaluateObject(manager->getObject(_objectID), frame, motionBlurOnly);
+        evaluateObject(kaObjectStore::find(_objectID), frame, motionBlurOnly);
     if (evalCurves && !_curveIDs.empty()) {
         std::vector<kaAnimationCurve2D*> curves;
         for (unsigned long long id : _curveIDs)
-            if (kaAnimationCurve2D* curve = manager->getCurve2D(id))
+            if (kaAnimationCurve2D* curve = kaObjectStore::find<kaAnimationCurve2D>(id))
                 curves.push_back(curve);
         evaluateCurves(std::move(curves), frame, motionBlurOnly);
     }
     if (evalActiveUnits)
-        kaSnapshot<kaAnimationUnit>(manager->getActiveSceneUnits()).visit([&](kaAnimationUnit& unit) {
+        kaSnapshot<kaAnimationUnit>(kaActiveSceneObjects<kaAnimationUnit>()).visit([&](kaAnimationUnit& unit) {
             evaluateObject(&unit, frame, motionBlurOnly);
         });
 }

@@ -238,14 +238,12 @@ class KA_ANIMATION_API kaAnimationController {
     void setEvalActiveUnits(bool evalActiveUnits) { _evalActiveUnits = evalActiveUnits; }
     /// @}
 
-    /// @cond INTERNAL
-    // Drops every pointer to an object that is about to be freed. Called by the object. Cost: nothing while
-    // nothing plays or was jumped to, else a look-up each.
-    static void forget(kaAnimationObject* object);
-    /// @endcond
-
   private:
     kaAnimationController();
+
+    /// Drops every pointer to an object that is about to be freed. Cost: nothing while nothing plays or was
+    /// jumped to, else a look-up each.
+    static void forget(kaAnimationObject& object);
 
     static double now();
     static float nowAsFloat() { return static_cast<float>(now()); }

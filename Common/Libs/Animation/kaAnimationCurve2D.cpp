@@ -2,12 +2,13 @@
 
 #include "kaAliveGuard.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
-#include "kaAnimationUtils.h"
+#include "kaRounding.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
-#include "kaObjectRegistry.h"
+#include "kaFieldInfo.h"
+#include "kaFieldStore.h"
+#include "kaObjectStore.h"
 #include "kaPlainOutput.h"
 #include "kaWatchedObjects.h"
 
@@ -41,12 +42,12 @@ float xOf(const kaControlPoint2D* handle, const kaControlPoint2D& key) {
 // Life.
 
 kaAnimationCurve2D::kaAnimationCurve2D(const std::string& name, kaUID id) {
-    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
-    init(kaAnimationManager::the()->createField(0), name, _id);
+    _id = id != 0 ? id : kaObjectRegistry::the().createUID();
+    init(kaFieldStore::make(0), name, _id);
 }
 
 kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationField* field, const std::string& name, kaUID id) {
-    init(field, name, id != 0 ? id : kaAnimationManager::the()->createUID());
+    init(field, name, id != 0 ? id : kaObjectRegistry::the().createUID());
 }
 
 void kaAnimationCurve2D::init(kaAnimationField* field, const std::string& name, kaUID id) {
@@ -58,8 +59,7 @@ void kaAnimationCurve2D::init(kaAnimationField* field, const std::string& name, 
 }
 
 kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationCurve2D& source) {
-    kaAnimationManager* manager = kaAnimationManager::the();
-    _id = manager->createUID();
+    _id = kaObjectRegistry::the().createUID();
     setBegin(source.getBegin());
     setEnd(source.getEnd());
     setMaximum(source.getMaximum());
@@ -79,7 +79,7 @@ kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationCurve2D& source) {
     _color = source._color;
     _field = source._field;
     for (kaControlPoint2D* point : source.points())
-        addObject(manager->duplicatePoint2D(point));
+        addObject(kaObjectStore::duplicate(point));
     insertCurveID(_id);
 }
 
@@ -124,7 +124,7 @@ kaControlPoint2D* kaAnimationCurve2D::findPoint(float x) const {
 
 kaControlPoint2D* kaAnimationCurve2D::findPoint(kaUID id) const {
     const kaChildList* keys = childrenOrNull();
-    return keys && keys->contains(id) ? kaAnimationManager::the()->getPoint2D(id) : nullptr;
+    return keys && keys->contains(id) ? kaObjectStore::find<kaControlPoint2D>(id) : nullptr;
 }
 
 kaAnimationCurve2D::Neighbours kaAnimationCurve2D::neighboursByX(float x) const {
@@ -169,7 +169,7 @@ osg::NodePtr kaAnimationCurve2D::getParentOSGNode() const {
 }
 
 kaAnimationField* kaAnimationCurve2D::resolvedField() const {
-    const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
     if (_resolvedEpoch != registry.fieldEpoch() || _resolvedID != _field) {
         _resolvedField = registry.findField(_field);
         _resolvedID = _field;
@@ -183,7 +183,7 @@ void kaAnimationCurve2D::printInfo() const {
     kaPlainOutput() << "Curve " << getName() << ":\nPoints: " << getChildCount() << std::fixed
                     << "\nBegin: " << getBegin() << " End: " << getEnd() << " Min: " << getMinimum()
                     << " Max: " << getMaximum() << "\nFieldPtr " << static_cast<const void*>(field) << '\n';
-    kaAnimationManager::the()->printFieldInfo(field);
+    kaFieldInfo::print(field);
 }
 
 void kaAnimationCurve2D::setField(kaUID field) {
@@ -194,13 +194,13 @@ void kaAnimationCurve2D::setField(kaUID field) {
 void kaAnimationCurve2D::setAnimationField(kaAnimationField* field) {
     setField(field ? field->getId() : 0);
     if (field)
-        _color = kaAnimationUtils::getDefaultCurveColor(field);
+        _color = kaFieldInfo::defaultColor(*field);
 }
 
 kaCurveView& kaAnimationCurve2D::view() const {
     if (!_view)
         _view = std::make_unique<kaCurveView>();
-    _view->refresh(*this, childrenOrNull());
+    _view->refresh(childrenOrNull());
     return *_view;
 }
 
@@ -236,7 +236,7 @@ kaAnimationObject* kaAnimationCurve2D::subObject(kaAnimationObject* object, bool
     updateBy(point, SUB_OBJECT, true);
     if (!destroy)
         return point;
-    kaAnimationManager::the()->destroyPoint2D(point);
+    kaObjectStore::destroyKey(point);
     return nullptr;
 }
 
@@ -290,7 +290,7 @@ kaAnimationCurve2D* kaAnimationCurve2D::afterDeletion(bool tellParent, bool dest
     updateBy(this, SUB_OBJECT, tellParent);
     if (!destroyIfEmpty)
         return this;
-    kaAnimationManager::the()->destroyCurve2D(this);
+    kaObjectStore::destroy(this);
     return nullptr;
 }
 
@@ -389,7 +389,7 @@ void kaAnimationCurve2D::moveSelectedPoints(const osg::Vec2f& delta, bool snapX,
 void kaAnimationCurve2D::dragPoint(kaControlPoint2D* point, const osg::Vec2f& delta, bool snapX, bool snapY,
                                    bool fromSaved) {
     const auto target = [&](const osg::Pnt2f& from) {
-        return kaAnimationUtils::snap(moved(from, delta[0], delta[1]), snapX, snapY);
+        return kaRounding::snap(moved(from, delta[0], delta[1]), snapX, snapY);
     };
     kaControlPoint2D* in = point->getInTangent();
     kaControlPoint2D* out = point->getOutTangent();

@@ -1,14 +1,13 @@
 #include "kaAnimationField.h"
 
-#include "kaAnimationManager.h"
-#include "kaFieldBinding.h"
+#include "kaObjectRegistry.h"
 
 #include <memory_resource>
 
 namespace {
 
 kaUID freshID() {
-    return kaAnimationManager::the()->createUID();
+    return kaObjectRegistry::the().createUID();
 }
 
 /// Never destroyed: records may outlive all other statics. Where memory is being watched each record is a

@@ -31,11 +31,14 @@ class KA_ANIMATION_API kaAnimationField {
 
   private:
     friend struct kaFieldBinding;
+    struct BindingDeleter {
+        void operator()(kaFieldBinding* binding) const;
+    };
 
     // What every evaluation reads comes first: it fills one cache line.
 
     alignas(64) kaUID _id;
-    std::unique_ptr<kaFieldBinding> _binding; ///< what the last write resolved, checked before each use
+    std::unique_ptr<kaFieldBinding, BindingDeleter> _binding; ///< what the last write resolved, checked before each use
 
   public:
     kaUID fcID = 0;     ///< container id; only the low 32 bits are looked up

@@ -8,15 +8,17 @@
 #include "kaAnimationStreak.h"
 #include "kaAnimationStrip.h"
 #include "kaAnimationUnit.h"
-#include "kaAnimationUtils.h"
+#include "kaAttachments.h"
 #include "kaConnections.h"
 #include "kaControlPoint2D.h"
 #include "kaCopyBuffer.h"
-#include "kaObjectRegistry.h"
+#include "kaFieldStore.h"
+#include "kaNodeFields.h"
+#include "kaObjectStore.h"
+#include "kaRounding.h"
+#include "kaSceneNodes.h"
 #include "kaSceneSync.h"
-#include "kaWatchedObjects.h"
 
-#include <OpenSG/OSGFieldContainerFactory.h>
 #include <ctime>
 
 // Ids, lookup, creation, duplication and destruction. The other operations stand in
@@ -27,16 +29,20 @@ namespace {
 
 bool managerAlive = false;
 
-/// The scene node with a container id, null when there is none.
-osg::NodePtr nodeWithID(osg::UInt32 id) {
-    if (id == 0)
-        return osg::NullFC;
-    return osg::NodePtr::dcast(osg::FieldContainerFactory::the()->getContainer(id));
+/// Takes a curve or block off the list of its scene node.
+void leaveNode(kaAnimationObject& object) {
+    osg::NodePtr node = osg::NullFC;
+    if (const auto* curve = kaObjectCast<kaAnimationCurve2D>(&object))
+        node = curve->getParentOSGNode();
+    else if (const auto* block = kaObjectCast<kaAnimationUnit>(&object))
+        node = kaSceneNodes::find(block->getNodeID());
+    if (node != osg::NullFC)
+        kaAttachments::unlist(node, object.getId());
 }
 
 /// A frame or value snapped as an unsigned whole number: negative ones wrap around.
 float snappedUnsigned(float value) {
-    return static_cast<float>(static_cast<unsigned int>(kaAnimationUtils::floatToInt(value)));
+    return static_cast<float>(static_cast<unsigned int>(kaRounding::toInt(value)));
 }
 
 } // namespace
@@ -49,15 +55,19 @@ kaAnimationManager* kaAnimationManager::the() {
 }
 
 kaAnimationManager::kaAnimationManager()
-    : _registry(std::make_unique<kaObjectRegistry>()),
-      _sceneSync(std::make_unique<kaSceneSync>()),
+    : _sceneSync(std::make_unique<kaSceneSync>()),
       _connections(std::make_unique<kaConnections>()),
       _copyBuffer(std::make_unique<kaCopyBuffer>()) {
+    kaObjectRegistry::the(); // made first, it outlives this
     managerAlive = true;
+    kaObjectStore::hooks = {&leaveNode,
+                            [](const std::vector<kaUID>& connections) { the()->executeTriggers(connections); }};
+    kaObjectStore::addForgetter(&forget);
 }
 
 kaAnimationManager::~kaAnimationManager() {
     managerAlive = false;
+    kaObjectStore::hooks = {};
 }
 
 bool kaAnimationManager::isAlive() {
@@ -74,41 +84,35 @@ void kaAnimationManager::terminate() {
     clearCopyBuffer(true);
 }
 
-void kaAnimationManager::forget(kaAnimationObject* object) {
-    the()->_connections->forget(object);
-    the()->_copyBuffer->forget(object);
-    kaWatchedObjects::forget(object);
+void kaAnimationManager::forget(kaAnimationObject& object) {
+    if (!managerAlive)
+        return;
+    the()->_connections->forget(&object);
+    the()->_copyBuffer->forget(&object);
 }
 
 // Ids.
 
 unsigned long long kaAnimationManager::random(unsigned long long seed) {
-    static unsigned long long state = 0;
-    if (seed != 0)
-        state = seed;
-    state = state * 1664525ULL + 1013904223ULL;
-    return state;
+    return kaObjectRegistry::random(seed);
 }
 
 unsigned long long kaAnimationManager::createUID() {
-    unsigned long long id = random(0);
-    while (id == 0 || !isIDUnique(id))
-        id = random(0);
-    return id;
+    return kaObjectRegistry::the().createUID();
 }
 
 bool kaAnimationManager::isIDUnique(unsigned long long id) const {
-    return !_registry->find(id) && !_registry->findField(id);
+    return kaObjectRegistry::the().isIDUnique(id);
 }
 
 // Lookup.
 
 kaAnimationObject* kaAnimationManager::getObject(unsigned long long id) const {
-    return _registry->find(id);
+    return kaObjectRegistry::the().find(id);
 }
 
 kaAnimationObject* kaAnimationManager::getObject(const std::string& name) const {
-    return name.empty() ? nullptr : _registry->smallestID([&name](const kaAnimationObject& object) {
+    return name.empty() ? nullptr : kaObjectRegistry::the().smallestID([&name](const kaAnimationObject& object) {
         return object.getName() == name;
     });
 }
@@ -117,68 +121,55 @@ bool kaAnimationManager::isObjectNameUnique(const std::string& name) const {
     return !name.empty() && !getObject(name);
 }
 
-template <class Object>
-Object* kaAnimationManager::typed(unsigned long long id) const {
-    kaAnimationObject* object = getObject(id);
-    return object && object->getTypeID() == Object::_typeID ? static_cast<Object*>(object) : nullptr;
-}
-
 kaControlPoint2D* kaAnimationManager::getPoint2D(unsigned long long id) const {
-    return typed<kaControlPoint2D>(id);
+    return kaObjectStore::find<kaControlPoint2D>(id);
 }
 
 kaAnimationCurve2D* kaAnimationManager::getCurve2D(unsigned long long id) const {
-    return typed<kaAnimationCurve2D>(id);
+    return kaObjectStore::find<kaAnimationCurve2D>(id);
 }
 
 kaAnimationUnit* kaAnimationManager::getUnit(unsigned long long id) const {
-    return typed<kaAnimationUnit>(id);
+    return kaObjectStore::find<kaAnimationUnit>(id);
 }
 
 kaAnimationStreak* kaAnimationManager::getStreak(unsigned long long id) const {
-    return typed<kaAnimationStreak>(id);
+    return kaObjectStore::find<kaAnimationStreak>(id);
 }
 
 kaAnimationStrip* kaAnimationManager::getStrip(unsigned long long id) const {
-    return typed<kaAnimationStrip>(id);
+    return kaObjectStore::find<kaAnimationStrip>(id);
 }
 
 kaAnimationSequence* kaAnimationManager::getSequence(unsigned long long id) const {
-    return typed<kaAnimationSequence>(id);
+    return kaObjectStore::find<kaAnimationSequence>(id);
 }
 
 kaAnimationField* kaAnimationManager::getField(unsigned long long id) const {
-    return _registry->findField(id);
+    return kaObjectRegistry::the().findField(id);
 }
 
 std::map<unsigned long long, kaAnimationObject*> kaAnimationManager::getObjects() const {
-    const auto entries = _registry->ordered();
+    const auto entries = kaObjectRegistry::the().ordered();
     return {entries.begin(), entries.end()};
 }
 
 std::map<unsigned long long, kaAnimationField*> kaAnimationManager::getFields() const {
-    return _registry->fields();
+    return kaObjectRegistry::the().fields();
 }
 
 // Creation.
 
-template <class Object, class... Arguments>
-Object* kaAnimationManager::registered(Arguments&&... arguments) {
-    auto object = std::make_unique<Object>(std::forward<Arguments>(arguments)...);
-    _registry->insert(*object);
-    return object.release();
-}
-
 kaControlPoint2D* kaAnimationManager::createPoint2D(unsigned long long id) {
-    return registered<kaControlPoint2D>("Point", id, false);
+    return kaObjectStore::make<kaControlPoint2D>("Point", id, false);
 }
 
 kaControlPoint2D* kaAnimationManager::createPoint2D(float x, float y, unsigned long long id) {
-    return registered<kaControlPoint2D>(x, y, "Point", id, false);
+    return kaObjectStore::make<kaControlPoint2D>(x, y, "Point", id, false);
 }
 
 kaAnimationCurve2D* kaAnimationManager::createCurve2D(unsigned long long id) {
-    return registered<kaAnimationCurve2D>("Curve", id);
+    return kaObjectStore::make<kaAnimationCurve2D>("Curve", id);
 }
 
 kaAnimationUnit* kaAnimationManager::createUnit(unsigned long long id) {
@@ -186,7 +177,7 @@ kaAnimationUnit* kaAnimationManager::createUnit(unsigned long long id) {
 }
 
 kaAnimationUnit* kaAnimationManager::createUnit(const std::string& name, unsigned long long id) {
-    return registered<kaAnimationUnit>(name, id);
+    return kaObjectStore::make<kaAnimationUnit>(name, id);
 }
 
 kaAnimationStreak* kaAnimationManager::createStreak(unsigned long long id) {
@@ -194,7 +185,7 @@ kaAnimationStreak* kaAnimationManager::createStreak(unsigned long long id) {
 }
 
 kaAnimationStreak* kaAnimationManager::createStreak(const std::string& name, unsigned long long id) {
-    return registered<kaAnimationStreak>(name, id);
+    return kaObjectStore::make<kaAnimationStreak>(name, id);
 }
 
 kaAnimationStrip* kaAnimationManager::createStrip(unsigned long long id) {
@@ -202,78 +193,52 @@ kaAnimationStrip* kaAnimationManager::createStrip(unsigned long long id) {
 }
 
 kaAnimationStrip* kaAnimationManager::createStrip(const std::string& name, unsigned long long id) {
-    return registered<kaAnimationStrip>(name, id);
+    return kaObjectStore::make<kaAnimationStrip>(name, id);
 }
 
 kaAnimationSequence* kaAnimationManager::createSequence(const std::string& name, unsigned long long id) {
-    return registered<kaAnimationSequence>(name, id);
+    return kaObjectStore::make<kaAnimationSequence>(name, id);
 }
 
 kaAnimationField* kaAnimationManager::createField(unsigned long long id) {
-    auto field = std::make_unique<kaAnimationField>(id);
-    _registry->insertField(*field);
-    return field.release();
+    return kaFieldStore::make(id);
 }
 
 // Duplication.
 
-template <class Object>
-Object* kaAnimationManager::duplicated(Object* source) {
-    return source ? registered<Object>(*source) : nullptr;
-}
-
 kaControlPoint2D* kaAnimationManager::duplicatePoint2D(kaControlPoint2D* point) {
-    return duplicated(point);
+    return kaObjectStore::duplicate(point);
 }
 
 kaAnimationCurve2D* kaAnimationManager::duplicateCurve2D(kaAnimationCurve2D* curve) {
-    return duplicated(curve);
+    return kaObjectStore::duplicate(curve);
 }
 
 kaAnimationUnit* kaAnimationManager::duplicateUnit(kaAnimationUnit* unit, bool attach) {
-    kaAnimationUnit* copy = duplicated(unit);
+    kaAnimationUnit* copy = kaObjectStore::duplicate(unit);
     if (copy && attach)
-        kaAnimationUtils::addAnimationObject(nodeWithID(unit->getNodeID()), copy);
+        kaNodeFields::list(kaSceneNodes::find(unit->getNodeID()), copy);
     return copy;
 }
 
 kaAnimationStreak* kaAnimationManager::duplicateStreak(kaAnimationStreak* streak) {
-    return duplicated(streak);
+    return kaObjectStore::duplicate(streak);
 }
 
 kaAnimationStrip* kaAnimationManager::duplicateStrip(kaAnimationStrip* strip) {
-    return duplicated(strip);
+    return kaObjectStore::duplicate(strip);
 }
 
 kaAnimationSequence* kaAnimationManager::duplicateSequence(kaAnimationSequence* sequence) {
-    return duplicated(sequence);
+    return kaObjectStore::duplicate(sequence);
 }
 
 kaAnimationField* kaAnimationManager::duplicateField(kaAnimationField* field) {
-    if (!field)
-        return nullptr;
-    auto copy = std::make_unique<kaAnimationField>(*field);
-    _registry->insertField(*copy);
-    return copy.release();
+    return kaFieldStore::duplicate(field);
 }
 
 kaAnimationObject* kaAnimationManager::duplicateObject(kaAnimationObject* object) {
-    if (!object)
-        return nullptr;
-    switch (object->getTypeID()) {
-    case KA_TYPE_POINT:
-        return duplicatePoint2D(static_cast<kaControlPoint2D*>(object));
-    case KA_TYPE_CURVE:
-        return duplicateCurve2D(static_cast<kaAnimationCurve2D*>(object));
-    case KA_TYPE_UNIT:
-        return duplicateUnit(static_cast<kaAnimationUnit*>(object), false);
-    case KA_TYPE_STREAK:
-        return duplicateStreak(static_cast<kaAnimationStreak*>(object));
-    case KA_TYPE_STRIP:
-        return duplicateStrip(static_cast<kaAnimationStrip*>(object));
-    default:
-        return nullptr; // sequences are copied by duplicateSequence alone
-    }
+    return kaObjectStore::duplicateAny(object);
 }
 
 // Keys on curves.
@@ -321,105 +286,46 @@ bool kaAnimationManager::createCurvePoint(kaAnimationCurve2D* curve, float frame
 
 // Destruction.
 
-/// Takes a curve or block off the list of its scene node.
-void kaAnimationManager::leaveNode(kaAnimationObject* object) {
-    osg::NodePtr node = osg::NullFC;
-    if (object->getTypeID() == KA_TYPE_CURVE)
-        node = static_cast<kaAnimationCurve2D*>(object)->getParentOSGNode();
-    else if (object->getTypeID() == KA_TYPE_UNIT)
-        node = nodeWithID(static_cast<kaAnimationUnit*>(object)->getNodeID());
-    if (node != osg::NullFC)
-        kaAnimationUtils::subAnimationObject(node, object);
-}
-
-void kaAnimationManager::leaveParent(kaAnimationObject* object) {
-    kaAnimationObject* parent = object->getParentObject();
-    if (parent && parent != object)
-        parent->subObject(object, false);
-}
-
-template <class Object>
-void kaAnimationManager::destroyAs(Object* object) {
-    if (!object)
-        return;
-    leaveNode(object);
-    leaveParent(object);
-    _registry->remove(*object);
-    delete object;
-}
-
 void kaAnimationManager::destroyPoint2D(kaControlPoint2D* point) {
-    if (!point)
-        return;
-    kaAnimationObject* parent = point->getParentObject();
-    if (parent && parent->getTypeID() == KA_TYPE_CURVE)
-        parent->subObject(point, false);
-    _registry->remove(*point);
-    delete point;
+    kaObjectStore::destroyKey(point);
 }
 
 void kaAnimationManager::destroyCurve2D(kaAnimationCurve2D* curve) {
-    destroyAs(curve);
+    kaObjectStore::destroy(curve);
 }
 
 void kaAnimationManager::destroyUnit(kaAnimationUnit* unit) {
-    destroyAs(unit);
+    kaObjectStore::destroy(unit);
 }
 
 void kaAnimationManager::destroyStreak(kaAnimationStreak* streak) {
-    destroyAs(streak);
+    kaObjectStore::destroy(streak);
 }
 
 void kaAnimationManager::destroyStrip(kaAnimationStrip* strip) {
-    destroyAs(strip);
+    kaObjectStore::destroy(strip);
 }
 
 void kaAnimationManager::destroySequence(kaAnimationSequence* sequence) {
-    destroyAs(sequence);
+    kaObjectStore::destroy(sequence);
 }
 
-/// The family has no virtual destructor, so the object is freed as what its type id says it is.
 void kaAnimationManager::destroyObject(kaAnimationObject* object) {
-    if (!object)
-        return;
-    switch (object->getTypeID()) {
-    case KA_TYPE_POINT:
-        destroyAs(static_cast<kaControlPoint2D*>(object));
-        break;
-    case KA_TYPE_CURVE:
-        destroyAs(static_cast<kaAnimationCurve2D*>(object));
-        break;
-    case KA_TYPE_UNIT:
-        destroyAs(static_cast<kaAnimationUnit*>(object));
-        break;
-    case KA_TYPE_STREAK:
-        destroyAs(static_cast<kaAnimationStreak*>(object));
-        break;
-    case KA_TYPE_STRIP:
-        destroyAs(static_cast<kaAnimationStrip*>(object));
-        break;
-    case KA_TYPE_SEQUENCE:
-        destroyAs(static_cast<kaAnimationSequence*>(object));
-        break;
-    default:
-        break; // the base itself is never made by the registry
-    }
+    kaObjectStore::destroy(object);
 }
 
 void kaAnimationManager::destroyField(kaAnimationField* field) {
-    if (!field)
-        return;
-    _registry->removeField(*field);
-    delete field;
+    kaFieldStore::destroy(field);
 }
 
 /// One pass in ascending id order does what starting over after each destruction would: only objects that are
 /// kept would be met again.
 void kaAnimationManager::destroyAllObjects(bool all) {
-    for (const auto& entry : _registry->ordered()) {
-        if (_registry->size() < 2)
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
+    for (const auto& entry : registry.ordered()) {
+        if (registry.size() < 2)
             return;
-        kaAnimationObject* object = _registry->find(entry.first);
+        kaAnimationObject* object = registry.find(entry.first);
         if (object && (all || !object->isInternal()))
             destroyObject(object);
     }
@@ -427,7 +333,7 @@ void kaAnimationManager::destroyAllObjects(bool all) {
 
 void kaAnimationManager::destroyAllFields() {
     std::vector<kaAnimationField*> fields;
-    for (const auto& entry : _registry->fields())
+    for (const auto& entry : kaObjectRegistry::the().fields())
         fields.push_back(entry.second);
     for (kaAnimationField* field : fields)
         destroyField(field);

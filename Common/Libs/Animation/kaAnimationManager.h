@@ -30,7 +30,6 @@ class kaAnimationUnit;
 class kaConnections;
 class kaControlPoint2D;
 class kaCopyBuffer;
-class kaObjectRegistry;
 class kaSceneSync;
 struct kaImportReport;
 
@@ -238,7 +237,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void addAnimationAttribute(std::string name);
     void addAnimationAttributes(std::string names); ///< Comma separated, taken exactly as they stand.
     void subAnimationAttribute(const std::string& name);
-    const std::vector<std::string>& getAnimationAttributes() const { return _animationAttributes; }
+    const std::vector<std::string>& getAnimationAttributes() const;
     /// @}
 
     // Scene synchronisation: what the scene's nodes list stays, the rest can be swept.
@@ -439,37 +438,13 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// What the last `importORVAAnimations` made and left out.
     static const kaImportReport& getImportReport();
 
-    /// @cond INTERNAL
-    // For the other parts of the module that walk ids. Not for hosts.
-    kaObjectRegistry& registry() { return *_registry; }
-    const kaObjectRegistry& registry() const { return *_registry; }
-    kaConnections& connections() { return *_connections; }
-    kaCopyBuffer& copyBuffer() { return *_copyBuffer; }
-    // Called once for every object that is about to be freed, so that nothing keeps a pointer to it.
-    static void forget(kaAnimationObject* object);
-    /// @endcond
-
   private:
     kaAnimationManager();
 
-    template <class Object, class... Arguments>
-    Object* registered(Arguments&&... arguments);
-    template <class Object>
-    Object* duplicated(Object* source);
-    template <class Object>
-    Object* typed(unsigned long long id) const;
-    template <class Object>
-    void destroyAs(Object* object);
     unsigned long long createConnectionID();
-    void leaveNode(kaAnimationObject* object);
-    void leaveParent(kaAnimationObject* object);
+    static void forget(kaAnimationObject& object);
     unsigned long long freshIDFor(unsigned long long taken, bool isField);
 
-    static osg::NodePtr _sceneRoot;
-    static GetFromAtUp _gCamFAU;
-    static SetFromAtUp _sCamFAU;
-    static GetRoll _gCamRoll;
-    static SetRoll _sCamRoll;
     static ShowCurves _showCurvesFP;
     static FileIOProgress _progressFP;
     static UpdatePaste _updatePasteFP;
@@ -478,8 +453,6 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     unsigned long long _changeFromID = 0;
     unsigned long long _changeToID = 0;
-    std::vector<std::string> _animationAttributes;
-    std::unique_ptr<kaObjectRegistry> _registry;
     std::unique_ptr<kaSceneSync> _sceneSync;
     std::unique_ptr<kaConnections> _connections;
     std::unique_ptr<kaCopyBuffer> _copyBuffer;

@@ -260,7 +260,7 @@ class KA_ANIMATION_API kaAnimationObject {
 
   private:
     friend class kaChildList;
-    friend class kaObjectRegistry;
+    friend class kaObjectStore;
     friend class kaEvaluation;
 
     /// What only objects that play or fire have; the defaults stand for everyone else.

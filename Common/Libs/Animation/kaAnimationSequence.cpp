@@ -1,6 +1,6 @@
 #include "kaAnimationSequence.h"
 
-#include "kaAnimationManager.h"
+#include "kaObjectRegistry.h"
 #include "kaPlainOutput.h"
 
 #include <array>
@@ -22,7 +22,7 @@ void printParent(const kaAnimationObject* parent) {
 } // namespace
 
 kaAnimationSequence::kaAnimationSequence(const std::string& name, kaUID id) {
-    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
+    _id = id != 0 ? id : kaObjectRegistry::the().createUID();
     setName(name);
     insertSequenceID(_id);
 }

@@ -1,15 +1,12 @@
 #include "kaAnimationStreak.h"
 
-#include "kaAnimationManager.h"
-#include "kaAnimationSequence.h"
-#include "kaAnimationStrip.h"
-#include "kaAnimationUnit.h"
 #include "kaChildList.h"
+#include "kaObjectStore.h"
 
 namespace {
 
 kaAnimationObject* copyOf(kaAnimationObject& child) {
-    return kaAnimationManager::the()->duplicateObject(&child);
+    return kaObjectStore::duplicateAny(&child);
 }
 
 bool isInside(float frame, const kaExtent& extent) {
@@ -60,25 +57,4 @@ bool kaAnimationStreak::hasRoomFor(const kaAnimationObject& object) const {
     bool free = true;
     list->forEach([&](const kaAnimationObject& child) { free = free && !overlap(span, spanOf(child)); });
     return free;
-}
-
-template <class Object>
-std::vector<Object*> kaAnimationStreak::childrenOf() const {
-    std::vector<Object*> found;
-    for (kaAnimationObject* child : getObjects())
-        if (child->getTypeID() == Object::_typeID)
-            found.push_back(static_cast<Object*>(child));
-    return found;
-}
-
-std::vector<kaAnimationUnit*> kaAnimationStreak::getUnits() const {
-    return childrenOf<kaAnimationUnit>();
-}
-
-std::vector<kaAnimationStrip*> kaAnimationStreak::getStrips() const {
-    return childrenOf<kaAnimationStrip>();
-}
-
-std::vector<kaAnimationSequence*> kaAnimationStreak::getSequences() const {
-    return childrenOf<kaAnimationSequence>();
 }

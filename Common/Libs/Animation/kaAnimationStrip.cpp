@@ -1,7 +1,7 @@
 #include "kaAnimationStrip.h"
 
-#include "kaAnimationManager.h"
 #include "kaAnimationStreak.h"
+#include "kaObjectStore.h"
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ bool isTrack(const kaAnimationObject& object) {
 
 kaAnimationObject* copyOf(kaAnimationObject& child) {
     return isTrack(child)
-               ? kaAnimationManager::the()->duplicateStreak(static_cast<kaAnimationStreak*>(&child))
+               ? kaObjectStore::duplicate(static_cast<kaAnimationStreak*>(&child))
                : nullptr;
 }
 
@@ -55,7 +55,7 @@ kaAnimationStreak* kaAnimationStrip::addTrackFor(kaAnimationObject& object) {
     constexpr unsigned int TrackLevel = 1;
     if (!mayAdopt(object, TrackLevel))
         return nullptr;
-    kaAnimationStreak* track = kaAnimationManager::the()->createStreak(0);
+    kaAnimationStreak* track = kaObjectStore::make<kaAnimationStreak>("Track", kaUID{0});
     addObject(track);
     track->addObject(&object);
     return track;

@@ -2,7 +2,8 @@
 
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
+#include "kaFieldStore.h"
+#include "kaObjectStore.h"
 
 namespace {
 
@@ -12,7 +13,7 @@ bool isCurve(const kaAnimationObject* object) {
 
 kaAnimationObject* copyOf(kaAnimationObject& child) {
     return isCurve(&child)
-               ? kaAnimationManager::the()->duplicateCurve2D(static_cast<kaAnimationCurve2D*>(&child))
+               ? kaObjectStore::duplicate(static_cast<kaAnimationCurve2D*>(&child))
                : nullptr;
 }
 
@@ -29,7 +30,7 @@ kaAnimationObject* kaAnimationUnit::addObject(kaAnimationObject* object) {
     if (!isCurve(object) || !adopt(*object))
         return nullptr;
     const kaUID fieldID = static_cast<kaAnimationCurve2D*>(object)->getField();
-    const kaAnimationField* field = kaAnimationManager::the()->getField(fieldID);
+    const kaAnimationField* field = kaFieldStore::find(fieldID);
     if (_nodeID == 0 && field)
         _nodeID = static_cast<unsigned int>(field->nodeID);
     return object;

@@ -1,10 +1,8 @@
 #include "kaControlPoint2D.h"
 
-#include "kaAnimationCurve2D.h"
-#include "kaAnimationManager.h"
 #include "kaChildList.h"
 #include "kaKeyMemory.h"
-#include "kaTangents.h"
+#include "kaObjectStore.h"
 
 #include <utility>
 
@@ -14,8 +12,8 @@ namespace {
 class CopiedHandle {
   public:
     explicit CopiedHandle(kaControlPoint2D* source)
-        : _handle(kaAnimationManager::the()->duplicatePoint2D(source)) {}
-    ~CopiedHandle() { kaAnimationManager::the()->destroyPoint2D(_handle); }
+        : _handle(kaObjectStore::duplicate(source)) {}
+    ~CopiedHandle() { kaObjectStore::destroyKey(_handle); }
     CopiedHandle(const CopiedHandle&) = delete;
     CopiedHandle& operator=(const CopiedHandle&) = delete;
 
@@ -32,7 +30,7 @@ kaControlPoint2D::kaControlPoint2D(const std::string& name, kaUID id, bool isTan
 
 kaControlPoint2D::kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent)
     : _isTangent(isTangent), _position(x, y) {
-    _id = id != 0 ? id : kaAnimationManager::the()->createUID();
+    _id = id != 0 ? id : kaObjectRegistry::the().createUID();
     setName(name);
     if (!isTangent) {
         auto in = std::make_unique<kaControlPoint2D>(x, y, "InTangent", 0, true);
@@ -51,7 +49,7 @@ kaControlPoint2D::kaControlPoint2D(kaControlPoint2D& source)
       _tangentLengthMode(source._tangentLengthMode) {
     if (source._saved)
         _saved = std::make_unique<Saved>(*source._saved);
-    _id = kaAnimationManager::the()->createUID();
+    _id = kaObjectRegistry::the().createUID();
     setName(source.getName());
     CopiedHandle in(source._inTangent);
     CopiedHandle out(source._outTangent);
@@ -143,20 +141,4 @@ void kaControlPoint2D::setSelected(bool selected) {
     for (kaControlPoint2D* handle : {_inTangent, _outTangent})
         if (handle && handle->isSelected())
             handle->setSelected(false);
-}
-
-bool kaControlPoint2D::computeTangents() {
-    if (!_inTangent || !_outTangent || _tangentType == TANGENT_USER)
-        return false;
-    const kaAnimationObject* parent = getParentObject();
-    if (!parent || parent->getTypeID() != KA_TYPE_CURVE)
-        return false;
-    const auto* curve = static_cast<const kaAnimationCurve2D*>(parent);
-    const kaAnimationCurve2D::Neighbours neighbours = curve->neighboursByX(_position[0]);
-    if (!neighbours.exists || (!neighbours.previous && !neighbours.next))
-        return false;
-    const kaHandles handles = kaPlaceHandles(*this, neighbours.previous, neighbours.next);
-    _inTangent->setPosition(handles.in);
-    _outTangent->setPosition(handles.out);
-    return true;
 }

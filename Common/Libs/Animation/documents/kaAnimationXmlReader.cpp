@@ -2,7 +2,6 @@
 
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationStreak.h"
 #include "kaAnimationStrip.h"
@@ -11,6 +10,8 @@
 #include "kaAnimationXmlNumber.h"
 #include "kaAnimationXmlRecord.h"
 #include "kaControlPoint2D.h"
+#include "kaFieldStore.h"
+#include "kaObjectStore.h"
 
 #include <string>
 #include <unordered_set>
@@ -114,21 +115,20 @@ void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
 }
 
 /// The id wanted where it is free, else a fresh one.
-kaUID kaAnimationXmlReader::freeID(kaUID wanted, bool isField) {
-    if (_manager.isIDUnique(wanted))
+kaUID kaAnimationXmlReader::freeID(kaUID wanted) const {
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
+    if (registry.isIDUnique(wanted))
         return wanted;
-    const kaUID fresh = _manager.createUID();
-    if (isField)
-        _manager.changeAnimAttachmentFieldIDs(wanted, fresh);
-    else
-        _manager.changeAnimAttachmentIDs(wanted, fresh);
+    const kaUID fresh = registry.createUID();
+    if (_idTaken)
+        _idTaken(wanted, fresh);
     return fresh;
 }
 
 kaAnimationField* kaAnimationXmlReader::field(const kaAnimationXmlElement& element) {
     if (typeOf(element) != FieldTypeID)
         return nullptr;
-    kaAnimationField* field = _manager.createField(freeID(idOf(element), true));
+    kaAnimationField* field = kaFieldStore::make(freeID(idOf(element)));
     field->fcID = parse(element[Key::FcID], 0U);
     field->name = text(element[Key::Name], "unnamed");
     field->attribute = text(element[Key::Attribute], "undefined");
@@ -142,7 +142,8 @@ kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& eleme
     if (!isOfType(element, KA_TYPE_POINT))
         return nullptr;
     const osg::Pnt2f position = place(element, kaXmlTag::Position);
-    kaControlPoint2D* point = _manager.createPoint2D(position[0], position[1], freeID(idOf(element), false));
+    kaControlPoint2D* point = kaObjectStore::make<kaControlPoint2D>(position[0], position[1], "Point",
+                                                                       freeID(idOf(element)), false);
     if (kaControlPoint2D* handle = point->getInTangent())
         handle->setPosition(place(element, kaXmlTag::InTangent));
     if (kaControlPoint2D* handle = point->getOutTangent())
@@ -165,11 +166,12 @@ Container* kaAnimationXmlReader::withFlags(Container* container, const kaAnimati
 kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& element) {
     if (!isOfType(element, KA_TYPE_CURVE))
         return nullptr;
-    const kaUID id = freeID(idOf(element), false);
+    const kaUID id = freeID(idOf(element));
     const std::string name = text(element[Key::Name]);
-    kaAnimationField* field = _manager.getField(parse(element[Key::Field], kaUID{0}));
+    kaAnimationField* field = kaFieldStore::find(parse(element[Key::Field], kaUID{0}));
     kaAnimationCurve2D* curve =
-        field ? _manager.createCurve2D(field, name, id, false) : _manager.createCurve2D(id);
+        field ? kaObjectStore::make<kaAnimationCurve2D>(field, name, id)
+              : kaObjectStore::make<kaAnimationCurve2D>("Curve", id);
     if (!field)
         curve->setName(name);
     return withFlags(curve, element);
@@ -178,29 +180,29 @@ kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& ele
 kaAnimationUnit* kaAnimationXmlReader::block(const kaAnimationXmlElement& element) {
     if (!isOfType(element, KA_TYPE_UNIT))
         return nullptr;
-    const kaUID id = freeID(idOf(element), false);
-    return withFlags(_manager.createUnit(text(element[Key::Name]), id), element);
+    const kaUID id = freeID(idOf(element));
+    return withFlags(kaObjectStore::make<kaAnimationUnit>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationStreak* kaAnimationXmlReader::track(const kaAnimationXmlElement& element) {
     if (!isOfType(element, KA_TYPE_STREAK))
         return nullptr;
-    const kaUID id = freeID(idOf(element), false);
-    return withFlags(_manager.createStreak(text(element[Key::Name]), id), element);
+    const kaUID id = freeID(idOf(element));
+    return withFlags(kaObjectStore::make<kaAnimationStreak>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationStrip* kaAnimationXmlReader::clip(const kaAnimationXmlElement& element) {
     if (!isOfType(element, KA_TYPE_STRIP))
         return nullptr;
-    const kaUID id = freeID(idOf(element), false);
-    return withFlags(_manager.createStrip(text(element[Key::Name]), id), element);
+    const kaUID id = freeID(idOf(element));
+    return withFlags(kaObjectStore::make<kaAnimationStrip>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement& element) {
     if (!isOfType(element, KA_TYPE_SEQUENCE))
         return nullptr;
-    const kaUID id = freeID(idOf(element), false);
-    kaAnimationSequence* sequence = _manager.createSequence(text(element[Key::Name]), id);
+    const kaUID id = freeID(idOf(element));
+    kaAnimationSequence* sequence = kaObjectStore::make<kaAnimationSequence>(text(element[Key::Name]), id);
     sequence->setActive(flag(element[Key::Active], true));
     sequence->setBegin(parse(element[Key::Begin], 0.0F));
     sequence->setEnd(parse(element[Key::End], 0.0F));
@@ -210,30 +212,30 @@ kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement&
 // Connecting.
 
 void kaAnimationXmlReader::connect(const kaAnimationXmlElement& element) {
-    kaAnimationObject* object = _manager.getObject(idOf(element));
+    kaAnimationObject* object = kaObjectStore::find(idOf(element));
     if (!object || element[Key::TypeID].empty())
         return;
     if (isOfType(element, KA_TYPE_CURVE)) {
-        if (kaAnimationCurve2D* curve = _manager.getCurve2D(object->getId()))
+        if (kaAnimationCurve2D* curve = kaObjectStore::find<kaAnimationCurve2D>(object->getId()))
             connectCurve(*curve, element);
         return;
     }
     for (const kaAnimationXmlElement::Child& reference : element.children) {
         if (reference.id.empty())
             continue;
-        kaAnimationObject* child = _manager.getObject(parse(reference.id, kaUID{0}));
+        kaAnimationObject* child = kaObjectStore::find(parse(reference.id, kaUID{0}));
         if (child)
             adopt(*object, *child);
     }
 }
 
 void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnimationXmlElement& element) {
-    if (kaAnimationField* field = _manager.getField(parse(element[Key::Field], kaUID{0})))
+    if (kaAnimationField* field = kaFieldStore::find(parse(element[Key::Field], kaUID{0})))
         curve.setAnimationField(field);
     std::vector<kaControlPoint2D*> points;
     std::unordered_set<kaUID> taken;
     for (const kaAnimationXmlElement::Child& reference : element.children) {
-        kaControlPoint2D* point = _manager.getPoint2D(parse(reference.id, kaUID{0}));
+        kaControlPoint2D* point = kaObjectStore::find<kaControlPoint2D>(parse(reference.id, kaUID{0}));
         if (!point || !taken.insert(point->getId()).second)
             continue;
         kaAnimationObject* holder = point->getParentObject();

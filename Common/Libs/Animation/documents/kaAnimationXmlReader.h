@@ -4,7 +4,6 @@
 
 class kaAnimationCurve2D;
 class kaAnimationField;
-class kaAnimationManager;
 class kaAnimationObject;
 class kaAnimationSequence;
 class kaAnimationStreak;
@@ -17,11 +16,13 @@ struct kaAnimationXmlElement;
 ///
 /// A reader gives null when the element's "typeID" is not its own. A missing, empty or unfit attribute leaves
 /// the default in place. The new item takes the element's "id" where no object and no field has it, else a
-/// fresh one: then the scene's attachments are walked for the id as written, while references inside the
-/// document go on to mean the item that had the id before.
+/// fresh one, while references inside the document go on to mean the item that had the id before.
 class kaAnimationXmlReader {
   public:
-    explicit kaAnimationXmlReader(kaAnimationManager& manager) : _manager(manager) {}
+    /// Is told that the id of a document gave way to a fresh one; may be null.
+    using IDTaken = void (*)(kaUID from, kaUID to);
+
+    explicit kaAnimationXmlReader(IDTaken idTaken) : _idTaken(idTaken) {}
 
     /// Makes what the element's "typeID" asks for; nothing without one or for a type that does not exist.
     void create(const kaAnimationXmlElement& element);
@@ -44,11 +45,11 @@ class kaAnimationXmlReader {
     void connect(const kaAnimationXmlElement& element);
 
   private:
-    kaUID freeID(kaUID wanted, bool isField);
+    kaUID freeID(kaUID wanted) const;
     template <class Container>
     Container* withFlags(Container* container, const kaAnimationXmlElement& element);
     void connectCurve(kaAnimationCurve2D& curve, const kaAnimationXmlElement& element);
     static void adopt(kaAnimationObject& container, kaAnimationObject& child);
 
-    kaAnimationManager& _manager;
+    IDTaken _idTaken;
 };

@@ -2,7 +2,6 @@
 
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationStreak.h"
 #include "kaAnimationStrip.h"
@@ -91,7 +90,7 @@ void kaAnimationXmlWriter::point(const kaControlPoint2D* point) {
 
 void kaAnimationXmlWriter::curve(const kaAnimationCurve2D* curve) {
     const Element element(_output, "curve");
-    const kaAnimationField* field = curve ? _manager.getField(curve->getField()) : nullptr;
+    const kaAnimationField* field = curve ? kaObjectRegistry::the().findField(curve->getField()) : nullptr;
     if (!field)
         return;
     identity(*curve);
@@ -151,7 +150,7 @@ void kaAnimationXmlWriter::sequence(const kaAnimationSequence* sequence) {
 }
 
 void kaAnimationXmlWriter::pool() {
-    const kaObjectRegistry& registry = _manager.registry();
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
     const Element root(_output, "AnimationPool");
     _output.attribute("objects", Text(static_cast<kaUID>(registry.size() + registry.fieldCount())));
     for (const auto& entry : registry.fields())
@@ -170,13 +169,13 @@ void kaAnimationXmlWriter::pool() {
 }
 
 void kaAnimationXmlWriter::blocks() {
-    for (const auto& entry : _manager.registry().byType(KA_TYPE_UNIT))
+    for (const auto& entry : kaObjectRegistry::the().byType(KA_TYPE_UNIT))
         if (!entry.second->isInternal())
             block(static_cast<const kaAnimationUnit*>(entry.second));
 }
 
 void kaAnimationXmlWriter::clips(bool nested) {
-    for (const auto& entry : _manager.registry().byType(KA_TYPE_STRIP))
+    for (const auto& entry : kaObjectRegistry::the().byType(KA_TYPE_STRIP))
         if ((entry.second->getParentObject() != nullptr) == nested)
             clip(static_cast<const kaAnimationStrip*>(entry.second));
 }

@@ -4,7 +4,6 @@
 
 class kaAnimationCurve2D;
 class kaAnimationField;
-class kaAnimationManager;
 class kaAnimationObject;
 class kaAnimationSequence;
 class kaAnimationStreak;
@@ -19,8 +18,7 @@ class kaControlPoint2D;
 /// "-inf", which a reader does not take for a number: it comes back as 0.
 class KA_ANIMATION_API kaAnimationXmlWriter {
   public:
-    kaAnimationXmlWriter(const kaAnimationManager& manager, kaAnimationXmlOutput& output)
-        : _manager(manager), _output(output) {}
+    explicit kaAnimationXmlWriter(kaAnimationXmlOutput& output) : _output(output) {}
 
     void field(const kaAnimationField* field);
     void point(const kaControlPoint2D* point);
@@ -42,6 +40,5 @@ class KA_ANIMATION_API kaAnimationXmlWriter {
     void blocks();
     void clips(bool nested);
 
-    const kaAnimationManager& _manager;
     kaAnimationXmlOutput& _output;
 };

@@ -1,8 +1,9 @@
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
+#include "kaFieldStore.h"
+#include "kaObjectClass.h"
 #include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
 
@@ -14,7 +15,7 @@ namespace {
 
 /// Whether the curve's field addresses a container of the core's type group, or a node.
 bool canDrive(const kaAnimationCurve2D& curve, osg::UInt16 coreGroup) {
-    const kaAnimationField* field = kaAnimationManager::the()->getField(curve.getField());
+    const kaAnimationField* field = kaFieldStore::find(curve.getField());
     if (!field)
         return false;
     const osg::FieldContainerPtr container = kaSceneAccess::findContainer(field->fcID);
@@ -55,12 +56,12 @@ bool kaAnimationUtils::changeObjectReferenceFields(kaAnimationObject* object, co
         return false;
     const std::vector<kaAnimationField*> fields = getAnimationFields(node);
     for (kaAnimationCurve2D* curve : object->getCurves()) {
-        const kaAnimationField* current = kaAnimationManager::the()->getField(curve->getField());
+        const kaAnimationField* current = kaFieldStore::find(curve->getField());
         kaAnimationField* match = current ? lastMatch(fields, *current) : nullptr;
         if (match)
             curve->setAnimationField(match);
     }
-    if (object->getTypeID() == KA_TYPE_UNIT)
-        static_cast<kaAnimationUnit*>(object)->setNodeID(kaSceneNodes::idOf(node));
+    if (auto* block = kaObjectCast<kaAnimationUnit>(object))
+        block->setNodeID(kaSceneNodes::idOf(node));
     return true;
 }

@@ -2,7 +2,6 @@
 
 #include "kaAliveGuard.h"
 #include "kaAnimationCurve2D.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationUtils.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
@@ -48,7 +47,7 @@ class kaEvaluation::PassLease {
     Pass* _pass;
 };
 
-kaEvaluation::kaEvaluation() = default;
+kaEvaluation::kaEvaluation(SequenceSink sequences) : _sequences(sequences) {}
 kaEvaluation::~kaEvaluation() = default;
 
 float kaEvaluation::fold(float frame, float lo, float hi) {
@@ -77,9 +76,8 @@ kaEvaluation::Plan& kaEvaluation::planOf(const kaAnimationObject& object) {
 }
 
 void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame,
-                                          kaAnimationController::CurveFrames& finished,
-                                          kaAnimationController::CurveFrames& running,
-                                          kaAnimationController::CurveFrames& upcoming, bool motionBlurOnly) {
+                                          CurveFrames& finished, CurveFrames& running, CurveFrames& upcoming,
+                                          bool motionBlurOnly) {
     if (!object)
         return;
     using Part = Plan::Part;
@@ -105,7 +103,7 @@ bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool m
     if (alive && !(frame == object->getLastFrame())) {
         const std::vector<kaAnimationSequence*> sequences = object->getSequencesRecursive();
         if (!sequences.empty())
-            kaAnimationController::the()->evaluateSequences(sequences, frame);
+            _sequences(sequences, frame);
         if (alive)
             object->setLastFrame(frame);
     }

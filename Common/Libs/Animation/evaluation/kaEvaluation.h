@@ -1,11 +1,17 @@
 #pragma once
 
-#include "kaAnimationController.h"
+#include "kaAnimationTypes.h"
 
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <utility>
 #include <vector>
+
+class kaAnimationCurve2D;
+class kaAnimationObject;
+class kaAnimationSequence;
 
 /// Turns objects and a frame into values in the scene: gathers curves, samples them, writes their fields.
 ///
@@ -15,14 +21,18 @@
 /// so that nothing is allocated once warm.
 class kaEvaluation {
   public:
-    kaEvaluation();
+    /// Curves to sample by key, each with the frame to sample it at; equal keys keep their insertion order.
+    using CurveFrames = std::multimap<float, std::pair<kaAnimationCurve2D*, float>>;
+    /// Is told the sequences that an evaluated object reaches at a frame.
+    using SequenceSink = void (*)(const std::vector<kaAnimationSequence*>& sequences, float frame);
+
+    explicit kaEvaluation(SequenceSink sequences);
     ~kaEvaluation();
 
     bool computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value);
     void collectCurvesWithFrame(kaAnimationObject* object, float frame,
-                                kaAnimationController::CurveFrames& finished,
-                                kaAnimationController::CurveFrames& running,
-                                kaAnimationController::CurveFrames& upcoming, bool motionBlurOnly);
+                                CurveFrames& finished, CurveFrames& running, CurveFrames& upcoming,
+                                bool motionBlurOnly);
     bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
@@ -43,4 +53,5 @@ class kaEvaluation {
     std::uint64_t _plansEdits = 0;
     std::vector<std::unique_ptr<Pass>> _passes; ///< one for each depth
     std::size_t _depth = 0;
+    SequenceSink _sequences;
 };

@@ -2,8 +2,6 @@
 
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
-#include "kaAnimationUtils.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
 #include "kaEvaluationPlan.h"
@@ -177,12 +175,13 @@ inline void kaEvaluation::Pass::fetch(const Plan& plan, std::size_t place) const
 /// value is compared again. Once the object model has been edited, which includes fields that come or go, the
 /// plan is left alone and fields are found by id.
 void kaEvaluation::Pass::write(Plan* plan) {
-    const kaObjectRegistry& registry = kaAnimationManager::the()->registry();
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
     const std::uint64_t edits = kaEdits::count;
     for (std::size_t i = 0; i < _written.size(); ++i) {
         const Written written = _written[i];
         if (kaEdits::count != edits) {
-            kaAnimationUtils::setOSGFieldValue(registry.findField(written.id));
+            if (kaAnimationField* field = registry.findField(written.id))
+                kaFieldAccess::write(*field);
             continue;
         }
         if (plan)

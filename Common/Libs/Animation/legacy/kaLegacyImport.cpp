@@ -3,13 +3,14 @@
 #include "kaAliveGuard.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationStreak.h"
 #include "kaAnimationStrip.h"
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
 #include "kaControlPoint2D.h"
+#include "kaNodeFields.h"
+#include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
 #include "kaSceneNodes.h"
 
@@ -24,10 +25,6 @@ using Reason = kaImportReport::Reason;
 constexpr unsigned int BLOCK_HEIGHT = 3;
 /// A clip puts what is no track on a track of its own.
 constexpr unsigned int BELOW_A_CLIP = 2;
-
-kaAnimationManager& manager() {
-    return *kaAnimationManager::the();
-}
 
 /// The level at which a child of `parent` stands. Parent ids that a host has bent into a ring count as too
 /// deep.
@@ -167,7 +164,7 @@ kaAnimationStrip* kaLegacyImport::clipAt(unsigned int level, const osg::Animatio
         return nullptr;
     const kaLegacyClip source(clip);
     const Receiver receiver(parent);
-    kaAnimationStrip* strip = manager().createStrip(source.name, 0);
+    kaAnimationStrip* strip = kaObjectStore::make<kaAnimationStrip>(source.name, kaUID{0});
     if (!strip)
         return nullptr;
     const kaAliveGuard alive(*strip);
@@ -201,7 +198,7 @@ kaAnimationStreak* kaLegacyImport::trackAt(unsigned int level, const osg::Animat
         return nullptr;
     const kaLegacyTrack source(track);
     const Receiver receiver(parent);
-    kaAnimationStreak* streak = manager().createStreak(0);
+    kaAnimationStreak* streak = kaObjectStore::make<kaAnimationStreak>("Track", kaUID{0});
     if (!streak)
         return nullptr;
     const kaAliveGuard alive(*streak);
@@ -235,7 +232,7 @@ kaAnimationUnit* kaLegacyImport::blockAt(unsigned int level, const osg::Animatio
         return nullptr;
     const kaLegacyBlock source(block);
     const Receiver receiver(parent);
-    kaAnimationUnit* unit = manager().createUnit(source.name, 0);
+    kaAnimationUnit* unit = kaObjectStore::make<kaAnimationUnit>(source.name, kaUID{0});
     if (!unit)
         return nullptr;
     const kaAliveGuard alive(*unit);
@@ -261,7 +258,7 @@ kaAnimationSequence* kaLegacyImport::sequenceAt(unsigned int level, const osg::A
     if (!fits(level, 1, "sequence", name) ||
         !mayRepeat(block.getFieldContainerId(), weight(0, name), "sequence", name))
         return nullptr;
-    kaAnimationSequence* sequence = manager().createSequence(name, 0);
+    kaAnimationSequence* sequence = kaObjectStore::make<kaAnimationSequence>(name, kaUID{0});
     if (!sequence)
         return nullptr;
     sequence->setBegin(block->getBegin());
@@ -302,12 +299,12 @@ kaAnimationCurve2D* kaLegacyImport::importCurve(const osg::AnimationCurvePtr& cu
         return nullptr;
     }
     const kaAliveGuard alive(*unit);
-    kaAnimationField* field = manager().getField(target, source.attributeName());
+    kaAnimationField* field = kaNodeFields::find(target, source.attributeName());
     if (!field)
         _report.leaveOut("curve", source.attributeName(), Reason::NoAttribute);
     if (!field || !alive)
         return nullptr;
-    kaAnimationCurve2D* imported = manager().createCurve2D(field, field->attribute, 0, false);
+    kaAnimationCurve2D* imported = kaObjectStore::make<kaAnimationCurve2D>(field, field->attribute, kaUID{0});
     if (!imported)
         return nullptr;
     for (osg::UInt32 point : source.points)
@@ -323,7 +320,7 @@ kaControlPoint2D* kaLegacyImport::importPoint(const osg::AnimationControlPointPt
     if (point == osg::NullFC)
         return nullptr;
     const kaLegacyPoint source(point);
-    kaControlPoint2D* imported = manager().createPoint2D(source.position[0], source.position[1], 0);
+    kaControlPoint2D* imported = kaObjectStore::make<kaControlPoint2D>(source.position[0], source.position[1], "Point", kaUID{0}, false);
     if (!imported)
         return nullptr;
     if (imported->getInTangent())
@@ -365,7 +362,7 @@ void kaLegacyImport::importCameraBlock(const osg::AnimationBlockPtr& block, osg:
     if (!mayRepeat(block.getFieldContainerId(), weight(kaListedIn(block), name), "block", name))
         return;
     const kaLegacyBlock source(block);
-    kaAnimationUnit* unit = manager().createUnit(source.name, 0);
+    kaAnimationUnit* unit = kaObjectStore::make<kaAnimationUnit>(source.name, kaUID{0});
     if (!unit)
         return;
     const kaAliveGuard alive(*unit);

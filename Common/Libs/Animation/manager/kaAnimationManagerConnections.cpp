@@ -3,7 +3,9 @@
 #include "kaAnimationStreak.h"
 #include "kaAnimationStrip.h"
 #include "kaConnections.h"
-#include "kaObjectRegistry.h"
+#include "kaFieldInfo.h"
+#include "kaHostCamera.h"
+#include "kaObjectStore.h"
 #include "kaPlainOutput.h"
 
 // Connections, moves between tracks, diagnostic dumps and the host's callbacks.
@@ -14,14 +16,8 @@ namespace {
 /// below it are made.
 constexpr unsigned int LargestTrackNumber = 65535;
 
-constexpr int ActiveCamera = -1;
-
 } // namespace
 
-kaAnimationManager::GetFromAtUp kaAnimationManager::_gCamFAU = nullptr;
-kaAnimationManager::SetFromAtUp kaAnimationManager::_sCamFAU = nullptr;
-kaAnimationManager::GetRoll kaAnimationManager::_gCamRoll = nullptr;
-kaAnimationManager::SetRoll kaAnimationManager::_sCamRoll = nullptr;
 kaAnimationManager::ShowCurves kaAnimationManager::_showCurvesFP = nullptr;
 kaAnimationManager::FileIOProgress kaAnimationManager::_progressFP = nullptr;
 kaAnimationManager::UpdatePaste kaAnimationManager::_updatePasteFP = nullptr;
@@ -74,7 +70,7 @@ bool kaAnimationManager::moveObjectToStreak(kaAnimationObject* object, kaAnimati
     if (!object || !streak)
         return false;
     kaAnimationObject* parent = object->getParentObject();
-    if (!parent || parent->getTypeID() != KA_TYPE_STREAK || !streak->mayAdopt(*object) ||
+    if (!parent || !kaObjectCast<kaAnimationStreak>(parent) || !streak->mayAdopt(*object) ||
         !parent->subObject(object, false))
         return false;
     return streak->addObject(object) != nullptr;
@@ -101,45 +97,34 @@ bool kaAnimationManager::moveObjectToStreak(kaAnimationObject* object, kaAnimati
 void kaAnimationManager::objectInfo() const {
     kaPlainOutput out;
     out << "ANIMATION_MANAGER Object Info\n=============================\n";
-    for (const auto& entry : _registry->ordered())
+    for (const auto& entry : kaObjectRegistry::the().ordered())
         out << "Object " << entry.second->getId() << " name " << entry.second->getName() << " type "
             << entry.second->getTypeID() << '\n';
-    for (const auto& entry : _registry->fields())
+    for (const auto& entry : kaObjectRegistry::the().fields())
         out << "Field " << entry.second->getId() << " node id " << entry.second->nodeID << " fcid "
             << entry.second->fcID << '\n';
 }
 
 void kaAnimationManager::printFieldInfo(const kaAnimationField* field) const {
-    if (!field)
-        return;
-    kaPlainOutput out;
-    out << "Field Info:" << std::endl;
-    out << "\tid " << field->getId() << std::endl;
-    out << "\tname " << field->name << std::endl;
-    out << "\tattribute " << field->attribute << std::endl;
-    out << "\tfcID " << field->fcID << std::endl;
-    out << "\tnodeID " << field->nodeID << std::endl;
-    out << "\tvalue " << field->value << std::endl;
-    out << "\tvaluePos " << field->valuePos << std::endl;
-    out << "\tdirty " << field->dirty << std::endl;
+    kaFieldInfo::print(field);
 }
 
 // Host callbacks.
 
 void kaAnimationManager::setGetFromAtUpCB(GetFromAtUp callback) {
-    _gCamFAU = callback;
+    kaHostCamera::callbacks.getFromAtUp = callback;
 }
 
 void kaAnimationManager::setFromAtUpCB(SetFromAtUp callback) {
-    _sCamFAU = callback;
+    kaHostCamera::callbacks.setFromAtUp = callback;
 }
 
 void kaAnimationManager::setGetRollCB(GetRoll callback) {
-    _gCamRoll = callback;
+    kaHostCamera::callbacks.getRoll = callback;
 }
 
 void kaAnimationManager::setRollCB(SetRoll callback) {
-    _sCamRoll = callback;
+    kaHostCamera::callbacks.setRoll = callback;
 }
 
 void kaAnimationManager::setShowCurvesCB(ShowCurves callback) {
@@ -155,27 +140,19 @@ void kaAnimationManager::setUpdatePasteCB(UpdatePaste callback) {
 }
 
 void kaAnimationManager::setFromAtUp(const osg::Pnt3f& from, const osg::Pnt3f& at, const osg::Vec3f& up) {
-    if (_sCamFAU)
-        _sCamFAU(ActiveCamera, from, at, up);
+    kaHostCamera::setFromAtUp(from, at, up);
 }
 
 void kaAnimationManager::getFromAtUp(osg::Pnt3f& from, osg::Pnt3f& at, osg::Vec3f& up) {
-    if (_gCamFAU) {
-        _gCamFAU(ActiveCamera, from, at, up);
-        return;
-    }
-    from = osg::Pnt3f(0.0F, 0.0F, 0.0F);
-    at = osg::Pnt3f(0.0F, 0.0F, 0.0F);
-    up = osg::Vec3f(0.0F, 0.0F, 0.0F);
+    kaHostCamera::getFromAtUp(from, at, up);
 }
 
 void kaAnimationManager::setRoll(float roll) {
-    if (_sCamRoll)
-        _sCamRoll(ActiveCamera, roll);
+    kaHostCamera::setRoll(roll);
 }
 
 void kaAnimationManager::getRoll(float& roll) {
-    roll = _gCamRoll ? _gCamRoll(ActiveCamera) : 0.0F;
+    roll = kaHostCamera::getRoll();
 }
 
 void kaAnimationManager::showCurves(const std::vector<kaAnimationCurve2D*>& curves) {

@@ -32,25 +32,28 @@ void announceSaving() {
 }
 
 /// Writes the whole registry as Latin-1 text, piece by piece.
-void writeDocument(const kaAnimationManager& manager, kaAnimationXmlTextOutput::Sink sink) {
+void writeDocument(kaAnimationXmlTextOutput::Sink sink) {
     kaAnimationXmlTextOutput output(std::move(sink));
     output.documentType("ORVA");
-    kaAnimationXmlWriter(manager, output).pool();
+    kaAnimationXmlWriter(output).pool();
+}
+
+void noteTakenID(kaUID from, kaUID to) {
+    kaAnimationManager::the()->changeAnimAttachmentIDs(from, to);
 }
 
 /// The element that one of the writer's operations describes.
 template <class Describe, class Object>
-QDomElement domElement(const kaAnimationManager& manager, QDomDocument& document, Describe describe,
-                       const Object* object) {
+QDomElement domElement(QDomDocument& document, Describe describe, const Object* object) {
     kaAnimationXmlDomOutput output(document);
-    kaAnimationXmlWriter writer(manager, output);
+    kaAnimationXmlWriter writer(output);
     (writer.*describe)(object);
     return output.element();
 }
 
 /// What one of the reader's operations makes of the element: null for a null element.
 template <class Result>
-Result* readElement(kaAnimationManager& manager, const QDomElement& element,
+Result* readElement(const QDomElement& element,
                     Result* (kaAnimationXmlReader::*read)(const kaAnimationXmlElement&)) {
     Result* result = nullptr;
     if (element.isNull())
@@ -58,7 +61,7 @@ Result* readElement(kaAnimationManager& manager, const QDomElement& element,
     kaAnimationXmlRecord record;
     record.append(element);
     record.forEach([&](const kaAnimationXmlElement& recorded) {
-        result = (kaAnimationXmlReader(manager).*read)(recorded);
+        result = (kaAnimationXmlReader(noteTakenID).*read)(recorded);
     });
     return result;
 }
@@ -92,7 +95,7 @@ unsigned int announceLoading(const std::string& objects) {
 /// Everything is made before anything is connected, so that references may name what comes later.
 void makeObjects(kaAnimationManager& manager, const kaAnimationXmlRecord& record) {
     Progress progress(manager, announceLoading(record.objects()));
-    kaAnimationXmlReader reader(manager);
+    kaAnimationXmlReader reader(noteTakenID);
     record.forEach([&](const kaAnimationXmlElement& element) {
         reader.create(element);
         progress.step();
@@ -112,7 +115,7 @@ QString kaAnimationManager::createAnimationXML() {
     announceSaving();
     QString text;
     try {
-        writeDocument(*this, [&text](std::string_view piece) {
+        writeDocument([&text](std::string_view piece) {
             text += QLatin1String(piece.data(), static_cast<int>(piece.size()));
         });
     } catch (const std::bad_alloc&) {
@@ -126,7 +129,7 @@ bool kaAnimationManager::saveAnimations(const char* path) {
     QFile file(QString::fromLatin1(path));
     if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
         return false;
-    writeDocument(*this, [&file](std::string_view piece) {
+    writeDocument([&file](std::string_view piece) {
         file.write(piece.data(), static_cast<qint64>(piece.size()));
     });
     file.close();
@@ -144,32 +147,32 @@ bool kaAnimationManager::saveAnimations(QWidget* parent) {
 }
 
 QDomElement kaAnimationManager::createFieldDomElement(QDomDocument& document, kaAnimationField* field) {
-    return domElement(*this, document, &kaAnimationXmlWriter::field, field);
+    return domElement(document, &kaAnimationXmlWriter::field, field);
 }
 
 QDomElement kaAnimationManager::createPointDomElement(QDomDocument& document, kaControlPoint2D* point) {
-    return domElement(*this, document, &kaAnimationXmlWriter::point, point);
+    return domElement(document, &kaAnimationXmlWriter::point, point);
 }
 
 QDomElement kaAnimationManager::createCurveDomElement(QDomDocument& document, kaAnimationCurve2D* curve) {
-    return domElement(*this, document, &kaAnimationXmlWriter::curve, curve);
+    return domElement(document, &kaAnimationXmlWriter::curve, curve);
 }
 
 QDomElement kaAnimationManager::createBlockDomElement(QDomDocument& document, kaAnimationUnit* unit) {
-    return domElement(*this, document, &kaAnimationXmlWriter::block, unit);
+    return domElement(document, &kaAnimationXmlWriter::block, unit);
 }
 
 QDomElement kaAnimationManager::createTrackDomElement(QDomDocument& document, kaAnimationStreak* streak) {
-    return domElement(*this, document, &kaAnimationXmlWriter::track, streak);
+    return domElement(document, &kaAnimationXmlWriter::track, streak);
 }
 
 QDomElement kaAnimationManager::createClipDomElement(QDomDocument& document, kaAnimationStrip* strip) {
-    return domElement(*this, document, &kaAnimationXmlWriter::clip, strip);
+    return domElement(document, &kaAnimationXmlWriter::clip, strip);
 }
 
 QDomElement kaAnimationManager::createSequenceDomElement(QDomDocument& document,
                                                          kaAnimationSequence* sequence) {
-    return domElement(*this, document, &kaAnimationXmlWriter::sequence, sequence);
+    return domElement(document, &kaAnimationXmlWriter::sequence, sequence);
 }
 
 // Loading.
@@ -201,36 +204,36 @@ bool kaAnimationManager::loadAnimations(QWidget* parent) {
 }
 
 kaAnimationField* kaAnimationManager::readFieldDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::field);
+    return readElement(element, &kaAnimationXmlReader::field);
 }
 
 kaControlPoint2D* kaAnimationManager::readPointDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::point);
+    return readElement(element, &kaAnimationXmlReader::point);
 }
 
 kaAnimationCurve2D* kaAnimationManager::readCurveDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::curve);
+    return readElement(element, &kaAnimationXmlReader::curve);
 }
 
 kaAnimationUnit* kaAnimationManager::readBlockDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::block);
+    return readElement(element, &kaAnimationXmlReader::block);
 }
 
 kaAnimationStreak* kaAnimationManager::readTrackDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::track);
+    return readElement(element, &kaAnimationXmlReader::track);
 }
 
 kaAnimationStrip* kaAnimationManager::readClipDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::clip);
+    return readElement(element, &kaAnimationXmlReader::clip);
 }
 
 kaAnimationSequence* kaAnimationManager::readSequenceDomElement(const QDomElement& element) {
-    return readElement(*this, element, &kaAnimationXmlReader::sequence);
+    return readElement(element, &kaAnimationXmlReader::sequence);
 }
 
 void kaAnimationManager::readChildren(const QDomElement& element) {
     kaAnimationXmlRecord record;
     record.append(element);
     record.forEach(
-        [this](const kaAnimationXmlElement& recorded) { kaAnimationXmlReader(*this).connect(recorded); });
+        [](const kaAnimationXmlElement& recorded) { kaAnimationXmlReader(noteTakenID).connect(recorded); });
 }

@@ -2,6 +2,7 @@
 #include "kaAnimationObject.h"
 #include "kaAnimationUtils.h"
 #include "kaCopyBuffer.h"
+#include "kaObjectStore.h"
 #include "kaSceneNodes.h"
 #include "kaSceneSync.h"
 #include "kaWatchedObjects.h"
@@ -35,7 +36,7 @@ void empty(kaCopyBuffer& buffer, bool destroy) {
     const kaWatchedObjects held(buffer.objects());
     buffer.clear();
     if (destroy)
-        held.visit([](kaAnimationObject& object) { kaAnimationManager::the()->destroyObject(&object); });
+        held.visit([](kaAnimationObject& object) { kaObjectStore::destroy(&object); });
 }
 
 } // namespace

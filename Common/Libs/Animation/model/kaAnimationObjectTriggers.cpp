@@ -1,6 +1,6 @@
 #include "kaAliveGuard.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationObject.h"
+#include "kaObjectStore.h"
 
 // What an object fires as it is played.
 
@@ -21,8 +21,8 @@ void kaAnimationObject::trigger(Trigger trigger) {
     std::vector<kaUID> connections;
     for (auto it = range.first; it != range.second; ++it)
         connections.push_back(it->second);
-    if (!connections.empty())
-        kaAnimationManager::the()->executeTriggers(connections);
+    if (!connections.empty() && kaObjectStore::hooks.fire)
+        kaObjectStore::hooks.fire(connections);
 }
 
 void kaAnimationObject::fireTriggers(float frame) {

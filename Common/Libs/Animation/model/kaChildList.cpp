@@ -1,7 +1,8 @@
 #include "kaChildList.h"
 
-#include "kaAnimationManager.h"
+#include "kaAnimationObject.h"
 #include "kaEdits.h"
+#include "kaObjectRegistry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,7 +23,7 @@ constexpr kaExtent Unbounded{-Infinite, Infinite, Infinite, -Infinite};
 } // namespace
 
 kaAnimationObject* kaChildList::resolve(kaUID id) {
-    return kaAnimationManager::the()->getObject(id);
+    return kaObjectRegistry::the().find(id);
 }
 
 /// What the child's id names: mostly the child, whatever a host has made of the ids.

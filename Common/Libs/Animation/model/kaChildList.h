@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kaAnimationObject.h"
+#include "kaAnimationTypes.h"
 #include "kaChildEntry.h"
 #include "kaRecentChanges.h"
 
@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+class kaAnimationObject;
 class kaChildList;
 
 /// A run of up to `kaChildList::ChunkSize` consecutive children. Chunks never move in memory, so a child can

@@ -1,4 +1,4 @@
-#include "kaAnimationManager.h"
+#include "kaAnimationObject.h"
 #include "kaChildList.h"
 
 #include <algorithm>

@@ -1,11 +1,13 @@
 #include "kaCurveView.h"
 
-#include "kaAnimationCurve2D.h"
 #include "kaChildList.h"
+#include "kaControlPoint2D.h"
+#include "kaObjectClass.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <utility>
 
 namespace {
@@ -24,14 +26,25 @@ kaSegment segmentBetween(const kaControlPoint2D& left, const kaControlPoint2D& r
     return kaSegment(kaSegment::Points{a[0], a[1], out[0], out[1], in[0], in[1], b[0], b[1]});
 }
 
+/// By x the keys of a list that is not in order, of several at one x the first.
+std::map<float, const kaControlPoint2D*> firstAtEach(const kaChildList& keys) {
+    std::map<float, const kaControlPoint2D*> points;
+    keys.forEach([&points](kaAnimationObject& child) {
+        const auto* point = kaObjectCast<kaControlPoint2D>(&child);
+        if (point && !std::isnan(point->getPosition()[0]))
+            points.emplace(point->getPosition()[0], point);
+    });
+    return points;
+}
+
 } // namespace
 
-void kaCurveView::renew(const kaAnimationCurve2D& curve, const kaChildList* keys) {
+void kaCurveView::renew(const kaChildList* keys) {
     const bool mirrored = keys && keys->isMirrored();
     if (!mirrored || !_packed || keys->revision() != _revision) {
         const bool wasPacked = std::exchange(_packed, false); // unless this comes to its end
         if (!wasPacked || !mirrored || !mend(*keys)) {
-            pack(curve, keys);
+            pack(keys);
             divide();
         }
         _packed = mirrored;
@@ -84,29 +97,29 @@ bool kaCurveView::staysInCell(std::size_t place, float frame) const {
     return isBetween && !_cells.empty() && cellOf(frame) == cellOf(former);
 }
 
-void kaCurveView::pack(const kaAnimationCurve2D& curve, const kaChildList* keys) {
+void kaCurveView::pack(const kaChildList* keys) {
     static std::vector<const kaControlPoint2D*> points; // kept, or every edited curve would allocate its own
     points.clear();
     _count = 0;
     bool ascending = true;
     if (keys) {
         keys->forEach([&](kaAnimationObject& child) {
-            if (child.getTypeID() != KA_TYPE_POINT)
+            const auto* point = kaObjectCast<kaControlPoint2D>(&child);
+            if (!point)
                 return;
-            const auto& point = static_cast<const kaControlPoint2D&>(child);
-            const float x = point.getPosition()[0];
+            const float x = point->getPosition()[0];
             if (std::isnan(x))
                 return; // it stands nowhere in the order
             ++_count;
             const float last = points.empty() ? 0.0F : points.back()->getPosition()[0];
             if (points.empty() || x > last)
-                points.push_back(&point);
+                points.push_back(point);
             else if (x != last)
                 ascending = false;
         });
         if (!ascending) {
             points.clear();
-            for (const auto& entry : curve.getPoints())
+            for (const auto& entry : firstAtEach(*keys))
                 points.push_back(entry.second);
         }
     }

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <vector>
 
-class kaAnimationCurve2D;
 class kaChildList;
 class kaControlPoint2D;
 
@@ -22,9 +21,9 @@ class kaControlPoint2D;
 class kaCurveView {
   public:
     /// Packs the curve's keys unless that has been done since their last change.
-    void refresh(const kaAnimationCurve2D& curve, const kaChildList* keys) {
+    void refresh(const kaChildList* keys) {
         if (_edits != kaEdits::count)
-            renew(curve, keys);
+            renew(keys);
     }
 
     /// Whether the packed form stays, unless `kaEdits` names the curve: not where the key list is packed anew
@@ -45,10 +44,10 @@ class kaCurveView {
     const kaSegment* segmentsEnd() const { return _segments.data() + _segments.size(); }
 
   private:
-    void renew(const kaAnimationCurve2D& curve, const kaChildList* keys);
+    void renew(const kaChildList* keys);
     bool mend(const kaChildList& keys);
     bool staysInCell(std::size_t place, float frame) const;
-    void pack(const kaAnimationCurve2D& curve, const kaChildList* keys);
+    void pack(const kaChildList* keys);
     void pack(const std::vector<const kaControlPoint2D*>& ascending);
     void divide();
     void noteEnds();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationObject.h"
 #include "kaObjectRegistry.h"
 
@@ -39,7 +38,7 @@ class kaSnapshot {
   private:
     using Entry = std::pair<kaUID, Element*>;
 
-    static const kaObjectRegistry& registry() { return kaAnimationManager::the()->registry(); }
+    static const kaObjectRegistry& registry() { return kaObjectRegistry::the(); }
     static Element* null() { return nullptr; }
 
     // The registry's epoch does not count keys.

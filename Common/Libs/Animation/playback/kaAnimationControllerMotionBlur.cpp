@@ -1,9 +1,9 @@
 #include "kaAliveGuard.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationUnit.h"
 #include "kaPlainOutput.h"
+#include "kaSceneObjects.h"
 
 // Motion blur.
 
@@ -63,7 +63,7 @@ void kaAnimationController::executeMotionBlurOnActiveUnits(float sample) {
         return;
     kaExtent joint;
     std::vector<kaAnimationCurve2D*> curves;
-    for (const kaAnimationUnit* unit : kaAnimationManager::the()->getActiveSceneUnits()) {
+    for (const kaAnimationUnit* unit : kaActiveSceneObjects<kaAnimationUnit>()) {
         if (!unit)
             continue;
         joint.includeSpan(unit->getBegin(), unit->getEnd());

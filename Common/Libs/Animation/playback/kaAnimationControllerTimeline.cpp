@@ -1,9 +1,9 @@
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
-#include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationUtils.h"
 #include "kaNesting.h"
+#include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
 #include "kaPlayedObjects.h"
 
@@ -44,7 +44,7 @@ void kaAnimationController::playGlobal(const std::vector<unsigned long long>& id
 void kaAnimationController::setGlobalRange() {
     kaExtent joint;
     for (unsigned long long id : _playingObjects) {
-        const kaAnimationObject* object = kaAnimationManager::the()->getObject(id);
+        const kaAnimationObject* object = kaObjectStore::find(id);
         if (object)
             joint.includeSpan(object->getBegin(), object->getEnd());
     }
@@ -72,7 +72,7 @@ void kaAnimationController::playLoop() {
         announceFullFrame(frame);
     const std::vector<unsigned long long> ids = _playingObjects;
     for (auto id = ids.begin(); id != ids.end() && !isTakenOver(); ++id)
-        evaluateObject(kaAnimationManager::the()->getObject(*id), frame, false);
+        evaluateObject(kaObjectStore::find(*id), frame, false);
     const bool hasLeft = _reverse ? frame < _begin : frame > _end;
     if (isTakenOver() || !_playing || !hasLeft)
         return;

@@ -1,17 +1,55 @@
 #include "kaObjectRegistry.h"
 
-#include "kaAnimationField.h"
-#include "kaAnimationObject.h"
-#include "kaChildList.h"
 #include "kaEdits.h"
 
 #include <algorithm>
+#include <iterator>
 
-bool kaObjectRegistry::insert(kaAnimationObject& object) {
-    const kaUID id = object.getId();
+namespace {
+
+bool registryAlive = false;
+
+} // namespace
+
+kaObjectRegistry& kaObjectRegistry::the() {
+    static kaObjectRegistry instance;
+    return instance;
+}
+
+bool kaObjectRegistry::isAlive() {
+    return registryAlive;
+}
+
+kaObjectRegistry::kaObjectRegistry() {
+    registryAlive = true;
+}
+
+kaObjectRegistry::~kaObjectRegistry() {
+    registryAlive = false;
+}
+
+// Ids.
+
+unsigned long long kaObjectRegistry::random(unsigned long long seed) {
+    static unsigned long long state = 0;
+    if (seed != 0)
+        state = seed;
+    state = state * 1664525ULL + 1013904223ULL;
+    return state;
+}
+
+kaUID kaObjectRegistry::createUID() const {
+    kaUID id = random(0);
+    while (id == 0 || !isIDUnique(id))
+        id = random(0);
+    return id;
+}
+
+// Objects.
+
+bool kaObjectRegistry::insert(kaUID id, unsigned int type, kaAnimationObject& object) {
     if (find(id))
         return false;
-    const unsigned int type = object.getTypeID();
     if (type != KA_TYPE_POINT)
         _byType[type].emplace(id, &object);
     try {
@@ -20,40 +58,33 @@ bool kaObjectRegistry::insert(kaAnimationObject& object) {
         _byType[type].erase(id);
         throw;
     }
-    object._registered = true;
-    object._findable = true;
     kaEdits::note();
     _epoch += type != KA_TYPE_POINT ? 1 : 0;
     return true;
 }
 
-void kaObjectRegistry::erase(kaUID id) {
-    kaAnimationObject* found = find(id);
-    if (!found)
+void kaObjectRegistry::erase(kaUID id, unsigned int type) {
+    if (!_index.erase(id))
         return;
-    kaAnimationObject& object = *found;
-    if (object._home)
-        object._home->list->childLost(object);
-    object._registered = false;
-    object._findable = false;
     kaEdits::note();
-    _index.erase(id);
-    if (object.getTypeID() == KA_TYPE_POINT)
+    if (type == KA_TYPE_POINT)
         return;
-    _byType[object.getTypeID()].erase(id);
+    _byType[type].erase(id);
     ++_epoch;
 }
 
-void kaObjectRegistry::remove(kaAnimationObject& object) {
-    erase(object.getId());
-    if (object._registered)
-        erase(keyOf(object));
+void kaObjectRegistry::eraseOfAnyType(kaUID id) {
+    if (!_index.erase(id))
+        return;
+    for (auto& objects : _byType)
+        objects.erase(id);
+    kaEdits::note();
+    ++_epoch;
 }
 
-/// The object's own id first; a host that changed the id behind the registry's back pays for a walk.
-kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object) const {
-    kaUID result = object.getId();
-    if (find(result) != &object)
+kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object, kaUID own) const {
+    kaUID result = own;
+    if (find(own) != &object)
         _index.forEach([&object, &result](kaUID id, const kaAnimationObject& other) {
             if (&other == &object)
                 result = id;
@@ -61,22 +92,9 @@ kaUID kaObjectRegistry::keyOf(const kaAnimationObject& object) const {
     return result;
 }
 
-/// Called when the object is all but gone, so its type is not asked.
-void kaObjectRegistry::drop(kaAnimationObject& object) {
-    const kaUID id = keyOf(object);
-    if (find(id) != &object)
-        return;
-    _index.erase(id);
-    for (auto& objects : _byType)
-        objects.erase(id);
-    object._registered = false;
-    object._findable = false;
-    kaEdits::note();
-    ++_epoch;
-}
+// Fields.
 
-bool kaObjectRegistry::insertField(kaAnimationField& field) {
-    const kaUID id = field.getId();
+bool kaObjectRegistry::insertField(kaUID id, kaAnimationField& field) {
     if (findField(id))
         return false;
     _fields.emplace(id, &field);
@@ -91,22 +109,6 @@ bool kaObjectRegistry::insertField(kaAnimationField& field) {
     return true;
 }
 
-/// A field that was left without an entry of its own pays for the walk, too.
-kaUID kaObjectRegistry::keyOf(const kaAnimationField& field) const {
-    if (findField(field.getId()) == &field)
-        return field.getId();
-    const auto found = std::find_if(_fields.begin(), _fields.end(),
-                                    [&field](const auto& entry) { return entry.second == &field; });
-    return found != _fields.end() ? found->first : field.getId();
-}
-
-void kaObjectRegistry::removeField(kaAnimationField& field) {
-    const kaUID entered = keyOf(field);
-    eraseField(field.getId());
-    if (entered != field.getId())
-        eraseField(entered);
-}
-
 void kaObjectRegistry::eraseField(kaUID id) {
     if (!_fieldIndex.erase(id))
         return;
@@ -115,35 +117,15 @@ void kaObjectRegistry::eraseField(kaUID id) {
     kaEdits::note();
 }
 
-/// The new entries are made first; taking the old one away and merging a node allocate nothing.
-void kaObjectRegistry::replace(kaUID from, kaAnimationObject& object, kaUID to) {
-    const unsigned int type = object.getTypeID();
-    const kaUID former = object._registered && find(from) != &object ? keyOf(object) : from;
-    std::map<kaUID, kaAnimationObject*> entry;
-    if (type != KA_TYPE_POINT)
-        entry.emplace(to, &object);
-    _index.insert(to, object);
-    erase(from);
-    if (former != from)
-        erase(former);
-    _byType[type].merge(entry);
-    object._registered = true;
-    object._findable = true;
-    kaEdits::note();
-    _epoch += type != KA_TYPE_POINT ? 1 : 0;
+kaUID kaObjectRegistry::keyOf(const kaAnimationField& field, kaUID own) const {
+    if (findField(own) == &field)
+        return own;
+    const auto found = std::find_if(_fields.begin(), _fields.end(),
+                                    [&field](const auto& entry) { return entry.second == &field; });
+    return found != _fields.end() ? found->first : own;
 }
 
-void kaObjectRegistry::replaceField(kaUID from, kaAnimationField& field, kaUID to) {
-    const kaUID former = findField(from) != &field ? keyOf(field) : from;
-    std::map<kaUID, kaAnimationField*> entry{{to, &field}};
-    _fieldIndex.insert(to, field);
-    eraseField(from);
-    if (former != from)
-        eraseField(former);
-    _fields.merge(entry);
-    ++_fieldEpoch;
-    kaEdits::note();
-}
+// Walks.
 
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
     std::vector<Entry> entries;
@@ -153,16 +135,17 @@ std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
     return entries;
 }
 
+/// Keys stand in no map: they are what stands in the index and in none.
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ofType(unsigned int type) const {
+    if (type != KA_TYPE_POINT)
+        return {_byType[type].begin(), _byType[type].end()};
+    std::vector<Entry> others;
+    for (const auto& objects : _byType)
+        others.insert(others.end(), objects.begin(), objects.end());
+    std::sort(others.begin(), others.end());
     std::vector<Entry> entries;
-    if (type != KA_TYPE_POINT) {
-        entries.assign(_byType[type].begin(), _byType[type].end());
-        return entries;
-    }
-    _index.forEach([&entries](kaUID id, kaAnimationObject& object) {
-        if (object.getTypeID() == KA_TYPE_POINT)
-            entries.emplace_back(id, &object);
-    });
-    std::sort(entries.begin(), entries.end());
+    entries.reserve(_index.size() - others.size());
+    const std::vector<Entry> all = ordered();
+    std::set_difference(all.begin(), all.end(), others.begin(), others.end(), std::back_inserter(entries));
     return entries;
 }

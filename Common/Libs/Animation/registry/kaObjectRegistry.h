@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
 #include "kaIDTable.h"
 
@@ -13,35 +14,47 @@
 class kaAnimationField;
 class kaAnimationObject;
 
-/// Objects and fields by id. Finding goes through an index; everything but the keys, which are few kinds of
-/// few objects, also stands in ordered maps by type, so that walks visit only what they ask for. Owns
-/// nothing.
-class kaObjectRegistry {
+/// Objects and fields by id, and the source of fresh ids. Finding goes through an index; everything but the
+/// keys, which are few kinds of few objects, also stands in ordered maps by type, so that walks visit only what
+/// they ask for. Owns nothing and looks behind no pointer: what it has to know of an object or a field, its
+/// callers tell it (`kaObjectStore`, `kaFieldStore`).
+class KA_ANIMATION_API kaObjectRegistry {
   public:
     using Entry = std::pair<kaUID, kaAnimationObject*>;
+
+    /// The one registry of the process, made on first use.
+    static kaObjectRegistry& the();
+    /// Whether there is one: false before the first `the()` and once process exit has destroyed it.
+    static bool isAlive();
+    ~kaObjectRegistry();
+    kaObjectRegistry(const kaObjectRegistry&) = delete;
+    kaObjectRegistry& operator=(const kaObjectRegistry&) = delete;
+
+    /// Seeds the process-wide generator unless `seed` is 0, then returns its next number.
+    static unsigned long long random(unsigned long long seed);
+    /// A fresh id: never 0, never one that has an entry.
+    kaUID createUID() const;
+    /// Whether neither an object nor a field has this id; 0 is unique.
+    bool isIDUnique(kaUID id) const { return !find(id) && !findField(id); }
 
     kaAnimationObject* find(kaUID id) const { return _index.find(id); }
     kaAnimationField* findField(kaUID id) const { return _fieldIndex.find(id); }
 
-    /// Enters an object under its id. @return false, with nothing changed, when the id has an entry.
-    bool insert(kaAnimationObject& object);
-    /// Takes the entry of an id away, whatever object it holds.
-    void erase(kaUID id);
-    /// Takes away the entry of the object's id, whatever object it holds, and the object's own, should a host
-    /// have written its id: an object that is being destroyed is found by nobody.
-    void remove(kaAnimationObject& object);
-    /// Takes an object's entry away, under whatever id it stands.
-    void drop(kaAnimationObject& object);
+    /// Enters an object of that type under an id. @return false, with nothing changed, when the id has an
+    /// entry. @throws std::bad_alloc, with nothing changed.
+    bool insert(kaUID id, unsigned int type, kaAnimationObject& object);
+    /// Takes the entry of an id away, which holds an object of that type. Nothing without an entry.
+    void erase(kaUID id, unsigned int type);
+    /// The same for an object that is all but gone, whose type cannot be asked any more.
+    void eraseOfAnyType(kaUID id);
+    /// The id under which an object stands: `own`, the one that it has now, unless a host changed that behind
+    /// the registry's back; then the cost is a walk. `own`, too, for an object without an entry.
+    kaUID keyOf(const kaAnimationObject& object, kaUID own) const;
 
-    /// Takes the entry of `from` away, whatever object it holds, and enters `object` under `to`, which is
-    /// free and the object's id; any other entry of the object goes. When memory runs out nothing is changed.
-    void replace(kaUID from, kaAnimationObject& object, kaUID to);
-
-    bool insertField(kaAnimationField& field);
+    /// The same for fields.
+    bool insertField(kaUID id, kaAnimationField& field);
     void eraseField(kaUID id);
-    /// The same for fields: `remove` and `replace`.
-    void removeField(kaAnimationField& field);
-    void replaceField(kaUID from, kaAnimationField& field, kaUID to);
+    kaUID keyOf(const kaAnimationField& field, kaUID own) const;
 
     std::size_t size() const { return _index.size(); }
     std::size_t fieldCount() const { return _fields.size(); }
@@ -72,10 +85,7 @@ class kaObjectRegistry {
     std::uint64_t fieldEpoch() const { return _fieldEpoch; }
 
   private:
-    /// The id under which an object stands; its own, unless a host changed that behind the registry's back.
-    kaUID keyOf(const kaAnimationObject& object) const;
-    /// The same for fields; without an entry the field's own id.
-    kaUID keyOf(const kaAnimationField& field) const;
+    kaObjectRegistry();
 
     kaIDTable<kaAnimationObject> _index;
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;

@@ -1,7 +1,8 @@
 #include "kaFieldDiscovery.h"
 
 #include "kaAnimationField.h"
-#include "kaAnimationManager.h"
+#include "kaAttributeNames.h"
+#include "kaFieldStore.h"
 #include "kaSceneAccess.h"
 
 #include <OpenSG/OSGCameraSetting.h>
@@ -39,7 +40,7 @@ kaFieldDiscovery::kaFieldDiscovery(const osg::NodePtr& node)
 
 kaFieldDiscovery::~kaFieldDiscovery() {
     for (kaAnimationField* field : _made)
-        kaAnimationManager::the()->destroyField(field);
+        kaFieldStore::destroy(field);
 }
 
 std::vector<kaAnimationField*> kaFieldDiscovery::run() {
@@ -61,7 +62,7 @@ void kaFieldDiscovery::addContainerFields(const osg::FieldContainerPtr& containe
     const osg::FieldContainerType& type = container->getType();
     for (osg::UInt32 id = 1; id <= type.getNumFieldDescs(); ++id) {
         const osg::FieldDescription* description = type.getFieldDescription(id);
-        if (!description || !kaAnimationManager::the()->isAnimationAttribute(description->getCName()))
+        if (!description || !kaAttributeNames::the().contains(description->getCName()))
             continue;
         const osg::Field* field = container->getField(id);
         if (!field || field->getCardinality() != osg::FieldType::SINGLE_FIELD)
@@ -112,7 +113,7 @@ void kaFieldDiscovery::addVisibleField() {
 void kaFieldDiscovery::add(osg::UInt32 containerID, const std::string& name, const std::string& suffix,
                            float value, unsigned int component) {
     _made.push_back(nullptr);
-    kaAnimationField* field = kaAnimationManager::the()->createField(0);
+    kaAnimationField* field = kaFieldStore::make(0);
     _made.back() = field;
     field->fcID = containerID;
     field->nodeID = _nodeID;

@@ -1,18 +1,15 @@
 #include "kaSceneSync.h"
 
-#include "kaAnimationManager.h"
 #include "kaAnimationObject.h"
-#include "kaObjectRegistry.h"
-#include "kaSceneAccess.h"
+#include "kaAnimationStrip.h"
+#include "kaAttachments.h"
+#include "kaFieldStore.h"
+#include "kaObjectStore.h"
 #include "kaSceneNodes.h"
 
 #include <boost/unordered/unordered_flat_set.hpp>
 
 namespace {
-
-kaAnimationManager& manager() {
-    return *kaAnimationManager::the();
-}
 
 void insertAll(std::set<kaUID>& ids, const osg::MFUInt64& listed) {
     ids.insert(listed.begin(), listed.end());
@@ -31,12 +28,12 @@ bool isTopLevel(const kaAnimationObject& object) {
 
 void destroyObjects(const std::vector<kaUID>& ids) {
     for (kaUID id : ids)
-        manager().destroyObject(manager().getObject(id));
+        kaObjectStore::destroy(kaObjectStore::find(id));
 }
 
 void destroyFields(const std::vector<kaUID>& ids) {
     for (kaUID id : ids)
-        manager().destroyField(manager().getField(id));
+        kaFieldStore::destroy(kaFieldStore::find(id));
 }
 
 void pushChildren(const osg::NodePtr& node, std::vector<osg::UInt32>& pending) {
@@ -50,11 +47,11 @@ void kaSceneSync::mark(const osg::NodePtr& root) {
     if (root == osg::NullFC)
         return;
     _objects.clear();
-    kaSceneNodes::forEach(root, kaAnimationManager::collectActualObjectsAndFields);
+    kaSceneNodes::forEach(root, [this](const osg::NodePtr& node) { collect(node); });
 }
 
 void kaSceneSync::collect(const osg::NodePtr& node) {
-    const osg::AnimAttachmentPtr attachment = kaSceneAccess::attachmentOf(node);
+    const osg::AnimAttachmentPtr attachment = kaAttachments::of(node);
     if (attachment == osg::NullFC)
         return;
     insertAll(_objects, attachment->getObjectIDs());
@@ -70,8 +67,8 @@ void kaSceneSync::sweep() const {
 
 std::vector<kaUID> kaSceneSync::unreferencedObjects() const {
     std::vector<kaUID> ids;
-    for (const auto& [id, object] : manager().registry().ordered())
-        if (object->getTypeID() != KA_TYPE_STRIP && isTopLevel(*object) && !object->isInternal() &&
+    for (const auto& [id, object] : kaObjectRegistry::the().ordered())
+        if (!kaObjectCast<kaAnimationStrip>(object) && isTopLevel(*object) && !object->isInternal() &&
             _objects.count(id) == 0)
             ids.push_back(id);
     return ids;
@@ -79,7 +76,7 @@ std::vector<kaUID> kaSceneSync::unreferencedObjects() const {
 
 std::vector<kaUID> kaSceneSync::unreferencedFields() const {
     std::vector<kaUID> ids;
-    for (const auto& [id, field] : manager().registry().fields())
+    for (const auto& [id, field] : kaObjectRegistry::the().fields())
         if (_fields.count(id) == 0)
             ids.push_back(id);
     return ids;
@@ -92,7 +89,7 @@ void kaSceneSync::destroyNodeObjects(const osg::NodePtr& node, bool recursive) {
     while (!pending.empty()) {
         const osg::UInt32 id = pending.back();
         pending.pop_back();
-        const osg::AnimAttachmentPtr attachment = kaSceneAccess::attachmentOf(kaSceneNodes::find(id));
+        const osg::AnimAttachmentPtr attachment = kaAttachments::of(kaSceneNodes::find(id));
         if (attachment == osg::NullFC || !seen.insert(id).second)
             continue;
         const std::vector<kaUID> objectIDs = copied(attachment->getObjectIDs());

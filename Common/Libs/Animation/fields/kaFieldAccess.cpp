@@ -1,8 +1,8 @@
 #include "kaFieldAccess.h"
 
-#include "kaAnimationManager.h"
-#include "kaAnimationUtils.h"
 #include "kaFieldBinding.h"
+#include "kaHostCamera.h"
+#include "kaRounding.h"
 #include "kaSceneAccess.h"
 
 #include <cmath>
@@ -67,9 +67,9 @@ void announce(const osg::FieldContainerPtr& container, osg::BitVector mask, Role
     if (camera == osg::NullFC)
         return;
     if (role == Role::Roll)
-        kaAnimationManager::the()->setRoll(camera->getRoll());
+        kaHostCamera::setRoll(camera->getRoll());
     else
-        kaAnimationManager::the()->setFromAtUp(camera->getFrom(), camera->getAt(), camera->getUp());
+        kaHostCamera::setFromAtUp(camera->getFrom(), camera->getAt(), camera->getUp());
 }
 
 bool differs(const kaFieldBinding& binding, const kaAnimationField& field) {
@@ -139,7 +139,7 @@ bool writeNode(kaFieldBinding& binding, const kaAnimationField& field) {
         return false;
     const osg::NodePtr node = binding.node;
     if (binding.role == Role::Visible) {
-        writeVisible(node, kaAnimationUtils::floatToBool(field.value));
+        writeVisible(node, kaRounding::toBool(field.value));
     } else if (binding.role != Role::None) {
         osg::Vec3f angles = binding.rotation();
         osg::Real32& angle = angles[axisOf(binding.role)];
@@ -164,19 +164,17 @@ bool replaceComponent(Tuple& tuple, unsigned int component, float value) {
 /// scene. A changed roll is not handed on here; the call without it still tells the host to refresh its
 /// camera.
 void writeHostCamera(Role role, unsigned int component, float value) {
-    kaAnimationManager& manager = *kaAnimationManager::the();
     osg::Pnt3f from;
     osg::Pnt3f at;
     osg::Vec3f up;
-    float roll = 0.0F;
-    manager.getFromAtUp(from, at, up);
-    manager.getRoll(roll);
+    kaHostCamera::getFromAtUp(from, at, up);
+    const float roll = kaHostCamera::getRoll();
     if ((role == Role::From && !replaceComponent(from, component, value)) ||
         (role == Role::At && !replaceComponent(at, component, value)) ||
         (role == Role::Up && !replaceComponent(up, component, value)) ||
         (role == Role::Roll && roll == value))
         return;
-    manager.setFromAtUp(from, at, up);
+    kaHostCamera::setFromAtUp(from, at, up);
 }
 
 float readNode(kaFieldBinding& binding, const kaAnimationField& field) {

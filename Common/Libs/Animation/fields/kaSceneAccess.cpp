@@ -15,10 +15,6 @@ osg::FieldContainerPtr kaSceneAccess::materialOf(const osg::NodeCorePtr& core) {
     return group != osg::NullFC ? osg::FieldContainerPtr(group->getMaterial()) : osg::FieldContainerPtr();
 }
 
-osg::AnimAttachmentPtr kaSceneAccess::attachmentOf(const osg::NodePtr& node) {
-    return osg::AnimAttachmentPtr::dcast(kaAnimationUtils::getAnimationAttachment(node));
-}
-
 void kaSceneAccess::recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) noexcept {
     try {
         if (osg::ChangeList* changes = osg::PThreadBase::getCurrentChangeList())

@@ -99,13 +99,17 @@ Role roleNamed(std::string_view name, Role first, Role last) {
 
 } // namespace
 
+void kaAnimationField::BindingDeleter::operator()(kaFieldBinding* binding) const {
+    delete binding;
+}
+
 float kaFieldBinding::storedForm(bool isAngle, float value) {
     return isAngle ? value * 2.0F * PI / 360.0F : value;
 }
 
 kaFieldBinding& kaFieldBinding::renewed(kaAnimationField& field, const osg::FieldContainerPtr& container) {
     if (!field._binding)
-        field._binding = std::make_unique<kaFieldBinding>();
+        field._binding.reset(new kaFieldBinding);
     field._binding->resolve(field, container);
     return *field._binding;
 }

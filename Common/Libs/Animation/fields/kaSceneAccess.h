@@ -1,10 +1,7 @@
 #pragma once
 
-#include "kaAliveGuard.h"
 #include "kaAnimationTypes.h"
-#include "kaAnimationUtils.h"
 
-#include <OpenSG/OSGAnimAttachment.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGFieldContainerType.h>
@@ -26,9 +23,6 @@ osg::NodeCorePtr coreOf(const osg::NodePtr& node);
 /// The material that a material group holds; null for other cores and for a group without material.
 osg::FieldContainerPtr materialOf(const osg::NodeCorePtr& core);
 
-/// The node's animation attachment; null for a null node or one without.
-osg::AnimAttachmentPtr attachmentOf(const osg::NodePtr& node);
-
 /// Records an edit of an attachment's id lists in the current change list. The container's own notification
 /// is left out: objects leave their node's list in the middle of being destroyed, where the host must not be
 /// called. For the same reason a list that finds no memory goes without the entry.
@@ -48,15 +42,6 @@ bool isKindOf(const osg::FieldContainerPtr& container) {
     while (type && type->getGroupId() != Reference::getClassType().getGroupId())
         type = type->getParent();
     return type != nullptr;
-}
-
-/// Lists an object on a node, if there is one. @return the object, or null when the host freed it in answer
-/// to the announcement of a new attachment.
-template <class Object>
-Object* listedOn(const osg::NodePtr& node, Object* object) {
-    const kaAliveGuard alive(*object);
-    kaAnimationUtils::addAnimationObject(node, object);
-    return alive ? object : nullptr;
 }
 
 } // namespace kaSceneAccess

@@ -1,0 +1,381 @@
+#include "kaAliveGuard.h"
+#include "kaAnimationObject.h"
+#include "kaEdits.h"
+#include "kaObjectGroup.h"
+#include "kaObjectStore.h"
+#include "kaWatchedObjects.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+// What an object has below it, its end with all of that, and whom it tells of changes.
+
+namespace {
+
+kaAnimationObject* find(kaUID id) {
+    return kaObjectStore::find(id);
+}
+
+/// Takes from `ids` those that stand in `gone`, up to the first shared id that is 0. Ids ascend, so a shared
+/// 0 comes first and nothing is taken.
+void removeShared(std::set<kaUID>& ids, const std::set<kaUID>& gone) {
+    if (ids.empty() || (gone.count(0) > 0 && ids.count(0) > 0))
+        return;
+    if (&ids == &gone) {
+        ids.clear();
+        return;
+    }
+    for (kaUID id : gone)
+        ids.erase(id);
+}
+
+const std::set<kaUID>& noIDs() {
+    static const std::set<kaUID> none;
+    return none;
+}
+
+/// Levels below `object` down to a leaf, itself included; counted no further than one too many. Curves, keys
+/// and sequences hold no containers, so only tracks and clips are walked.
+unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen,
+                      unsigned int level = 0) {
+    const unsigned int type = object.getTypeID();
+    if (type == KA_TYPE_POINT || type == KA_TYPE_SEQUENCE)
+        return 1;
+    if (type == KA_TYPE_CURVE)
+        return 2;
+    if (type == KA_TYPE_UNIT)
+        return 3;
+    if (level >= KA_MAX_DEPTH || !seen.insert(&object).second)
+        return 1;
+    unsigned int below = 0;
+    for (const kaAnimationObject* child : object.getObjects())
+        below = std::max(below, heightOf(*child, seen, level + 1));
+    return below + 1;
+}
+
+} // namespace
+
+kaAnimationObject::~kaAnimationObject() {
+    destroyChildren();
+    if (_home)
+        _home->list->childLost(*this);
+    if (_registered && kaObjectRegistry::isAlive())
+        kaObjectStore::drop(*this);
+    kaObjectStore::forget(*this);
+    kaAliveGuard::forget(*this);
+    kaWatchedObjects::forget(this);
+}
+
+namespace {
+
+/// Levels of destruction under way, and the children that stand deeper than containers accept (a host wrote
+/// their lists directly): those wait until the levels above are done, so that any depth fits the stack.
+unsigned int destructionDepth = 0;
+std::vector<kaUID>& postponedChildren() {
+    static std::vector<kaUID> ids;
+    return ids;
+}
+
+} // namespace
+
+/// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
+/// to end. Allocates nothing, within the depth that containers accept: destruction cannot fail.
+void kaAnimationObject::destroyChildren() {
+    if (!_group || _group->children.empty() || !kaObjectRegistry::isAlive())
+        return;
+    const bool tooDeep = destructionDepth >= KA_MAX_DEPTH;
+    ++destructionDepth;
+    _group->children.beginTaking();
+    while (!_group->children.empty()) {
+        const kaUID id = _group->children.takeNext();
+        kaAnimationObject* child = find(id);
+        if (tooDeep)
+            postponedChildren().push_back(id);
+        else if (child && child != this)
+            kaObjectStore::destroy(child);
+    }
+    --destructionDepth;
+    while (destructionDepth == 0 && !postponedChildren().empty()) {
+        kaAnimationObject* child = find(postponedChildren().back());
+        postponedChildren().pop_back();
+        if (child && child != this)
+            kaObjectStore::destroy(child);
+    }
+}
+
+// Changes.
+
+void kaAnimationObject::setId(kaUID id) {
+    if (id == _id)
+        return;
+    if (_home)
+        _home->list->childLost(*this);
+    if (_ownChild)
+        children(); // keeps the former id as its only child
+    _id = id;
+    _findable = false;
+    kaEdits::note();
+}
+
+kaAnimationObject* kaAnimationObject::getParentObject() const {
+    return _parent != 0 ? find(_parent) : nullptr;
+}
+
+void kaAnimationObject::noteChange() {
+    if (getTypeID() == KA_TYPE_POINT)
+        kaEdits::noteKey();
+    else
+        kaEdits::note();
+    tellList();
+}
+
+void kaAnimationObject::tellList() {
+    if (_home)
+        _home->list->childChanged(*_home, *this);
+}
+
+void kaAnimationObject::noteReshaped() {
+    kaEdits::noteKey();
+    if (_home)
+        _home->list->childReshaped(*this);
+}
+
+/// Of the extent, evaluation reads the span alone.
+void kaAnimationObject::storeExtent(const kaExtent& extent) {
+    const bool isSpanKept = _begin == extent.begin && _end == extent.end;
+    const bool isKept = isSpanKept && _maximum == extent.maximum && _minimum == extent.minimum;
+    _begin = extent.begin;
+    _end = extent.end;
+    _maximum = extent.maximum;
+    _minimum = extent.minimum;
+    if (!isSpanKept)
+        kaEdits::note();
+    if (!isKept)
+        tellList();
+}
+
+const kaAnimationObject::Playback& kaAnimationObject::playback() const {
+    static const Playback defaults;
+    return _group && _group->playback ? *_group->playback : defaults;
+}
+
+kaAnimationObject::Playback& kaAnimationObject::editPlayback() {
+    std::unique_ptr<Playback>& own = group().playback;
+    if (!own)
+        own = std::make_unique<Playback>();
+    return *own;
+}
+
+kaAnimationObject::Group& kaAnimationObject::group() {
+    if (!_group)
+        _group = std::make_unique<Group>(*this);
+    return *_group;
+}
+
+// Children.
+
+kaChildList& kaAnimationObject::children() {
+    Group& owned = group();
+    if (_ownChild) {
+        owned.children.assign({_id});
+        _ownChild = false;
+    }
+    return owned.children;
+}
+
+const kaChildList* kaAnimationObject::childrenOrNull() const {
+    return _group ? &_group->children : nullptr;
+}
+
+void kaAnimationObject::becomeOwnChild() {
+    _ownChild = true;
+}
+
+std::vector<kaUID> kaAnimationObject::getChildIDs() const {
+    if (_ownChild)
+        return {_id};
+    return _group ? _group->children.ids() : std::vector<kaUID>();
+}
+
+void kaAnimationObject::setChildIDs(const std::vector<kaUID>& ids) {
+    _ownChild = false;
+    group().children.assign(ids);
+    noteChange();
+}
+
+std::size_t kaAnimationObject::getChildCount() const {
+    return _ownChild ? 1 : (_group ? _group->children.size() : 0);
+}
+
+bool kaAnimationObject::hasChildren() const {
+    return getChildCount() > 0;
+}
+
+std::vector<kaAnimationObject*> kaAnimationObject::getObjects() const {
+    std::vector<kaAnimationObject*> objects;
+    if (_ownChild) {
+        if (kaAnimationObject* object = find(_id))
+            objects.push_back(object);
+    } else if (_group) {
+        objects.reserve(_group->children.size());
+        _group->children.forEach([&objects](kaAnimationObject& child) { objects.push_back(&child); });
+    }
+    return objects;
+}
+
+bool kaAnimationObject::hasChild(kaUID id) const {
+    return _ownChild ? id == _id : _group && _group->children.contains(id);
+}
+
+std::pair<std::size_t, bool> kaAnimationObject::findObject(kaUID id) const {
+    if (_ownChild)
+        return id == _id ? std::make_pair(std::size_t{0}, true) : std::make_pair(std::size_t{1}, false);
+    return _group ? _group->children.position(id) : std::make_pair(std::size_t{0}, false);
+}
+
+std::pair<std::size_t, bool> kaAnimationObject::findObject(float begin) const {
+    if (_ownChild) {
+        const kaAnimationObject* object = find(_id);
+        const bool found = object && object->getBegin() == begin;
+        return {found ? std::size_t{0} : std::size_t{1}, found};
+    }
+    return _group ? _group->children.position(begin) : std::make_pair(std::size_t{0}, false);
+}
+
+bool kaAnimationObject::compareObjectsByBegin(kaUID a, kaUID b) {
+    const kaAnimationObject* first = find(a);
+    const kaAnimationObject* second = find(b);
+    return first && second && first->getBegin() < second->getBegin();
+}
+
+bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int levelsBetween) const {
+    if (&object == this)
+        return false;
+    unsigned int depth = 1;
+    for (const kaAnimationObject* ancestor = getParentObject(); ancestor;
+         ancestor = ancestor->getParentObject()) {
+        if (ancestor == &object || ++depth >= KA_MAX_DEPTH)
+            return false;
+    }
+    // A track that stands in two lists has one parent only, so the other lies below it without being above.
+    std::unordered_set<const kaAnimationObject*> below;
+    const unsigned int height = heightOf(object, below);
+    return below.count(this) == 0 && depth + levelsBetween + height <= KA_MAX_DEPTH;
+}
+
+// Ids below.
+
+const std::set<kaUID>& kaAnimationObject::getCurveIDs() const {
+    return _group ? _group->curves : noIDs();
+}
+
+const std::set<kaUID>& kaAnimationObject::getSequenceIDs() const {
+    return _group ? _group->sequences : noIDs();
+}
+
+void kaAnimationObject::setCurveIDs(const std::set<kaUID>& ids) {
+    group().curves = ids;
+    ++group().curvesRevision;
+    kaEdits::note();
+}
+
+void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
+    group().sequences = ids;
+}
+
+void kaAnimationObject::insertCurveID(kaUID id) {
+    group().curves.insert(id);
+    ++group().curvesRevision;
+    kaEdits::note();
+}
+
+void kaAnimationObject::insertSequenceID(kaUID id) {
+    group().sequences.insert(id);
+}
+
+// Notices.
+
+void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
+                               Operation operation) {
+    if (operation == MOVE_OBJECT || (curves.empty() && sequences.empty()))
+        return;
+    Group& owned = group();
+    if (operation == ADD_OBJECT && &curves != &owned.curves) {
+        owned.curves.insert(curves.begin(), curves.end());
+        owned.sequences.insert(sequences.begin(), sequences.end());
+    } else if (operation == SUB_OBJECT) {
+        removeShared(owned.curves, curves);
+        removeShared(owned.sequences, sequences);
+    }
+    ++owned.curvesRevision;
+    kaEdits::note();
+}
+
+namespace {
+
+/// Calls `step` for `object` and, with `recursive`, its ancestors. Parent ids that a host has bent into a
+/// ring end after as many levels as a tree may have.
+template <class Step>
+void climb(kaAnimationObject& object, bool recursive, Step&& step) {
+    kaAnimationObject* level = &object;
+    for (unsigned int depth = 0; level && depth < KA_MAX_DEPTH; ++depth) {
+        step(*level);
+        level = recursive ? level->getParentObject() : nullptr;
+    }
+}
+
+} // namespace
+
+void kaAnimationObject::updateBy(kaAnimationObject* child, Operation operation, bool recursive) {
+    if (child)
+        takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
+}
+
+void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation operation, bool recursive) {
+    if (ids.empty())
+        return;
+    const kaAnimationObject* first = find(ids.front());
+    takeInUpwards(first ? first->getCurveIDs() : noIDs(), first ? first->getSequenceIDs() : noIDs(),
+                  operation, recursive);
+}
+
+/// An object that stands for its own child (a curve that lost its last key) or comes round in a ring of
+/// parents loses the very ids that the others are to lose, so it loses them last.
+void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
+                                      Operation operation, bool recursive) {
+    kaAnimationObject* source = nullptr;
+    climb(*this, recursive, [&](kaAnimationObject& level) {
+        if (operation == SUB_OBJECT && level._group && &level._group->curves == &curves)
+            source = &level;
+        else
+            level.takeIn(curves, sequences, operation);
+        if (level._group)
+            level._group->children.sort();
+        level.updateBounds();
+    });
+    if (source)
+        source->takeIn(curves, sequences, operation);
+}
+
+void kaAnimationObject::tellParentMoved(bool tellParent) {
+    if (!tellParent)
+        return;
+    if (kaAnimationObject* parent = getParentObject())
+        parent->updateBy(this, MOVE_OBJECT, true);
+}
+
+void kaAnimationObject::updateCurves() {}
+
+void kaAnimationObject::updateBounds() {
+    if (!hasChildren())
+        return;
+    if (!_ownChild) {
+        storeExtent(_group->children.extent());
+        return;
+    }
+    kaExtent extent;
+    if (const kaAnimationObject* self = find(_id))
+        if (self->hasChildren() || self->getTypeID() == KA_TYPE_SEQUENCE)
+            extent = {self->getBegin(), self->getEnd(), self->getMaximum(), self->getMinimum()};
+    storeExtent(extent);
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "kaAnimationTypes.h"
+#include "kaObjectClass.h"
+#include "kaObjectRegistry.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+class kaAnimationObject;
+
+/// Makes, finds, copies, renames and frees the objects, which `kaObjectRegistry` lists by id. What an object
+/// needs of the layers above when it goes or fires, these tell the store once (`Hooks`).
+class kaObjectStore {
+  public:
+    kaObjectStore() = delete;
+
+    /// What the layers above do for the object model; null until one of them is there.
+    struct Hooks {
+        /// The object is about to be destroyed: takes it off the list of its scene node.
+        void (*leaveNode)(kaAnimationObject& object) = nullptr;
+        /// Connections of an object fire.
+        void (*fire)(const std::vector<kaUID>& connections) = nullptr;
+    };
+    static Hooks hooks;
+
+    /// Has `forget` called for every object that is about to be freed, so that nothing keeps a pointer to it. It
+    /// allocates nothing and lasts as long as the process.
+    static void addForgetter(void (*forget)(kaAnimationObject& object));
+    /// The object is about to be freed.
+    static void forget(kaAnimationObject& object);
+
+    /// @name Entries
+    /// @{
+
+    /// Enters an object under its id. @return false, with nothing changed, when the id has an entry.
+    static bool enter(kaAnimationObject& object);
+    /// Takes away the entry of the object's id, whatever object it holds, and the object's own, should a host
+    /// have written its id: an object that is being destroyed is found by nobody.
+    static void remove(kaAnimationObject& object);
+    /// Takes away the entry of an object that is all but gone, under whatever id it stands.
+    static void drop(kaAnimationObject& object);
+    /// Gives an object the id `to`, which is free. An object that is not registered stays so, unless its
+    /// former id is: then it takes that entry over. When memory runs out nothing is changed.
+    static void rename(kaAnimationObject& object, kaUID to);
+    /// @}
+
+    /// The object with that id; null when there is none, or when it is of another class.
+    static kaAnimationObject* find(kaUID id) { return kaObjectRegistry::the().find(id); }
+    template <class Object>
+    static Object* find(kaUID id) {
+        return kaObjectCast<Object>(find(id));
+    }
+
+    /// A new registered object. One whose id is taken is made but not registered.
+    template <class Object, class... Arguments>
+    static Object* make(Arguments&&... arguments) {
+        auto object = std::make_unique<Object>(std::forward<Arguments>(arguments)...);
+        enter(*object);
+        return object.release();
+    }
+
+    /// A registered copy of an object of that class and of everything below it; null gives null.
+    template <class Object>
+    static Object* duplicate(Object* source) {
+        return source ? make<Object>(*source) : nullptr;
+    }
+    /// The same by the object's own class. Null for null and for a sequence: copied tracks lose theirs.
+    static kaAnimationObject* duplicateAny(kaAnimationObject* source);
+
+    /// The object leaves its node's list, its parent and the registry, then it is freed with its whole
+    /// subtree. Null does nothing.
+    static void destroy(kaAnimationObject* object);
+    /// The same for a key or a handle, which leaves a curve and no other parent.
+    static void destroyKey(kaAnimationObject* key);
+
+  private:
+    static void erase(kaUID id);
+    static void free(kaAnimationObject& object);
+};
