@@ -3,6 +3,7 @@
 #include "kaAnimationManager.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationUtils.h"
+#include "kaFold.h"
 #include "kaNesting.h"
 #include "kaOpenSGUtils.h"
 #include "kaPlayedObjects.h"
@@ -21,6 +22,18 @@ void send(std::string_view name, std::string_view key, boost::any value) {
     kaMessage message;
     message.set(key, std::move(value), true);
     kaOpenSGUtils::call(name, message, 0);
+}
+
+float wholeFrame(float frame) {
+    return static_cast<float>(kaAnimationUtils::floatToInt(frame));
+}
+
+/// The nearest whole frame that does not lie beyond a range that repeats. A range that holds none is played
+/// as it is: a frame beyond it would end what never ends by itself.
+float wholeFrameWithin(float frame, float begin, float end) {
+    const float nearest = wholeFrame(frame);
+    const float whole = nearest < begin ? std::ceil(begin) : nearest > end ? std::floor(end) : nearest;
+    return begin <= whole && whole <= end ? whole : frame;
 }
 
 } // namespace
@@ -82,12 +95,11 @@ void kaAnimationController::playLoop() {
 
 float kaAnimationController::globalFrame() {
     const float run = (nowAsFloat() - _startTime) * _fps;
-    float frame = _start + (_reverse ? -run : run);
-    if (_repeat) {
-        const float length = _end - _begin;
-        frame = length == 0.0F ? _begin : frame - length * std::floor((frame - _begin) / length);
-    }
-    return _forcePlayLoopFullFrame ? static_cast<float>(kaAnimationUtils::floatToInt(frame)) : frame;
+    const float frame = _start + (_reverse ? -run : run);
+    const float folded = _repeat ? kaFold(frame, _begin, _end) : frame;
+    if (!_forcePlayLoopFullFrame)
+        return folded;
+    return _repeat && _begin <= _end ? wholeFrameWithin(folded, _begin, _end) : wholeFrame(folded);
 }
 
 void kaAnimationController::announceFullFrame(float frame) {
