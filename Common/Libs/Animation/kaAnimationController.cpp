@@ -193,17 +193,19 @@ void kaAnimationController::loop() {
     if (_pausing || !tick)
         return;
     const double time = now();
+    _played->finished.clear();
     std::vector<kaUID> finished;
     for (kaUID id : _played->running.ids()) {
         kaAnimationObject* object = _played->running.find(id);
         if (object && object->isActive() && !object->isPausing() && playOn(*object, time))
             finished.push_back(id);
     }
-    for (kaUID id : finished) {
-        if (kaAnimationObject* object = _played->running.find(id))
-            object->setUseCustomRange(false);
+    // The objects themselves are remembered: what ended may have been taken out of the table since.
+    for (kaAnimationObject* object : _played->finished.objects())
+        object->setUseCustomRange(false);
+    _played->finished.clear();
+    for (kaUID id : finished)
         _played->running.erase(id);
-    }
     enqueueWaitingObjects();
 }
 
@@ -222,6 +224,8 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
     _currentFrame = frame;
     const kaAliveGuard alive(object);
     const bool finished = evaluateObject(&object, frame, false);
+    if (finished && alive)
+        _played->finished.append(&object);
     if (alive)
         object.triggerLoop(frame);
     return finished;
