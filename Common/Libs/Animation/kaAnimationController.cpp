@@ -14,14 +14,6 @@
 
 #include <chrono>
 
-namespace {
-
-/// What a host's callback brings about by calling in again is followed this far. Few levels for sequences,
-/// because each level may multiply.
-constexpr unsigned int MaxSequenceDepth = 4;
-
-} // namespace
-
 float kaAnimationController::_fps = 25.0F;
 float kaAnimationController::_currentFrame = 0.0F;
 float kaAnimationController::_fullFrame = 0.0F;
@@ -132,7 +124,7 @@ void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curv
 
 void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSequence*>& sequences,
                                               float frame) {
-    const kaNesting level(_sequenceDepth, MaxSequenceDepth);
+    const kaNesting level(_played->sequenceFiring);
     if (!level)
         return;
     const kaSnapshot<kaAnimationSequence> present(sequences);
@@ -189,7 +181,7 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
 // Object playback.
 
 void kaAnimationController::loop() {
-    const kaNesting tick(_loopDepth, 1);
+    const kaNesting tick(_played->loop, 1);
     if (_pausing || !tick)
         return;
     const double time = now();
@@ -271,7 +263,7 @@ void kaAnimationController::stop() {
 }
 
 void kaAnimationController::reset() {
-    const kaNesting level(_resetDepth, 1);
+    const kaNesting level(_played->reset, 1);
     if (!level)
         return;
     for (kaUID id : _played->running.ids()) {

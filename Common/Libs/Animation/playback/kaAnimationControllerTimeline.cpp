@@ -15,9 +15,6 @@
 
 namespace {
 
-/// Callbacks for a frame that jump again are followed this far.
-constexpr unsigned int MaxNotifyDepth = 8;
-
 void send(std::string_view name, std::string_view key, boost::any value) {
     kaMessage message;
     message.set(key, std::move(value), true);
@@ -73,7 +70,7 @@ void kaAnimationController::playGlobal(unsigned long long id, bool reverse, bool
 }
 
 void kaAnimationController::playLoop() {
-    const kaNesting tick(_playLoopDepth, 1);
+    const kaNesting tick(_played->playLoop, 1);
     if (!_playing || _pausing || !tick)
         return;
     const unsigned int takeovers = _takeovers;
@@ -168,7 +165,7 @@ void kaAnimationController::jumpTo(const std::vector<kaAnimationCurve2D*>& curve
 }
 
 void kaAnimationController::notifyFrame(float frame) {
-    const kaNesting level(_notifyDepth, MaxNotifyDepth);
+    const kaNesting level(_played->notice);
     if (!level)
         return;
     if (_currentFrameTimeLineCB)
