@@ -290,19 +290,6 @@ TEST_F(Callback, MayMakeConnectionsWhileConnectionsRun) {
     EXPECT_EQ(later, 1000);
 }
 
-TEST_F(Callback, ThatFiresItsOwnTriggerIsFollowedSomeLevelsDeepOnly) {
-    static kaAnimationUnit* source = nullptr;
-    static int calls = 0;
-    source = first;
-    calls = 0;
-    manager->createConnection(source, Manager::TriggerBegin, [] {
-        ++calls;
-        source->triggerLoop(0.0F);
-    });
-    source->triggerLoop(0.0F);
-    EXPECT_EQ(calls, 8);
-}
-
 // The clock and the cameras are callbacks, too.
 
 TEST_F(Callback, OfTheClockMayDestroyTheObjectThatIsPaused) {

@@ -123,19 +123,6 @@ TEST_F(Jump, TellsOnlyTheEditorsThatListen) {
     EXPECT_THAT(told, ElementsAre(Pair("curve editor", 10.0F)));
 }
 
-TEST_F(Jump, AnEditorThatJumpsAgainIsFollowedSomeLevelsDeepOnly) {
-    static kaAnimationUnit* block = nullptr;
-    block = makeBlock(10.0F, 20.0F);
-    Controller::setCurrentFrameCurveEditorCB(nullptr);
-    Controller::setCurrentFrameClipMakerCB(nullptr);
-    Controller::setCurrentFrameTimeLineCB([](float frame) {
-        told.emplace_back("time line", frame);
-        Controller::the()->gotoGlobalBegin(block);
-    });
-    controller->gotoGlobalEnd(block);
-    EXPECT_EQ(told.size(), 8U);
-}
-
 TEST_F(Jump, SettingTheFrameTellsAllListenersAndEvaluatesNothing) {
     kaAnimationUnit* block = makeBlock(10.0F, 20.0F);
     controller->setObjectID(block->getId());

@@ -119,15 +119,4 @@ TEST_F(SequenceFiring, HappensOncePerEvaluatedFrameThatIsNew) {
     EXPECT_EQ(fired.size(), 2U);
 }
 
-TEST_F(SequenceFiring, ThatMakesSequencesFireIsFollowedSomeLevelsDeepOnly) {
-    static kaAnimationSequence* self = nullptr;
-    self = sequence;
-    Controller::setSeqCB([](std::string name) {
-        fired.push_back(std::move(name));
-        Controller::the()->evaluateSequences({self}, 15.0F);
-    });
-    controller->evaluateSequences({sequence}, 15.0F);
-    EXPECT_EQ(fired.size(), 4U);
-}
-
 } // namespace

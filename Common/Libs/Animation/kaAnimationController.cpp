@@ -15,14 +15,6 @@
 
 #include <chrono>
 
-namespace {
-
-/// What a host's callback brings about by calling in again is followed this far. Few levels for sequences,
-/// because each level may multiply.
-constexpr unsigned int MaxSequenceDepth = 4;
-
-} // namespace
-
 float kaAnimationController::_fps = 25.0F;
 float kaAnimationController::_currentFrame = 0.0F;
 float kaAnimationController::_fullFrame = 0.0F;
@@ -138,7 +130,7 @@ void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curv
 
 void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSequence*>& sequences,
                                               float frame) {
-    const kaNesting level(_sequenceDepth, MaxSequenceDepth);
+    const kaNesting level(_played->sequenceFiring);
     if (!level)
         return;
     const kaSnapshot<kaAnimationSequence> present(sequences);
@@ -194,21 +186,23 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
 // Object playback.
 
 void kaAnimationController::loop() {
-    const kaNesting tick(_loopDepth, 1);
+    const kaNesting tick(_played->loop, 1);
     if (_pausing || !tick)
         return;
     const double time = now();
+    _played->finished.clear();
     std::vector<kaUID> finished;
     for (kaUID id : _played->running.ids()) {
         kaAnimationObject* object = _played->running.find(id);
         if (object && object->isActive() && !object->isPausing() && playOn(*object, time))
             finished.push_back(id);
     }
-    for (kaUID id : finished) {
-        if (kaAnimationObject* object = _played->running.find(id))
-            object->setUseCustomRange(false);
+    // The objects themselves are remembered: what ended may have been taken out of the table since.
+    for (kaAnimationObject* object : _played->finished.objects())
+        object->setUseCustomRange(false);
+    _played->finished.clear();
+    for (kaUID id : finished)
         _played->running.erase(id);
-    }
     enqueueWaitingObjects();
 }
 
@@ -227,6 +221,8 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
     _currentFrame = frame;
     const kaAliveGuard alive(object);
     const bool finished = evaluateObject(&object, frame, false);
+    if (finished && alive)
+        _played->finished.append(&object);
     if (alive)
         object.triggerLoop(frame);
     return finished;
@@ -272,7 +268,7 @@ void kaAnimationController::stop() {
 }
 
 void kaAnimationController::reset() {
-    const kaNesting level(_resetDepth, 1);
+    const kaNesting level(_played->reset, 1);
     if (!level)
         return;
     for (kaUID id : _played->running.ids()) {

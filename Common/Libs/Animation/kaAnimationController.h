@@ -81,8 +81,8 @@ class KA_ANIMATION_API kaAnimationController {
     /// Hands the names of the active sequences that fire at `frame` to the host, with the host's simulation
     /// off meanwhile. A sequence fires while the frame is in its span, and once armed as soon as the frame
     /// has reached its begin; then it is disarmed. Edges: a host whose sequence callback evaluates objects
-    /// has their sequences fire too, four levels deep; what
-    ///        is reached deeper does not fire.
+    /// has their sequences fire too, a hundred levels deep; what is reached deeper does not fire. Where each
+    /// call makes several, those below the fourth level are followed 65 536 times in all.
     void evaluateSequences(const std::vector<kaAnimationSequence*>& sequences, float frame);
 
     /// Writes every field into the scene, in order. Nulls and fields that are destroyed meanwhile are passed
@@ -293,9 +293,4 @@ class KA_ANIMATION_API kaAnimationController {
     std::unique_ptr<kaPlayedObjects> _played;
 
     unsigned int _takeovers = 0; ///< how often the timeline was started or jumped
-    unsigned int _loopDepth = 0;
-    unsigned int _playLoopDepth = 0;
-    unsigned int _resetDepth = 0;
-    unsigned int _sequenceDepth = 0;
-    unsigned int _notifyDepth = 0;
 };

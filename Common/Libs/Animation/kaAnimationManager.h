@@ -288,7 +288,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     bool createConnection(kaAnimationObject* source, AnimationTrigger trigger, void (*function)());
     /// Carries out connections in the order given: starting queues an active target for the end of the
     /// controller's next `loop()`, stopping takes the target out of the running objects and leaves its flags
-    /// alone. Unknown ids are passed over. Functions that fire triggers again are followed eight levels deep.
+    /// alone. Unknown ids are passed over. Functions that fire triggers again are followed a hundred
+    /// levels deep; where each fires several, those below the fourth level 65 536 times in all.
     void executeTriggers(std::vector<unsigned long long> connectionIDs);
     /// Connection id to (target, action); a destroyed target leaves a null here.
     std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;

@@ -2,13 +2,6 @@
 
 #include "kaAnimationController.h"
 #include "kaAnimationObject.h"
-#include "kaNesting.h"
-
-namespace {
-
-constexpr unsigned int MaxDepth = 8;
-
-} // namespace
 
 void kaConnections::add(kaUID id, kaAnimationObject& target, AnimationAction action) {
     if (_objects.emplace(id, std::make_pair(&target, action)).second)
@@ -25,7 +18,7 @@ void kaConnections::disconnect(kaAnimationObject* target) {
 }
 
 void kaConnections::execute(const std::vector<kaUID>& ids) {
-    const kaNesting level(_depth, MaxDepth);
+    const kaNesting level(_depth);
     if (!level)
         return;
     for (kaUID id : ids) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
+#include "kaNesting.h"
 
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <map>
@@ -28,8 +29,7 @@ class kaConnections : public kaConnectionTypes {
 
     /// Carries out connections in the order given; ids that nobody has are passed over. A function may do
     /// anything, even make connections. Edges: functions that fire triggers whose functions fire triggers,
-    /// and so on, are followed eight levels
-    ///        deep; what fires deeper does nothing.
+    /// and so on, are followed as far as `kaNesting` allows; what fires deeper does nothing.
     void execute(const std::vector<kaUID>& ids);
 
     const ObjectMap& objects() const { return _objects; }
@@ -49,5 +49,5 @@ class kaConnections : public kaConnectionTypes {
     ObjectMap _objects;
     FunctionMap _functions;
     boost::unordered_flat_map<kaAnimationObject*, std::vector<kaUID>> _byTarget;
-    unsigned int _depth = 0;
+    kaNesting::Depth _depth;
 };

@@ -7,9 +7,9 @@
 #include "kaEdits.h"
 #include "kaEvaluationPass.h"
 #include "kaEvaluationPlan.h"
+#include "kaFold.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -49,15 +49,6 @@ class kaEvaluation::PassLease {
 
 kaEvaluation::kaEvaluation(SequenceSink sequences) : _sequences(sequences) {}
 kaEvaluation::~kaEvaluation() = default;
-
-float kaEvaluation::fold(float frame, float lo, float hi) {
-    const float length = hi - lo;
-    if (length == 0.0F)
-        return lo;
-    return static_cast<float>(static_cast<double>(frame) -
-                              static_cast<double>(length) *
-                                  static_cast<double>(std::floor((frame - lo) / length)));
-}
 
 bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value) {
     return curve && curve->view().sample(frame, value);
@@ -110,7 +101,7 @@ bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool m
     if (!alive)
         return true;
     const Range range(*object);
-    const float reached = object->isRepeating() ? fold(frame, range.lo, range.hi) : frame;
+    const float reached = object->isRepeating() ? kaFold(frame, range.lo, range.hi) : frame;
     return object->isReversePlay() ? reached < range.lo : reached > range.hi;
 }
 

@@ -37,10 +37,6 @@ class kaEvaluation {
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
-    /// `frame` folded into [lo, hi) by whole lengths, in double, rounded to float; a range of zero length
-    /// gives lo.
-    static float fold(float frame, float lo, float hi);
-
   private:
     class Plan;
     class Pass;

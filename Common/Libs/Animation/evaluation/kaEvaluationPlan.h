@@ -3,6 +3,7 @@
 #include "kaAnimationObject.h"
 #include "kaEvaluation.h"
 #include "kaFieldGlance.h"
+#include "kaFold.h"
 #include "kaSegment.h"
 
 #include <cstddef>
@@ -116,7 +117,7 @@ template <class Visit>
 void kaEvaluation::Plan::forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const {
     for (const Leaf& leaf : leaves) {
         const float at =
-            leaf.repeating ? fold(frame, leaf.object->getPlayBegin(), leaf.object->getPlayEnd()) : frame;
+            leaf.repeating ? kaFold(frame, leaf.object->getPlayBegin(), leaf.object->getPlayEnd()) : frame;
         if (motionBlurOnly) {
             if (leaf.begin <= frame && frame <= leaf.end)
                 visit(Part::Running, leaf.begin, at, leaf);

@@ -2,6 +2,7 @@
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationSequence.h"
 #include "kaAnimationUtils.h"
+#include "kaFold.h"
 #include "kaNesting.h"
 #include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
@@ -14,13 +15,22 @@
 
 namespace {
 
-/// Callbacks for a frame that jump again are followed this far.
-constexpr unsigned int MaxNotifyDepth = 8;
-
 void send(std::string_view name, std::string_view key, boost::any value) {
     kaMessage message;
     message.set(key, std::move(value), true);
     kaOpenSGUtils::call(name, message, 0);
+}
+
+float wholeFrame(float frame) {
+    return static_cast<float>(kaAnimationUtils::floatToInt(frame));
+}
+
+/// The nearest whole frame that does not lie beyond a range that repeats. A range that holds none is played
+/// as it is: a frame beyond it would end what never ends by itself.
+float wholeFrameWithin(float frame, float begin, float end) {
+    const float nearest = wholeFrame(frame);
+    const float whole = nearest < begin ? std::ceil(begin) : nearest > end ? std::floor(end) : nearest;
+    return begin <= whole && whole <= end ? whole : frame;
 }
 
 } // namespace
@@ -60,7 +70,7 @@ void kaAnimationController::playGlobal(unsigned long long id, bool reverse, bool
 }
 
 void kaAnimationController::playLoop() {
-    const kaNesting tick(_playLoopDepth, 1);
+    const kaNesting tick(_played->playLoop, 1);
     if (!_playing || _pausing || !tick)
         return;
     const unsigned int takeovers = _takeovers;
@@ -82,12 +92,11 @@ void kaAnimationController::playLoop() {
 
 float kaAnimationController::globalFrame() {
     const float run = (nowAsFloat() - _startTime) * _fps;
-    float frame = _start + (_reverse ? -run : run);
-    if (_repeat) {
-        const float length = _end - _begin;
-        frame = length == 0.0F ? _begin : frame - length * std::floor((frame - _begin) / length);
-    }
-    return _forcePlayLoopFullFrame ? static_cast<float>(kaAnimationUtils::floatToInt(frame)) : frame;
+    const float frame = _start + (_reverse ? -run : run);
+    const float folded = _repeat ? kaFold(frame, _begin, _end) : frame;
+    if (!_forcePlayLoopFullFrame)
+        return folded;
+    return _repeat && _begin <= _end ? wholeFrameWithin(folded, _begin, _end) : wholeFrame(folded);
 }
 
 void kaAnimationController::announceFullFrame(float frame) {
@@ -156,7 +165,7 @@ void kaAnimationController::jumpTo(const std::vector<kaAnimationCurve2D*>& curve
 }
 
 void kaAnimationController::notifyFrame(float frame) {
-    const kaNesting level(_notifyDepth, MaxNotifyDepth);
+    const kaNesting level(_played->notice);
     if (!level)
         return;
     if (_currentFrameTimeLineCB)
