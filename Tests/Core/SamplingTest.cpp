@@ -137,6 +137,33 @@ TEST_F(Sampling, WithoutACubicTermTheTimeIsAParabola) {
     expectValue(segment({-10, 8}, {0, 8}), 0.0F, 0.0F);
 }
 
+/// At its own frame a key with a handle that points backwards comes twice, here with t = 0 and t = 1/2. Of
+/// three roots the largest is tried first, then the smallest: the third, far outside, changes sides as the in
+/// handle passes the place where the time is a parabola.
+TEST_F(Sampling, AtAKeyWhoseHandlePointsBackwardsTheThirdRootDecides) {
+    constexpr float Tiny = 3e-6F; // the cubic coefficient is a tenth of it
+    expectValue(segment({-10, 8}, {Tiny, 8}), 0, 0);
+    expectValue(segment({-10, 8}, {0, 8}), 0, 0);
+    expectValue(segment({-10, 8}, {-Tiny, 8}), 0, 6.125F); // 3/8 of 8, 3/8 of 8, 1/8 of 1
+    for (float in : {Tiny, 1e-7F, 0.0F, -1e-7F, -Tiny})    // behind the key there is one root
+        expectValue(segment({-10, 8}, {in, 8}), 1e-6F, 6.125F);
+}
+
+TEST_F(Sampling, NearlyWithoutACubicTermTheTimeIsNearlyAParabola) {
+    // 0.42 and 8.76 of 25 frames: the formula, whose digits cancel here, gave 5e23 for some frames.
+    kaAnimationCurve2D* curve =
+        makeCurve(Keys{{{0, 0}, {0, 0}, {0.42281309F, 0}}, {{25, 1}, {8.7561464F, 0}, {25, 1}}});
+    // At t = 1/2 the frame is 3/8 of each handle and 1/8 of 25.
+    expectValue(curve, 6.5671098F, 0.125F);
+    expectValue(curve, 0, 0);
+    for (int i = 1; i < 1000; ++i) {
+        float value = -1.0F;
+        ASSERT_TRUE(sample(curve, 0.025F * static_cast<float>(i), value));
+        EXPECT_GT(value, 0.0F);
+        EXPECT_LT(value, 1.0F);
+    }
+}
+
 TEST_F(Sampling, NearATripleRootThePlainPowerRefusesOnOneSide) {
     // Handles on the far keys' frames: the time is 4 t^3 - 6 t^2 + 3 t, so p = 0, and q = 1/8 - s/4. For s =
     // 0.506 q = -0.0015 and the discriminant is 5.6e-7: the powers of negative numbers are undefined. For s =

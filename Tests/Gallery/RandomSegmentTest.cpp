@@ -30,6 +30,15 @@ double share(Random& random) {
     return random.chance(0.8) ? random.unit() : random.between(-2.0, 3.0);
 }
 
+/// Where the in handle stands for an out handle at `out`: anywhere, or a third of the segment farther on,
+/// which makes the cubic coefficient of the time vanish, or nearly there.
+double shareOfIn(Random& random, double out) {
+    if (!random.chance(0.15))
+        return share(random);
+    const double apart = random.chance(0.3) ? 0.0 : std::pow(10.0, random.between(-12.0, -3.0));
+    return out + 1.0 / 3.0 + (random.chance(0.5) ? apart : -apart);
+}
+
 SegmentCase randomSegment(Random& random) {
     const double magnitudes[] = {0.0, 1.0, 100.0, 1e4, 1e6};
     const double x0 = random.between(-1, 1) * magnitudes[random.next() % 5];
@@ -38,8 +47,9 @@ SegmentCase randomSegment(Random& random) {
     SegmentCase segment;
     segment.left.key = {narrow(x0), value()};
     segment.right.key = {narrow(x0 + span), value()};
-    segment.left.out = {narrow(x0 + span * share(random)), value()};
-    segment.right.in = {narrow(x0 + span * share(random)), value()};
+    const double out = random.chance(0.05) ? 1.0 / 3.0 : share(random);
+    segment.left.out = {narrow(x0 + span * out), value()};
+    segment.right.in = {narrow(x0 + span * shareOfIn(random, out)), value()};
     if (random.chance(0.05))
         segment.left.out = segment.left.key;
     if (random.chance(0.05))
@@ -94,6 +104,21 @@ int differencesSideBySide(Random& random) {
     return differences;
 }
 
+/// Whether the true value lies so near to the middle of two floats that the last bits of double precision
+/// decide between them. Where the formula is not used two exact methods may differ there, once in 10^8
+/// segments.
+bool isUndecided(const SegmentCase& segment, const Sample& one, const Sample& other) {
+    constexpr double SMALL_CUBE = 1e-5;
+    if (!one.written || !other.written ||
+        std::fabs(timePolynomial(segment.left, segment.right).a) >= SMALL_CUBE)
+        return false;
+    const double middle = (static_cast<double>(one.value) + static_cast<double>(other.value)) / 2.0;
+    for (long double value : trueValues(segment.left, segment.right, segment.frame))
+        if (std::nextafter(one.value, other.value) == other.value && std::fabs(value - middle) < 1e-13L)
+            return true;
+    return false;
+}
+
 class RandomSegments : public RegistryFixture {};
 
 TEST_F(RandomSegments, AreSampledToTheSameFloatAsThePlainFormula) {
@@ -107,7 +132,7 @@ TEST_F(RandomSegments, AreSampledToTheSameFloatAsThePlainFormula) {
             continue;
         const Sample expected = referenceSegment(segment.left, segment.right, segment.frame);
         const Sample actual = module.sample(segment);
-        if (!sameSample(actual, expected)) {
+        if (!sameSample(actual, expected) && !isUndecided(segment, actual, expected)) {
             ADD_FAILURE() << segment << "\n  gives " << actual << ", expected " << expected;
             ++shown;
         }

@@ -11,6 +11,8 @@ namespace ka_test {
 namespace {
 
 constexpr double SMALL = 1e-6;
+/// Below this magnitude of A the formula is not used.
+constexpr double SMALL_CUBE = 1e-5;
 constexpr double PI = 3.14159265358;
 
 bool same(const Spot& a, const Spot& b) {
@@ -29,26 +31,100 @@ double radians(double degrees) {
     return degrees * PI / 180.0;
 }
 
-/// The smallest root in [0, 1] of the polynomial without its cubic term. The root farther from 0 comes from a
-/// sum of like signs, the other from their product, so that neither loses its sign to rounding.
-std::optional<double> lowerDegreeRoot(double b, double c, double s) {
-    std::vector<double> roots;
-    if (b == 0.0) {
-        if (c != 0.0)
-            roots.push_back(s / c);
-    } else if (const double square = c * c + 4.0 * b * s; square >= 0.0) {
-        const double far = -(c + std::copysign(std::sqrt(square), c)) / (2.0 * b);
-        roots.push_back(far);
-        roots.push_back(far != 0.0 ? -s / b / far : far);
-    }
-    std::sort(roots.begin(), roots.end());
-    const auto found = std::find_if(roots.begin(), roots.end(), inUnit);
-    return found == roots.end() ? std::nullopt : std::optional<double>(*found);
+template <class Number>
+Number bezier(Number y0, Number y1, Number y2, Number y3, Number t) {
+    const Number t2 = t * t;
+    const Number t3 = t2 * t;
+    return y0 * (1 - 3 * t + 3 * t2 - t3) + y1 * (3 * t - 6 * t2 + 3 * t3) + y2 * (3 * t2 - 3 * t3) + y3 * t3;
 }
 
-std::optional<double> root(double a, double b, double c, double s) {
-    if (a == 0.0)
-        return lowerDegreeRoot(b, c, s);
+using Wide = long double;
+
+/// The time of a segment at t, relative to its first key: exact in its inputs, rounded only in long double.
+struct WideTime {
+    Wide x1;
+    Wide x2;
+    Wide x3;
+    Wide target;
+
+    Wide operator()(Wide t) const { return bezier<Wide>(0, x1, x2, x3, t) - target; }
+};
+
+Wide bisect(const WideTime& time, Wide low, Wide high) {
+    const bool rising = time(low) < 0;
+    for (int i = 0; i < 80; ++i) {
+        const Wide middle = (low + high) / 2;
+        ((time(middle) < 0) == rising ? low : high) = middle;
+    }
+    return (low + high) / 2;
+}
+
+WideTime timeOf(const Key& left, const Key& right, float frame) {
+    const Wide x0 = left.key.x;
+    return {left.out.x - x0, right.in.x - x0, right.key.x - x0, frame - x0};
+}
+
+/// `first`, 0, 1 and where between `first` and 1 the derivative of the time changes sign: between these
+/// places the time is monotone.
+std::vector<Wide> monotonePieces(const WideTime& time, Wide first) {
+    const Wide c2 = 3 * (3 * time.x1 - 3 * time.x2 + time.x3);
+    const Wide c1 = 6 * (time.x2 - 2 * time.x1);
+    const Wide c0 = 3 * time.x1;
+    std::vector<Wide> places = {first, 0, 1};
+    const auto add = [&](Wide t) {
+        if (t > first && t < 1)
+            places.push_back(t);
+    };
+    const Wide square = c1 * c1 - 4 * c2 * c0;
+    if (square > 0) {
+        // The sum of like signs loses no digits, whichever coefficient is nearly 0.
+        const Wide sum = -(c1 + std::copysign(std::sqrt(square), c1)) / 2;
+        if (c2 != 0)
+            add(sum / c2);
+        if (sum != 0)
+            add(c0 / sum);
+    }
+    std::sort(places.begin(), places.end());
+    return places;
+}
+
+/// Every place in [first, 1] where the time is the frame, `first` not being above 0. A place where it only
+/// touches is no sign change and is not found, unless it is an end.
+std::vector<Wide> wideRoots(const WideTime& time, Wide first) {
+    const std::vector<Wide> places = monotonePieces(time, first);
+    std::vector<Wide> roots;
+    for (std::size_t i = 1; i < places.size(); ++i) {
+        const Wide low = time(places[i - 1]);
+        const Wide high = time(places[i]);
+        if ((low <= 0 && high >= 0) || (low >= 0 && high <= 0))
+            roots.push_back(low == 0    ? places[i - 1]
+                            : high == 0 ? places[i]
+                                        : bisect(time, places[i - 1], places[i]));
+    }
+    return roots;
+}
+
+/// The root in [0, 1] where the time is nearly a parabola. Where there are two, which is at the frame of a
+/// key with a handle that points backwards, they are tried as the formula tries three roots: the largest, the
+/// smallest, the one between; of a parabola the smaller one counts.
+std::optional<double> nearlyParabolicRoot(const WideTime& time, const TimePolynomial& x) {
+    std::vector<Wide> roots = wideRoots(time, 0);
+    std::sort(roots.begin(), roots.end());
+    roots.erase(std::unique(roots.begin(), roots.end()), roots.end());
+    if (roots.empty())
+        return std::nullopt;
+    if (roots.size() == 1 || x.a == 0.0)
+        return static_cast<double>(roots.front());
+    // The sum of all three is -B / A.
+    roots.push_back(-static_cast<Wide>(x.b) / x.a - roots[0] - roots[1]);
+    std::sort(roots.begin(), roots.end());
+    for (Wide t : {roots[2], roots[0], roots[1]})
+        if (t >= 0 && t <= 1)
+            return static_cast<double>(t);
+    return std::nullopt;
+}
+
+std::optional<double> formulaRoot(double a, double b, double c, double s) {
     const double p = (3.0 * a * c - b * b) / (3.0 * a * a);
     const double q = 2.0 * b * b * b / (27.0 * a * a * a) - b * c / (3.0 * a * a) - s / a;
     const double shift = b / (3.0 * a);
@@ -75,13 +151,6 @@ std::optional<double> root(double a, double b, double c, double s) {
             return t;
     }
     return std::nullopt;
-}
-
-template <class Number>
-Number bezier(Number y0, Number y1, Number y2, Number y3, Number t) {
-    const Number t2 = t * t;
-    const Number t3 = t2 * t;
-    return y0 * (1 - 3 * t + 3 * t2 - t3) + y1 * (3 * t - 6 * t2 + 3 * t3) + y2 * (3 * t2 - 3 * t3) + y3 * t3;
 }
 
 Sample found(double value) {
@@ -123,7 +192,9 @@ Sample referenceSegment(const Key& left, const Key& right, float frame) {
         return sample;
     }
     const TimePolynomial x = timePolynomial(left, right);
-    const std::optional<double> t = root(x.a, x.b, x.c, s);
+    const std::optional<double> t = std::fabs(x.a) < SMALL_CUBE
+                                        ? nearlyParabolicRoot(timeOf(left, right, frame), x)
+                                        : formulaRoot(x.a, x.b, x.c, s);
     if (!t)
         return {};
     return found(bezier(static_cast<double>(left.key.y), static_cast<double>(left.out.y),
@@ -163,71 +234,10 @@ Sample referenceSample(const std::vector<Key>& keys, float frame) {
     return referenceSegment(std::prev(right)->second, right->second, frame);
 }
 
-namespace {
-
-using Wide = long double;
-
-/// The time of a segment at t, relative to its first key: exact in its inputs, rounded only in long double.
-struct WideTime {
-    Wide x1;
-    Wide x2;
-    Wide x3;
-    Wide target;
-
-    Wide operator()(Wide t) const { return bezier<Wide>(0, x1, x2, x3, t) - target; }
-};
-
-Wide bisect(const WideTime& time, Wide low, Wide high) {
-    const bool rising = time(low) < 0;
-    for (int i = 0; i < 80; ++i) {
-        const Wide middle = (low + high) / 2;
-        ((time(middle) < 0) == rising ? low : high) = middle;
-    }
-    return (low + high) / 2;
-}
-
-/// The range in which the formula takes roots, and where in it the derivative of the time changes sign:
-/// between these places the time is monotone.
-std::vector<Wide> monotonePieces(const WideTime& time) {
-    const Wide c2 = 3 * (3 * time.x1 - 3 * time.x2 + time.x3);
-    const Wide c1 = 6 * (time.x2 - 2 * time.x1);
-    const Wide c0 = 3 * time.x1;
-    const Wide first = -static_cast<Wide>(SMALL);
-    std::vector<Wide> places = {first, 0, 1};
-    const auto add = [&](Wide t) {
-        if (t > first && t < 1)
-            places.push_back(t);
-    };
-    const Wide square = c1 * c1 - 4 * c2 * c0;
-    if (square > 0) {
-        // The sum of like signs loses no digits, whichever coefficient is nearly 0.
-        const Wide sum = -(c1 + std::copysign(std::sqrt(square), c1)) / 2;
-        if (c2 != 0)
-            add(sum / c2);
-        if (sum != 0)
-            add(c0 / sum);
-    }
-    std::sort(places.begin(), places.end());
-    return places;
-}
-
-} // namespace
-
 std::vector<long double> trueValues(const Key& left, const Key& right, float frame) {
-    const Wide x0 = left.key.x;
-    const WideTime time{left.out.x - x0, right.in.x - x0, right.key.x - x0, frame - x0};
-    const std::vector<Wide> places = monotonePieces(time);
     std::vector<Wide> values;
-    for (std::size_t i = 1; i < places.size(); ++i) {
-        const Wide low = time(places[i - 1]);
-        const Wide high = time(places[i]);
-        if ((low <= 0 && high >= 0) || (low >= 0 && high <= 0)) {
-            const Wide t = low == 0    ? places[i - 1]
-                           : high == 0 ? places[i]
-                                       : bisect(time, places[i - 1], places[i]);
-            values.push_back(bezier<Wide>(left.key.y, left.out.y, right.in.y, right.key.y, t));
-        }
-    }
+    for (Wide t : wideRoots(timeOf(left, right, frame), -static_cast<Wide>(SMALL)))
+        values.push_back(bezier<Wide>(left.key.y, left.out.y, right.in.y, right.key.y, t));
     return values;
 }
 

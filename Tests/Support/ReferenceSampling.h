@@ -15,7 +15,8 @@ struct Sample {
 };
 
 /// Samples one segment by the closed cubic formula, step by step in double precision, as plainly as it can be
-/// put. `frame` lies within [left, right).
+/// put; where the cubic coefficient is below 1e-5 in magnitude, by bisection in long double instead. `frame`
+/// lies within [left, right].
 Sample referenceSegment(const Key& left, const Key& right, float frame);
 
 /// Samples a curve given by its registered keys in child order, handles that are missing standing on their

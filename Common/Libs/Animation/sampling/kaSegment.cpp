@@ -11,6 +11,8 @@ namespace {
 constexpr double DiscriminantTolerance = 1e-6;
 /// A root this little below 0 still counts as inside the segment.
 constexpr double RootTolerance = 1e-6;
+/// Below this magnitude of the coefficient of t^3 the cubic formula loses too many digits.
+constexpr double SmallCube = 1e-5;
 /// Results below this magnitude are written as 0, in the unit of the value.
 constexpr double ValueTolerance = 1e-6;
 /// Pi as the angle conversion has always had it, short of full precision: samples depend on it.
@@ -90,12 +92,12 @@ kaSegment::kaSegment(const Points& points) : _points(points) {
     const double c = linearCoefficient();
     const double x1 = (static_cast<double>(points.x1) - static_cast<double>(points.x0)) / length();
     const double x2 = (static_cast<double>(points.x2) - static_cast<double>(points.x0)) / length();
-    _a = 1.0 - 3.0 * x2 + 3.0 * x1;
-    // Handles at thirds of the segment, the most common ones of all, make the leading coefficient exactly 0.
-    if (_a == 0.0) {
-        _quadratic = {b, c};
+    const double a = 1.0 - 3.0 * x2 + 3.0 * x1;
+    if (std::fabs(a) < SmallCube) {
+        _powers = {a, b, c};
         return;
     }
+    _a = a;
     const double third = p() / 3.0;
     _reduced.shift = b / (3.0 * _a);
     _reduced.q0 = 2.0 * b * b * b / (27.0 * _a * _a * _a) - b * c / (3.0 * _a * _a);
@@ -132,9 +134,21 @@ double kaSegment::positionOf(float frame) const {
     return (static_cast<double>(frame) - static_cast<double>(_points.x0)) / length();
 }
 
+/// 1 - s, without the rounding that would cost a small one its digits.
+double kaSegment::positionBefore(float frame) const {
+    return (static_cast<double>(_points.x3) - static_cast<double>(frame)) / length();
+}
+
+/// Of 1 - s for 1 - t: the same polynomial with the handles exchanged.
+kaSegment::Powers kaSegment::powersFromRight() const {
+    const double x1 = (static_cast<double>(_points.x3) - static_cast<double>(_points.x2)) / length();
+    const double x2 = (static_cast<double>(_points.x3) - static_cast<double>(_points.x1)) / length();
+    return {_powers.a, 3.0 * (x2 - 2.0 * x1), 3.0 * x1};
+}
+
 bool kaSegment::sample(float frame, float& value) const {
     if (_a == 0.0)
-        return sampleWithoutCube(frame, value);
+        return sampleWithoutFormula(frame, value);
     const double q = _reduced.q0 - positionOf(frame) / _a;
     const double half = q / 2.0;
     const double discriminant = _reduced.pThird3 + half * half;
@@ -148,7 +162,7 @@ bool kaSegment::sample(float frame, float& value) const {
     return parameter(q, discriminant, t) && write(t, value);
 }
 
-bool kaSegment::sampleWithoutCube(float frame, float& value) const {
+bool kaSegment::sampleWithoutFormula(float frame, float& value) const {
     if (length() == 0.0)
         return _points.y0 != 0.0F;
     if (isStep()) {
@@ -156,7 +170,7 @@ bool kaSegment::sampleWithoutCube(float frame, float& value) const {
         return true;
     }
     double t = 0.0;
-    return quadraticParameter(positionOf(frame), t) && write(t, value);
+    return nearlyParabolicParameter(frame, t) && write(t, value);
 }
 
 void kaSegment::sampleSideBySide(const kaSegment* const (&segments)[Side], const float (&frames)[Side],
@@ -207,26 +221,38 @@ bool kaSegment::parameter(double q, double discriminant, double& t) const {
     return true;
 }
 
-/// B t^2 + C t - s = 0: the smallest root inside the segment. The root nearer to 0 comes from the quotient
-/// form, which does not cancel.
-bool kaSegment::quadraticParameter(double s, double& t) const {
-    const double b = _quadratic.b;
-    const double c = _quadratic.c;
-    if (b == 0.0) {
-        t = s / c;
-        return c != 0.0 && inUnit(t);
-    }
-    const double discriminant = c * c + 4.0 * b * s;
-    if (discriminant < 0.0)
-        return false;
-    const double root = std::sqrt(discriminant);
-    const double half = -0.5 * (c + (c < 0.0 ? -root : root));
-    const double first = half / b;
-    const double second = half != 0.0 ? -s / half : first;
-    const double smaller = first < second ? first : second;
-    const double larger = first < second ? second : first;
-    t = inUnit(smaller) ? smaller : larger;
-    return inUnit(t);
+/// a t^3 + b t^2 + c t = s for |a| < 1e-5 and 0 <= s <= 1: the root in [0, 1/2], which has to lie there and
+/// not to be 0. The parabola without a comes within 1e-5 of it, by the quotient in which nothing cancels; two
+/// steps of Newton's method, each of which squares that, take the rest.
+double kaSegment::Powers::root(double s) const {
+    const double square = std::sqrt(std::fmax(c * c + 4.0 * b * s, 0.0));
+    double t = c < 0.0 ? (square - c) / (2.0 * b) : 2.0 * s / (c + square);
+    for (int step = 0; step < 2; ++step)
+        t -= (((a * t + b) * t + c) * t - s) / ((3.0 * a * t + 2.0 * b) * t + c);
+    return t;
+}
+
+/// The one root in [0, 1]: A + B + C = 1, so a second or third one lies far outside. It is counted from the
+/// key that it is nearer to, where a handle above or below its key makes the time stand still.
+///
+/// A handle that points backwards at its key makes the key's frame come twice, and that frame alone has two
+/// roots in [0, 1]. Of three roots the formula tries the largest, the smallest and the one between: which of
+/// the two comes first is decided by the side on which the third lies, that is by the sign of A. A = 0 has no
+/// third, and the smaller counts.
+bool kaSegment::nearlyParabolicParameter(float frame, double& t) const {
+    const double s = positionOf(frame);
+    if (!(s >= 0.0 && s <= 1.0))
+        return false; // not a frame of the segment
+    const Powers right = powersFromRight();
+    if (frame == _points.x0 && !(_powers.c < 0.0 && _powers.a > 0.0))
+        t = 0.0;
+    else if (frame == _points.x3 && !(right.c < 0.0 && _powers.a >= 0.0))
+        t = 1.0;
+    else if (s <= (_powers.a + 2.0 * _powers.b + 4.0 * _powers.c) / 8.0) // the time at t = 1/2
+        t = _powers.root(s);
+    else
+        t = 1.0 - right.root(positionBefore(frame));
+    return true;
 }
 
 /// The plain cube roots are NaN for a negative base and then fall out of the range test; the samples near a

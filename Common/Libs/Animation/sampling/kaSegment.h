@@ -10,6 +10,10 @@
 /// closed cubic formula in double precision. What depends on the segment alone is computed once here, by the
 /// very expressions that a sample would use, so that the result is the same float either way. A segment fills
 /// one cache line: what seldom counts is computed again where it does.
+///
+/// The formula divides by the coefficient A of t^3 three times over, so that its digits cancel where A is
+/// nearly 0, which it is where the handles stand a third of the segment apart. Below 1e-5 in magnitude the
+/// time is solved for as a parabola that is slightly off: to full double precision, for A = 0, too.
 class alignas(64) kaSegment {
   public:
     /// The four control points: key, its out handle, the next key's in handle, the next key.
@@ -31,8 +35,8 @@ class alignas(64) kaSegment {
     ///         written.
     bool sample(float frame, float& value) const;
 
-    /// Whether the frame is a true cubic of t, as it is unless the handles stand at thirds of the segment, on
-    /// their keys, or the segment has no length.
+    /// Whether the frame is solved for by the cubic formula, as it is unless the handles stand on their keys
+    /// or nearly a third of the segment apart, or the segment has no length.
     bool isCubic() const { return _a != 0.0; }
 
     static constexpr std::size_t Side = 4;
@@ -49,9 +53,13 @@ class alignas(64) kaSegment {
         double q0;
         double pThird3; ///< (p / 3)^3
     };
-    struct Quadratic {
+    /// The powers of t in the time polynomial as seen from one of the keys, t counted from there.
+    struct Powers {
+        double a;
         double b;
         double c;
+
+        double root(double s) const;
     };
 
     double length() const { return static_cast<double>(_points.x3) - static_cast<double>(_points.x0); }
@@ -61,19 +69,21 @@ class alignas(64) kaSegment {
     double p() const;
 
     double positionOf(float frame) const;
-    bool sampleWithoutCube(float frame, float& value) const;
+    double positionBefore(float frame) const;
+    Powers powersFromRight() const;
+    bool sampleWithoutFormula(float frame, float& value) const;
     bool parameter(double q, double discriminant, double& t) const;
-    bool quadraticParameter(double s, double& t) const;
+    bool nearlyParabolicParameter(float frame, double& t) const;
     bool nearlyDoubleRoot(double q, double& t) const;
     bool threeRoots(double q, double& t) const;
     double blend(double t) const;
     bool write(double t, float& value) const;
 
     Points _points{};
-    double _a = 0.0; ///< coefficient of t^3; 0 too for steps and where there is no length
+    double _a = 0.0; ///< coefficient of t^3; 0 where the cubic formula is not used
     union {
         Reduced _reduced{}; ///< where `_a` is not 0
-        Quadratic _quadratic;
+        Powers _powers;     ///< from the left key, where it is 0
     };
 };
 
