@@ -55,16 +55,20 @@ int main(int argc, char** argv) {
     manager->getFromAtUp(from, at, up);
     require(from[2] == 10.0F, "the manager asks the host for its camera");
 
-    // 5. The scene is closed: playback first, then what no node lists any more, then the root.
+    // 5. The scene is closed: playback first, then all that is registered, then the root.
     kaAnimationController::the()->stopGlobal();
     kaAnimationController::the()->stop();
-    manager->destroyNodeObjects(root, true);
+    manager->clearCopyBuffer(true);
+    manager->destroyAllObjects(true);
+    for (const auto& entry : manager->getObjects()) // at most one
+        manager->destroyObject(entry.second);
+    manager->destroyAllFields();
     kaAnimationManager::setSceneRootNode(osg::NullFC);
     osg::subRefCP(root);
 
     // 6. The host ends.
     manager->terminate();
-    require(manager->getObjects().empty(), "nothing is left registered");
+    require(manager->getObjects().empty() && manager->getFields().empty(), "nothing is left registered");
     osg::osgExit();
     return 0;
 }

@@ -1,8 +1,12 @@
+#include "CapturedOutput.h"
 #include "RegistryFixture.h"
 #include "Rig.h"
 #include "TestScene.h"
 #include "kaAnimationUtils.h"
 
+#include <OpenSG/OSGMaterialGroup.h>
+#include <OpenSG/OSGSimpleAttachments.h>
+#include <OpenSG/OSGSpotLight.h>
 #include <OpenSG/OSGThread.h>
 #include <limits>
 
@@ -276,6 +280,32 @@ TEST_F(ValueAccess, AMultiFieldIsReadAsOneListAndNeverGrows) {
     EXPECT_EQ(rig->reals.size(), 2U);
     EXPECT_EQ(rig->vectors.size(), 2U);
     EXPECT_EQ(rig->vectors[1], osg::Vec3f(4.0F, 5.0F, 6.0F));
+}
+
+/// A handle is written as an address, attachments as their number: neither is read back.
+TEST_F(ValueAccess, WhatCannotBeReadFromTextIsLeftAloneInSilence) {
+    const osg::SpotLightPtr light = osg::SpotLight::create();
+    const Kept keptLight(light);
+    const osg::NodePtr beacon = osg::Node::create();
+    const Kept keptBeacon(beacon);
+    const osg::MaterialGroupPtr group = osg::MaterialGroup::create();
+    const Kept keptGroup(group);
+    osg::setName(light, "lamp");
+    light->setBeacon(beacon);
+    recorder.take();
+    for (const auto& [container, name] : {std::pair<osg::FieldContainerPtr, const char*>(light, "beacon"),
+                                          {light, "attachments"},
+                                          {group, "material"}}) {
+        kaAnimationField* field = makeField(container, name);
+        const ka_test::CapturedOutput output;
+        testing::internal::CaptureStderr();
+        EXPECT_TRUE(write(field, 2.5F)) << name;
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << name;
+        EXPECT_EQ(output.text(), "") << name;
+        EXPECT_EQ(recorder.take(), Entries()) << name;
+    }
+    EXPECT_EQ(light->getBeacon(), beacon);
+    EXPECT_STREQ(osg::getName(light), "lamp");
 }
 
 TEST_F(ValueAccess, NullIsRefused) {

@@ -104,6 +104,30 @@ TEST_F(ElementReaders, AnyTangentTypeIsStored) {
     EXPECT_EQ(point->getTangentLengthMode(), 4294967295U);
 }
 
+/// A tangent type that no `int` holds is written as a negative number.
+TEST_F(ElementReaders, ATangentTypeWrittenAsANegativeNumberComesBack) {
+    for (const unsigned int type : {4294967295U, 2147483648U, 2147483647U}) {
+        kaControlPoint2D* point = manager().createPoint2D(0);
+        point->setTangentType(type);
+        point->setTangentLengthMode(type - 1U);
+        const QDomElement written = manager().createPointDomElement(_document, point);
+        manager().destroyPoint2D(point);
+        const kaControlPoint2D* read = manager().readPointDomElement(written);
+        EXPECT_EQ(read->getTangentType(), type);
+        EXPECT_EQ(read->getTangentLengthMode(), type - 1U);
+    }
+}
+
+TEST_F(ElementReaders, NegativeTextCountsDownFromTheTypesEnd) {
+    const kaAnimationField* field = manager().readFieldDomElement(
+        element("<field id='-1' typeID='-1' fcID='-2' valuePos=' -3' dirty='-1'/>"));
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->getId(), 18446744073709551615ULL);
+    EXPECT_EQ(field->fcID, 4294967294U);
+    EXPECT_EQ(field->valuePos, 4294967293U);
+    EXPECT_TRUE(field->dirty);
+}
+
 struct PlaceRow {
     const char* name;
     const char* text;

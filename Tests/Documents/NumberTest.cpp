@@ -136,9 +136,8 @@ TEST(NumberParsing, AgreesWithAStreamOnAnyText) {
         const float expected = extracted(text, 7.0F);
         ASSERT_EQ(parse(text, 7.0F), std::isinf(expected) ? 7.0F : expected) << '"' << text << '"';
         ASSERT_EQ(parse(text, 7), extracted(text, 7)) << '"' << text << '"';
-        const std::size_t first = text.find_first_not_of(' ');
-        const bool negative = first != std::string::npos && text[first] == '-';
-        ASSERT_EQ(parse(text, 7U), negative ? 7U : extracted(text, 7U)) << '"' << text << '"';
+        ASSERT_EQ(parse(text, 7U), extracted(text, 7U)) << '"' << text << '"';
+        ASSERT_EQ(parse(text, 7ULL), extracted(text, 7ULL)) << '"' << text << '"';
     }
 }
 
@@ -156,17 +155,29 @@ TEST(NumberParsing, ReadsWrittenFloatsBackAsTheSameText) {
     }
 }
 
-TEST(NumberParsing, AnUnsignedTakesNoNegativeAndNoTooLargeText) {
+TEST(NumberParsing, ANumberBeyondItsTypeIsNone) {
     EXPECT_EQ(parse("4294967295", 7U), 4294967295U);
     EXPECT_EQ(parse("4294967296", 7U), 7U);
-    EXPECT_EQ(parse("-1", 7U), 7U);
     EXPECT_EQ(parse("+1", 7U), 1U);
     EXPECT_EQ(parse("010", 7U), 10U);
     EXPECT_EQ(parse("18446744073709551615", 7ULL), 18446744073709551615ULL);
     EXPECT_EQ(parse("18446744073709551616", 7ULL), 7ULL);
-    EXPECT_EQ(parse("-1", 7ULL), 7ULL);
     EXPECT_EQ(parse("-2147483648", 7), std::numeric_limits<int>::min());
     EXPECT_EQ(parse("2147483648", 7), 7);
+}
+
+/// As streams have it: what stands behind the sign counts down from 2 to the power of the type's bits.
+TEST(NumberParsing, AnUnsignedTakesANegativeTextRoundItsEnd) {
+    EXPECT_EQ(parse("-1", 7U), 4294967295U);
+    EXPECT_EQ(parse(" -2 ", 7U), 4294967294U);
+    EXPECT_EQ(parse("-0", 7U), 0U);
+    EXPECT_EQ(parse("-4294967295", 7U), 1U);
+    EXPECT_EQ(parse("-4294967296", 7U), 7U);
+    EXPECT_EQ(parse("-1", 7ULL), 18446744073709551615ULL);
+    EXPECT_EQ(parse("-18446744073709551615", 7ULL), 1ULL);
+    EXPECT_EQ(parse("-18446744073709551616", 7ULL), 7ULL);
+    for (const char* none : {"-", "--1", "-+1", "- 1", "-x"})
+        EXPECT_EQ(parse(none, 7U), 7U) << none;
 }
 
 TEST(NumberParsing, TakesOneNumberAfterTheOther) {

@@ -154,6 +154,57 @@ TEST(Preflight, AFileWithoutDeclarationThatIsNotUtf8IsLatin1) {
     });
 }
 
+struct UndeclaredRow {
+    const char* name;
+    const char* prolog;
+};
+
+class Undeclared : public testing::TestWithParam<UndeclaredRow> {};
+
+/// What names no encoding leaves it to the bytes.
+TEST_P(Undeclared, LatinOneIsReadAsItWasWrittenAndUtf8AsUtf8) {
+    const TemporaryFolder folder;
+    const auto nameIn = [&](const std::string& bytes) {
+        const std::string text = std::string(GetParam().prolog) + "<a><b name=\"" + bytes + "\"/></a>";
+        const auto record =
+            kaXmlPreflight::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
+        std::string name = "not well-formed";
+        if (record)
+            record->forEach([&name](const kaAnimationXmlElement& element) {
+                name = std::string(element[kaXmlAttribute::Name]);
+            });
+        return name;
+    };
+    EXPECT_EQ(nameIn("caf\xe9"), "caf\xe9");
+    EXPECT_EQ(nameIn("caf\xc3\xa9"), "caf\xe9");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Prologs, Undeclared,
+    testing::Values(UndeclaredRow{"none", ""}, UndeclaredRow{"version_alone", "<?xml version=\"1.0\"?>"},
+                    UndeclaredRow{"version_and_standalone", "<?xml version='1.0' standalone='yes'?>\n"},
+                    UndeclaredRow{"the_word_as_a_value",
+                                  "<?xml version=\"1.0\" standalone=\"yes\" ?><!-- encoding=\"UTF-8\" -->"},
+                    UndeclaredRow{"an_instruction_that_begins_alike", "<?xml-stylesheet href=\"a.css\"?>"},
+                    UndeclaredRow{"an_instruction_with_an_encoding",
+                                  "<?xml-stylesheet href=\"a.css\" encoding=\"UTF-8\"?>"},
+                    UndeclaredRow{"an_instruction_of_a_longer_name", "<?xmlish encoding=\"UTF-8\"?>"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Preflight, ADeclaredEncodingIsFollowedHoweverItIsSpelled) {
+    const TemporaryFolder folder;
+    for (const char* declaration :
+         {"<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?>", "<?xml version='1.0' encoding='iso-8859-15'?>",
+          "<?xml\tversion = '1.0'\nencoding\t=\n'ISO-8859-15' ?>",
+          "<?xml version=\"1.0\" encoding=\"ISO-8859-15\" standalone=\"no\"?>"}) {
+        const std::string text = std::string(declaration) + "<a><b name=\"\xa4\"/></a>";
+        const auto record =
+            kaXmlPreflight::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
+        ASSERT_TRUE(record) << declaration;
+        EXPECT_NE(textOf(*record).find("=?"), std::string::npos) << "the euro sign stands outside Latin-1";
+    }
+}
+
 TEST(Preflight, AFileWithoutDeclarationThatIsUtf8IsUtf8) {
     const TemporaryFolder folder;
     const std::string file = folder.put("a.xml", "<a><b name=\"caf\xc3\xa9 \xe2\x82\xac\"/></a>");

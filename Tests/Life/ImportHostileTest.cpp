@@ -95,6 +95,59 @@ TEST_F(ImportHostile, RepeatedCurvesOfRepeatedBlocksAreCutOff) {
     EXPECT_THAT(report.leftOut, SizeIs(kaImportReport::MaximumListed));
 }
 
+/// What an honest scene shares grows with the scene: the bound on repeats does, too.
+TEST_F(ImportHostile, ALongCurveInSeveralBlocksIsImportedForEach) {
+    constexpr unsigned int Keys = 60000;
+    std::vector<ka_older::Key> keys;
+    for (unsigned int i = 0; i < Keys; ++i)
+        keys.push_back({{static_cast<float>(i), static_cast<float>(i % 7)}, ka_older::Collapsed});
+    const osg::AnimationCurvePtr curve = ka_older::makeCurve("rotateX", keys, node);
+    for (const char* name : {"walk", "run", "rest"})
+        ka_older::attachmentOf(node)->addBlock(ka_older::makeBlock(name, {curve}, node));
+    const kaImportReport& report = import();
+    EXPECT_EQ(report.blocks, 3U);
+    EXPECT_EQ(report.curves, 3U);
+    EXPECT_EQ(report.keys, 3U * Keys);
+    EXPECT_EQ(report.leftOutCount, 0U);
+}
+
+/// The bound is that of the whole scene, wherever in it the repeats stand: here what is shared comes first.
+TEST_F(ImportHostile, WhatIsSharedAtTheFrontMayCountOnWhatComesLater) {
+    constexpr unsigned int Times = 400;
+    const std::vector<ka_older::Key> keys(500, {{1.0F, 1.0F}, ka_older::Collapsed});
+    const auto attachment = ka_older::attachmentOf(node);
+    const osg::AnimationCurvePtr shared = ka_older::makeCurve("rotateX", {{{0.0F, 1.0F}}}, node);
+    shared->getPoints().clear();
+    for (int i = 0; i < 500; ++i)
+        shared->getPoints().push_back(
+            ka_older::makePoint({{static_cast<float>(i), 1.0F}, ka_older::Collapsed}));
+    for (unsigned int i = 0; i < Times; ++i)
+        attachment->addBlock(ka_older::makeBlock("take", {shared}, node));
+    for (int i = 0; i < 20; ++i)
+        attachment->addBlock(ka_older::makeBlock("long", {ka_older::makeCurve("rotateY", keys, node)}, node));
+    const kaImportReport& report = import();
+    EXPECT_EQ(report.blocks, Times + 20U);
+    EXPECT_EQ(report.leftOutCount, 0U);
+}
+
+/// A curve that is dropped is named by what it animates, whatever it is called itself.
+TEST_F(ImportHostile, ADroppedCurveIsNamedByItsAttribute) {
+    constexpr int Times = 50000;
+    const osg::AnimationCurvePtr curve = turning(node);
+    curve->setName("Curve 17");
+    const osg::AnimationBlockPtr block = ka_older::makeBlock("block", {});
+    for (int i = 0; i < Times; ++i)
+        block->getCurves().push_back(curve);
+    ka_older::attachmentOf(node)->addBlock(block);
+    const kaImportReport& report = import();
+    EXPECT_GT(report.leftOutCount, 0U);
+    for (const kaImportReport::LeftOut& entry : report.leftOut) {
+        ASSERT_EQ(entry.kind, "curve");
+        ASSERT_EQ(entry.name, "rotateX");
+        ASSERT_EQ(entry.reason, Reason::TooManyRepeats);
+    }
+}
+
 TEST_F(ImportHostile, ClipsNestedBeyondAllMeasureAreImportedAsDeepAsObjectsMayBe) {
     constexpr int Levels = 100000;
     osg::AnimationClipPtr clip = ka_older::makeClip("0", {});

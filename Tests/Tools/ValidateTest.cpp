@@ -150,7 +150,7 @@ const Damage damages[] = {
      0,
      "<field id=\"7\" typeID=\"-1\" value=\"nan\" valuePos=\"-1\" fcID=\"4294967296\" dirty=\"2\"/>",
      {"3: field 7: value \"nan\" is not a number within the range of a float",
-      "3: field 7: valuePos \"-1\" is not an unsigned number of 32 bits",
+      "3: field 7: valuePos \"-1\" is read as \"4294967295\"",
       "3: field 7: fcID \"4294967296\" is not an unsigned number of 32 bits",
       "3: field 7: dirty 2 stands for nothing"}},
     {"ANameOutsideLatin1",

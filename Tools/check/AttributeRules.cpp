@@ -6,6 +6,7 @@
 #include <kaAnimationXmlNumber.h>
 #include <kaControlPoint2D.h>
 #include <string_view>
+#include <type_traits>
 
 namespace ka::tools {
 
@@ -81,6 +82,8 @@ std::string numberFault(const QString& name, const QString& value, const char* t
     if (!isBlank(rest))
         return name.toStdString() + " " + quoted(value) + " is read as " +
                quoted(value.left(static_cast<int>(bytes.size() - rest.size())));
+    if (std::is_unsigned_v<Number> && bytes.find('-') != bytes.npos)
+        return name.toStdString() + " " + quoted(value) + " is read as " + quoted(QString::number(number));
     return {};
 }
 

@@ -167,8 +167,9 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     void destroySequence(kaAnimationSequence* sequence);
     void destroyObject(kaAnimationObject* object);
     void destroyField(kaAnimationField* field); ///< Curves that refer to it are not changed.
-    /// Destroys in ascending id order while at least two objects are registered, so the last one always
-    /// stays. With `all` false objects flagged internal stay too.
+    /// Destroys in ascending id order while at least two objects are registered. One object stays where each
+    /// is destroyed by itself; none does where the last goes as a part of another. With `all` false objects
+    /// flagged internal stay too.
     void destroyAllObjects(bool all);
     void destroyAllFields(); ///< Every registered field, in ascending id order. Curves are not changed.
     /// @}
@@ -341,13 +342,14 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// The whole registry as an animation document: what `QDomDocument::toString(1)` gives for its elements,
     /// with attributes in one fixed order, so that the same registry gives the same text on every run.
     /// Changes nothing. Prints "creating animation xml..." to standard output.
-    /// @return the text; empty when it is longer than a `QString` holds.
+    /// @return the text; empty when it is longer than a `QString` holds or memory runs out.
     /// Cost: O(n log n).
     QString createAnimationXML();
     /// Writes the document to `path` (bytes taken as Latin-1) as Latin-1 without an XML declaration. The file
     /// is written in place: for one that must survive a failure write a new file and rename it.
-    /// @return whether the file could be opened: a short or failed write is not detected.
-    /// Cost: as `createAnimationXML`, with memory for the order of the ids alone.
+    /// @return whether the file could be opened and memory sufficed; where it did not, the file holds the
+    /// front of the document. A short or failed write is not detected. Cost: as `createAnimationXML`, with
+    /// memory for the order of the ids alone.
     bool saveAnimations(const char* path);
     /// Asks for the file and adds ".xml" unless the name ends so. The name's UTF-8 bytes go to the form
     /// above, which takes them as Latin-1: outside ASCII the file gets another name than the one chosen.

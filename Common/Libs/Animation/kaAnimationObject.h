@@ -288,7 +288,9 @@ class KA_ANIMATION_API kaAnimationObject {
     void takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation);
     void takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation,
                        bool recursive);
+    static void sortChildren(kaChildList& children, Operation operation);
     void destroyChildren();
+    void destroyAll(kaChildList& children);
 
     kaChildChunk* _home = nullptr; ///< the place in the one list that mirrors this object, if any
     std::unique_ptr<Group> _group;

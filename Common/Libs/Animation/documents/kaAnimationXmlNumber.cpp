@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <type_traits>
 
 namespace kaAnimationXmlNumber {
 
@@ -18,19 +19,21 @@ void skipSpace(std::string_view& text) {
     text.remove_prefix(begin == std::string_view::npos ? text.size() : begin);
 }
 
+/// Of an unsigned type a '-' is taken off the text, too: extraction negates the number behind it.
 template <class Integer>
 bool takeInteger(std::string_view& text, Integer& value) {
     skipSpace(text);
-    const bool plus = !text.empty() && text.front() == '+';
-    const char* begin = text.data() + (plus ? 1 : 0);
+    const bool minus = std::is_unsigned_v<Integer> && !text.empty() && text.front() == '-';
+    const bool sign = minus || (!text.empty() && text.front() == '+');
+    const char* begin = text.data() + (sign ? 1 : 0);
     const char* end = text.data() + text.size();
-    if (plus && (begin == end || !isDigit(*begin)))
+    if (sign && (begin == end || !isDigit(*begin)))
         return false;
     Integer number = 0;
     const auto result = std::from_chars(begin, end, number);
     if (result.ec != std::errc())
         return false;
-    value = number;
+    value = minus ? Integer{0} - number : number;
     text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
     return true;
 }

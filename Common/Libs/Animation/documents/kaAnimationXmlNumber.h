@@ -32,11 +32,10 @@ class KA_ANIMATION_API Text {
 };
 
 /// Takes a number off the front of `text` by the rules of formatted stream extraction: white space before it
-/// is skipped, a '+' accepted, and reading ends at the first character that does not fit.
-/// @return false when there is no such number or it is out of the type's range, for an unsigned type also
-/// when it
-///         begins with '-', for a float also when it is written as "nan" or "inf"; `value` is untouched then.
-///         A float too small to be told from 0 is 0.
+/// is skipped, a '+' accepted, and reading ends at the first character that does not fit. For an unsigned
+/// type a '-' counts down from the type's end: "-1" is its largest number.
+/// @return false when there is no such number or it is out of the type's range, for a float also when it is
+///         written as "nan" or "inf"; `value` is untouched then. A float too small to be told from 0 is 0.
 /// @{
 KA_ANIMATION_API bool take(std::string_view& text, unsigned long long& value);
 KA_ANIMATION_API bool take(std::string_view& text, unsigned int& value);

@@ -26,17 +26,14 @@ std::string signedText(unsigned int value) {
     return std::to_string(static_cast<int>(value));
 }
 
-/// Begins an element and ends it when the scope is left.
-class Element {
-  public:
-    Element(kaAnimationXmlOutput& output, const char* tag) : _output(output) { _output.beginElement(tag); }
-    Element(const Element&) = delete;
-    Element& operator=(const Element&) = delete;
-    ~Element() { _output.endElement(); }
-
-  private:
-    kaAnimationXmlOutput& _output;
-};
+/// Describes an element with what `content` describes. Not a guard that ends the element as its scope is
+/// left: ending writes, and what a destructor cannot write ends the process.
+template <class Content>
+void element(kaAnimationXmlOutput& output, const char* tag, Content&& content) {
+    output.beginElement(tag);
+    content();
+    output.endElement();
+}
 
 } // namespace
 
@@ -53,119 +50,125 @@ void kaAnimationXmlWriter::flags(const kaAnimationObject& object) {
 }
 
 void kaAnimationXmlWriter::place(const char* tag, const kaControlPoint2D& point) {
-    const Element element(_output, tag);
-    _output.text(Text(point.getPosition()[0], point.getPosition()[1]));
+    element(_output, tag, [&] { _output.text(Text(point.getPosition()[0], point.getPosition()[1])); });
 }
 
 void kaAnimationXmlWriter::reference(const char* tag, const kaAnimationObject& object) {
-    const Element element(_output, tag);
-    _output.attribute("id", Text(object.getId()));
+    element(_output, tag, [&] { _output.attribute("id", Text(object.getId())); });
 }
 
 void kaAnimationXmlWriter::field(const kaAnimationField* field) {
-    const Element element(_output, "field");
-    if (!field)
-        return;
-    _output.attribute("id", Text(field->getId()));
-    _output.attribute("typeID", "-1");
-    _output.attribute("fcID", Text(field->fcID));
-    _output.attribute("name", field->name);
-    _output.attribute("attribute", field->attribute);
-    _output.attribute("value", Text(field->value));
-    _output.attribute("valuePos", Text(static_cast<kaUID>(field->valuePos)));
-    _output.attribute("dirty", flag(field->dirty));
+    element(_output, "field", [&] {
+        if (!field)
+            return;
+        _output.attribute("id", Text(field->getId()));
+        _output.attribute("typeID", "-1");
+        _output.attribute("fcID", Text(field->fcID));
+        _output.attribute("name", field->name);
+        _output.attribute("attribute", field->attribute);
+        _output.attribute("value", Text(field->value));
+        _output.attribute("valuePos", Text(static_cast<kaUID>(field->valuePos)));
+        _output.attribute("dirty", flag(field->dirty));
+    });
 }
 
 void kaAnimationXmlWriter::point(const kaControlPoint2D* point) {
-    const Element element(_output, "point");
-    if (!point)
-        return;
-    identity(*point);
-    _output.attribute("tangentType", signedText(point->getTangentType()));
-    _output.attribute("tangentLengthMode", signedText(point->getTangentLengthMode()));
-    place("position", *point);
-    place("inTangent", point->getInTangent() ? *point->getInTangent() : *point);
-    place("outTangent", point->getOutTangent() ? *point->getOutTangent() : *point);
+    element(_output, "point", [&] {
+        if (!point)
+            return;
+        identity(*point);
+        _output.attribute("tangentType", signedText(point->getTangentType()));
+        _output.attribute("tangentLengthMode", signedText(point->getTangentLengthMode()));
+        place("position", *point);
+        place("inTangent", point->getInTangent() ? *point->getInTangent() : *point);
+        place("outTangent", point->getOutTangent() ? *point->getOutTangent() : *point);
+    });
 }
 
 void kaAnimationXmlWriter::curve(const kaAnimationCurve2D* curve) {
-    const Element element(_output, "curve");
-    const kaAnimationField* field = curve ? kaObjectRegistry::the().findField(curve->getField()) : nullptr;
-    if (!field)
-        return;
-    identity(*curve);
-    _output.attribute("name", curve->getName());
-    _output.attribute("field", Text(field->getId()));
-    flags(*curve);
-    const osg::NodePtr node = curve->getParentOSGNode();
-    const kaUID nodeID = node == osg::NullFC ? 0 : node.getFieldContainerId();
-    _output.attribute("parentNodeID", Text(nodeID));
-    for (const auto& entry : curve->getPoints())
-        reference("point", *entry.second);
+    element(_output, "curve", [&] {
+        const kaAnimationField* field = curve ? kaObjectRegistry::the().findField(curve->getField()) : nullptr;
+        if (!field)
+            return;
+        identity(*curve);
+        _output.attribute("name", curve->getName());
+        _output.attribute("field", Text(field->getId()));
+        flags(*curve);
+        const osg::NodePtr node = curve->getParentOSGNode();
+        const kaUID nodeID = node == osg::NullFC ? 0 : node.getFieldContainerId();
+        _output.attribute("parentNodeID", Text(nodeID));
+        for (const auto& entry : curve->getPoints())
+            reference("point", *entry.second);
+    });
 }
 
 void kaAnimationXmlWriter::block(const kaAnimationUnit* unit) {
-    const Element element(_output, "block");
-    if (!unit)
-        return;
-    identity(*unit);
-    _output.attribute("name", unit->getName());
-    flags(*unit);
-    for (const kaAnimationCurve2D* curve : unit->getCurves())
-        reference("block", *curve);
+    element(_output, "block", [&] {
+        if (!unit)
+            return;
+        identity(*unit);
+        _output.attribute("name", unit->getName());
+        flags(*unit);
+        for (const kaAnimationCurve2D* curve : unit->getCurves())
+            reference("block", *curve);
+    });
 }
 
 void kaAnimationXmlWriter::track(const kaAnimationStreak* streak) {
-    const Element element(_output, "track");
-    if (!streak)
-        return;
-    identity(*streak);
-    _output.attribute("name", streak->getName());
-    _output.attribute("number", Text(static_cast<kaUID>(streak->getIndex())));
-    flags(*streak);
-    for (const kaAnimationObject* object : streak->getObjects())
-        reference("obj", *object);
+    element(_output, "track", [&] {
+        if (!streak)
+            return;
+        identity(*streak);
+        _output.attribute("name", streak->getName());
+        _output.attribute("number", Text(static_cast<kaUID>(streak->getIndex())));
+        flags(*streak);
+        for (const kaAnimationObject* object : streak->getObjects())
+            reference("obj", *object);
+    });
 }
 
 void kaAnimationXmlWriter::clip(const kaAnimationStrip* strip) {
-    const Element element(_output, "clip");
-    if (!strip)
-        return;
-    identity(*strip);
-    _output.attribute("name", strip->getName());
-    flags(*strip);
-    for (const auto& entry : strip->getStreaks())
-        reference("track", *entry.second);
+    element(_output, "clip", [&] {
+        if (!strip)
+            return;
+        identity(*strip);
+        _output.attribute("name", strip->getName());
+        flags(*strip);
+        for (const auto& entry : strip->getStreaks())
+            reference("track", *entry.second);
+    });
 }
 
 void kaAnimationXmlWriter::sequence(const kaAnimationSequence* sequence) {
-    const Element element(_output, "field");
-    if (!sequence)
-        return;
-    identity(*sequence);
-    _output.attribute("name", sequence->getName());
-    _output.attribute("active", flag(sequence->isActive()));
-    _output.attribute("begin", Text(sequence->getBegin()));
-    _output.attribute("end", Text(sequence->getEnd()));
+    element(_output, "field", [&] {
+        if (!sequence)
+            return;
+        identity(*sequence);
+        _output.attribute("name", sequence->getName());
+        _output.attribute("active", flag(sequence->isActive()));
+        _output.attribute("begin", Text(sequence->getBegin()));
+        _output.attribute("end", Text(sequence->getEnd()));
+    });
 }
 
 void kaAnimationXmlWriter::pool() {
     const kaObjectRegistry& registry = kaObjectRegistry::the();
-    const Element root(_output, "AnimationPool");
-    _output.attribute("objects", Text(static_cast<kaUID>(registry.size() + registry.fieldCount())));
-    for (const auto& entry : registry.fields())
-        field(entry.second);
-    for (const auto& entry : registry.ofType(KA_TYPE_POINT))
-        point(static_cast<const kaControlPoint2D*>(entry.second));
-    for (const auto& entry : registry.byType(KA_TYPE_CURVE))
-        curve(static_cast<const kaAnimationCurve2D*>(entry.second));
-    blocks();
-    for (const auto& entry : registry.byType(KA_TYPE_SEQUENCE))
-        sequence(static_cast<const kaAnimationSequence*>(entry.second));
-    clips(true);
-    for (const auto& entry : registry.byType(KA_TYPE_STREAK))
-        track(static_cast<const kaAnimationStreak*>(entry.second));
-    clips(false);
+    element(_output, "AnimationPool", [&] {
+        _output.attribute("objects", Text(static_cast<kaUID>(registry.size() + registry.fieldCount())));
+        for (const auto& entry : registry.fields())
+            field(entry.second);
+        for (const auto& entry : registry.ofType(KA_TYPE_POINT))
+            point(static_cast<const kaControlPoint2D*>(entry.second));
+        for (const auto& entry : registry.byType(KA_TYPE_CURVE))
+            curve(static_cast<const kaAnimationCurve2D*>(entry.second));
+        blocks();
+        for (const auto& entry : registry.byType(KA_TYPE_SEQUENCE))
+            sequence(static_cast<const kaAnimationSequence*>(entry.second));
+        clips(true);
+        for (const auto& entry : registry.byType(KA_TYPE_STREAK))
+            track(static_cast<const kaAnimationStreak*>(entry.second));
+        clips(false);
+    });
 }
 
 void kaAnimationXmlWriter::blocks() {

@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QRegularExpression>
 #include <QTextCodec>
 #include <QXmlDefaultHandler>
 #include <QXmlInputSource>
@@ -222,10 +223,20 @@ class Decoder {
     std::unique_ptr<QTextDecoder> _decoder;
 };
 
+/// Bytes at the front of a document among which its declaration is looked for.
+constexpr int HeadSize = 1 << 10;
+
+/// Whether the document begins with a declaration that names an encoding. Other processing instructions may
+/// begin alike.
+bool declaresEncoding(const QByteArray& head) {
+    static const QRegularExpression declaration(R"(^<\?xml(\s[^>]*)?\sencoding\s*=\s*["'])");
+    return declaration.match(QString::fromLatin1(head)).hasMatch();
+}
+
 /// Whether the bytes themselves say how they are encoded: by a byte order mark, by a declaration or by zero
 /// bytes, which only wide encodings have so early.
 bool saysEncoding(const QByteArray& head) {
-    return head.startsWith("<?xml") || head.startsWith("\xEF\xBB\xBF") || head.startsWith("\xFF\xFE") ||
+    return declaresEncoding(head) || head.startsWith("\xEF\xBB\xBF") || head.startsWith("\xFF\xFE") ||
            head.startsWith("\xFE\xFF") || head.left(4).contains('\0');
 }
 
@@ -238,7 +249,7 @@ bool isUtf8(QIODevice& device) {
 }
 
 bool visitDevice(QIODevice& device, kaXmlPreflight::Visitor& visitor, kaXmlPreflight::Fault& fault) {
-    if (saysEncoding(device.peek(8))) {
+    if (saysEncoding(device.peek(HeadSize))) {
         Source source(device);
         return visit(source, visitor, fault);
     }

@@ -16,9 +16,8 @@ class QXmlAttributes;
 /// an encoding by byte order mark or declaration, else UTF-8; of an attribute that stands twice in one
 /// element the last; control characters; entity references that nothing declares, which are left out. Four
 /// things differ:
-///  - A file without byte order mark and declaration whose bytes are not valid UTF-8 is read as Latin-1, as
-///  it was
-///    written.
+///  - A file without byte order mark and without a declaration that names an encoding is read as Latin-1, as
+///    it was written, where its bytes are not valid UTF-8.
 ///  - Entity declarations in the document type are refused: a few bytes of them can stand for any amount of
 ///  text.
 ///  - Elements nested deeper than `MaximumDepth`, and content models in the document type nested beyond

@@ -10,6 +10,7 @@
 #include <kaOpenSGUtils.h>
 #include <kaString.h>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // A call out to the host (an announcement, a camera callback) may destroy or change the record, its binding
@@ -101,6 +102,15 @@ bool isWholeNumber(const osg::Field& field) {
     return type.compare(0, 3, "Int") == 0 || type.compare(0, 4, "UInt") == 0;
 }
 
+/// Whether the type can be read from its text form: handles are written as addresses, attachments as their
+/// number, and reading either complains.
+bool isReadFromText(const osg::Field& field) {
+    constexpr std::string_view Handle = "Ptr";
+    const std::string_view type = field.getContentType().getCName();
+    const bool isHandle = type.size() >= Handle.size() && type.substr(type.size() - Handle.size()) == Handle;
+    return !isHandle && type != "AttachmentMap";
+}
+
 std::vector<float> numbersOf(const osg::Field& field) {
     std::string text;
     return kaString::getValuesFromString(field.getValueByStr(text));
@@ -110,7 +120,7 @@ std::vector<float> numbersOf(const osg::Field& field) {
 void writeText(const kaFieldBinding& binding, const kaAnimationField& field,
                const osg::FieldContainerPtr& container) {
     osg::Field& sceneField = *binding.text;
-    if (sceneField.getCardinality() != osg::FieldType::SINGLE_FIELD)
+    if (sceneField.getCardinality() != osg::FieldType::SINGLE_FIELD || !isReadFromText(sceneField))
         return;
     std::vector<float> numbers = numbersOf(sceneField);
     if (field.valuePos >= numbers.size() || numbers[field.valuePos] == field.value)

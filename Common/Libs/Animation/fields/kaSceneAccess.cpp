@@ -4,7 +4,6 @@
 #include <OpenSG/OSGMaterial.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGThread.h>
-#include <new>
 
 osg::NodeCorePtr kaSceneAccess::coreOf(const osg::NodePtr& node) {
     return node != osg::NullFC ? node->getCore() : osg::NodeCorePtr();
@@ -19,6 +18,6 @@ void kaSceneAccess::recordChange(const osg::FieldContainerPtr& container, osg::B
     try {
         if (osg::ChangeList* changes = osg::PThreadBase::getCurrentChangeList())
             changes->addChanged(container, mask);
-    } catch (const std::bad_alloc&) {
+    } catch (...) { // objects leave their node in the middle of being destroyed
     }
 }

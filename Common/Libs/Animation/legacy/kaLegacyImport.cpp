@@ -63,7 +63,7 @@ void forEachWhile(const kaAliveGuard& alive, const kaContainerIDs& ids, Convert&
 }
 
 std::size_t weight(std::size_t listed, const std::string& name) {
-    return 1 + listed + name.size() / kaLegacyImport::NameBytesPerEntry;
+    return 1 + listed + name.size() / kaLegacySize::NameBytesPerContainer;
 }
 
 osg::AnimationAttachmentPtr attachmentOf(const osg::NodePtr& node) {
@@ -289,8 +289,10 @@ kaAnimationCurve2D* kaLegacyImport::importCurve(const osg::AnimationCurvePtr& cu
                                                 const osg::NodePtr& node) {
     if (!unit || curve == osg::NullFC)
         return nullptr;
-    const std::string& name = kaNameOf(curve);
-    if (!mayRepeat(curve.getFieldContainerId(), weight(kaListedIn(curve), name), "curve", name))
+    // Read only where it is converted: a curve may be listed without end.
+    const std::string& attribute = curve->getAttribute().empty() ? kaNameOf(curve) : curve->getAttribute();
+    if (!mayRepeat(curve.getFieldContainerId(), weight(kaListedIn(curve), kaNameOf(curve)), "curve",
+                   attribute))
         return nullptr;
     const kaLegacyCurve source(curve);
     const osg::NodePtr target = nodeOf(source, *unit, node);

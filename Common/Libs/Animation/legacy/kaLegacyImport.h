@@ -3,6 +3,7 @@
 #include "kaAnimationTypes.h"
 #include "kaImportReport.h"
 #include "kaLegacyContainers.h"
+#include "kaLegacySize.h"
 
 #include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
@@ -20,16 +21,22 @@ class kaControlPoint2D;
 ///
 /// Whatever the scene holds, a run ends: a clip or track that is being converted is skipped where it comes up
 /// again inside itself; what would stand deeper than `KA_MAX_DEPTH` levels is left out; and containers that
-/// are reached more than once are converted each time only until their repeats add up to `MaximumRepeats`.
+/// are reached more than once are converted each time only until their repeats add up to `MinimumRepeats` and
+/// `RepeatsPerContainer` for everything that the scene holds: what comes out stays in proportion to what went
+/// in.
 ///
 /// The host may change anything while a run attaches what it made or reports progress: containers are read
 /// before such a call and looked up again by id after it.
 class kaLegacyImport {
   public:
-    /// List entries that repeated containers may add to a scene, `NameBytesPerEntry` of a name counting as
-    /// one: far more than any real scene shares.
-    static constexpr std::size_t MaximumRepeats = 100000;
-    static constexpr std::size_t NameBytesPerEntry = 64;
+    /// List entries that repeated containers may add to any scene, and to a scene for each of its containers
+    /// (`kaLegacySize`).
+    static constexpr std::size_t MinimumRepeats = 100000;
+    static constexpr std::size_t RepeatsPerContainer = 32;
+
+    /// @param size  of what will be converted, counted beforehand.
+    explicit kaLegacyImport(const kaLegacySize& size)
+        : _repeatsLeft(MinimumRepeats + RepeatsPerContainer * size.count()) {}
 
     kaAnimationStrip* importClip(const osg::AnimationClipPtr& clip, kaAnimationStreak* parent);
     kaAnimationStreak* importTrack(const osg::AnimationTrackPtr& track, kaAnimationStrip* parent);
@@ -70,5 +77,5 @@ class kaLegacyImport {
     kaImportReport _report;
     boost::unordered_flat_set<osg::UInt32> _open; ///< clips and tracks being converted
     boost::unordered_flat_set<osg::UInt32> _seen;
-    std::size_t _repeatsLeft = MaximumRepeats;
+    std::size_t _repeatsLeft;
 };

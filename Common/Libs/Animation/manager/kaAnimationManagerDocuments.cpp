@@ -126,14 +126,18 @@ QString kaAnimationManager::createAnimationXML() {
 
 bool kaAnimationManager::saveAnimations(const char* path) {
     announceSaving();
-    QFile file(QString::fromLatin1(path));
-    if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
+    try {
+        QFile file(QString::fromLatin1(path));
+        if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
+            return false;
+        writeDocument([&file](std::string_view piece) {
+            file.write(piece.data(), static_cast<qint64>(piece.size()));
+        });
+        file.close();
+        return true;
+    } catch (const std::bad_alloc&) {
         return false;
-    writeDocument([&file](std::string_view piece) {
-        file.write(piece.data(), static_cast<qint64>(piece.size()));
-    });
-    file.close();
-    return true;
+    }
 }
 
 bool kaAnimationManager::saveAnimations(QWidget* parent) {

@@ -13,6 +13,26 @@ namespace {
 /// The import that visits the scene at this moment; null outside of one.
 kaLegacyImport* running = nullptr;
 
+// Imports with room for the repeats of what each is to convert.
+
+kaLegacyImport importOf(const osg::FieldContainerPtr& container) {
+    kaLegacySize size;
+    size.add(container);
+    return kaLegacyImport(size);
+}
+
+kaLegacyImport importOfNode(const osg::NodePtr& node) {
+    kaLegacySize size;
+    size.addNode(node);
+    return kaLegacyImport(size);
+}
+
+kaLegacyImport importOfScene(const osg::NodePtr& root) {
+    kaLegacySize size;
+    size.addScene(root);
+    return kaLegacyImport(size);
+}
+
 /// Makes `running` an import for as long as the object lives. A host that starts another import from a
 /// callback gets one of its own.
 class Run {
@@ -38,7 +58,7 @@ void kaAnimationManager::importORVAAnimations(const osg::NodePtr& root, const os
     if (root == osg::NullFC)
         return;
     const osg::UInt32 rootID = kaSceneNodes::idOf(root);
-    kaLegacyImport import;
+    kaLegacyImport import = importOfScene(root);
     const Run run(import);
     import.importRoot(root, camera);
     _importNodeCount = nodeCount;
@@ -57,34 +77,37 @@ osg::Action::ResultE kaAnimationManager::collectORVAAnimations(const osg::NodePt
     ++_nodeCounter;
     const float percent = static_cast<float>(_nodeCounter) / (static_cast<float>(_importNodeCount) / 100.0F);
     the()->setFileIOProgress(static_cast<unsigned int>(kaAnimationUtils::floatToInt(percent)));
-    kaLegacyImport alone;
-    (running ? *running : alone).importNode(kaSceneNodes::find(nodeID));
+    const osg::NodePtr current = kaSceneNodes::find(nodeID);
+    if (running)
+        running->importNode(current);
+    else
+        importOfNode(current).importNode(current);
     return osg::Action::Continue;
 }
 
 kaAnimationStrip* kaAnimationManager::importClip(const osg::AnimationClipPtr& clip,
                                                  kaAnimationStreak* parent) {
-    return kaLegacyImport().importClip(clip, parent);
+    return importOf(clip).importClip(clip, parent);
 }
 
 kaAnimationStreak* kaAnimationManager::importTrack(const osg::AnimationTrackPtr& track,
                                                    kaAnimationStrip* parent) {
-    return kaLegacyImport().importTrack(track, parent);
+    return importOf(track).importTrack(track, parent);
 }
 
 kaAnimationUnit* kaAnimationManager::importBlock(const osg::AnimationBlockPtr& block,
                                                  kaAnimationStreak* parent) {
-    return kaLegacyImport().importBlock(block, parent);
+    return importOf(block).importBlock(block, parent);
 }
 
 kaAnimationSequence* kaAnimationManager::importSequence(const osg::AnimationBlockPtr& block,
                                                         kaAnimationStreak* parent) {
-    return kaLegacyImport().importSequence(block, parent);
+    return importOf(block).importSequence(block, parent);
 }
 
 kaAnimationCurve2D* kaAnimationManager::importCurve(const osg::AnimationCurvePtr& curve,
                                                     kaAnimationUnit* unit, osg::NodePtr node) {
-    return kaLegacyImport().importCurve(curve, unit, node);
+    return importOf(curve).importCurve(curve, unit, node);
 }
 
 kaControlPoint2D* kaAnimationManager::importPoint(const osg::AnimationControlPointPtr& point,

@@ -6,6 +6,7 @@
 #include "kaWatchedObjects.h"
 
 #include <algorithm>
+#include <new>
 #include <unordered_set>
 
 // What an object has below it, its end with all of that, and whom it tells of changes.
@@ -68,39 +69,42 @@ kaAnimationObject::~kaAnimationObject() {
 
 namespace {
 
-/// Levels of destruction under way, and the children that stand deeper than containers accept (a host wrote
-/// their lists directly): those wait until the levels above are done, so that any depth fits the stack.
+/// Levels of destruction under way.
 unsigned int destructionDepth = 0;
-std::vector<kaUID>& postponedChildren() {
-    static std::vector<kaUID> ids;
-    return ids;
-}
 
 } // namespace
 
-/// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
-/// to end. Allocates nothing, within the depth that containers accept: destruction cannot fail.
+/// Children that stand deeper than containers accept (a host wrote their lists directly) wait with the group
+/// that lists them until the levels above are done, so that any depth fits the stack. Allocates nothing:
+/// destruction cannot fail.
 void kaAnimationObject::destroyChildren() {
     if (!_group || _group->children.empty() || !kaObjectRegistry::isAlive())
         return;
-    const bool tooDeep = destructionDepth >= KA_MAX_DEPTH;
-    ++destructionDepth;
+    static std::unique_ptr<Group> postponed;
     _group->children.beginTaking();
-    while (!_group->children.empty()) {
-        const kaUID id = _group->children.takeNext();
-        kaAnimationObject* child = find(id);
-        if (tooDeep)
-            postponedChildren().push_back(id);
-        else if (child && child != this)
-            kaObjectStore::destroy(child);
+    if (destructionDepth >= KA_MAX_DEPTH) {
+        _group->next = std::move(postponed);
+        postponed = std::move(_group);
+        return;
     }
-    --destructionDepth;
-    while (destructionDepth == 0 && !postponedChildren().empty()) {
-        kaAnimationObject* child = find(postponedChildren().back());
-        postponedChildren().pop_back();
+    destroyAll(_group->children);
+    while (destructionDepth == 0 && postponed) {
+        const std::unique_ptr<Group> group = std::move(postponed);
+        postponed = std::move(group->next);
+        destroyAll(group->children);
+    }
+}
+
+/// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
+/// to end.
+void kaAnimationObject::destroyAll(kaChildList& children) {
+    ++destructionDepth;
+    while (!children.empty()) {
+        kaAnimationObject* child = find(children.takeNext());
         if (child && child != this)
             kaObjectStore::destroy(child);
     }
+    --destructionDepth;
 }
 
 // Changes.
@@ -339,6 +343,17 @@ void kaAnimationObject::updateAll(const std::vector<kaUID>& ids, Operation opera
                   operation, recursive);
 }
 
+/// A list that holds more than its own known children needs memory to be sorted. One that has lost a child
+/// stays as it is where there is none: children leave in the middle of being destroyed, which cannot fail.
+void kaAnimationObject::sortChildren(kaChildList& children, Operation operation) {
+    try {
+        children.sort();
+    } catch (const std::bad_alloc&) {
+        if (operation != SUB_OBJECT)
+            throw;
+    }
+}
+
 /// An object that stands for its own child (a curve that lost its last key) or comes round in a ring of
 /// parents loses the very ids that the others are to lose, so it loses them last.
 void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
@@ -350,7 +365,7 @@ void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::
         else
             level.takeIn(curves, sequences, operation);
         if (level._group)
-            level._group->children.sort();
+            sortChildren(level._group->children, operation);
         level.updateBounds();
     });
     if (source)

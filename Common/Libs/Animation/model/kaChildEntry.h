@@ -31,6 +31,10 @@ class kaChildEntry {
         return isKey() && _object == other._object && _begin == other._begin && _value == other._value;
     }
 
+    /// From here on the entry is the child's id and nothing else.
+    void reduceTo(kaUID id) { _id = id; }
+    kaUID id() const { return _id; } ///< after `reduceTo`
+
     /// Orders entries and frames.
     struct ByBegin {
         bool operator()(const kaChildEntry& a, const kaChildEntry& b) const { return a._begin < b._begin; }
@@ -47,7 +51,10 @@ class kaChildEntry {
     bool has(std::size_t flag) const { return (Tagged::get_bits(_object) & flag) != 0; }
     kaExtent extentOfObject() const;
 
-    kaAnimationObject* _object; ///< with its flags
+    union {
+        kaAnimationObject* _object; ///< with its flags
+        kaUID _id;
+    };
     float _begin;
     float _value; ///< of a key
 };

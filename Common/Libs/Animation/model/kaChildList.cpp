@@ -43,7 +43,7 @@ bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
 
 std::vector<kaUID> kaChildList::ids() const {
     if (!_mirrored)
-        return _ids;
+        return literal();
     std::vector<kaUID> result;
     result.reserve(_size);
     for (const auto& chunk : _chunks)
@@ -85,21 +85,13 @@ void kaChildList::append(kaAnimationObject& child) {
         }
         becomeLiteral();
     }
-    _ids.push_back(child.getId());
+    literal().push_back(child.getId());
     sizeChanged(_size + 1);
 }
 
 bool kaChildList::remove(const kaAnimationObject& child) {
-    if (!_mirrored) {
-        const auto found = std::find(_ids.begin(), _ids.end(), child.getId());
-        if (found == _ids.end())
-            return false;
-        _ids.erase(found);
-        sizeChanged(_size - 1);
-        if (_ids.empty())
-            release();
-        return true;
-    }
+    if (!_mirrored)
+        return removeLiterally(child.getId());
     const kaAnimationObject* object = resolve(child);
     if (!isHome(object))
         return false;
@@ -109,6 +101,33 @@ bool kaChildList::remove(const kaAnimationObject& child) {
     return true;
 }
 
+/// Allocates nothing, whatever form the ids are in.
+bool kaChildList::removeLiterally(kaUID id) {
+    if (!removeReduced(id)) {
+        const auto found = std::find(_ids.begin(), _ids.end(), id);
+        if (found == _ids.end())
+            return false;
+        _ids.erase(found);
+    }
+    sizeChanged(_size - 1);
+    if (empty())
+        release();
+    return true;
+}
+
+bool kaChildList::removeReduced(kaUID id) {
+    for (const auto& chunk : _reduced) {
+        auto& entries = chunk->entries;
+        const auto found = std::find_if(entries.begin(), entries.end(),
+                                        [id](const Entry& entry) { return entry.id() == id; });
+        if (found == entries.end())
+            continue;
+        entries.erase(found);
+        return true;
+    }
+    return false;
+}
+
 void kaChildList::release() {
     for (const auto& chunk : _chunks)
         for (const Entry& entry : chunk->entries)
@@ -116,6 +135,7 @@ void kaChildList::release() {
     _chunks.clear();
     _firsts.clear();
     _ids.clear();
+    _reduced.clear();
     _strangers = 0;
     _out = nullptr;
     _extent = kaExtent();
@@ -135,9 +155,39 @@ void kaChildList::becomeLiteral() {
     _mirrored = false;
 }
 
+/// The same without memory, for what happens while a child is destroyed: the chunks are kept for the ids.
+void kaChildList::becomeLiteralInPlace() {
+    const std::size_t size = _size;
+    std::vector<std::unique_ptr<kaChildChunk>> chunks = std::move(_chunks);
+    for (const auto& chunk : chunks) {
+        for (Entry& entry : chunk->entries) {
+            kaAnimationObject& child = *entry.object();
+            child._home = nullptr;
+            entry.reduceTo(child.getId());
+        }
+    }
+    _chunks.clear();
+    release();
+    _reduced = std::move(chunks);
+    _size = size;
+    _mirrored = false;
+}
+
+/// The ids while the list is not mirrored.
+std::vector<kaUID>& kaChildList::literal() const {
+    if (!_reduced.empty()) {
+        _ids.reserve(_size);
+        for (const auto& chunk : _reduced)
+            for (const Entry& entry : chunk->entries)
+                _ids.push_back(entry.id());
+        _reduced.clear();
+    }
+    return _ids;
+}
+
 void kaChildList::childLost(kaAnimationObject& child) {
     if (!_ending) {
-        becomeLiteral();
+        becomeLiteralInPlace();
         return;
     }
     const Place place = find(child);
@@ -148,14 +198,18 @@ void kaChildList::childLost(kaAnimationObject& child) {
 void kaChildList::beginTaking() {
     _ending = true;
     std::reverse(_ids.begin(), _ids.end());
-    std::reverse(_chunks.begin(), _chunks.end());
+    for (auto* chunks : {&_chunks, &_reduced}) {
+        std::reverse(chunks->begin(), chunks->end());
+        for (const auto& chunk : *chunks)
+            std::reverse(chunk->entries.begin(), chunk->entries.end());
+    }
     renumber(0);
-    for (const auto& chunk : _chunks)
-        std::reverse(chunk->entries.begin(), chunk->entries.end());
 }
 
 kaUID kaChildList::takeNext() {
     --_size;
+    if (!_reduced.empty())
+        return takeNextReduced();
     if (!_mirrored) {
         const kaUID id = _ids.back();
         _ids.pop_back();
@@ -164,6 +218,15 @@ kaUID kaChildList::takeNext() {
     kaChildChunk& chunk = *_chunks.back();
     const kaUID id = chunk.entries.back().object()->getId();
     eraseEntry(chunk, chunk.entries.size() - 1);
+    return id;
+}
+
+kaUID kaChildList::takeNextReduced() {
+    while (_reduced.back()->entries.empty())
+        _reduced.pop_back();
+    auto& entries = _reduced.back()->entries;
+    const kaUID id = entries.back().id();
+    entries.pop_back();
     return id;
 }
 

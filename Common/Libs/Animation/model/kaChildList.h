@@ -115,7 +115,7 @@ class kaChildList {
                 for (const auto& entry : chunk->entries)
                     visit(*entry.object());
         } else {
-            for (kaUID id : _ids)
+            for (kaUID id : literal())
                 if (kaAnimationObject* object = resolve(id))
                     visit(*object);
         }
@@ -185,6 +185,11 @@ class kaChildList {
     bool sortKnown();
     bool tryMirror();
     void becomeLiteral();
+    void becomeLiteralInPlace();
+    std::vector<kaUID>& literal() const;
+    bool removeLiterally(kaUID id);
+    bool removeReduced(kaUID id);
+    kaUID takeNextReduced();
     void noteEdit();
     void sizeChanged(std::size_t size);
 
@@ -200,8 +205,10 @@ class kaChildList {
 
     kaAnimationObject* _owner;
     std::vector<std::unique_ptr<kaChildChunk>> _chunks;
-    std::vector<float> _firsts; ///< begin of each chunk's first entry
-    std::vector<kaUID> _ids;    ///< the list while it is not mirrored
+    std::vector<float> _firsts;      ///< begin of each chunk's first entry
+    mutable std::vector<kaUID> _ids; ///< the list while it is not mirrored (`literal`)
+    /// The same where a child's loss made it so: what had been chunks, with ids for entries.
+    mutable std::vector<std::unique_ptr<kaChildChunk>> _reduced;
     std::size_t _size = 0;
     std::size_t _strangers = 0; ///< mirrored children that are no keys
     std::uint64_t _revision = 0;

@@ -73,8 +73,9 @@ kaChildList::Place kaChildList::upperBound(float begin) const {
 
 std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
     if (!_mirrored) {
-        const auto found = std::find(_ids.begin(), _ids.end(), id);
-        return {static_cast<std::size_t>(found - _ids.begin()), found != _ids.end()};
+        const std::vector<kaUID>& ids = literal();
+        const auto found = std::find(ids.begin(), ids.end(), id);
+        return {static_cast<std::size_t>(found - ids.begin()), found != ids.end()};
     }
     const kaAnimationObject* object = resolve(id);
     return isHome(object) ? std::make_pair(positionOf(*object), true) : std::make_pair(_size, false);
@@ -93,8 +94,9 @@ std::pair<std::size_t, bool> kaChildList::position(float begin) const {
         const kaAnimationObject* object = firstAt(begin);
         return object ? position(object->getId()) : std::make_pair(_size, false);
     }
-    for (std::size_t i = 0; i < _ids.size(); ++i) {
-        const kaAnimationObject* object = resolve(_ids[i]);
+    const std::vector<kaUID>& ids = literal();
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        const kaAnimationObject* object = resolve(ids[i]);
         if (object && object->getBegin() == begin)
             return {i, true};
     }
@@ -102,8 +104,10 @@ std::pair<std::size_t, bool> kaChildList::position(float begin) const {
 }
 
 bool kaChildList::contains(kaUID id) const {
-    if (!_mirrored)
-        return std::find(_ids.begin(), _ids.end(), id) != _ids.end();
+    if (!_mirrored) {
+        const std::vector<kaUID>& ids = literal();
+        return std::find(ids.begin(), ids.end(), id) != ids.end();
+    }
     return isHome(resolve(id));
 }
 
@@ -145,10 +149,11 @@ std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAn
         return {previous ? previous->object() : nullptr, next ? next->object() : nullptr};
     }
     std::pair<kaAnimationObject*, kaAnimationObject*> result;
-    const auto place = std::find(_ids.begin(), _ids.end(), child.getId());
-    for (auto it = std::make_reverse_iterator(place); it != _ids.rend() && !result.first; ++it)
+    const std::vector<kaUID>& ids = literal();
+    const auto place = std::find(ids.begin(), ids.end(), child.getId());
+    for (auto it = std::make_reverse_iterator(place); it != ids.rend() && !result.first; ++it)
         result.first = resolve(*it);
-    for (auto it = std::next(place); it != _ids.end() && !result.second; ++it)
+    for (auto it = std::next(place); it != ids.end() && !result.second; ++it)
         result.second = resolve(*it);
     return result;
 }

@@ -90,6 +90,7 @@ void kaChildList::sortAll() {
 /// Where an id is unknown or a begin is no number the comparator is partial, and what comes out depends on
 /// the merge: that of a list.
 void kaChildList::sortLiterally() {
+    literal();
     if (!sortKnown()) {
         std::list<kaUID> sorted(_ids.begin(), _ids.end());
         sorted.sort(&kaAnimationObject::compareObjectsByBegin);

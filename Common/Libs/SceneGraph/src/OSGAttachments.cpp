@@ -74,7 +74,7 @@ void AttachmentContainer::detach(UInt32 key) {
         return;
     // One entry per binding: the same attachment may hang here twice.
     attachment->_parentIndex.remove(attachment->_mfParents, getFieldContainerId());
-    endEditCP(attachment, Attachment::ParentsFieldMask);
+    announceParents(attachment, Attachment::ParentsFieldMask);
     releaseRefCP(attachment);
 }
 

@@ -1,5 +1,7 @@
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGThread.h>
+#include <exception>
+#include <utility>
 #include <vector>
 
 namespace osg {
@@ -88,26 +90,56 @@ void FieldContainer::keepAlive(const FieldContainerPtr& handle) {
     _kept->push_back(handle);
 }
 
+namespace {
+
+/// Whether containers are being destroyed, and what has been thrown meanwhile first.
+bool isDestroying = false;
+std::exception_ptr thrown;
+
+/// Takes a step of a destruction, which goes on whatever the step throws.
+template <class Step>
+void attempt(Step&& step) {
+    try {
+        step();
+    } catch (...) {
+        if (!thrown)
+            thrown = std::current_exception();
+    }
+}
+
+} // namespace
+
+void FieldContainer::announceParents(const FieldContainerPtr& container, BitVector mask) {
+    if (isDestroying)
+        attempt([&] { endEditCP(container, mask); });
+    else
+        endEditCP(container, mask);
+}
+
 void FieldContainer::destroy(FieldContainer* container) {
     // What is owned goes after its owner and not within its destruction: a deep tree needs no deep stack.
-    static std::vector<FieldContainer*> waiting;
-    static bool busy = false;
+    // What waits is linked, so that destroying needs no memory.
+    static FieldContainer* waiting = nullptr;
 
     auto* store = const_cast<FieldContainerStore*>(&FieldContainerStore::the());
     store->remove(container->_id);
-    waiting.push_back(container);
-    if (busy)
+    container->_nextWaiting = std::exchange(waiting, container);
+    if (isDestroying)
         return;
-    busy = true;
-    while (!waiting.empty()) {
-        FieldContainer* next = waiting.back();
-        waiting.pop_back();
-        if (ChangeList* changes = PThreadBase::getCurrentChangeList())
-            changes->addDestroyed(next->_id);
-        next->onDestroy();
+    isDestroying = true;
+    while (waiting != nullptr) {
+        FieldContainer* next = waiting;
+        waiting = next->_nextWaiting;
+        attempt([next] {
+            if (ChangeList* changes = PThreadBase::getCurrentChangeList())
+                changes->addDestroyed(next->_id);
+        });
+        attempt([next] { next->onDestroy(); });
         delete next;
     }
-    busy = false;
+    isDestroying = false;
+    if (const std::exception_ptr first = std::exchange(thrown, nullptr))
+        std::rethrow_exception(first);
 }
 
 } // namespace osg

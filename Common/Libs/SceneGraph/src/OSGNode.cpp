@@ -48,7 +48,7 @@ void Node::releaseCore() {
     if (core == NullFC)
         return;
     core->_parentIndex.remove(core->_mfParents, getFieldContainerId());
-    endEditCP(core, NodeCore::ParentsFieldMask);
+    announceParents(core, NodeCore::ParentsFieldMask);
     releaseRefCP(core);
 }
 

@@ -71,6 +71,10 @@ class KA_SCENEGRAPH_API FieldContainer {
     /// lists it, counts down what it owns. Ends with the base's. Must not create containers.
     virtual void onDestroy();
 
+    /// Announces that a parent has let go of `container`, as `endEditCP` does. While containers are being
+    /// destroyed what the host throws in answer waits until all of them are gone.
+    static void announceParents(const FieldContainerPtr& container, BitVector mask);
+
   private:
     friend class FieldContainerPtrBase;
     friend struct ContainerAccess;
@@ -78,7 +82,8 @@ class KA_SCENEGRAPH_API FieldContainer {
     friend KA_SCENEGRAPH_API void addRefCP(const FieldContainerPtr& handle);
     friend KA_SCENEGRAPH_API void releaseRefCP(const FieldContainerPtr& handle);
 
-    /// Destroys the container and, one after the other and not nested, whatever goes with it.
+    /// Destroys the container and, one after the other and not nested, whatever goes with it. What a host's
+    /// `changed` or `onDestroy` throws meanwhile stops none of it; the first comes out at the end.
     static void destroy(FieldContainer* container);
 
     /// Counts `handle` up and, when this container goes, down again.
@@ -86,6 +91,7 @@ class KA_SCENEGRAPH_API FieldContainer {
 
     UInt32 _id;
     Int32 _refCount = 0;
+    FieldContainer* _nextWaiting = nullptr; ///< while it waits to be destroyed
     /// What this container keeps alive without an owning field: containers that a scene file defined inside
     /// of it.
     std::unique_ptr<std::vector<FieldContainerPtr>> _kept;
