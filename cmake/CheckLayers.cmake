@@ -4,6 +4,8 @@
 #         -P CheckLayers.cmake
 # PUBLIC names the layer of each header and source that stands in ROOT itself; of all others the folder is the layer.
 
+cmake_minimum_required(VERSION 3.25)
+
 set(rank_of_count 0)
 foreach(layer IN LISTS LAYERS)
   set(rank_${layer} ${rank_of_count})

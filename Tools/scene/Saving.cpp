@@ -48,7 +48,6 @@ class CountedOutput final : public kaAnimationXmlOutput {
 };
 
 void writeDocument(kaFileWriter& file) {
-    const kaAnimationManager& manager = *kaAnimationManager::the();
     kaAnimationXmlTextOutput text([&file](std::string_view piece) { file.write(piece); });
     text.documentType("ORVA");
     CountedOutput output(text, kaObjectRegistry::the().size() + kaObjectRegistry::the().fieldCount());

@@ -137,6 +137,8 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
 
   private:
     friend class kaEvaluation;
+    friend class kaEvaluationPass;
+    friend class kaEvaluationPlan;
 
     void init(kaAnimationField* field, const std::string& name, kaUID id);
     std::vector<kaControlPoint2D*> points() const;

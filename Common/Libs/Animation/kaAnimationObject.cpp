@@ -8,25 +8,6 @@
 // kaAnimationObjectChildren.cpp, the curves and sequences below it in kaAnimationObjectCurves.cpp, what it fires in
 // kaAnimationObjectTriggers.cpp.
 
-kaAnimationObject kaAnimationObject::_the;
-
-kaAnimationObject::kaAnimationObject()
-    : _active(true),
-      _playing(false),
-      _reversePlay(false),
-      _repeating(false),
-      _pausing(false),
-      _flipped(false),
-      _trimmed(false),
-      _selected(false),
-      _locked(false),
-      _internal(false),
-      _motionBlur(false),
-      _useCustomRange(false),
-      _ownChild(false),
-      _registered(false),
-      _findable(false) {}
-
 // Plain state.
 
 void kaAnimationObject::setBegin(float begin) {

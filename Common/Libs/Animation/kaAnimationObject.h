@@ -262,6 +262,8 @@ class KA_ANIMATION_API kaAnimationObject {
     friend class kaChildList;
     friend class kaObjectStore;
     friend class kaEvaluation;
+    friend class kaEvaluationPass;
+    friend class kaEvaluationPlan;
 
     /// What only objects that play or fire have; the defaults stand for everyone else.
     struct Playback {

@@ -31,7 +31,7 @@ class kaEvaluation::PassLease {
   public:
     explicit PassLease(kaEvaluation& evaluation) : _evaluation(evaluation) {
         if (evaluation._depth == evaluation._passes.size())
-            evaluation._passes.push_back(std::make_unique<Pass>());
+            evaluation._passes.push_back(std::make_unique<kaEvaluationPass>());
         _pass = evaluation._passes[evaluation._depth].get();
         ++evaluation._depth;
         _pass->clear();
@@ -40,11 +40,11 @@ class kaEvaluation::PassLease {
     PassLease& operator=(const PassLease&) = delete;
     ~PassLease() { --_evaluation._depth; }
 
-    Pass* operator->() const { return _pass; }
+    kaEvaluationPass* operator->() const { return _pass; }
 
   private:
     kaEvaluation& _evaluation;
-    Pass* _pass;
+    kaEvaluationPass* _pass;
 };
 
 kaEvaluation::kaEvaluation(SequenceSink sequences) : _sequences(sequences) {}
@@ -54,14 +54,14 @@ bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, flo
     return curve && curve->view().sample(frame, value);
 }
 
-kaEvaluation::Plan& kaEvaluation::planOf(const kaAnimationObject& object) {
+kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
     if (_depth == 0 && _plans.size() >= ManyPlans && _plansEdits != kaEdits::count) {
         _plans.clear();
         _plansEdits = kaEdits::count;
     }
-    std::unique_ptr<Plan>& plan = _plans[&object];
+    std::unique_ptr<kaEvaluationPlan>& plan = _plans[&object];
     if (!plan)
-        plan = std::make_unique<Plan>();
+        plan = std::make_unique<kaEvaluationPlan>();
     plan->refresh(object);
     return *plan;
 }
@@ -71,9 +71,9 @@ void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame
                                           bool motionBlurOnly) {
     if (!object)
         return;
-    using Part = Plan::Part;
-    const Plan& plan = planOf(*object);
-    plan.forEachPart(frame, motionBlurOnly, [&](Part part, float key, float at, const Plan::Leaf& leaf) {
+    using Part = kaEvaluationPlan::Part;
+    const kaEvaluationPlan& plan = planOf(*object);
+    plan.forEachPart(frame, motionBlurOnly, [&](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
         auto& target = part == Part::Finished ? finished : (part == Part::Running ? running : upcoming);
         for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
             if (!motionBlurOnly || plan.curves[i].motionBlur)
@@ -86,7 +86,7 @@ bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool m
         return true;
     const kaAliveGuard alive(*object);
     {
-        Plan& plan = planOf(*object);
+        kaEvaluationPlan& plan = planOf(*object);
         const PassLease pass(*this);
         pass->sample(plan, frame, motionBlurOnly);
         pass->write(&plan);

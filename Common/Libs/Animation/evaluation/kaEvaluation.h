@@ -12,6 +12,8 @@
 class kaAnimationCurve2D;
 class kaAnimationObject;
 class kaAnimationSequence;
+class kaEvaluationPass;
+class kaEvaluationPlan;
 
 /// Turns objects and a frame into values in the scene: gathers curves, samples them, writes their fields.
 ///
@@ -38,16 +40,14 @@ class kaEvaluation {
                         bool motionBlurOnly);
 
   private:
-    class Plan;
-    class Pass;
     class PassLease;
 
     /// Stands while an evaluation runs and the object model is not edited.
-    Plan& planOf(const kaAnimationObject& object);
+    kaEvaluationPlan& planOf(const kaAnimationObject& object);
 
-    boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<Plan>> _plans;
+    boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
     std::uint64_t _plansEdits = 0;
-    std::vector<std::unique_ptr<Pass>> _passes; ///< one for each depth
+    std::vector<std::unique_ptr<kaEvaluationPass>> _passes; ///< one for each depth
     std::size_t _depth = 0;
     SequenceSink _sequences;
 };

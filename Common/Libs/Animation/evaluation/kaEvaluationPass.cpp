@@ -14,7 +14,7 @@
 
 /// Gathers steps until there are as many as are sampled at a time. What is left at the end is sampled one by
 /// one.
-class kaEvaluation::Pass::SideBySide {
+class kaEvaluationPass::SideBySide {
   public:
     void add(const kaSegment& segment, Step& step) {
         _segments[_count] = &segment;
@@ -61,7 +61,7 @@ bool sameBits(float a, float b) {
 
 } // namespace
 
-void kaEvaluation::Pass::clear() {
+void kaEvaluationPass::clear() {
     _finished.clear();
     _running.clear();
     _upcoming.clear();
@@ -71,9 +71,9 @@ void kaEvaluation::Pass::clear() {
 
 /// Later writes win for a field that several curves drive: of the upcoming the nearest, then what has ended,
 /// then what runs. The upcoming are walked backwards as a whole, those under one key included.
-void kaEvaluation::Pass::arrange(const Plan& plan, float frame, bool motionBlurOnly) {
-    using Part = Plan::Part;
-    plan.forEachPart(frame, motionBlurOnly, [this](Part part, float key, float at, const Plan::Leaf& leaf) {
+void kaEvaluationPass::arrange(const kaEvaluationPlan& plan, float frame, bool motionBlurOnly) {
+    using Part = kaEvaluationPlan::Part;
+    plan.forEachPart(frame, motionBlurOnly, [this](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
         std::vector<Run>& runs =
             part == Part::Finished ? _finished : (part == Part::Running ? _running : _upcoming);
         runs.push_back({key, at, leaf.first, leaf.count});
@@ -84,7 +84,7 @@ void kaEvaluation::Pass::arrange(const Plan& plan, float frame, bool motionBlurO
             std::stable_sort(runs->begin(), runs->end(), byKey);
 }
 
-void kaEvaluation::Pass::sample(Plan& plan, float frame, bool motionBlurOnly) {
+void kaEvaluationPass::sample(kaEvaluationPlan& plan, float frame, bool motionBlurOnly) {
     _motionBlurOnly = motionBlurOnly;
     arrange(plan, frame, motionBlurOnly);
     for (auto run = _upcoming.rbegin(); run != _upcoming.rend(); ++run)
@@ -97,13 +97,13 @@ void kaEvaluation::Pass::sample(Plan& plan, float frame, bool motionBlurOnly) {
     flush(plan);
 }
 
-inline void kaEvaluation::Pass::add(Plan& plan, std::size_t curve, float frame) {
+inline void kaEvaluationPass::add(kaEvaluationPlan& plan, std::size_t curve, float frame) {
     _block[_inBlock] = {static_cast<std::uint32_t>(curve), frame};
     if (++_inBlock == _block.size())
         flush(plan);
 }
 
-void kaEvaluation::Pass::flush(Plan& plan) {
+void kaEvaluationPass::flush(kaEvaluationPlan& plan) {
     sampleBlock(plan);
     for (std::size_t i = 0; i < _inBlock; ++i)
         if (_block[i].curve != NoCurve)
@@ -112,11 +112,11 @@ void kaEvaluation::Pass::flush(Plan& plan) {
 }
 
 /// Asks for the memory of the whole block before it touches any.
-void kaEvaluation::Pass::sampleBlock(Plan& plan) {
+void kaEvaluationPass::sampleBlock(kaEvaluationPlan& plan) {
     const bool comparing = _written.empty();
     for (std::size_t i = 0; i < _inBlock; ++i) {
         Step& step = _block[i];
-        const Plan::Curve& curve = plan.curves[step.curve];
+        const kaEvaluationPlan::Curve& curve = plan.curves[step.curve];
         if (!curve.active || !curve.field || (_motionBlurOnly && !curve.motionBlur)) {
             step.curve = NoCurve;
             continue;
@@ -134,7 +134,7 @@ void kaEvaluation::Pass::sampleBlock(Plan& plan) {
     cubics.finish();
 }
 
-inline void kaEvaluation::Pass::sample(Plan& plan, Step& step, SideBySide& cubics) {
+inline void kaEvaluationPass::sample(kaEvaluationPlan& plan, Step& step, SideBySide& cubics) {
     const kaSegment* segment =
         plan.curves[step.curve].isInside(step.number) ? plan.segmentAt(step.curve, step.number) : nullptr;
     if (segment && segment->isCubic())
@@ -143,8 +143,8 @@ inline void kaEvaluation::Pass::sample(Plan& plan, Step& step, SideBySide& cubic
         step.curve = NoCurve;
 }
 
-inline void kaEvaluation::Pass::store(Plan& plan, const Step& step) {
-    Plan::Curve& curve = plan.curves[step.curve];
+inline void kaEvaluationPass::store(kaEvaluationPlan& plan, const Step& step) {
+    kaEvaluationPlan::Curve& curve = plan.curves[step.curve];
     kaAnimationField& field = *curve.field;
     if (!sameBits(field.value, step.number)) // memory that stays clean need not be written back
         field.value = step.number;
@@ -152,7 +152,7 @@ inline void kaEvaluation::Pass::store(Plan& plan, const Step& step) {
         _written.push_back({field.getId(), &field, step.curve});
 }
 
-void kaEvaluation::Pass::sample(kaAnimationCurve2D& curve, float frame) {
+void kaEvaluationPass::sample(kaAnimationCurve2D& curve, float frame) {
     kaCurveView& view = curve.view();
     kaAnimationField* field = curve.resolvedField();
     float value = 0.0F;
@@ -162,7 +162,7 @@ void kaEvaluation::Pass::sample(kaAnimationCurve2D& curve, float frame) {
     _written.push_back({field->getId(), field, NoCurve});
 }
 
-inline void kaEvaluation::Pass::fetch(const Plan& plan, std::size_t place) const {
+inline void kaEvaluationPass::fetch(const kaEvaluationPlan& plan, std::size_t place) const {
     if (place + Ahead >= _written.size())
         return;
     const Written& written = _written[place + Ahead];
@@ -174,7 +174,7 @@ inline void kaEvaluation::Pass::fetch(const Plan& plan, std::size_t place) const
 /// A store, and what the host does when it is announced, can change what another field addresses, so every
 /// value is compared again. Once the object model has been edited, which includes fields that come or go, the
 /// plan is left alone and fields are found by id.
-void kaEvaluation::Pass::write(Plan* plan) {
+void kaEvaluationPass::write(kaEvaluationPlan* plan) {
     const kaObjectRegistry& registry = kaObjectRegistry::the();
     const std::uint64_t edits = kaEdits::count;
     for (std::size_t i = 0; i < _written.size(); ++i) {

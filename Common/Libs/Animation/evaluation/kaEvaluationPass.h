@@ -1,29 +1,30 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
-#include "kaEvaluation.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+class kaAnimationCurve2D;
 class kaAnimationField;
+class kaEvaluationPlan;
 
 /// One evaluation on its way from frames to values in the scene, with buffers that are kept for the next.
 ///
 /// All values are sampled and stored in their fields first, then the fields are written in the same order.
-class kaEvaluation::Pass {
+class kaEvaluationPass {
   public:
     void clear();
 
     /// Samples what `plan` holds at `frame`.
-    void sample(Plan& plan, float frame, bool motionBlurOnly);
+    void sample(kaEvaluationPlan& plan, float frame, bool motionBlurOnly);
     /// Samples one curve beside any plan.
     void sample(kaAnimationCurve2D& curve, float frame);
 
     /// Writes all that was sampled since `clear`. Calls out.
-    void write(Plan* plan);
+    void write(kaEvaluationPlan* plan);
 
   private:
     static constexpr std::uint32_t NoCurve = 0xFFFFFFFF;
@@ -47,13 +48,13 @@ class kaEvaluation::Pass {
     };
     class SideBySide;
 
-    void arrange(const Plan& plan, float frame, bool motionBlurOnly);
-    void add(Plan& plan, std::size_t curve, float frame);
-    void flush(Plan& plan);
-    void sampleBlock(Plan& plan);
-    static void sample(Plan& plan, Step& step, SideBySide& cubics);
-    void store(Plan& plan, const Step& step);
-    void fetch(const Plan& plan, std::size_t place) const;
+    void arrange(const kaEvaluationPlan& plan, float frame, bool motionBlurOnly);
+    void add(kaEvaluationPlan& plan, std::size_t curve, float frame);
+    void flush(kaEvaluationPlan& plan);
+    void sampleBlock(kaEvaluationPlan& plan);
+    static void sample(kaEvaluationPlan& plan, Step& step, SideBySide& cubics);
+    void store(kaEvaluationPlan& plan, const Step& step);
+    void fetch(const kaEvaluationPlan& plan, std::size_t place) const;
 
     std::vector<Run> _finished;
     std::vector<Run> _running;

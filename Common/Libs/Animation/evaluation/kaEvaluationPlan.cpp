@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <limits>
 
-void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
+void kaEvaluationPlan::refresh(const kaAnimationObject& object) {
     if (_edits == kaEdits::count)
         return;
     const auto forget = [this](const kaAnimationObject& curve) { forgetKeysOf(curve); };
@@ -17,7 +17,7 @@ void kaEvaluation::Plan::refresh(const kaAnimationObject& object) {
     _edits = kaEdits::count;
 }
 
-void kaEvaluation::Plan::remake(const kaAnimationObject& object) {
+void kaEvaluationPlan::remake(const kaAnimationObject& object) {
     _mendable = false; // unless this comes to its end
     leaves.clear();
     curves.clear();
@@ -31,7 +31,7 @@ void kaEvaluation::Plan::remake(const kaAnimationObject& object) {
 }
 
 /// The curve may stand below several objects.
-void kaEvaluation::Plan::forgetKeysOf(const kaAnimationObject& curve) {
+void kaEvaluationPlan::forgetKeysOf(const kaAnimationObject& curve) {
     for (std::size_t i = 0; i < objects.size(); ++i) {
         if (objects[i] != &curve)
             continue;
@@ -42,7 +42,7 @@ void kaEvaluation::Plan::forgetKeysOf(const kaAnimationObject& curve) {
 }
 
 /// Containers down to the objects that hold curves.
-void kaEvaluation::Plan::visit(const kaAnimationObject& object) {
+void kaEvaluationPlan::visit(const kaAnimationObject& object) {
     if (object.getTypeID() <= KA_TYPE_UNIT) {
         addLeaf(object);
         return;
@@ -56,7 +56,7 @@ void kaEvaluation::Plan::visit(const kaAnimationObject& object) {
     _path.pop_back();
 }
 
-void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
+void kaEvaluationPlan::addLeaf(const kaAnimationObject& object) {
     static_assert(sizeof(Curve) == 64, "one cache line");
     constexpr float Infinity = std::numeric_limits<float>::infinity();
     const auto& below = object.resolvedCurves();
@@ -72,14 +72,14 @@ void kaEvaluation::Plan::addLeaf(const kaAnimationObject& object) {
 }
 
 /// What is remembered of a view that does not last would be of no use after the next edit of any key.
-kaCurveView& kaEvaluation::Plan::viewOf(std::size_t curve) {
+kaCurveView& kaEvaluationPlan::viewOf(std::size_t curve) {
     kaCurveView& view = objects[curve]->view();
     _mendable = _mendable && view.isKept();
     return view;
 }
 
 /// What plays forward goes on to the next segment, which is found without the curve.
-const kaSegment* kaEvaluation::Plan::findSegment(std::size_t curve, float frame) {
+const kaSegment* kaEvaluationPlan::findSegment(std::size_t curve, float frame) {
     Place& place = _places[curve];
     if (place.end - place.segment > 1 && place.segment[1].holds(frame)) {
         ++place.segment;
@@ -94,12 +94,12 @@ const kaSegment* kaEvaluation::Plan::findSegment(std::size_t curve, float frame)
     return &_segments[curve];
 }
 
-bool kaEvaluation::Plan::sampleInside(std::size_t curve, float frame, float& value) {
+bool kaEvaluationPlan::sampleInside(std::size_t curve, float frame, float& value) {
     kaCurveView& view = viewOf(curve);
     return view.hasSpan() && view.sample(frame, value);
 }
 
-void kaEvaluation::Plan::hold(std::size_t curve, float frame, Held& held) {
+void kaEvaluationPlan::hold(std::size_t curve, float frame, Held& held) {
     const float end = frame < curves[curve].begin ? curves[curve].begin : curves[curve].end;
     held.state = sampleInside(curve, end, held.value) ? Held::State::Value : Held::State::Nothing;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "kaAnimationObject.h"
-#include "kaEvaluation.h"
 #include "kaFieldGlance.h"
 #include "kaFold.h"
 #include "kaSegment.h"
@@ -16,7 +15,7 @@ class kaCurveView;
 /// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
 /// frame of an unedited clip touches no object but the fields. Made anew after an edit of the object model
 /// (`kaEdits`), unless only the keys of a few curves moved: those curves' keys are then asked for again.
-class kaEvaluation::Plan {
+class kaEvaluationPlan {
   public:
     /// An object that holds curves (a block, a curve), which are all sampled at one frame.
     struct Leaf {
@@ -114,7 +113,7 @@ class kaEvaluation::Plan {
 };
 
 template <class Visit>
-void kaEvaluation::Plan::forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const {
+void kaEvaluationPlan::forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const {
     for (const Leaf& leaf : leaves) {
         const float at =
             leaf.repeating ? kaFold(frame, leaf.object->getPlayBegin(), leaf.object->getPlayEnd()) : frame;

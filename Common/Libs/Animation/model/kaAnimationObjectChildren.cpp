@@ -9,7 +9,7 @@
 #include <new>
 #include <unordered_set>
 
-// What an object has below it, its end with all of that, and whom it tells of changes.
+// What an object has below it, its beginning and its end with all of that, and whom it tells of changes.
 
 namespace {
 
@@ -55,6 +55,25 @@ unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const 
 }
 
 } // namespace
+
+kaAnimationObject kaAnimationObject::_the;
+
+kaAnimationObject::kaAnimationObject()
+    : _active(true),
+      _playing(false),
+      _reversePlay(false),
+      _repeating(false),
+      _pausing(false),
+      _flipped(false),
+      _trimmed(false),
+      _selected(false),
+      _locked(false),
+      _internal(false),
+      _motionBlur(false),
+      _useCustomRange(false),
+      _ownChild(false),
+      _registered(false),
+      _findable(false) {}
 
 kaAnimationObject::~kaAnimationObject() {
     destroyChildren();
