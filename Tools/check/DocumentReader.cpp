@@ -11,6 +11,9 @@
 #include <kaAnimationXmlNumber.h>
 #include <kaControlPoint2D.h>
 #include <kaXmlPreflight.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace ka::tools {
 
@@ -63,6 +66,14 @@ bool standsBefore(const QXmlAttributes& attributes, int place) {
         if (attributes.qName(i) == attributes.qName(place))
             return true;
     return false;
+}
+
+/// Opening one would wait for somebody to write to it. A pipe without a name ("<(...)") has its partner.
+bool isNamedPipe(const std::string& path) {
+    struct stat file {};
+    struct statfs system {};
+    return stat(path.c_str(), &file) == 0 && S_ISFIFO(file.st_mode) && statfs(path.c_str(), &system) == 0 &&
+           system.f_type != PIPEFS_MAGIC;
 }
 
 class Reader : public kaXmlPreflight::Visitor {
@@ -280,6 +291,8 @@ class Reader : public kaXmlPreflight::Visitor {
 } // namespace
 
 void readOutline(const std::string& path, DocumentOutline& outline, FindingList& findings) {
+    if (isNamedPipe(path))
+        throw unreadable(path, "not a plain file");
     Reader reader(outline, findings);
     kaXmlPreflight::Fault fault;
     if (kaXmlPreflight::visitFile(QString::fromStdString(path), kaAnimationManager::getMaximumFileSize(),
