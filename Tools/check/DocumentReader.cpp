@@ -61,12 +61,28 @@ QString valueOf(const QXmlAttributes& attributes, const char* name) {
     return value;
 }
 
-bool standsBefore(const QXmlAttributes& attributes, int place) {
-    for (int i = 0; i < place; ++i)
-        if (attributes.qName(i) == attributes.qName(place))
-            return true;
-    return false;
-}
+/// Tells which attributes of an element stand there twice. It sorts, because a hostile element has tens of
+/// thousands of them, and is kept from element to element, so that memory is asked for once.
+class Repetitions {
+  public:
+    void setUp(const QXmlAttributes& attributes) {
+        const auto count = static_cast<std::size_t>(attributes.count());
+        _order.resize(count);
+        _isRepeated.assign(count, false);
+        for (std::size_t i = 0; i < count; ++i)
+            _order[i] = {attributes.qName(static_cast<int>(i)), i};
+        std::sort(_order.begin(), _order.end());
+        for (std::size_t i = 1; i < count; ++i)
+            _isRepeated[_order[i].second] = _order[i].first == _order[i - 1].first;
+    }
+
+    /// Whether one of the same name stands before it.
+    bool has(int place) const { return _isRepeated[static_cast<std::size_t>(place)]; }
+
+  private:
+    std::vector<std::pair<QString, std::size_t>> _order; ///< by name, then by place
+    std::vector<bool> _isRepeated;
+};
 
 /// Opening one would wait for somebody to write to it. A pipe without a name ("<(...)") has its partner.
 bool isNamedPipe(const std::string& path) {
@@ -190,8 +206,9 @@ class Reader : public kaXmlPreflight::Visitor {
     void checkAttributes(const QXmlAttributes& attributes) {
         if (valueOf(attributes, "id").isEmpty())
             report("no id: loading draws one, and no reference reaches it");
+        _repetitions.setUp(attributes);
         for (int i = 0; i < attributes.count(); ++i) {
-            if (standsBefore(attributes, i))
+            if (_repetitions.has(i))
                 report("the attribute " + quoted(attributes.qName(i)) + " stands twice");
             // An empty value is a missing one.
             const std::string fault =
@@ -282,6 +299,7 @@ class Reader : public kaXmlPreflight::Visitor {
     FindingList& _findings;
     std::uint32_t _line = 0, _rootLine = 0;
     QString _objects, _text;
+    Repetitions _repetitions;
     std::string _id; ///< of the element at hand, as it stands
     bool _inEntry = false;
     Place _place = PlaceCount; ///< the one whose text is being read
