@@ -105,7 +105,7 @@ class Reader : public kaXmlPreflight::Visitor {
         else if (depth == childDepth)
             beginChild(tag, attributes);
         else if (depth == childDepth + 1)
-            report("<" + oneLine(tag.left(60).toStdString()) + "> is passed over: nothing stands this deep");
+            report("<" + excerpt(tag) + "> is passed over: nothing stands this deep");
     }
 
     void text(const QString& text) override {
@@ -125,6 +125,8 @@ class Reader : public kaXmlPreflight::Visitor {
   private:
     /// Longer than any two numbers that a writer makes.
     static constexpr int longestPlace = 1 << 12;
+    /// Longer than any id: a hostile one is not kept whole for each of its findings.
+    static constexpr int longestId = 200;
 
     DocumentOutline::Element& current() { return _outline.elements.back(); }
 
@@ -141,7 +143,7 @@ class Reader : public kaXmlPreflight::Visitor {
     void beginRoot(const QString& tag, const QXmlAttributes& attributes) {
         _rootLine = _line;
         if (tag != QLatin1String("AnimationPool"))
-            report("the root is <" + oneLine(tag.left(60).toStdString()) + ">, not <AnimationPool>");
+            report("the root is <" + excerpt(tag) + ">, not <AnimationPool>");
         _objects = valueOf(attributes, "objects");
     }
 
@@ -150,7 +152,7 @@ class Reader : public kaXmlPreflight::Visitor {
         _inEntry = true;
         current().line = _line;
         current().firstReference = static_cast<std::uint32_t>(_outline.references.size());
-        _id = oneLine(valueOf(attributes, "id").left(40).toStdString());
+        _id = valueOf(attributes, "id").left(longestId).toStdString();
         _seen.fill(false);
         if (!setKind(tag, attributes))
             return;
@@ -171,7 +173,7 @@ class Reader : public kaXmlPreflight::Visitor {
     /// @return whether the element stands for anything.
     bool setKind(const QString& tag, const QXmlAttributes& attributes) {
         const QString typeID = valueOf(attributes, "typeID");
-        const std::string named = "<" + oneLine(tag.left(60).toStdString()) + ">";
+        const std::string named = "<" + excerpt(tag) + ">";
         if (typeID.isEmpty()) {
             reportUnknown(tag);
             const bool isBare = tag == QLatin1String("curve") && attributes.count() == 0;
@@ -200,7 +202,7 @@ class Reader : public kaXmlPreflight::Visitor {
 
     void reportUnknown(const QString& tag) {
         if (!isKnownTag(tag))
-            report("unknown tag <" + oneLine(tag.left(60).toStdString()) + ">");
+            report("unknown tag <" + excerpt(tag) + ">");
     }
 
     void checkAttributes(const QXmlAttributes& attributes) {
@@ -245,8 +247,7 @@ class Reader : public kaXmlPreflight::Visitor {
             return;
         const char* expected = referenceTag(current().kind);
         if (expected == nullptr || tag != QLatin1String(expected))
-            report("unknown tag <" + oneLine(tag.left(60).toStdString()) + "> in a " +
-                   kindName(current().kind));
+            report("unknown tag <" + excerpt(tag) + "> in a " + kindName(current().kind));
         const QString text = valueOf(attributes, "id");
         kaUID id = 0;
         const std::string fault =

@@ -72,13 +72,13 @@ void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter&
 
 void checkNames(const SavedFiles& files) {
     if (!files.scene.empty() && !isScene(files.scene))
-        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + oneLine(files.scene));
+        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + printedPath(files.scene));
     if (!files.animation.empty() && !isDocument(files.animation))
         throw Failure(ExitCode::Usage,
-                      "animation documents are written to .xml files, not " + oneLine(files.animation));
+                      "animation documents are written to .xml files, not " + printedPath(files.animation));
     if (!files.scene.empty() && !files.animation.empty() && kaFile::isSameFile(files.scene, files.animation))
         throw Failure(ExitCode::Usage, "the scene and the animation document would be one file: " +
-                                           oneLine(files.scene) + " and " + oneLine(files.animation));
+                                           printedPath(files.scene) + " and " + printedPath(files.animation));
 }
 
 void save(const osg::NodePtr& root, const SavedFiles& files) {
