@@ -47,13 +47,26 @@ cp "$work/old.xml" "$work/limit/animation.xml"
     expect_failure "$work/limit" "a limit on file sizes"
 )
 
+# expect_same_rights FOLDER WHAT: owner, group and permissions of the document are still those that were set
+expect_same_rights() {
+    [ "$(stat -c '%u %g %a' "$1/animation.xml")" = "$rights" ] || fail "the rights changed after: $2"
+}
+
 # A full disk and a folder that can only be read, on file systems of their own.
 mkdir "$full"
 if mount -t tmpfs -o size=64k tmpfs "$full" 2>/dev/null; then
     cp "$work/old.xml" "$full/animation.xml"
+    chown 41001:42001 "$full/animation.xml"
+    chmod 640 "$full/animation.xml"
+    rights="41001 42001 640"
     expect_failure "$full" "a full disk"
+    expect_same_rights "$full" "a full disk"
     mount -o remount,ro "$full"
     expect_failure "$full" "a read-only folder"
+    expect_same_rights "$full" "a read-only folder"
+    mount -o remount,rw,size=64m "$full"
+    save "$full" || fail "a disk with room again: $(cat "$work/message")"
+    expect_same_rights "$full" "a save"
 else
     echo "writers: only root may mount the full disk and the read-only folder; passed over" >&2
 fi
@@ -79,4 +92,36 @@ for i in $(seq 50); do
     rm -f "$work/killed"/.ka-*.tmp
 done
 [ "$ended" -lt 25 ] || fail "the runs were over before they could be killed"
+
+# Asked to end while it saves: nothing is left beside the document, which is the old one or the new one. Once more where
+# /proc is hidden, which is where files need a name from the start.
+# end_at_random ROUNDS COMMAND...: runs the command that many times and ends each with one of four signals
+end_at_random() {
+    local rounds=$1 signals=(INT TERM HUP QUIT) moment
+    shift
+    for i in $(seq "$rounds"); do
+        # The shell has Ctrl-C ignored in what it runs beside itself.
+        env --default-signal=INT,QUIT "$@" import "$model" -o "$work/ended/scene.osg" \
+            --animation "$work/ended/animation.xml" >/dev/null 2>&1 &
+        child=$!
+        moment=$((RANDOM * length / 32768))
+        sleep "$(printf '%d.%06d' $((moment / 1000000)) $((moment % 1000000)))"
+        kill -s "${signals[i % 4]}" "$child" 2>/dev/null || true
+        wait "$child" 2>/dev/null || true
+        [ "$(find "$work/ended" -name '.ka-*' | wc -l)" -eq 0 ] || fail "${signals[i % 4]} left a temporary file"
+        cmp -s "$work/ended/animation.xml" "$work/old.xml" ||
+            cmp -s <(wc -l <"$work/ended/animation.xml") <(wc -l <"$work/good/animation.xml") ||
+            fail "half a document after ${signals[i % 4]}"
+    done
+}
+ulimit -c 0
+mkdir "$work/ended"
+cp "$work/old.xml" "$work/ended/animation.xml"
+end_at_random 24 "$ka_anim"
+hide='mount --make-rprivate / && mount -t tmpfs none /proc && exec "$@"'
+if unshare -m sh -c "$hide" sh true 2>/dev/null; then
+    end_at_random 24 unshare -m sh -c "$hide" sh "$ka_anim"
+else
+    echo "writers: only root may hide /proc; passed over" >&2
+fi
 echo "writers: every failure was told, nothing was lost"

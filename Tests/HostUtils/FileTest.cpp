@@ -82,3 +82,39 @@ TEST_F(CheckWrite, LetsTheHostsCallbackTakeItselfAway) {
     EXPECT_TRUE(isAllowed("missing/folder"));
     EXPECT_FALSE(isAllowed("missing/folder"));
 }
+
+using SameFile = FolderTest;
+
+TEST_F(SameFile, IsOneUnderAllTheNamesThatLeadToIt) {
+    put("a", "");
+    put("b", "");
+    fs::create_hard_link(at("a"), at("hard"));
+    fs::create_symlink("a", at("soft"));
+    fs::create_symlink("soft", at("softer"));
+    fs::create_symlink("made later", at("dangling"));
+    fs::create_directory(at("folder"));
+    fs::create_directory_symlink("folder", at("other folder"));
+    const struct {
+        const char *a, *b;
+        bool isSame;
+    } rows[] = {{"a", "a", true},
+                {"a", "./folder/../a", true},
+                {"a", "hard", true},
+                {"a", "soft", true},
+                {"hard", "softer", true},
+                {"a", "b", false},
+                {"a", "new", false},
+                {"new", "new", true},
+                {"new", "newer", false},
+                {"dangling", "made later", true},
+                {"dangling", "new", false},
+                {"folder/new", "other folder/new", true},
+                {"folder/new", "new", false},
+                {"missing/new", "missing/new", false},
+                {"folder", "other folder", false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(kaFile::isSameFile(at(row.a), at(row.b)), row.isSame) << row.a << ", " << row.b;
+        EXPECT_EQ(kaFile::isSameFile(at(row.b), at(row.a)), row.isSame) << row.b << ", " << row.a;
+    }
+    EXPECT_FALSE(kaFile::isSameFile("/dev/null", "/dev/null"));
+}

@@ -4,10 +4,10 @@
 #include "kaFileWriter.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -122,22 +122,6 @@ TEST_F(FileWriter, WritesUpToTheSizeLimit) {
     EXPECT_TRUE(kaFile::writeSafely(at("file"), std::string(1000, 'n'), error)) << error;
 }
 
-TEST_F(FileWriter, KeepsTheOldFileWhenTheProcessIsKilled) {
-    put("file", "old");
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        kaFileWriter writer(at("file"));
-        writer.write(std::string(200000, 'n'));
-        ::raise(SIGKILL);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status));
-    EXPECT_EQ(ka_test::contentOf(at("file")), "old");
-    EXPECT_TRUE(fs::remove(at(".ka-" + std::to_string(child) + "-0.tmp")) || fileCount() == 2U);
-}
-
 TEST_F(FileWriter, RefusesWhatCannotBeAFile) {
     put("file", "");
     fs::create_symlink(at("round"), at("round"));
@@ -215,4 +199,32 @@ TEST_F(FileWriter, WritesToAFileInTheCurrentFolderByItsBareName) {
     EXPECT_TRUE(kaFile::writeSafely("bare", "new", error)) << error;
     fs::current_path(before);
     EXPECT_EQ(ka_test::contentOf(at("bare")), "new");
+}
+
+TEST_F(FileWriter, DoesNotWaitForTheReaderOfAPipe) {
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(errorOf(at("pipe")), "cannot write '" + at("pipe") + "': nobody reads from this pipe");
+}
+
+TEST_F(FileWriter, WritesToAPipeThatIsRead) {
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    const int reader = ::open(at("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+    std::string error;
+    EXPECT_TRUE(kaFile::writeSafely(at("pipe"), "through", error)) << error;
+    char bytes[16]{};
+    EXPECT_EQ(::read(reader, bytes, sizeof bytes), 7);
+    EXPECT_STREQ(bytes, "through");
+    ::close(reader);
+}
+
+TEST_F(FileWriter, SurvivesTheReaderOfAPipeThatGoesAway) {
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    const int reader = ::open(at("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+    kaFileWriter writer(at("pipe"));
+    writer.write("x");
+    ::close(reader);
+    void (*const before)(int) = std::signal(SIGPIPE, SIG_DFL);
+    EXPECT_FALSE(writer.commit());
+    std::signal(SIGPIPE, before);
+    EXPECT_EQ(writer.getError(), "cannot write '" + at("pipe") + "': Broken pipe");
 }

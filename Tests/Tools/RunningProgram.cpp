@@ -21,6 +21,9 @@ void keepOutputOnInterrupt() {
 }
 
 [[noreturn]] void runChild(const std::vector<std::string>& arguments, const std::string& folder) {
+    // Whoever started the tests in the background may have had these ignored.
+    for (const int ending : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        std::signal(ending, SIG_DFL);
     const std::string program = std::string(KA_ANIM_FOLDER) + "/ka-anim";
     std::vector<char*> words{const_cast<char*>(program.c_str())};
     for (const std::string& word : arguments)

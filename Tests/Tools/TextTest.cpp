@@ -55,6 +55,86 @@ TEST(OneLine, MakesTextOfUnknownOriginFitForAMessage) {
     EXPECT_EQ(oneLine("a\nb\r\n\tc\x1b[31m"), "a b c [31m");
     EXPECT_EQ(oneLine("abcdef", 3), "abc...");
     EXPECT_EQ(oneLine("tail\n"), "tail");
+    EXPECT_EQ(oneLine("\n\n"), "");
+    EXPECT_EQ(oneLine(std::string("a\0b", 3)), "a b");
+}
+
+TEST(OneLine, LeavesNothingThatATerminalObeysOrThatTurnsTextAround) {
+    const struct {
+        const char *text, *printed;
+    } rows[] = {{"a\xC2\x9B"
+                 "31mb",
+                 "a 31mb"}, // CSI as one character of C1
+                {"a\xC2\x85"
+                 "b\xE2\x80\xA8"
+                 "c\xE2\x80\xA9"
+                 "d",
+                 "a b c d"}, // other ends of a line
+                {"a\xE2\x80\xAE"
+                 "gnp.exe\xE2\x80\xAC",
+                 "a gnp.exe"}, // an override and its end
+                {"a\xE2\x81\xA6"
+                 "b\xE2\x81\xA9",
+                 "a b"}, // an isolate and its end
+                {"\xD8\x9C"
+                 "a\xE2\x80\x8E\xE2\x80\x8F"
+                 "b",
+                 "a b"}, // marks of direction
+                {"\xEF\xBB\xBF"
+                 "a",
+                 "a"}, // a byte order mark
+                {"\xF3\xA0\x80\x81"
+                 "a",
+                 "a"}, // a tag
+                {"Gr\xC3\xBC\xC3\x9F"
+                 "e",
+                 "Gr\xC3\xBC\xC3\x9F"
+                 "e"},
+                {"\xD7\xA9\xD7\x9C", "\xD7\xA9\xD7\x9C"}}; // letters that run to the left
+    for (const auto& row : rows)
+        EXPECT_EQ(oneLine(row.text), row.printed);
+}
+
+TEST(OneLine, MarksBytesThatAreNoUtf8) {
+    const std::string replaced = "\xEF\xBF\xBD";
+    EXPECT_EQ(oneLine("a\xE9z"), "a" + replaced + "z");
+    EXPECT_EQ(oneLine("a\x9B"
+                      "31m"),
+              "a" + replaced + "31m"); // CSI as a byte of its own
+    EXPECT_EQ(oneLine("cut\xE2\x82"), "cut" + replaced + replaced);
+    EXPECT_EQ(oneLine("\xC0\x8A").find('\n'), std::string::npos); // a line end spelled too long
+}
+
+TEST(OneLine, CutsBetweenCharacters) {
+    const std::string umlauts = "\xC3\xA4\xC3\xB6\xC3\xBC"; // 2 bytes each
+    EXPECT_EQ(oneLine(umlauts, 6), umlauts);
+    EXPECT_EQ(oneLine(umlauts, 5), umlauts.substr(0, 4) + "...");
+    EXPECT_EQ(oneLine(umlauts + "x", 6), umlauts + "...");
+    const std::string accented = "abcde\xCC\x81"; // an accent of its own
+    EXPECT_EQ(oneLine(accented + "fgh", 5), "abcd...");
+    EXPECT_EQ(oneLine(accented + "fgh", 7), accented + "...");
+    const std::string flags = "ab\xF0\x9F\x87\xA9\xF0\x9F\x87\xAA\xF0\x9F\x87\xAB\xF0\x9F\x87\xB7";
+    EXPECT_EQ(oneLine(flags, 14), flags.substr(0, 10) + "...");
+    const std::string family = "abcd\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91\xA7"; // two, joined
+    EXPECT_EQ(oneLine(family + "ef", 12), "abcd...");
+    // A heap of accents is cut somewhere.
+    std::string heap = "a";
+    for (int i = 0; i < 300; ++i)
+        heap += "\xCC\x81";
+    EXPECT_EQ(oneLine(heap, 101), heap.substr(0, 101) + "...");
+}
+
+TEST(OneLine, EveryCutLeavesWholeCharacters) {
+    std::string text;
+    for (int i = 0; i < 40; ++i)
+        text += "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x8E\xAC";
+    for (std::size_t limit = 0; limit < text.size(); ++limit) {
+        const std::string line = oneLine(text, limit);
+        ASSERT_LE(line.size(), limit + 3);
+        EXPECT_EQ(line.find("\xEF\xBF\xBD"), std::string::npos) << limit;
+        EXPECT_EQ(text.rfind(line.substr(0, line.size() - 3), 0), 0U) << limit;
+        EXPECT_GT(line.size() + 1, limit) << limit; // no more is cut than has to be
+    }
 }
 
 TEST(Latin1, ReplacesWhatItLacksAndSaysSo) {

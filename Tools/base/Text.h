@@ -19,9 +19,19 @@ std::optional<double> parseNumber(std::string_view text);
 /// "1 key", "2 keys".
 std::string counted(std::size_t count, const std::string& noun);
 
-/// `text` without control characters and line breaks, cut to `limit` bytes: text of unknown origin, fit for
-/// one line of a message.
+/// `text` of unknown origin, a name of a file or of something in it, fit to be printed: one line of UTF-8
+/// without anything that a terminal would take for a command or that would turn other text around.
+///
+/// Control characters (C0, DEL, C1), line and paragraph separators, marks of direction (embeddings,
+/// overrides, isolates), invisible fillers and tags become one blank for each row of them, bytes that are no
+/// UTF-8 the replacement character U+FFFD. Every message goes through here; JSON and CSV hold texts as they
+/// are.
+/// @param limit  bytes at most, before the "..." of a text that is cut. It is cut between characters as a
+///               reader sees them: no accent, no part of an emblem goes alone.
 std::string oneLine(std::string_view text, std::size_t limit = 200);
+
+/// oneLine() for the path of a file, which would tell little without its end.
+std::string printedPath(std::string_view path);
 
 /// Names inside the animation are Latin-1 bytes, files and terminals speak UTF-8.
 /// @param lossy  set when a character has no Latin-1 form (it becomes '?'); never cleared.

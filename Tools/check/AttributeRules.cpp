@@ -158,8 +158,14 @@ unsigned int smallNumber(const QString& value, unsigned int otherwise) {
     return kaAnimationXmlNumber::parse(std::string_view(value.toLatin1().toStdString()), otherwise);
 }
 
+std::string excerpt(const QString& text) {
+    constexpr int looked = 1000, shown = 80;
+    // What is cut in two here is cut off below.
+    return oneLine(text.left(looked).toStdString(), shown);
+}
+
 std::string quoted(const QString& text) {
-    return "\"" + oneLine(text.left(60).toStdString(), 80) + "\"";
+    return "\"" + excerpt(text) + "\"";
 }
 
 } // namespace ka::tools

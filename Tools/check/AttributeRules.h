@@ -21,7 +21,8 @@ std::string placeFault(const QString& text, std::array<float, 2>& place);
 /// The number that a reader takes for a small number: `otherwise` where the text does not parse.
 unsigned int smallNumber(const QString& value, unsigned int otherwise);
 
-/// `text` in quotes, short enough for a message.
+/// The beginning of a text of the document, short enough for a message; with quotes around it.
+std::string excerpt(const QString& text);
 std::string quoted(const QString& text);
 
 } // namespace ka::tools

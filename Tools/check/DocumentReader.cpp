@@ -11,6 +11,9 @@
 #include <kaAnimationXmlNumber.h>
 #include <kaControlPoint2D.h>
 #include <kaXmlPreflight.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
 
 namespace ka::tools {
 
@@ -58,11 +61,35 @@ QString valueOf(const QXmlAttributes& attributes, const char* name) {
     return value;
 }
 
-bool standsBefore(const QXmlAttributes& attributes, int place) {
-    for (int i = 0; i < place; ++i)
-        if (attributes.qName(i) == attributes.qName(place))
-            return true;
-    return false;
+/// Tells which attributes of an element stand there twice. It sorts, because a hostile element has tens of
+/// thousands of them, and is kept from element to element, so that memory is asked for once.
+class Repetitions {
+  public:
+    void setUp(const QXmlAttributes& attributes) {
+        const auto count = static_cast<std::size_t>(attributes.count());
+        _order.resize(count);
+        _isRepeated.assign(count, false);
+        for (std::size_t i = 0; i < count; ++i)
+            _order[i] = {attributes.qName(static_cast<int>(i)), i};
+        std::sort(_order.begin(), _order.end());
+        for (std::size_t i = 1; i < count; ++i)
+            _isRepeated[_order[i].second] = _order[i].first == _order[i - 1].first;
+    }
+
+    /// Whether one of the same name stands before it.
+    bool has(int place) const { return _isRepeated[static_cast<std::size_t>(place)]; }
+
+  private:
+    std::vector<std::pair<QString, std::size_t>> _order; ///< by name, then by place
+    std::vector<bool> _isRepeated;
+};
+
+/// Opening one would wait for somebody to write to it. A pipe without a name ("<(...)") has its partner.
+bool isNamedPipe(const std::string& path) {
+    struct stat file {};
+    struct statfs system {};
+    return stat(path.c_str(), &file) == 0 && S_ISFIFO(file.st_mode) && statfs(path.c_str(), &system) == 0 &&
+           system.f_type != PIPEFS_MAGIC;
 }
 
 class Reader : public kaXmlPreflight::Visitor {
@@ -78,7 +105,7 @@ class Reader : public kaXmlPreflight::Visitor {
         else if (depth == childDepth)
             beginChild(tag, attributes);
         else if (depth == childDepth + 1)
-            report("<" + oneLine(tag.left(60).toStdString()) + "> is passed over: nothing stands this deep");
+            report("<" + excerpt(tag) + "> is passed over: nothing stands this deep");
     }
 
     void text(const QString& text) override {
@@ -98,6 +125,8 @@ class Reader : public kaXmlPreflight::Visitor {
   private:
     /// Longer than any two numbers that a writer makes.
     static constexpr int longestPlace = 1 << 12;
+    /// Longer than any id: a hostile one is not kept whole for each of its findings.
+    static constexpr int longestId = 200;
 
     DocumentOutline::Element& current() { return _outline.elements.back(); }
 
@@ -114,7 +143,7 @@ class Reader : public kaXmlPreflight::Visitor {
     void beginRoot(const QString& tag, const QXmlAttributes& attributes) {
         _rootLine = _line;
         if (tag != QLatin1String("AnimationPool"))
-            report("the root is <" + oneLine(tag.left(60).toStdString()) + ">, not <AnimationPool>");
+            report("the root is <" + excerpt(tag) + ">, not <AnimationPool>");
         _objects = valueOf(attributes, "objects");
     }
 
@@ -123,7 +152,7 @@ class Reader : public kaXmlPreflight::Visitor {
         _inEntry = true;
         current().line = _line;
         current().firstReference = static_cast<std::uint32_t>(_outline.references.size());
-        _id = oneLine(valueOf(attributes, "id").left(40).toStdString());
+        _id = valueOf(attributes, "id").left(longestId).toStdString();
         _seen.fill(false);
         if (!setKind(tag, attributes))
             return;
@@ -144,7 +173,7 @@ class Reader : public kaXmlPreflight::Visitor {
     /// @return whether the element stands for anything.
     bool setKind(const QString& tag, const QXmlAttributes& attributes) {
         const QString typeID = valueOf(attributes, "typeID");
-        const std::string named = "<" + oneLine(tag.left(60).toStdString()) + ">";
+        const std::string named = "<" + excerpt(tag) + ">";
         if (typeID.isEmpty()) {
             reportUnknown(tag);
             const bool isBare = tag == QLatin1String("curve") && attributes.count() == 0;
@@ -173,14 +202,15 @@ class Reader : public kaXmlPreflight::Visitor {
 
     void reportUnknown(const QString& tag) {
         if (!isKnownTag(tag))
-            report("unknown tag <" + oneLine(tag.left(60).toStdString()) + ">");
+            report("unknown tag <" + excerpt(tag) + ">");
     }
 
     void checkAttributes(const QXmlAttributes& attributes) {
         if (valueOf(attributes, "id").isEmpty())
             report("no id: loading draws one, and no reference reaches it");
+        _repetitions.setUp(attributes);
         for (int i = 0; i < attributes.count(); ++i) {
-            if (standsBefore(attributes, i))
+            if (_repetitions.has(i))
                 report("the attribute " + quoted(attributes.qName(i)) + " stands twice");
             // An empty value is a missing one.
             const std::string fault =
@@ -217,8 +247,7 @@ class Reader : public kaXmlPreflight::Visitor {
             return;
         const char* expected = referenceTag(current().kind);
         if (expected == nullptr || tag != QLatin1String(expected))
-            report("unknown tag <" + oneLine(tag.left(60).toStdString()) + "> in a " +
-                   kindName(current().kind));
+            report("unknown tag <" + excerpt(tag) + "> in a " + kindName(current().kind));
         const QString text = valueOf(attributes, "id");
         kaUID id = 0;
         const std::string fault =
@@ -271,6 +300,7 @@ class Reader : public kaXmlPreflight::Visitor {
     FindingList& _findings;
     std::uint32_t _line = 0, _rootLine = 0;
     QString _objects, _text;
+    Repetitions _repetitions;
     std::string _id; ///< of the element at hand, as it stands
     bool _inEntry = false;
     Place _place = PlaceCount; ///< the one whose text is being read
@@ -280,6 +310,8 @@ class Reader : public kaXmlPreflight::Visitor {
 } // namespace
 
 void readOutline(const std::string& path, DocumentOutline& outline, FindingList& findings) {
+    if (isNamedPipe(path))
+        throw unreadable(path, "not a plain file");
     Reader reader(outline, findings);
     kaXmlPreflight::Fault fault;
     if (kaXmlPreflight::visitFile(QString::fromStdString(path), kaAnimationManager::getMaximumFileSize(),

@@ -1,5 +1,7 @@
 #include "cli/Interrupt.h"
 
+#include "cli/Ending.h"
+
 #include <cmath>
 #include <ctime>
 
@@ -7,11 +9,13 @@ namespace ka::tools {
 
 namespace {
 
-constexpr std::array<int, 2> noted{SIGINT, SIGTERM};
+constexpr std::array<int, 3> noted{SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t interrupted = 0;
 
-void note(int /*signal*/) {
+void note(int signal) {
+    if (interrupted != 0)
+        endBy(signal);
     interrupted = 1;
 }
 
@@ -22,8 +26,11 @@ Interrupt::Interrupt() {
     clock_gettime(CLOCK_MONOTONIC, &_start);
     struct sigaction action {};
     action.sa_handler = &note; // without SA_RESTART: a sleep ends at once
-    for (std::size_t i = 0; i < noted.size(); ++i)
-        sigaction(noted[i], &action, &_previous[i]);
+    for (std::size_t i = 0; i < noted.size(); ++i) {
+        sigaction(noted[i], nullptr, &_previous[i]);
+        if (_previous[i].sa_handler != SIG_IGN)
+            sigaction(noted[i], &action, nullptr);
+    }
 }
 
 Interrupt::~Interrupt() {

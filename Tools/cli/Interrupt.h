@@ -5,8 +5,10 @@
 
 namespace ka::tools {
 
-/// While one exists, Ctrl-C (and a plain request to end) is noted instead of ending the program, so that
-/// what runs can be brought to an orderly end. There is one at a time.
+/// While one exists, Ctrl-C, a request to end and a terminal that goes away are noted instead of ending the
+/// program, so that what runs can be brought to an orderly end. A second one ends the program: the first may
+/// have come while it waits for something that never comes. Those that the caller has had ignored stay so.
+/// There is one at a time.
 class Interrupt {
   public:
     Interrupt();
@@ -24,7 +26,7 @@ class Interrupt {
 
   private:
     timespec _start{};
-    std::array<struct sigaction, 2> _previous{};
+    std::array<struct sigaction, 3> _previous{};
 };
 
 } // namespace ka::tools

@@ -1,6 +1,7 @@
 #include "cli/Output.h"
 
 #include "base/Failure.h"
+#include "cli/Progress.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -68,9 +69,11 @@ bool Output::isTerminal() const {
 }
 
 void replaceFile(const std::string& path, std::string_view bytes) {
-    std::string error;
-    if (!kaFile::writeSafely(path, bytes, error))
+    std::string error, warning;
+    if (!kaFile::writeSafely(path, bytes, error, warning))
         throw Failure(ExitCode::OutputFailed, error);
+    if (!warning.empty())
+        say(warning);
 }
 
 } // namespace ka::tools

@@ -31,6 +31,7 @@ class Output {
 };
 
 /// Writes a file as a whole; one that was there before stays as it was when that fails.
+/// What the new file could not keep of its rights is said on standard error.
 /// @throws Failure (OutputFailed).
 void replaceFile(const std::string& path, std::string_view bytes);
 

@@ -1,5 +1,7 @@
 #include "cli/Progress.h"
 
+#include "base/Text.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <unistd.h>
@@ -41,7 +43,8 @@ void toStandardError(const std::string& text) {
 }
 
 void say(const std::string& line) {
-    toStandardError("ka-anim: " + line + "\n");
+    constexpr std::size_t longest = 16384; // room for two paths and the words around them
+    toStandardError("ka-anim: " + oneLine(line, longest) + "\n");
 }
 
 } // namespace ka::tools

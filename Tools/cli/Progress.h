@@ -26,7 +26,7 @@ class Progress {
 /// Puts a text on standard error at once, as it is.
 void toStandardError(const std::string& text);
 
-/// One line of message on standard error, after the program's name.
+/// One line of message on standard error, after the program's name; whatever names are in it, one line.
 void say(const std::string& line);
 
 } // namespace ka::tools

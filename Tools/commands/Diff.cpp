@@ -32,9 +32,10 @@ std::string asText(const DiffOptions& options, const Comparison& comparison) {
         const bool isPresence = difference.what == "presence";
         const std::string side = difference.b.empty() ? "only in A" : "only in B";
         const std::string& extent = difference.b.empty() ? difference.a : difference.b;
-        structure.add({difference.element, oneLine(difference.name),
-                       isPresence ? side + extent.substr(std::string("present").size()) : difference.what,
-                       isPresence ? "" : oneLine(difference.a) + " | " + oneLine(difference.b)});
+        structure.add(
+            {difference.element, oneLine(difference.name),
+             isPresence ? side + oneLine(extent.substr(std::string("present").size())) : difference.what,
+             isPresence ? "" : oneLine(difference.a) + " | " + oneLine(difference.b)});
     }
     if (!structure.isEmpty())
         text += counted(comparison.structure.size(), "difference") + " of structure (A | B)\n" +
@@ -46,7 +47,8 @@ std::string asText(const DiffOptions& options, const Comparison& comparison) {
             break;
         ++apart;
         values.add({curveName(curve), formatNumber(curve.error, 3),
-                    "at frame " + formatNumber(static_cast<double>(curve.frame)), curve.a + " | " + curve.b});
+                    "at frame " + formatNumber(static_cast<double>(curve.frame)),
+                    oneLine(curve.a) + " | " + oneLine(curve.b)});
     }
     if (apart > 0)
         text += counted(apart, "curve") + " of " + std::to_string(comparison.values.size()) +

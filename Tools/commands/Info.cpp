@@ -196,9 +196,9 @@ std::string section(const std::string& heading, const Columns& lines, std::size_
 
 std::string asText(const InfoOptions& options, const ProjectSummary& summary) {
     const std::vector<Target> targets = targetsOf(summary);
-    std::string text = oneLine(options.files.file);
+    std::string text = printedPath(options.files.file);
     if (!options.files.animation.empty())
-        text += ", " + oneLine(options.files.animation);
+        text += ", " + printedPath(options.files.animation);
     text += "\n" + countsAsText(summary);
     Columns animations("llll"), nodes("llrrl");
     const std::vector<const Object*> listed = animationsOf(summary);
@@ -208,8 +208,8 @@ std::string asText(const InfoOptions& options, const ProjectSummary& summary) {
     for (std::size_t i = 0; i < std::min(targets.size(), mostLines); ++i) {
         const Target& target = targets[i];
         const auto [begin, end] = rangeOf(target.curves);
-        nodes.add({oneLine(target.name), attributeList(target), counted(target.curves.size(), "curve"),
-                   counted(target.keys(), "key"),
+        nodes.add({oneLine(target.name), oneLine(attributeList(target), 1000),
+                   counted(target.curves.size(), "curve"), counted(target.keys(), "key"),
                    begin <= end ? number(begin) + " to " + number(end) : "empty"});
     }
     return text + section("animations", animations, listed.size()) +

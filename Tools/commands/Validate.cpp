@@ -28,13 +28,13 @@ void sortByLine(FindingList& findings) {
 }
 
 std::string asLine(const std::string& document, const Finding& finding) {
-    std::string line = oneLine(document);
+    std::string line = printedPath(document);
     for (const std::uint32_t number : {finding.line, finding.column})
         if (number > 0)
             line += ":" + std::to_string(number);
     line += ": ";
     if (!finding.element.empty())
-        line += finding.element + (finding.id.empty() ? "" : " " + oneLine(finding.id)) + ": ";
+        line += finding.element + (finding.id.empty() ? "" : " " + oneLine(finding.id, 40)) + ": ";
     return line + finding.message + "\n";
 }
 

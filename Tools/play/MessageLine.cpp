@@ -44,7 +44,8 @@ std::string messageAsText(const std::string& name, const kaMessage& message) {
         if (single != nullptr)
             line += formatNumber(static_cast<double>(*single)); // "nan" says more than nothing
         else
-            line += known.is_null() ? "?" : known.dump(-1, ' ', false, Json::error_handler_t::replace);
+            line +=
+                known.is_null() ? "?" : oneLine(known.dump(-1, ' ', false, Json::error_handler_t::replace));
     }
     return line;
 }

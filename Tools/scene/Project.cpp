@@ -106,7 +106,7 @@ void Project::open(const ProjectFiles& files) {
         openScene(files);
     else if (!files.animation.empty())
         throw Failure(ExitCode::Usage,
-                      "only a scene (.osg) goes with an animation document, not " + oneLine(files.file));
+                      "only a scene (.osg) goes with an animation document, not " + printedPath(files.file));
     else if (isDocument(files.file))
         openDocument(files);
     else

@@ -9,6 +9,7 @@
 #include <kaAnimationManager.h>
 #include <kaAnimationXmlOutput.h>
 #include <kaAnimationXmlWriter.h>
+#include <kaFile.h>
 #include <kaFileWriter.h>
 #include <kaObjectRegistry.h>
 #include <memory>
@@ -70,10 +71,13 @@ void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter&
 
 void checkNames(const SavedFiles& files) {
     if (!files.scene.empty() && !isScene(files.scene))
-        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + oneLine(files.scene));
+        throw Failure(ExitCode::Usage, "scenes are written to .osg files, not " + printedPath(files.scene));
     if (!files.animation.empty() && !isDocument(files.animation))
         throw Failure(ExitCode::Usage,
-                      "animation documents are written to .xml files, not " + oneLine(files.animation));
+                      "animation documents are written to .xml files, not " + printedPath(files.animation));
+    if (!files.scene.empty() && !files.animation.empty() && kaFile::isSameFile(files.scene, files.animation))
+        throw Failure(ExitCode::Usage, "the scene and the animation document would be one file: " +
+                                           printedPath(files.scene) + " and " + printedPath(files.animation));
 }
 
 void save(const osg::NodePtr& root, const SavedFiles& files) {
@@ -88,9 +92,12 @@ void save(const osg::NodePtr& root, const SavedFiles& files) {
         if (!animation->getError().empty())
             throw outputFailed(*animation);
     }
-    for (kaFileWriter* file : {scene.get(), animation.get()})
+    for (kaFileWriter* file : {scene.get(), animation.get()}) {
         if (file != nullptr && !file->commit())
             throw outputFailed(*file);
+        if (file != nullptr && !file->getWarning().empty())
+            say(file->getWarning());
+    }
 }
 
 } // namespace ka::tools

@@ -11,11 +11,13 @@ struct SavedFiles {
     std::string animation; ///< .xml, the document with everything registered
 };
 
-/// @throws Failure (Usage) when a name is not that of a scene or a document. Call it before the work.
+/// @throws Failure (Usage) when a name is not that of a scene or a document, and when both lead to one file.
+/// Call it before the work.
 void checkNames(const SavedFiles& files);
 
 /// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
-/// before all of them have been written in full.
+/// before all of them have been written in full. What a file could not keep of the rights of the one before
+/// is said on standard error.
 /// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can.
 void save(const osg::NodePtr& root, const SavedFiles& files);
 

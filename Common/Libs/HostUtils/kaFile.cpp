@@ -29,12 +29,24 @@ void kaFile::setCheckWriteCallback(CheckWriteCallback callback) {
     hostCheck() = std::move(callback);
 }
 
-bool kaFile::writeSafely(const std::string& name, std::string_view bytes, std::string& error) {
+bool kaFile::writeSafely(const std::string& name, std::string_view bytes, std::string& error,
+                         std::string& warning) {
     kaFileWriter writer(name);
     writer.write(bytes);
-    if (writer.commit()) {
-        return true;
+    const bool isWritten = writer.commit();
+    warning = writer.getWarning();
+    if (!isWritten) {
+        error = writer.getError();
     }
-    error = writer.getError();
-    return false;
+    return isWritten;
+}
+
+bool kaFile::writeSafely(const std::string& name, std::string_view bytes, std::string& error) {
+    std::string warning;
+    return writeSafely(name, bytes, error, warning);
+}
+
+bool kaFile::isSameFile(const std::string& a, const std::string& b) {
+    kaFileTarget first, second;
+    return first.resolve(a) && second.resolve(b) && first.isSameAs(second);
 }

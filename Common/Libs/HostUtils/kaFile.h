@@ -33,4 +33,14 @@ KA_HOSTUTILS_API void setCheckWriteCallback(CheckWriteCallback callback);
 ///         `error` is untouched otherwise.
 KA_HOSTUTILS_API bool writeSafely(const std::string& name, std::string_view bytes, std::string& error);
 
+/// The same; `warning` is set to what the new file could not keep of the old one's owner, permissions and
+/// attributes, empty when it kept everything.
+KA_HOSTUTILS_API bool writeSafely(const std::string& name, std::string_view bytes, std::string& error,
+                                  std::string& warning);
+
+/// Whether writing to `a` and to `b` would write to one file: the same name, links that lead to it, hard
+/// links, a folder that is mounted in two places. Neither has to exist. Devices, which take both, do not
+/// count, and neither does a name that cannot be written to.
+KA_HOSTUTILS_API bool isSameFile(const std::string& a, const std::string& b);
+
 } // namespace kaFile

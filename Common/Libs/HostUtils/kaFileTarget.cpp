@@ -22,6 +22,19 @@ bool kaFileTarget::isWritable() const {
     return _exists ? isAllowed(_path, W_OK) : isAllowed(getFolder(), W_OK | X_OK);
 }
 
+bool kaFileTarget::isSameAs(const kaFileTarget& other) const {
+    const auto areOne = [](const struct stat& a, const struct stat& b) {
+        return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+    };
+    if (_exists || other._exists) {
+        return _exists && other._exists && areOne(_status, other._status) && !S_ISCHR(_status.st_mode);
+    }
+    struct stat folder {};
+    struct stat otherFolder {};
+    return _path.filename() == other._path.filename() && ::stat(getFolder().c_str(), &folder) == 0 &&
+           ::stat(other.getFolder().c_str(), &otherFolder) == 0 && areOne(folder, otherFolder);
+}
+
 // By hand, because a link to a file that is yet to be made counts as well.
 bool kaFileTarget::followLinks() {
     for (int links = 0; std::filesystem::is_symlink(std::filesystem::symlink_status(_path, _error));

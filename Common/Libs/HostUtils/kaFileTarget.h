@@ -23,6 +23,9 @@ class kaFileTarget {
     /// Of an existing target: whether it is a file with content of its own, not a device or a pipe.
     bool isRegular() const { return S_ISREG(_status.st_mode); }
 
+    /// Whether both are one file; devices do not count. Both have been resolved.
+    bool isSameAs(const kaFileTarget& other) const;
+
     /// Whether this process may write the existing file, or make it in its folder.
     bool isWritable() const;
 

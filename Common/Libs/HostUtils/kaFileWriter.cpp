@@ -1,49 +1,59 @@
 #include "kaFileWriter.h"
 
+#include "kaFileRights.h"
 #include "kaFileTarget.h"
+#include "kaTemporaryFile.h"
 
-#include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <streambuf>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
 constexpr std::size_t PENDING_LIMIT = std::size_t{64} * 1024;
-constexpr int MAX_NAMES_TRIED = 100;
+constexpr mode_t OWNER_ONLY = 0600, EVERYBODY = 0666;
 
-// A write beyond the process's file size limit kills it by default; here it is to fail like any other.
-class SizeSignalBlock {
+// A write beyond the process's file size limit, and one to a pipe without a reader, kill the process by
+// default; here they are to fail like any other.
+class WriteSignalBlock {
   public:
-    SizeSignalBlock() {
-        sigemptyset(&_signal);
-        sigaddset(&_signal, SIGXFSZ);
-        pthread_sigmask(SIG_BLOCK, &_signal, &_before);
-    }
-    ~SizeSignalBlock() {
-        if (sigismember(&_before, SIGXFSZ) == 0) {
-            const timespec now{};
-            sigtimedwait(&_signal, nullptr, &now);
-            pthread_sigmask(SIG_SETMASK, &_before, nullptr);
+    WriteSignalBlock() {
+        sigset_t both{};
+        sigemptyset(&both);
+        for (const int signal : SIGNALS) {
+            sigaddset(&both, signal);
         }
+        pthread_sigmask(SIG_BLOCK, &both, &_before);
     }
-    SizeSignalBlock(const SizeSignalBlock&) = delete;
-    SizeSignalBlock& operator=(const SizeSignalBlock&) = delete;
+    ~WriteSignalBlock() {
+        for (const int signal : SIGNALS) {
+            if (sigismember(&_before, signal) == 0) {
+                sigset_t one{};
+                sigemptyset(&one);
+                sigaddset(&one, signal);
+                const timespec now{};
+                sigtimedwait(&one, nullptr, &now);
+            }
+        }
+        pthread_sigmask(SIG_SETMASK, &_before, nullptr);
+    }
+    WriteSignalBlock(const WriteSignalBlock&) = delete;
+    WriteSignalBlock& operator=(const WriteSignalBlock&) = delete;
 
   private:
-    sigset_t _signal{};
+    static constexpr int SIGNALS[] = {SIGXFSZ, SIGPIPE};
     sigset_t _before{};
 };
 
 // @return 0 or the error's number.
 int writeAll(int descriptor, std::string_view bytes) {
-    const SizeSignalBlock block;
+    const WriteSignalBlock block;
     while (!bytes.empty()) {
         const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
         if (count < 0 && errno != EINTR) {
@@ -60,10 +70,12 @@ std::string describe(int code) {
     return words ? words : "error " + std::to_string(code);
 }
 
-// Short, so that it fits beside a target whose name has the greatest length.
-std::string temporaryName(const std::string& folder) {
-    static std::atomic<unsigned> counter{0};
-    return folder + "/.ka-" + std::to_string(::getpid()) + '-' + std::to_string(counter++) + ".tmp";
+std::string join(const std::vector<std::string>& items) {
+    std::string text;
+    for (const std::string& item : items) {
+        text += (text.empty() ? "" : ", ") + item;
+    }
+    return text;
 }
 
 // Makes the renaming itself last. Not every file system can be asked for it, and the file is whole either
@@ -114,10 +126,7 @@ void kaFileWriter::open() {
     if (!_target->resolve(_name)) {
         fail(_target->getError().value());
     } else if (_target->exists() && !_target->isRegular()) {
-        _descriptor = ::open(_target->getPath().c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
-        if (!isOpen()) {
-            fail(errno);
-        }
+        openInPlace();
     } else if (_target->exists() && !_target->isWritable()) {
         fail(EACCES); // a read-only file in a writable folder could be replaced, but is not meant to be
     } else {
@@ -125,28 +134,29 @@ void kaFileWriter::open() {
     }
 }
 
+void kaFileWriter::openInPlace() {
+    // Opening a pipe would wait for its reader.
+    _descriptor = ::open(_target->getPath().c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (!isOpen() && errno == ENXIO && S_ISFIFO(_target->getStatus().st_mode)) {
+        fail("nobody reads from this pipe");
+    } else if (!isOpen() || ::fcntl(_descriptor, F_SETFL, 0) != 0) {
+        fail(errno);
+    }
+}
+
 void kaFileWriter::openTemporary() {
-    for (int tries = 0; tries < MAX_NAMES_TRIED; ++tries) {
-        _temporary = temporaryName(_target->getFolder().string());
-        _descriptor = ::open(_temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (isOpen() || errno != EEXIST) {
-            break;
-        }
-    }
-    if (!isOpen()) {
-        const int code = errno;
-        _temporary.clear();
-        fail(code);
-        return;
-    }
     if (_target->exists()) {
-        const struct stat& old = _target->getStatus();
-        // Only a privileged process can keep another owner; the mode comes second, since a new owner may
-        // reset it.
-        [[maybe_unused]] const int kept = ::fchown(_descriptor, old.st_uid, old.st_gid);
-        if (::fchmod(_descriptor, old.st_mode & 0777) != 0) {
-            fail(errno);
+        _rights = std::make_unique<kaFileRights>();
+        if (const int code = _rights->read(_target->getPath().string()); code != 0) {
+            fail(code);
+            return;
         }
+    }
+    _temporary = std::make_unique<kaTemporaryFile>();
+    const int code = _temporary->open(_target->getFolder(), _target->exists() ? OWNER_ONLY : EVERYBODY);
+    _descriptor = _temporary->descriptor();
+    if (code != 0) {
+        fail(code);
     }
 }
 
@@ -178,16 +188,40 @@ bool kaFileWriter::flush() {
 bool kaFileWriter::close() {
     const int descriptor = _descriptor;
     _descriptor = -1;
-    // Some file systems report a failed write only here. Interrupted or not, the descriptor is gone.
+    // Interrupted or not, the descriptor is gone.
     return ::close(descriptor) == 0 || errno == EINTR || fail(errno);
 }
 
+bool kaFileWriter::keepRights() {
+    // Those of this moment, if it is still there: they may have changed while the writing went on.
+    kaFileRights now;
+    struct stat status {};
+    const std::string path = _target->getPath().string();
+    if (::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && now.read(path) == 0) {
+        _rights = std::make_unique<kaFileRights>(now);
+    }
+    const int code = _rights ? _rights->giveTo(_descriptor) : 0;
+    return code == 0 || fail(code);
+}
+
 bool kaFileWriter::replaceTarget() {
-    if (std::rename(_temporary.c_str(), _target->getPath().c_str()) != 0) {
+    if (!keepRights()) {
+        return false;
+    }
+    // All that a file system may report of a failed write it reports here.
+    if (::fsync(_descriptor) != 0) {
         return fail(errno);
     }
-    _temporary.clear();
+    if (const int code = _temporary->moveTo(_target->getPath().filename().string()); code != 0) {
+        return fail(code);
+    }
+    _temporary->discard();
+    _descriptor = -1;
     syncFolder(_target->getFolder().string());
+    if (_rights && !_rights->lost().empty()) {
+        _warning = "'" + _name + "' could not keep " + join(_rights->lost()) +
+                   "; nobody may do more with it than before";
+    }
     return true;
 }
 
@@ -195,30 +229,30 @@ bool kaFileWriter::commit() {
     if (!isOpen() || !flush()) {
         return false;
     }
-    if (_temporary.empty()) {
-        return close();
-    }
-    if (::fsync(_descriptor) != 0) {
-        return fail(errno);
-    }
-    return close() && replaceTarget();
+    return _temporary ? replaceTarget() : close();
 }
 
 void kaFileWriter::cancel() {
-    if (isOpen()) {
+    if (_temporary) {
+        _temporary->discard();
+    } else if (isOpen()) {
         ::close(_descriptor);
-        _descriptor = -1;
     }
-    if (!_temporary.empty()) {
-        ::unlink(_temporary.c_str());
-        _temporary.clear();
-    }
+    _descriptor = -1;
     _pending.clear();
 }
 
+void kaFileWriter::abandonAll() noexcept {
+    kaTemporaryFile::discardAll();
+}
+
 bool kaFileWriter::fail(int code) {
+    return fail(describe(code));
+}
+
+bool kaFileWriter::fail(const std::string& reason) {
     if (_error.empty()) {
-        _error = "cannot write '" + _name + "': " + describe(code);
+        _error = "cannot write '" + _name + "': " + reason;
     }
     cancel();
     return false;
