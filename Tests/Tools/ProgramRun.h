@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -16,7 +17,10 @@ struct ProgramRun {
 
 /// Runs `ka-anim` as a process of its own.
 /// @param folder  the current folder of the run.
-ProgramRun runKaAnim(const std::vector<std::string>& arguments, const std::string& folder = "/");
+/// @param prepare  called in that process before the program begins.
+ProgramRun runKaAnim(
+    const std::vector<std::string>& arguments, const std::string& folder = "/",
+    const std::function<void()>& prepare = [] {});
 
 /// Runs a shell command in which `ka-anim` is found.
 ProgramRun runShell(const std::string& command, const std::string& folder);

@@ -8,9 +8,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <future>
 #include <gmock/gmock.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace ka::tools {
@@ -23,7 +23,7 @@ using ::testing::StartsWith;
 class ReaderProcessTest : public ::testing::Test {
   protected:
     std::string outcome(const std::function<Motion()>& read, ReaderLimits limits = {256, 20.0}) {
-        return testing::failureOf([&] { _motion = readInChild(_folder, "a.x", limits, read); });
+        return testing::failureOf([&] { _motion = readInChild(_folder, "a.x", limits, read).motion; });
     }
 
     testing::TemporaryFolder _temporary;
@@ -65,15 +65,19 @@ TEST_F(ReaderProcessTest, TurnsEveryDeathIntoOneLine) {
     EXPECT_EQ(outcome([]() -> Motion { _exit(0); }), "a.x: the reader crashed");
 }
 
-TEST_F(ReaderProcessTest, StopsAReaderThatHangs) {
+TEST_F(ReaderProcessTest, StopsAReaderThatComputesForEverAndOneThatWaitsForEver) {
     const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(outcome(
-                  []() -> Motion {
-                      for (;;)
-                          std::this_thread::sleep_for(std::chrono::seconds(1));
-                  },
-                  {256, 0.3}),
-              "a.x: the reader was stopped after 0.3 seconds");
+    const auto compute = []() -> Motion {
+        for (volatile int i = 0;; i = i + 1) {
+        }
+    };
+    const auto wait = []() -> Motion {
+        std::promise<Motion> never;
+        return never.get_future().get();
+    };
+    for (const std::function<Motion()>& read :
+         {std::function<Motion()>(compute), std::function<Motion()>(wait)})
+        EXPECT_EQ(outcome(read, {256, 0.3}), "a.x: the reader was stopped after 0.3 seconds");
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
 }
 
@@ -87,22 +91,6 @@ TEST_F(ReaderProcessTest, StopsAReaderThatEatsMemory) {
     };
     EXPECT_THAT(outcome(eat), AnyOf("a.x: the reader ran out of memory",
                                     "a.x: the reader was stopped: it uses more than 256 MB of memory"));
-}
-
-TEST_F(ReaderProcessTest, ConfinesTheReaderToTheFolder) {
-    const std::string inside = _temporary.at("a.x");
-    const auto opens = [&](const std::string& path, int flags) {
-        const std::string answer = outcome([&]() -> Motion {
-            const int file = open(path.c_str(), flags, 0600);
-            throw Failure(ExitCode::Unreadable, file >= 0 ? "opened" : "refused");
-        });
-        return answer == "a.x: opened";
-    };
-    EXPECT_TRUE(opens(inside, O_RDONLY));
-    if (opens("/etc/passwd", O_RDONLY))
-        GTEST_SKIP() << "this kernel cannot confine a process; the readers' file handlers must do";
-    EXPECT_FALSE(opens(inside, O_WRONLY));
-    EXPECT_FALSE(opens(_temporary.at("new"), O_WRONLY | O_CREAT));
 }
 
 TEST_F(ReaderProcessTest, KeepsTheReadersChatterOffOurStreams) {

@@ -11,12 +11,14 @@ void addModelOptions(Command& command, ProjectFiles& files) {
                 "degrees that a converted rotation may be off between keys")
         .aboveZero(360)
         .showsDefault();
-    command.option("--reader-memory", files.reader.megabytes, "megabytes that a third-party reader may use")
+    command.option("--reader-memory", files.reader.megabytes, "megabytes that reading a model may take")
         .between(16, 1 << 20)
         .showsDefault();
-    command.option("--reader-seconds", files.reader.seconds, "seconds that a third-party reader may take")
+    command.option("--reader-seconds", files.reader.seconds, "seconds that the reader of a model may take")
         .aboveZero(86400)
         .showsDefault();
+    command.flag("--trust", files.reader.unconfined,
+                 "read a model even where the system cannot confine its reader");
 }
 
 void addProjectOptions(Command& command, ProjectFiles& files) {

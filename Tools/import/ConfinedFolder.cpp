@@ -1,8 +1,10 @@
 #include "import/ConfinedFolder.h"
 
+#include "base/Descriptor.h"
 #include "base/Failure.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
@@ -18,22 +20,29 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A file descriptor that closes itself.
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : _fd(fd) {}
-    ~Descriptor() {
-        if (_fd >= 0)
-            close(_fd);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int get() const { return _fd; }
-    bool isOpen() const { return _fd >= 0; }
-
-  private:
-    int _fd;
+/// What the kernel takes as a set of rules, all three fields of it; kernels that know fewer take the others
+/// as zero.
+struct Rules {
+    std::uint64_t files = 0;   ///< what is done with files, since Linux 5.13
+    std::uint64_t network = 0; ///< since Linux 6.7
+    std::uint64_t scopes = 0;  ///< who else can be reached, since Linux 6.12
 };
+
+Descriptor makeRuleset(const Rules& rules) {
+    return Descriptor(static_cast<int>(syscall(SYS_landlock_create_ruleset, &rules, sizeof rules, 0)));
+}
+
+/// Sets every right of one field that the running kernel knows. They are asked for one after the other, so
+/// that those of later kernels than this was written for are found as well.
+void addKnownRights(Rules& rules, std::uint64_t Rules::*field) {
+    for (int bit = 0; bit < 64; ++bit) {
+        Rules tried = rules;
+        tried.*field |= std::uint64_t{1} << bit;
+        if (!makeRuleset(tried).isOpen())
+            return;
+        rules = tried;
+    }
+}
 
 /// Opened without waiting, so that a pipe in the place of a file cannot hold us up.
 std::optional<std::string> readPlainFile(const std::string& path, std::size_t limit) {
@@ -89,20 +98,21 @@ std::optional<std::string> ConfinedFolder::read(const std::string& name, std::si
     return path ? readPlainFile(*path, limit) : std::nullopt;
 }
 
-void ConfinedFolder::confineProcess() const {
-    prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
-    // Every right of the first version of the interface is handled, and only reading is given back.
-    landlock_ruleset_attr rules{};
-    rules.handled_access_fs = (LANDLOCK_ACCESS_FS_MAKE_SYM << 1) - 1;
-    const Descriptor ruleset(static_cast<int>(syscall(SYS_landlock_create_ruleset, &rules, sizeof rules, 0)));
+bool ConfinedFolder::confineProcess() const {
+    // Every right that the kernel knows is taken, and only reading is given back.
+    Rules rules;
+    for (const auto field : {&Rules::files, &Rules::network, &Rules::scopes})
+        addKnownRights(rules, field);
+    const Descriptor ruleset = makeRuleset(rules);
     const Descriptor folder(open(_folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!ruleset.isOpen() || !folder.isOpen())
-        return;
+        return false;
     landlock_path_beneath_attr readable{};
     readable.allowed_access = LANDLOCK_ACCESS_FS_READ_FILE | LANDLOCK_ACCESS_FS_READ_DIR;
     readable.parent_fd = folder.get();
-    if (syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &readable, 0) == 0)
-        syscall(SYS_landlock_restrict_self, ruleset.get(), 0);
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           syscall(SYS_landlock_add_rule, ruleset.get(), LANDLOCK_RULE_PATH_BENEATH, &readable, 0) == 0 &&
+           syscall(SYS_landlock_restrict_self, ruleset.get(), 0) == 0;
 }
 
 } // namespace ka::tools

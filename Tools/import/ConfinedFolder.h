@@ -27,9 +27,11 @@ class ConfinedFolder {
     /// The contents of a plain file inside the folder, or nothing; also nothing for more than `limit` bytes.
     std::optional<std::string> read(const std::string& name, std::size_t limit) const;
 
-    /// Asks the kernel to hold the calling process to reading below this folder, for good. Where the kernel
-    /// cannot, nothing happens: the file handlers of the readers refuse other paths all the same.
-    void confineProcess() const;
+    /// Has the kernel hold the calling process to reading below this folder, for good, and takes from it
+    /// every other right that the running kernel can take: writing, connecting, signals to others.
+    /// @return false where the kernel cannot; the file handlers of the readers refuse other paths all the
+    /// same.
+    bool confineProcess() const;
 
   private:
     std::string _folder;

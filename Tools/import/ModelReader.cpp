@@ -19,18 +19,23 @@ bool isGltf(const std::string& extension) {
     return extension == "gltf" || extension == "glb";
 }
 
-Motion readBvhFile(const ConfinedFolder& folder, const std::string& path) {
-    const std::optional<std::string> text = folder.read(folder.modelName(), largestBvh);
-    if (!text)
-        throw unreadable(path, "cannot be read, or larger than 1 GiB");
-    return readBvh(*text, path, std::filesystem::path(path).stem().string());
+/// The project's own reader is held to the same limits, but it may run where the system cannot confine it.
+Motion readBvhFile(const ConfinedFolder& folder, const std::string& path, ReaderLimits limits) {
+    limits.unconfined = true;
+    const auto read = [&] {
+        const std::optional<std::string> text = folder.read(folder.modelName(), largestBvh);
+        if (!text)
+            throw Failure(ExitCode::Unreadable, "cannot be read, or larger than 1 GiB");
+        return readBvh(*text, "", std::filesystem::path(path).stem().string());
+    };
+    return readInChild(folder, path, limits, read).motion;
 }
 
-Motion readByExtension(const std::string& path, const ReaderLimits& limits) {
+ReaderResult readByExtension(const std::string& path, const ReaderLimits& limits) {
     const std::string extension = extensionOf(path);
     const ConfinedFolder folder(path);
     if (extension == "bvh")
-        return readBvhFile(folder, path);
+        return {readBvhFile(folder, path, limits), Confinement::Whole};
     if (!isGltf(extension) && !isKnownToAssimp(extension))
         throw unreadable(path, extension.empty() ? "no extension tells what kind of model it is"
                                                  : "no reader for '." + oneLine(extension, 20) + "' files");
@@ -48,7 +53,9 @@ bool isModel(const std::string& path) {
 
 ReadModel readModel(const std::string& path, const ReaderLimits& limits) {
     ReadModel result;
-    result.motion = readByExtension(path, limits);
+    ReaderResult read = readByExtension(path, limits);
+    result.motion = std::move(read.motion);
+    result.confinement = read.confinement;
     try {
         result.findings = checkMotion(result.motion);
     } catch (const Failure& failure) {

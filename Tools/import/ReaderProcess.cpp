@@ -1,13 +1,16 @@
 #include "import/ReaderProcess.h"
 
+#include "base/Descriptor.h"
 #include "base/Failure.h"
 #include "base/Text.h"
+#include "import/CallFilter.h"
 #include "import/ConfinedFolder.h"
 #include "import/MotionStream.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -34,7 +37,10 @@ constexpr bool addressSpaceIsShadowed = __has_feature(address_sanitizer);
 constexpr bool addressSpaceIsShadowed = false;
 #endif
 
-// The answer's first byte.
+/// Where the child's answer goes: the one descriptor above the standard streams that it has.
+constexpr int answerDescriptor = 3;
+
+// The first byte of the answer is the Confinement, sent before the reader sees the file. The second:
 constexpr char motionFollows = 'M';
 constexpr char reasonFollows = 'E';
 
@@ -49,15 +55,60 @@ std::size_t memoryOf(pid_t process, int column) {
     return static_cast<std::size_t>(pages[column]) * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-void limitTo(int resource, unsigned long long value) {
-    const struct rlimit limit { static_cast<rlim_t>(value), static_cast<rlim_t>(value) };
+void limitTo(int resource, unsigned long long value, unsigned long long last) {
+    const struct rlimit limit { static_cast<rlim_t>(value), static_cast<rlim_t>(last) };
     setrlimit(static_cast<__rlimit_resource>(resource), &limit);
 }
 
-void silenceStandardStreams() {
-    const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+void limitTo(int resource, unsigned long long value) {
+    limitTo(resource, value, value);
+}
+
+/// Has the kernel end this process when `parent` ends; a parent that is gone already sends nothing any more.
+void dieWith(pid_t parent) {
+    if (prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || getppid() != parent)
+        _exit(1);
+}
+
+/// What the parent ignores or holds back is none of the child's.
+void resetSignals() {
+    for (int signal = 1; signal <= SIGRTMAX; ++signal)
+        if (signal != SIGKILL && signal != SIGSTOP)
+            std::signal(signal, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+/// Leaves the answer's descriptor and standard streams that lead nowhere.
+void keepOnly(int answer) {
+    if (answer != answerDescriptor && dup2(answer, answerDescriptor) < 0)
+        _exit(1);
+    closefrom(answerDescriptor + 1);
+    const Descriptor nowhere(open("/dev/null", O_RDWR | O_CLOEXEC));
     for (int stream = 0; stream <= 2; ++stream)
-        dup2(nowhere, stream);
+        if (nowhere.get() != stream && dup2(nowhere.get(), stream) < 0)
+            close(stream);
+}
+
+void limitResources(const ReaderLimits& limits) {
+    const auto seconds = static_cast<unsigned>(std::ceil(limits.seconds)) + 1;
+    alarm(seconds + 1);
+    limitTo(RLIMIT_CORE, 0);
+    limitTo(RLIMIT_FSIZE, 0);
+    limitTo(RLIMIT_NPROC, 0);
+    limitTo(RLIMIT_CPU, seconds, seconds + 1);
+    // Under the address sanitizer the shadow alone is larger than any limit; there the watching parent must
+    // do.
+    if (!addressSpaceIsShadowed)
+        limitTo(RLIMIT_AS, memoryOf(getpid(), 0) + limits.megabytes * 1024 * 1024);
+}
+
+Confinement confine(const ConfinedFolder& folder) {
+    const bool isHeldToFolder = folder.confineProcess();
+    if (!restrictSystemCalls(answerDescriptor))
+        return Confinement::None;
+    return isHeldToFolder ? Confinement::Whole : Confinement::CallsOnly;
 }
 
 void send(int pipe, const std::string& bytes) {
@@ -82,21 +133,16 @@ std::string answerOf(const std::function<Motion()>& read) {
     }
 }
 
-[[noreturn]] void runChild(int pipe, const ConfinedFolder& folder, const ReaderLimits& limits,
+[[noreturn]] void runChild(int answer, pid_t parent, const ConfinedFolder& folder, const ReaderLimits& limits,
                            const std::function<Motion()>& read) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    for (const int fatal : {SIGSEGV, SIGBUS, SIGABRT, SIGFPE, SIGILL, SIGPIPE})
-        std::signal(fatal, SIG_DFL);
-    silenceStandardStreams();
-    limitTo(RLIMIT_CORE, 0);
-    limitTo(RLIMIT_FSIZE, 0);
-    limitTo(RLIMIT_CPU, static_cast<unsigned long long>(limits.seconds) + 1);
-    // Under the address sanitizer the shadow alone is larger than any limit; there the watching parent must
-    // do.
-    if (!addressSpaceIsShadowed)
-        limitTo(RLIMIT_AS, memoryOf(getpid(), 0) + limits.megabytes * 1024 * 1024);
-    folder.confineProcess();
-    send(pipe, answerOf(read));
+    dieWith(parent);
+    resetSignals();
+    keepOnly(answer);
+    limitResources(limits);
+    const Confinement reached = confine(folder);
+    send(answerDescriptor, {static_cast<char>(reached)});
+    if (reached != Confinement::None || limits.unconfined)
+        send(answerDescriptor, answerOf(read));
     _exit(0);
 }
 
@@ -160,40 +206,81 @@ std::string receive(int pipe, const Child& child, std::size_t inherited, const s
 }
 
 std::string causeOfDeath(int status) {
-    if (WIFSIGNALED(status) && WTERMSIG(status) == SIGXCPU)
+    const int signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    switch (signal) {
+    case 0:
+        return "the reader crashed";
+    case SIGSYS:
+        return "the reader was stopped: it tried to do more than read, as a hostile file may make it do";
+    case SIGXCPU:
+    case SIGALRM:
         return "the reader used up its time";
-    if (WIFSIGNALED(status))
-        return std::string("the reader crashed (") + strsignal(WTERMSIG(status)) + ")";
-    return "the reader crashed";
+    default:
+        return std::string("the reader crashed (") + strsignal(signal) + ")";
+    }
+}
+
+struct Pipe {
+    Descriptor from, to;
+};
+
+/// A pipe beside the standard streams: with one of them closed, it would get their numbers.
+std::optional<Pipe> makePipe() {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        return std::nullopt;
+    Pipe low{Descriptor(ends[0]), Descriptor(ends[1])};
+    Pipe pipe{Descriptor(fcntl(low.from.get(), F_DUPFD_CLOEXEC, answerDescriptor)),
+              Descriptor(fcntl(low.to.get(), F_DUPFD_CLOEXEC, answerDescriptor))};
+    return pipe.from.isOpen() && pipe.to.isOpen() ? std::optional<Pipe>(std::move(pipe)) : std::nullopt;
+}
+
+/// The child's whole answer.
+std::string ask(const ConfinedFolder& folder, const std::string& name, const ReaderLimits& limits,
+                const std::function<Motion()>& read) {
+    std::optional<Pipe> pipe = makePipe();
+    if (!pipe)
+        throw unreadable(name, std::string("no pipe to a reader: ") + std::strerror(errno));
+    std::fflush(nullptr);
+    const std::size_t inherited = memoryOf(getpid(), 1);
+    const pid_t parent = getpid();
+    const pid_t id = fork();
+    if (id == 0)
+        runChild(pipe->to.get(), parent, folder, limits, read);
+    if (id < 0)
+        throw unreadable(name, std::string("no process for a reader: ") + std::strerror(errno));
+    Child child(id);
+    pipe->to.close();
+    std::string answer = receive(pipe->from.get(), child, inherited, name, limits);
+    const int status = child.wait();
+    if (answer.empty() || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
+        throw unreadable(name, causeOfDeath(status));
+    return answer;
+}
+
+Failure failureOf(const std::string& name, const std::string& reason) {
+    return !reason.empty() && reason.front() == ':' ? Failure(ExitCode::Unreadable, name + reason)
+                                                    : unreadable(name, reason);
 }
 
 } // namespace
 
-Motion readInChild(const ConfinedFolder& folder, const std::string& name, const ReaderLimits& limits,
-                   const std::function<Motion()>& read) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        throw unreadable(name, std::string("no pipe to a reader: ") + std::strerror(errno));
-    std::fflush(nullptr);
-    const std::size_t inherited = memoryOf(getpid(), 1);
-    const pid_t id = fork();
-    if (id == 0)
-        runChild(ends[1], folder, limits, read);
-    close(ends[1]);
-    const std::unique_ptr<int, void (*)(int*)> pipe(&ends[0], [](int* end) { close(*end); });
-    if (id < 0)
-        throw unreadable(name, std::string("no process for a reader: ") + std::strerror(errno));
-    Child child(id);
-    const std::string answer = receive(*pipe, child, inherited, name, limits);
-    const int status = child.wait();
-    if (answer.empty() || !WIFEXITED(status) || WEXITSTATUS(status) != 0)
-        throw unreadable(name, causeOfDeath(status));
-    if (answer.front() == reasonFollows)
-        throw unreadable(name, oneLine(std::string_view(answer).substr(1)));
-    std::optional<Motion> motion = unpackMotion(std::string_view(answer).substr(1));
-    if (answer.front() != motionFollows || !motion)
+ReaderResult readInChild(const ConfinedFolder& folder, const std::string& name, const ReaderLimits& limits,
+                         const std::function<Motion()>& read) {
+    const std::string answer = ask(folder, name, limits, read);
+    const auto confinement = static_cast<Confinement>(answer.front());
+    if (confinement == Confinement::None && !limits.unconfined)
+        throw unreadable(name, "not read: this system has no filters of system calls, which would hold the "
+                               "reader to reading; --trust reads files of sources that are trusted");
+    const std::string_view said = std::string_view(answer).substr(1);
+    if (said.empty())
+        throw unreadable(name, "the reader crashed");
+    if (said.front() == reasonFollows)
+        throw failureOf(name, oneLine(said.substr(1)));
+    std::optional<Motion> motion = unpackMotion(said.substr(1));
+    if (said.front() != motionFollows || !motion)
         throw unreadable(name, "the reader's answer is damaged");
-    return std::move(*motion);
+    return {std::move(*motion), confinement};
 }
 
 } // namespace ka::tools

@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
+#include "cli/Progress.h"
 #include "import/ModelReader.h"
 #include "import/MotionStream.h"
 #include "scene/SceneFiles.h"
@@ -18,6 +19,7 @@
 #include <kaAnimationObject.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUnit.h>
+#include <utility>
 
 namespace ka::tools {
 
@@ -57,6 +59,19 @@ void destroyEverything(kaAnimationManager& manager) {
                 manager.destroyObject(alive);
         }
     manager.destroyAllFields();
+}
+
+/// Says once what a reader could have done on this system.
+void sayConfinement(Confinement confinement) {
+    static bool said = false;
+    if (confinement == Confinement::Whole || std::exchange(said, true))
+        return;
+    say(confinement == Confinement::CallsOnly ? "this system cannot hold the reader of a model to its folder "
+                                                "(no Landlock): it may read any file "
+                                                "that you may read, and change none"
+                                              : "this system cannot confine the reader of a model (no "
+                                                "filters of system calls): as --trust asks, "
+                                                "it runs with all your rights");
 }
 
 } // namespace
@@ -131,6 +146,7 @@ void Project::openDocument(const ProjectFiles& files) {
 
 void Project::readModel(const ProjectFiles& files) {
     const ReadModel model = tools::readModel(files.file, files.reader);
+    sayConfinement(model.confinement);
     bool lossy = false;
     seedIds(packMotion(model.motion));
     _root = makeRoot(latin1FromUtf8(std::filesystem::path(files.file).stem().string(), lossy));
