@@ -27,7 +27,8 @@ import subprocess
 import sys
 import time
 
-from cpp_faults import Equivalents, faults_of
+sys.dont_write_bytecode = True
+from cpp_faults import Equivalents, faults_of  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 MODULE = "Common/Libs/Animation"
