@@ -65,6 +65,7 @@ def arguments():
     parser.add_argument("--list", action="store_true", help="print the chosen faults and build nothing")
     parser.add_argument("--minutes", type=float, default=1e9, help="begin no fault after this time")
     parser.add_argument("--retry", action="store_true", help="ask again about those that an earlier run saw missed")
+    parser.add_argument("--report", action="store_true", help="what earlier runs of this seed found; builds nothing")
     parser.add_argument("--jobs", type=int, default=1, help="compilers at a time (default: 1)")
     parser.add_argument("--folder", default="build/mutations", help="for the copy, its build and the results")
     return parser.parse_args()
@@ -274,9 +275,10 @@ def main():
     folder = (ROOT / options.folder).resolve()
     folder.mkdir(parents=True, exist_ok=True)
     tree = Tree(folder, options.jobs)
-    tree.update()
-    tree.configure()
-    tree.check_without_fault()
+    if not options.report:
+        tree.update()
+        tree.configure()
+        tree.check_without_fault()
     name = "results-match.jsonl" if options.match else f"results-{options.seed}.jsonl"
     trial = Trial(tree, folder / name, options.retry or bool(options.match))
     tried, equivalent, counted, start = [], [], 0, time.monotonic()
@@ -285,7 +287,10 @@ def main():
             break
         why = known.why(fault)
         if why:
-            equivalent.append((fault, why))
+            if not options.report or fault.key() in trial.results:
+                equivalent.append((fault, why))
+            continue
+        if options.report and fault.key() not in trial.results:
             continue
         result = trial.of(fault)
         tried.append((fault, result))
