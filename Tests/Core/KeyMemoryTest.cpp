@@ -1,5 +1,7 @@
 #include "Builders.h"
 #include "RegistryFixture.h"
+#include "kaAnimationField.h"
+#include "kaWatchedMemory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -64,9 +66,6 @@ TEST_F(KeyMemory, KeysThatComeWhereOthersWentDisturbNoOther) {
     }
 }
 
-#ifndef KA_WATCHED_MEMORY // where each key has a piece of the heap, and what is freed is kept to see who uses
-                          // it
-
 TEST_F(KeyMemory, GivesEachKeyAndHandleTwoWholeLinesOfTheCache) {
     for (std::size_t i = 0; i < 100; ++i) {
         kaControlPoint2D* key = make(i);
@@ -74,6 +73,56 @@ TEST_F(KeyMemory, GivesEachKeyAndHandleTwoWholeLinesOfTheCache) {
             EXPECT_EQ(reinterpret_cast<std::uintptr_t>(point) % 128, 0U);
     }
 }
+
+#ifdef KA_WATCHED_MEMORY
+
+/// The next use of memory that is free ends the process with this.
+constexpr const char* Stopped = "use-after-poison";
+
+float read(const kaControlPoint2D* key) {
+    return key->getPosition()[0];
+}
+
+TEST_F(KeyMemory, StopsWhoUsesAKeyThatIsGone) {
+    kaControlPoint2D* key = make(1);
+    kaControlPoint2D* handle = key->getInTangent();
+    const kaControlPoint2D* beside = make(2);
+    kaAnimationManager::the()->destroyPoint2D(key);
+    EXPECT_DEATH(read(key), Stopped);
+    EXPECT_DEATH(read(handle), Stopped);
+    expectToBe(*beside, 2);
+    for (std::size_t i = 0; i < 100; ++i)
+        make(i); // elsewhere for now
+    EXPECT_DEATH(read(key), Stopped);
+}
+
+TEST_F(KeyMemory, CountsKeysHandlesAndFields) {
+    kaControlPoint2D* key = make(1);
+    kaAnimationField* field = kaAnimationManager::the()->createField(0);
+    EXPECT_EQ(kaWatchedMemory::inUse, 4U);
+    kaAnimationManager::the()->destroyPoint2D(key);
+    EXPECT_EQ(kaWatchedMemory::inUse, 1U);
+    kaAnimationManager::the()->destroyField(field);
+    EXPECT_EQ(kaWatchedMemory::inUse, 0U);
+}
+
+TEST_F(KeyMemory, StopsWhoUsesWhatIsYetToBecomeAKey) {
+    const kaControlPoint2D* key = make(1); // and its two handles, the first of 32 blocks
+    EXPECT_DEATH(
+        read(reinterpret_cast<const kaControlPoint2D*>(reinterpret_cast<const char*>(key) + 16 * 128)),
+        Stopped);
+}
+
+TEST_F(KeyMemory, StopsWhoUsesAFieldThatIsGone) {
+    kaAnimationField* field = kaAnimationManager::the()->createField(0);
+    kaAnimationManager::the()->destroyField(field);
+    EXPECT_DEATH(field->value = 1.0F, Stopped);
+    for (int i = 0; i < 100; ++i)
+        kaAnimationManager::the()->createField(0);
+    EXPECT_DEATH(field->value = 1.0F, Stopped);
+}
+
+#else // the sanitizer keeps what is freed
 
 TEST_F(KeyMemory, GoesBackWithTheLastKey) {
     constexpr std::size_t Megabyte = 1 << 20;

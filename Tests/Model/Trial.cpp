@@ -9,11 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#include <sanitizer/lsan_interface.h>
-#define KA_UNDER_SANITIZER
-#endif
+#ifdef KA_WATCHED_MEMORY
+#include <kaWatchedMemory.h>
 #endif
 
 namespace ka_model {
@@ -22,10 +19,11 @@ namespace {
 
 constexpr int MISMATCH = 17;
 
-/// Whether anything is allocated that nobody can reach; known under the address sanitizer only.
+/// Whether anything is allocated that nobody can reach, or a key or a field that nobody knows when none
+/// should be left; known under the address sanitizer only.
 bool leaks() {
-#ifdef KA_UNDER_SANITIZER
-    return __lsan_do_recoverable_leak_check() != 0;
+#ifdef KA_WATCHED_MEMORY
+    return kaWatchedMemory::inUse != 0 || __lsan_do_recoverable_leak_check() != 0;
 #else
     return false;
 #endif

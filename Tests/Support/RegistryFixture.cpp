@@ -8,6 +8,10 @@
 #include <OpenSG/OSGBaseFunctions.h>
 #include <limits>
 
+#ifdef KA_WATCHED_MEMORY
+#include "kaWatchedMemory.h"
+#endif
+
 namespace ka_test {
 
 namespace {
@@ -106,6 +110,9 @@ void RegistryFixture::SetUp() {
 
 void RegistryFixture::TearDown() {
     emptyModule();
+#ifdef KA_WATCHED_MEMORY
+    EXPECT_EQ(kaWatchedMemory::inUse, 0U) << "keys, handles or fields were lost";
+#endif
 }
 
 } // namespace ka_test

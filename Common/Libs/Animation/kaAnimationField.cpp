@@ -1,6 +1,7 @@
 #include "kaAnimationField.h"
 
 #include "kaObjectRegistry.h"
+#include "kaWatchedMemory.h"
 
 #include <memory_resource>
 
@@ -10,25 +11,27 @@ kaUID freshID() {
     return kaObjectRegistry::the().createUID();
 }
 
-/// Never destroyed: records may outlive all other statics. Where memory is being watched each record is a
-/// block of its own, or a use of a freed one would go unseen.
+/// Never destroyed: records may outlive all other statics.
 std::pmr::memory_resource& records() {
-#ifdef KA_WATCHED_MEMORY
-    static std::pmr::memory_resource* resource = std::pmr::new_delete_resource();
-#else
-    static std::pmr::memory_resource* resource = new std::pmr::unsynchronized_pool_resource;
-#endif
-    return *resource;
+    static std::pmr::memory_resource& resource = *new std::pmr::unsynchronized_pool_resource;
+    return resource;
 }
+
+kaWatchedMemory::Quarantine quarantine;
 
 } // namespace
 
 void* kaAnimationField::operator new(std::size_t size) {
-    return records().allocate(size, alignof(kaAnimationField));
+    void* record = records().allocate(size, alignof(kaAnimationField));
+    kaWatchedMemory::take(record, size);
+    return record;
 }
 
+/// The pool keeps its notes elsewhere and never touches a free record.
 void kaAnimationField::operator delete(void* record, std::size_t size) noexcept {
-    records().deallocate(record, size, alignof(kaAnimationField));
+    kaWatchedMemory::forbid(record, size);
+    if (void* free = quarantine.exchange(record))
+        records().deallocate(free, size, alignof(kaAnimationField));
 }
 
 kaAnimationField::kaAnimationField(kaUID id) : _id(id != 0 ? id : freshID()) {}

@@ -1,5 +1,7 @@
 #include "kaHugePages.h"
 
+#include "kaWatchedMemory.h"
+
 #include <cstdint>
 #include <sys/mman.h>
 
@@ -10,20 +12,9 @@ std::size_t roundedUp(std::size_t bytes) {
     return (bytes + kaHugePages::Size - 1) / kaHugePages::Size * kaHugePages::Size;
 }
 
-#ifdef KA_WATCHED_MEMORY
-
-/// What is watched has to come from the heap.
-bool isMapped(std::size_t /*bytes*/) {
-    return false;
-}
-
-#else
-
 bool isMapped(std::size_t bytes) {
     return bytes >= kaHugePages::Size;
 }
-
-#endif
 
 /// Asks for one page more, to begin where a huge page may, and gives back what stands over on both sides: the
 /// heap would keep it.
@@ -49,12 +40,20 @@ void* map(std::size_t bytes) {
 } // namespace
 
 void* kaHugePages::allocate(std::size_t bytes, std::size_t alignment) {
-    return isMapped(bytes) ? map(roundedUp(bytes)) : ::operator new (bytes, std::align_val_t{alignment});
+    if (!isMapped(bytes))
+        return ::operator new (bytes, std::align_val_t{alignment});
+    void* memory = map(roundedUp(bytes));
+    kaWatchedMemory::search(memory, bytes);
+    kaWatchedMemory::shut(static_cast<char*>(memory) + bytes, roundedUp(bytes) - bytes);
+    return memory;
 }
 
 void kaHugePages::release(void* memory, std::size_t bytes, std::size_t alignment) noexcept {
-    if (isMapped(bytes))
-        munmap(memory, roundedUp(bytes));
-    else
+    if (!isMapped(bytes)) {
         ::operator delete (memory, std::align_val_t{alignment});
+        return;
+    }
+    kaWatchedMemory::allow(memory, roundedUp(bytes)); // whatever the system puts there next
+    kaWatchedMemory::searchNoMore(memory, bytes);
+    munmap(memory, roundedUp(bytes));
 }

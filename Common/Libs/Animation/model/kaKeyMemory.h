@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kaHugePages.h"
+#include "kaWatchedMemory.h"
 
 #include <cstddef>
 #include <vector>
@@ -9,8 +10,8 @@
 /// cache to itself, one beside the other and, where there are many, in huge pages. A key that is looked up
 /// then costs one wait for memory, not two or three.
 ///
-/// What is given back is taken anew; all of it goes where it came from with the last key. A build that checks
-/// the use of memory gives every key memory of its own from the heap instead, aligned as the heap does.
+/// What is given back is taken anew; all of it goes where it came from with the last key. A build with the
+/// address sanitizer stops who uses what has been given back.
 class kaKeyMemory {
   public:
     static constexpr std::size_t BlockSize = 128; ///< in bytes
@@ -32,5 +33,6 @@ class kaKeyMemory {
 
     std::vector<Slab> _slabs; ///< none ever grows
     Block* _givenBack = nullptr;
+    kaWatchedMemory::Quarantine _quarantine;
     std::size_t _taken = 0;
 };
