@@ -1,6 +1,6 @@
 #include "kaAnimationContainer.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaChildList.h"
 #include "kaDescent.h"
 #include "kaObjectStore.h"
@@ -221,7 +221,7 @@ void kaAnimationContainer::triggerLoop(float frame) {
     const kaDescent descent(triggerPath(), *this);
     if (!hasChildren() || !descent)
         return;
-    const kaAliveGuard self(*this);
+    const kaWeak<kaAnimationObject> self(*this);
     fireTriggers(frame);
     if (self)
         kaSnapshot<kaAnimationObject>(reachedChildren()).visit([frame](kaAnimationObject& child) {

@@ -1,6 +1,6 @@
 #include "kaAnimationController.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -141,7 +141,7 @@ void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSeque
         const bool reached = frame >= sequence.getBegin();
         if (!sequence.isActive() || !reached || !(sequence.isArmed() || frame <= sequence.getEnd()))
             return;
-        const kaAliveGuard alive(sequence);
+        const kaWeak<kaAnimationObject> alive(sequence);
         if (_seqCB)
             _seqCB(sequence.getName());
         if (alive)
@@ -219,7 +219,7 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
     const float origin = object.isUseCustomRange() ? object.getCustomStart() : begin;
     const float frame = object.isReversePlay() ? origin - run : origin + run;
     _currentFrame = frame;
-    const kaAliveGuard alive(object);
+    const kaWeak<kaAnimationObject> alive(object);
     const bool finished = evaluateObject(&object, frame, false);
     if (finished && alive)
         _played->finished.append(&object);
@@ -250,7 +250,7 @@ void kaAnimationController::pause(bool pausing) {
 void kaAnimationController::pause(kaAnimationObject* object, bool pausing) {
     if (!object)
         return;
-    const kaAliveGuard alive(*object);
+    const kaWeak<kaAnimationObject> alive(*object);
     const float time = nowAsFloat();
     if (!alive)
         return;
@@ -275,7 +275,7 @@ void kaAnimationController::reset() {
         kaAnimationObject* object = _played->running.find(id);
         if (!object)
             continue;
-        const kaAliveGuard alive(*object);
+        const kaWeak<kaAnimationObject> alive(*object);
         evaluateObject(object, object->getBegin(), false);
         if (alive)
             object->setPlaying(false);
@@ -294,7 +294,7 @@ void kaAnimationController::gotoEnd(kaAnimationObject* object) {
 }
 
 void kaAnimationController::leavePlayback(kaAnimationObject& object, float frame, bool rewound) {
-    const kaAliveGuard alive(object);
+    const kaWeak<kaAnimationObject> alive(object);
     evaluateObject(&object, frame, false);
     if (!alive)
         return;

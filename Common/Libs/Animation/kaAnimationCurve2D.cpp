@@ -1,6 +1,6 @@
 #include "kaAnimationCurve2D.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationField.h"
 #include "kaRounding.h"
 #include "kaChildList.h"
@@ -10,7 +10,6 @@
 #include "kaFieldStore.h"
 #include "kaObjectStore.h"
 #include "kaPlainOutput.h"
-#include "kaWatchedObjects.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <cmath>
@@ -213,8 +212,8 @@ kaAnimationObject* kaAnimationCurve2D::addObject(kaAnimationObject* object) {
     const kaChildList& keys = children();
     kaControlPoint2D* existing = asPoint(keys, keys.firstAtPrefetching(point->getPosition()[0]));
     if (existing && existing != point) {
-        const kaAliveGuard self(*this);
-        const kaAliveGuard alive(*point);
+        const kaWeak<kaAnimationObject> self(*this);
+        const kaWeak<kaAnimationObject> alive(*point);
         subObject(existing, true);
         if (!self || !alive)
             return nullptr; // it went with the key that gave way, as its handle or below it
@@ -271,8 +270,8 @@ kaAnimationCurve2D* kaAnimationCurve2D::deletePoints(bool tellParent, bool destr
 /// A host can have listed a key twice, or written its id. @return whether the curve is still there: a key
 /// takes along what a host has listed below it.
 bool kaAnimationCurve2D::destroyPoints(const std::vector<kaControlPoint2D*>& doomed) {
-    const kaWatchedObjects keys({doomed.begin(), doomed.end()});
-    const kaAliveGuard self(*this);
+    const kaWeakList<kaAnimationObject> keys(doomed);
+    const kaWeak<kaAnimationObject> self(*this);
     keys.visit([&](kaAnimationObject& key) {
         if (self)
             subObject(&key, true);

@@ -1,6 +1,6 @@
 #include "kaAnimationManager.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
@@ -248,7 +248,7 @@ namespace {
 /// Destroys a key. @return whether the curve is still there: a key takes along what a host has listed below
 /// it.
 bool removeKey(kaAnimationCurve2D& curve, kaControlPoint2D& key) {
-    const kaAliveGuard alive(curve);
+    const kaWeak<kaAnimationObject> alive(curve);
     curve.subObject(&key, true);
     return static_cast<bool>(alive);
 }

@@ -5,6 +5,7 @@
 #include "kaObjectName.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <set>
@@ -223,6 +224,12 @@ class KA_ANIMATION_API kaAnimationObject {
     void setLastFrame(float frame) { editPlayback().lastFrame = frame; }
     /// @}
 
+    /// @cond INTERNAL
+    // For `kaWeak`.
+    std::uint32_t weakSlot() const;
+    static kaAnimationObject* fromWeakSlot(void* object) { return static_cast<kaAnimationObject*>(object); }
+    /// @endcond
+
   protected:
     /// @cond INTERNAL
     /// Stores the extent, as `updateBounds` does, without the virtual setters.
@@ -317,10 +324,12 @@ class KA_ANIMATION_API kaAnimationObject {
     bool _internal : 1;
     bool _motionBlur : 1;
     bool _useCustomRange : 1;
+    bool _isHandle : 1; ///< of a key: it is the handle of one; here, in a bit that is free
     /// @endcond
 
   private:
     bool _ownChild : 1;   ///< `_childIDs` is the object's own id alone
     bool _registered : 1; ///< the registry has an entry for this object
     bool _findable : 1;   ///< certainly under `_id`: no need to ask the registry what that id names
+    mutable std::uint32_t _weakSlot = 0; ///< see `kaWeak`; 0 while nobody has asked
 };

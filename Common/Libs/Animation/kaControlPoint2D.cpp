@@ -29,7 +29,8 @@ kaControlPoint2D::kaControlPoint2D(const std::string& name, kaUID id, bool isTan
     : kaControlPoint2D(0.0F, 0.0F, name, id, isTangent) {}
 
 kaControlPoint2D::kaControlPoint2D(float x, float y, const std::string& name, kaUID id, bool isTangent)
-    : _isTangent(isTangent), _position(x, y) {
+    : _position(x, y) {
+    _isHandle = isTangent;
     _id = id != 0 ? id : kaObjectRegistry::the().createUID();
     setName(name);
     if (!isTangent) {

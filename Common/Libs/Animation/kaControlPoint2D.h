@@ -88,8 +88,8 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     osg::Pnt2f getSavedOutTangent() const { return saved().out; }
     void setSavedOutTangent(const osg::Pnt2f& position) { editSaved().out = position; }
 
-    bool isTangent() const { return _isTangent; }
-    void setTangent(bool isTangent) { _isTangent = isTangent; }
+    bool isTangent() const { return _isHandle; }
+    void setTangent(bool isTangent) { _isHandle = isTangent; }
     unsigned int getTangentType() const { return _tangentType; }
     void setTangentType(unsigned int type) { _tangentType = type; } ///< Any value is stored.
     unsigned int getTangentLengthMode() const { return _tangentLengthMode; }
@@ -112,12 +112,11 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void freeHandle(kaControlPoint2D*& slot);
 
     // What is read of a key's neighbours stands in one line of the cache.
-    bool _isTangent = false;
     osg::Pnt2f _position{0.0F, 0.0F};
     unsigned int _tangentType = TANGENT_SMOOTH;
+    unsigned int _tangentLengthMode = LENGTH_HALF;
     kaControlPoint2D* _inTangent = nullptr;
     kaControlPoint2D* _outTangent = nullptr;
     kaControlPoint2D* _owner = nullptr; ///< the key whose handle this is
     std::unique_ptr<Saved> _saved;
-    unsigned int _tangentLengthMode = LENGTH_HALF;
 };

@@ -1,6 +1,6 @@
 #include "kaEvaluation.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationUtils.h"
 #include "kaCurveView.h"
@@ -84,7 +84,7 @@ void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame
 bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly) {
     if (!object)
         return true;
-    const kaAliveGuard alive(*object);
+    const kaWeak<kaAnimationObject> alive(*object);
     {
         kaEvaluationPlan& plan = planOf(*object);
         const PassLease pass(*this);

@@ -1,6 +1,6 @@
 #include "kaLegacyImport.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -38,23 +38,20 @@ unsigned int levelBelow(const kaAnimationObject* parent) {
 /// The parent that is to take in what a conversion makes, unless the host destroys it meanwhile.
 class Receiver {
   public:
-    explicit Receiver(kaAnimationObject* parent) : _parent(parent) {
-        if (parent)
-            _alive.emplace(*parent);
-    }
+    explicit Receiver(kaAnimationObject* parent) : _parent(parent) {}
     void take(kaAnimationObject* object) const {
-        if (object && _alive && *_alive)
-            _parent->addObject(object);
+        kaAnimationObject* parent = _parent.get();
+        if (object && parent)
+            parent->addObject(object);
     }
 
   private:
-    kaAnimationObject* _parent;
-    std::optional<kaAliveGuard> _alive;
+    kaWeak<kaAnimationObject> _parent;
 };
 
 /// Calls `convert` for every id as long as the object that takes the results is there.
 template <class Convert>
-void forEachWhile(const kaAliveGuard& alive, const kaContainerIDs& ids, Convert&& convert) {
+void forEachWhile(const kaWeak<kaAnimationObject>& alive, const kaContainerIDs& ids, Convert&& convert) {
     for (osg::UInt32 id : ids) {
         if (!alive)
             return;
@@ -167,7 +164,7 @@ kaAnimationStrip* kaLegacyImport::clipAt(unsigned int level, const osg::Animatio
     kaAnimationStrip* strip = kaObjectStore::make<kaAnimationStrip>(source.name, kaUID{0});
     if (!strip)
         return nullptr;
-    const kaAliveGuard alive(*strip);
+    const kaWeak<kaAnimationObject> alive(*strip);
     const Receiver self(strip);
     forEachWhile(alive, source.blocks, [&](osg::UInt32 block) {
         self.take(blockAt(level + BELOW_A_CLIP, kaFindContainer<osg::AnimationBlockPtr>(block), nullptr));
@@ -201,7 +198,7 @@ kaAnimationStreak* kaLegacyImport::trackAt(unsigned int level, const osg::Animat
     kaAnimationStreak* streak = kaObjectStore::make<kaAnimationStreak>("Track", kaUID{0});
     if (!streak)
         return nullptr;
-    const kaAliveGuard alive(*streak);
+    const kaWeak<kaAnimationObject> alive(*streak);
     forEachWhile(alive, source.blocks, [&](osg::UInt32 block) {
         blockAt(level + 1, kaFindContainer<osg::AnimationBlockPtr>(block), streak);
     });
@@ -235,7 +232,7 @@ kaAnimationUnit* kaLegacyImport::blockAt(unsigned int level, const osg::Animatio
     kaAnimationUnit* unit = kaObjectStore::make<kaAnimationUnit>(source.name, kaUID{0});
     if (!unit)
         return nullptr;
-    const kaAliveGuard alive(*unit);
+    const kaWeak<kaAnimationObject> alive(*unit);
     forEachWhile(alive, source.curves, [&](osg::UInt32 curve) {
         importCurve(kaFindContainer<osg::AnimationCurvePtr>(curve), unit, osg::NodePtr());
     });
@@ -300,7 +297,7 @@ kaAnimationCurve2D* kaLegacyImport::importCurve(const osg::AnimationCurvePtr& cu
         _report.leaveOut("curve", source.attributeName(), Reason::NoNode);
         return nullptr;
     }
-    const kaAliveGuard alive(*unit);
+    const kaWeak<kaAnimationObject> alive(*unit);
     kaAnimationField* field = kaNodeFields::find(target, source.attributeName());
     if (!field)
         _report.leaveOut("curve", source.attributeName(), Reason::NoAttribute);
@@ -367,7 +364,7 @@ void kaLegacyImport::importCameraBlock(const osg::AnimationBlockPtr& block, osg:
     kaAnimationUnit* unit = kaObjectStore::make<kaAnimationUnit>(source.name, kaUID{0});
     if (!unit)
         return;
-    const kaAliveGuard alive(*unit);
+    const kaWeak<kaAnimationObject> alive(*unit);
     forEachWhile(alive, source.curves, [&](osg::UInt32 curve) {
         if (const osg::NodePtr camera = kaSceneNodes::find(cameraID); camera != osg::NullFC)
             importCurve(kaFindContainer<osg::AnimationCurvePtr>(curve), unit, camera);

@@ -1,4 +1,4 @@
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
@@ -37,7 +37,7 @@ void forEachCurve(Visit&& visit) {
 /// the announcement of a new attachment.
 template <class Object>
 Object* listedOn(const osg::NodePtr& node, Object* object) {
-    const kaAliveGuard alive(*object);
+    const kaWeak<kaAnimationObject> alive(*object);
     kaNodeFields::list(node, object);
     return alive ? object : nullptr;
 }

@@ -5,7 +5,7 @@
 #include "kaObjectStore.h"
 #include "kaSceneNodes.h"
 #include "kaSceneSync.h"
-#include "kaWatchedObjects.h"
+#include "kaWeak.h"
 
 // Scene synchronisation.
 
@@ -33,7 +33,7 @@ namespace {
 
 /// Emptied before anything is destroyed: destroying announces changes, and what the host copies then stays.
 void empty(kaCopyBuffer& buffer, bool destroy) {
-    const kaWatchedObjects held(buffer.objects());
+    const kaWeakList<kaAnimationObject> held(buffer.objects());
     buffer.clear();
     if (destroy)
         held.visit([](kaAnimationObject& object) { kaObjectStore::destroy(&object); });
@@ -54,7 +54,7 @@ bool kaAnimationManager::copy(kaAnimationObject* object) {
 
 /// Clearing the buffer may free some of what is to be copied.
 bool kaAnimationManager::copy(const std::vector<kaAnimationObject*>& objects) {
-    const kaWatchedObjects sources(objects);
+    const kaWeakList<kaAnimationObject> sources(objects);
     clearCopyBuffer(true);
     const bool copiedMeanwhile = !_copyBuffer->empty(); // by a host that was told just now
     empty(*_copyBuffer, true);
@@ -85,7 +85,7 @@ bool kaAnimationManager::paste(const osg::NodePtr& node, bool force) {
     if (_copyBuffer->empty())
         return true;
     const osg::UInt32 nodeID = kaSceneNodes::idOf(node);
-    const kaWatchedObjects held(_copyBuffer->objects());
+    const kaWeakList<kaAnimationObject> held(_copyBuffer->objects());
     _copyBuffer->clear();
     held.visit([nodeID](kaAnimationObject& object) {
         const osg::NodePtr target = kaSceneNodes::find(nodeID);

@@ -1,9 +1,8 @@
-#include "kaAliveGuard.h"
 #include "kaAnimationObject.h"
 #include "kaEdits.h"
 #include "kaObjectGroup.h"
 #include "kaObjectStore.h"
-#include "kaWatchedObjects.h"
+#include "kaWeakSlots.h"
 
 #include <algorithm>
 #include <new>
@@ -71,6 +70,7 @@ kaAnimationObject::kaAnimationObject()
       _internal(false),
       _motionBlur(false),
       _useCustomRange(false),
+      _isHandle(false),
       _ownChild(false),
       _registered(false),
       _findable(false) {}
@@ -82,8 +82,7 @@ kaAnimationObject::~kaAnimationObject() {
     if (_registered && kaObjectRegistry::isAlive())
         kaObjectStore::drop(*this);
     kaObjectStore::forget(*this);
-    kaAliveGuard::forget(*this);
-    kaWatchedObjects::forget(this);
+    kaWeakSlots::giveBack(_weakSlot);
 }
 
 namespace {
@@ -124,6 +123,12 @@ void kaAnimationObject::destroyAll(kaChildList& children) {
             kaObjectStore::destroy(child);
     }
     --destructionDepth;
+}
+
+std::uint32_t kaAnimationObject::weakSlot() const {
+    if (_weakSlot == 0)
+        _weakSlot = kaWeakSlots::take(const_cast<kaAnimationObject*>(this));
+    return _weakSlot;
 }
 
 // Changes.

@@ -1,4 +1,4 @@
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationObject.h"
 #include "kaObjectStore.h"
 
@@ -28,7 +28,7 @@ void kaAnimationObject::trigger(Trigger trigger) {
 void kaAnimationObject::fireTriggers(float frame) {
     const float begin = getPlayBegin();
     const float end = getPlayEnd();
-    const kaAliveGuard self(*this);
+    const kaWeak<kaAnimationObject> self(*this);
     if (begin <= frame && !_playing) {
         trigger(kaConnectionTypes::TriggerBegin);
         if (!self)

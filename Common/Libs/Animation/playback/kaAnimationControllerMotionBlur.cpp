@@ -1,4 +1,4 @@
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationUnit.h"
@@ -47,7 +47,7 @@ void kaAnimationController::executeMotionBlur(float sample) {
 void kaAnimationController::executeMotionBlur(float sample, kaAnimationObject* object) {
     if (!object)
         return;
-    const kaAliveGuard alive(*object);
+    const kaWeak<kaAnimationObject> alive(*object);
     float frame = 0.0F;
     if (!blurredFrame(sample, "executeMotionBlur", frame) || !alive)
         return;

@@ -1,6 +1,6 @@
 #include "kaNodeFields.h"
 
-#include "kaAliveGuard.h"
+#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationUnit.h"
@@ -184,7 +184,7 @@ void kaNodeFields::complete(const osg::NodePtr& node) {
 bool kaNodeFields::list(const osg::NodePtr& node, kaAnimationObject* object) {
     if (!object || node == osg::NullFC)
         return false;
-    const kaAliveGuard alive(*object);
+    const kaWeak<kaAnimationObject> alive(*object);
     const auto attachment = attachmentWithFields(node);
     if (!alive || attachment == osg::NullFC)
         return false;

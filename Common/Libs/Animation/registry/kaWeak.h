@@ -1,0 +1,63 @@
+#pragma once
+
+#include "kaWeakSlots.h"
+
+#include <vector>
+
+/// A reference to an object or a field that does not keep it: null once that has been freed, whatever id it had
+/// and whatever stands at its address then. Followed by itself, not by id. 8 bytes, copied as a number.
+///
+/// After a call out to the host, and while objects are gone through that may free each other, this is what tells
+/// what is left. Cost: a compare; the first reference to an object takes it a slot (`kaWeakSlots`), which needs
+/// memory once.
+template <class Object>
+class kaWeak {
+  public:
+    kaWeak() = default;
+    explicit kaWeak(Object& object) : _slot(object.weakSlot()), _generation(kaWeakSlots::generation(_slot)) {}
+    explicit kaWeak(Object* object) : kaWeak() {
+        if (object)
+            *this = kaWeak(*object);
+    }
+
+    /// The object; null when it has been freed, and for a reference to nothing.
+    Object* get() const { return static_cast<Object*>(Object::fromWeakSlot(kaWeakSlots::find(_slot, _generation))); }
+    explicit operator bool() const { return kaWeakSlots::find(_slot, _generation) != nullptr; }
+
+  private:
+    kaWeakSlots::Slot _slot = 0;
+    std::uint32_t _generation = 0;
+};
+
+/// Objects to be gone through while any of them may be freed, by the going through itself or by a host that is
+/// told of it.
+template <class Object>
+class kaWeakList {
+  public:
+    /// Nulls are left out; an object that stands there twice is visited twice.
+    template <class Base>
+    explicit kaWeakList(const std::vector<Base*>& objects) {
+        _objects.reserve(objects.size());
+        for (Base* object : objects)
+            if (object)
+                _objects.emplace_back(*object);
+    }
+
+    /// Calls `visit(Object&)` for every object that is still there when its turn comes, in order.
+    /// @return how many were visited.
+    template <class Visit>
+    unsigned int visit(Visit&& visit) const {
+        unsigned int count = 0;
+        for (const kaWeak<Object>& entry : _objects) {
+            Object* object = entry.get();
+            if (!object)
+                continue;
+            visit(*object);
+            ++count;
+        }
+        return count;
+    }
+
+  private:
+    std::vector<kaWeak<Object>> _objects;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "kaAnimationExport.h"
+
+#include <cstdint>
+#include <vector>
+
+/// Answers whether something that was named once is still there: a table of slots, each with the address of one
+/// thing and a generation that grows when that thing goes. Whoever keeps a slot's number and its generation
+/// (`kaWeak`) never takes what came later, at the same address or in the same slot, for what was meant.
+///
+/// A thing gets its slot when it is first asked for one and gives it back when it is freed. Cost: 16 bytes a
+/// slot; asking and giving back are a few instructions, and giving back allocates nothing.
+class kaWeakSlots {
+  public:
+    using Slot = std::uint32_t; ///< 0 = none
+
+    kaWeakSlots() = delete;
+
+    /// A slot for `target`, which has none. @throws std::bad_alloc, with nothing changed.
+    static Slot take(void* target);
+    /// What has the slot is about to be freed. 0 does nothing.
+    static void giveBack(Slot slot) noexcept;
+
+    static std::uint32_t generation(Slot slot) { return table()[slot].generation; }
+    /// What has the slot in that generation; null when it has gone.
+    static void* find(Slot slot, std::uint32_t generation) {
+        const Entry& entry = table()[slot];
+        return entry.generation == generation ? entry.target : nullptr;
+    }
+    /// Grows whenever something that had a slot goes: while it stands, all that was there is there.
+    static std::uint64_t departures() { return _departures; }
+
+  private:
+    struct Entry {
+        void* target;
+        std::uint32_t generation;
+        Slot nextFree;
+    };
+
+    /// Never destroyed: objects may outlive all other statics. The first entry is that of slot 0.
+    static std::vector<Entry>& table();
+
+    static Slot _firstFree;
+    static std::uint64_t _departures;
+};
