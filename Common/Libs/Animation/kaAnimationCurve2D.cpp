@@ -5,7 +5,7 @@
 #include "kaRounding.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
-#include "kaEdits.h"
+#include "kaChange.h"
 #include "kaFieldInfo.h"
 #include "kaFieldStore.h"
 #include "kaObjectStore.h"
@@ -187,7 +187,7 @@ void kaAnimationCurve2D::printInfo() const {
 
 void kaAnimationCurve2D::setField(kaUID field) {
     _field = field;
-    kaEdits::note();
+    noteChange(kaChange::Flags);
 }
 
 void kaAnimationCurve2D::setAnimationField(kaAnimationField* field) {

@@ -1,7 +1,7 @@
 #include "kaAnimationObject.h"
 
+#include "kaChange.h"
 #include "kaDescent.h"
-#include "kaEdits.h"
 #include "kaObjectRegistry.h"
 
 // What an object is by itself. What it has below it and whom it tells of changes stands in
@@ -12,22 +12,22 @@
 
 void kaAnimationObject::setBegin(float begin) {
     _begin = begin;
-    noteChange();
+    noteChange(kaChange::Span);
 }
 
 void kaAnimationObject::setEnd(float end) {
     _end = end;
-    noteChange();
+    noteChange(kaChange::Span);
 }
 
 void kaAnimationObject::setMaximum(float maximum) {
     _maximum = maximum;
-    noteChange();
+    noteChange(kaChange::Values);
 }
 
 void kaAnimationObject::setMinimum(float minimum) {
     _minimum = minimum;
-    noteChange();
+    noteChange(kaChange::Values);
 }
 
 /// Curves that a host has made name each other are switched once on the way down.
@@ -43,7 +43,7 @@ void kaAnimationObject::setActive(bool active) {
         }
     }
     _active = active;
-    kaEdits::note();
+    noteChange(kaChange::Flags);
 }
 
 void kaAnimationObject::setPlaying(bool playing) {
@@ -56,7 +56,7 @@ void kaAnimationObject::setReversePlay(bool reversePlay) {
 
 void kaAnimationObject::setRepeating(bool repeating) {
     _repeating = repeating;
-    kaEdits::note();
+    noteChange(kaChange::Flags);
 }
 
 void kaAnimationObject::setPausing(bool pausing) {
@@ -65,7 +65,7 @@ void kaAnimationObject::setPausing(bool pausing) {
 
 void kaAnimationObject::setSelected(bool selected) {
     _selected = selected;
-    noteChange();
+    noteChange(kaChange::Selection);
 }
 
 void kaAnimationObject::setLocked(bool locked) {
@@ -74,7 +74,7 @@ void kaAnimationObject::setLocked(bool locked) {
 
 void kaAnimationObject::setMotionBlur(bool motionBlur) {
     _motionBlur = motionBlur;
-    kaEdits::note();
+    noteChange(kaChange::Flags);
 }
 
 unsigned int kaAnimationObject::getTypeID() const {

@@ -16,6 +16,7 @@
 class kaAnimationCurve2D;
 class kaAnimationSequence;
 class kaChildList;
+enum class kaChange : unsigned char;
 struct kaChildChunk;
 
 /// Base of every element of an animation: identity, time and value extent, playback flags, place in the
@@ -246,12 +247,11 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Makes the object its own only child, as every key is, without the cost of a list.
     void becomeOwnChild();
 
-    /// Tells the list that holds this object that something it mirrors has changed.
-    void noteChange();
-    /// The same where no evaluation reads what has changed.
-    void tellList();
-    /// The same for a key whose handle has changed: nothing that the list mirrors.
-    void noteReshaped();
+    /// Says that something of this object has changed, after it has: to the list that holds the object, to those
+    /// who keep something made from it (`kaDependents`), and to what is read anew after any edit (`kaEdits`).
+    void noteChange(kaChange change);
+    /// The same for what is below this object, which nobody but those who keep something made from it reads.
+    void noteChangeBelow();
 
     /// The rule of start and end triggers for one object: a frame at or after the range's begin starts it,
     /// one after the range's end ends it. The range is the extent or the custom range. What fires may destroy
@@ -267,6 +267,7 @@ class KA_ANIMATION_API kaAnimationObject {
 
   private:
     friend class kaChildList;
+    friend class kaDependents;
     friend class kaObjectStore;
     friend class kaEvaluation;
     friend class kaEvaluationPass;
@@ -294,6 +295,7 @@ class KA_ANIMATION_API kaAnimationObject {
     /// `getCurves()` without the copy; valid until the registry or `_curves` change.
     const std::vector<kaAnimationCurve2D*>& resolvedCurves() const;
 
+    void noteSetChange();
     void takeIn(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation);
     void takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences, Operation operation,
                        bool recursive);
@@ -328,6 +330,7 @@ class KA_ANIMATION_API kaAnimationObject {
     /// @endcond
 
   private:
+    mutable bool _hasDependents : 1; ///< see `kaDependents`
     bool _ownChild : 1;   ///< `_childIDs` is the object's own id alone
     bool _registered : 1; ///< the registry has an entry for this object
     bool _findable : 1;   ///< certainly under `_id`: no need to ask the registry what that id names

@@ -1,6 +1,7 @@
 #include "kaControlPoint2D.h"
 
 #include "kaChildList.h"
+#include "kaChange.h"
 #include "kaKeyMemory.h"
 #include "kaObjectStore.h"
 
@@ -66,7 +67,7 @@ kaControlPoint2D::~kaControlPoint2D() {
     if (_owner) {
         kaControlPoint2D*& slot = _owner->_inTangent == this ? _owner->_inTangent : _owner->_outTangent;
         slot = nullptr;
-        _owner->noteChange();
+        _owner->noteChange(kaChange::Shape);
     }
     freeHandle(_inTangent);
     freeHandle(_outTangent);
@@ -111,9 +112,9 @@ kaControlPoint2D::Saved& kaControlPoint2D::editSaved() {
 
 /// A handle's place matters to the curve of its key.
 void kaControlPoint2D::noteGeometry() {
-    noteChange();
+    noteChange(kaChange::Span);
     if (_owner)
-        _owner->noteReshaped();
+        _owner->noteChange(kaChange::Shape);
 }
 
 void kaControlPoint2D::setPosition(const osg::Pnt2f& position) {

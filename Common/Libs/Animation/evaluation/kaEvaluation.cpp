@@ -21,7 +21,7 @@ struct Range {
     float hi;
 };
 
-/// Plans of objects that are not played any more are let go of with the next edit beyond this many.
+/// No plan is let go of below this many.
 constexpr std::size_t ManyPlans = 64;
 
 } // namespace
@@ -47,7 +47,7 @@ class kaEvaluation::PassLease {
     kaEvaluationPass* _pass;
 };
 
-kaEvaluation::kaEvaluation(SequenceSink sequences) : _sequences(sequences) {}
+kaEvaluation::kaEvaluation(SequenceSink sequences) : _plansAtSweep(ManyPlans), _sequences(sequences) {}
 kaEvaluation::~kaEvaluation() = default;
 
 bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value) {
@@ -55,15 +55,27 @@ bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, flo
 }
 
 kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
-    if (_depth == 0 && _plans.size() >= ManyPlans && _plansEdits != kaEdits::count) {
-        _plans.clear();
-        _plansEdits = kaEdits::count;
-    }
     std::unique_ptr<kaEvaluationPlan>& plan = _plans[&object];
     if (!plan)
         plan = std::make_unique<kaEvaluationPlan>();
-    plan->refresh(object);
-    return *plan;
+    kaEvaluationPlan& found = *plan;
+    found.refresh(object);
+    found.lastUse = ++_uses;
+    if (_depth == 0 && _plans.size() >= _plansAtSweep)
+        sweepPlans();
+    return found;
+}
+
+/// Lets go of the plans that were not used while each of the others was used twice: those of objects that are not
+/// played any more, or have gone.
+void kaEvaluation::sweepPlans() {
+    const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
+    for (auto plan = _plans.begin(); plan != _plans.end();)
+        if (_uses - plan->second->lastUse > recent)
+            plan = _plans.erase(plan);
+        else
+            ++plan;
+    _plansAtSweep = std::max(ManyPlans, 2 * _plans.size());
 }
 
 void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame,

@@ -44,9 +44,11 @@ class kaEvaluation {
 
     /// Stands while an evaluation runs and the object model is not edited.
     kaEvaluationPlan& planOf(const kaAnimationObject& object);
+    void sweepPlans();
 
     boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
-    std::uint64_t _plansEdits = 0;
+    std::uint64_t _uses = 0;
+    std::size_t _plansAtSweep; ///< how many there are when those that are not used any more are looked for
     std::vector<std::unique_ptr<kaEvaluationPass>> _passes; ///< one for each depth
     std::size_t _depth = 0;
     SequenceSink _sequences;

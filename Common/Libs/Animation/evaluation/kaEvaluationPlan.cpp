@@ -4,41 +4,113 @@
 #include "kaChildList.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
+#include "kaObjectRegistry.h"
 
 #include <algorithm>
 #include <limits>
 
+namespace {
+
+constexpr float Infinity = std::numeric_limits<float>::infinity();
+
+} // namespace
+
 void kaEvaluationPlan::refresh(const kaAnimationObject& object) {
-    if (_edits == kaEdits::count)
-        return;
-    const auto forget = [this](const kaAnimationObject& curve) { forgetKeysOf(curve); };
-    if (!_mendable || !kaEdits::keysOf.forEachSince(_edits, forget))
+    const kaObjectRegistry& registry = kaObjectRegistry::the();
+    if (_stale || (_lacksCurves && _objects != registry.epoch())) {
         remake(object);
-    _edits = kaEdits::count;
+        return;
+    }
+    if (!_touched.empty())
+        readAgain();
+    if (_fields != registry.fieldEpoch())
+        readFields();
+    if (_rereadsAll && _edits != kaEdits::count) {
+        for (std::size_t i = 0; i < curves.size(); ++i)
+            forgetKeys(i);
+        _edits = kaEdits::count;
+    }
+}
+
+void kaEvaluationPlan::changed(std::uint32_t place, kaChange change) noexcept {
+    if (change == kaChange::Selection || change == kaChange::Values)
+        return;
+    if (change == kaChange::Structure) {
+        _stale = true;
+    } else if (place != NoPlace && !_stale && !_isTouched[place]) {
+        _isTouched[place] = true;
+        _touched.push_back(place);
+    }
 }
 
 void kaEvaluationPlan::remake(const kaAnimationObject& object) {
-    _mendable = false; // unless this comes to its end
+    _stale = true; // unless this comes to its end
+    kaDependents::leave(*this);
     leaves.clear();
     curves.clear();
     objects.clear();
     _path.clear();
+    _lacksCurves = false;
+    _rereadsAll = false;
+    kaDependents::enter(object, *this, NoPlace);
     visit(object);
+    const std::size_t places = curves.size() + leaves.size();
+    _touched.clear();
+    _touched.reserve(places);
+    _isTouched.assign(places, false);
     _segments.assign(curves.size(), kaSegment({}));
     _places.assign(curves.size(), Place());
     _held.assign(2 * curves.size(), Held());
-    _mendable = true;
+    for (std::size_t i = 0; i < curves.size(); ++i)
+        kaDependents::enter(*objects[i], *this, static_cast<std::uint32_t>(i));
+    for (std::size_t i = 0; i < leaves.size(); ++i)
+        kaDependents::enter(*leaves[i].object, *this, static_cast<std::uint32_t>(curves.size() + i));
+    _edits = kaEdits::count;
+    _objects = kaObjectRegistry::the().epoch();
+    _fields = kaObjectRegistry::the().fieldEpoch();
+    _stale = false;
 }
 
-/// The curve may stand below several objects.
-void kaEvaluationPlan::forgetKeysOf(const kaAnimationObject& curve) {
-    for (std::size_t i = 0; i < objects.size(); ++i) {
-        if (objects[i] != &curve)
-            continue;
-        _segments[i] = kaSegment({});
-        _places[i] = Place();
-        _held[2 * i] = _held[2 * i + 1] = Held();
+void kaEvaluationPlan::readAgain() {
+    for (const std::uint32_t place : _touched) {
+        if (place < curves.size()) {
+            readCurve(place);
+            forgetKeys(place);
+        } else {
+            readLeaf(leaves[place - curves.size()]);
+        }
+        _isTouched[place] = false;
     }
+    _touched.clear();
+}
+
+void kaEvaluationPlan::readCurve(std::size_t curve) {
+    const kaAnimationCurve2D& object = *objects[curve];
+    Curve& read = curves[curve];
+    read.field = object.resolvedField();
+    read.begin = object.isRepeating() ? -Infinity : object.getBegin();
+    read.end = object.isRepeating() ? Infinity : object.getEnd();
+    read.active = object.isActive();
+    read.motionBlur = object.isMotionBlur();
+}
+
+void kaEvaluationPlan::readLeaf(Leaf& leaf) const {
+    leaf.begin = leaf.object->getBegin();
+    leaf.end = leaf.object->getEnd();
+    leaf.repeating = leaf.object->isRepeating();
+}
+
+void kaEvaluationPlan::forgetKeys(std::size_t curve) {
+    _segments[curve] = kaSegment({});
+    _places[curve] = Place();
+    _held[2 * curve] = _held[2 * curve + 1] = Held();
+}
+
+/// A field has come or gone.
+void kaEvaluationPlan::readFields() {
+    for (std::size_t i = 0; i < curves.size(); ++i)
+        curves[i].field = objects[i]->resolvedField();
+    _fields = kaObjectRegistry::the().fieldEpoch();
 }
 
 /// Containers down to the objects that hold curves.
@@ -51,6 +123,7 @@ void kaEvaluationPlan::visit(const kaAnimationObject& object) {
     if (_path.size() >= KA_MAX_DEPTH || std::find(_path.begin(), _path.end(), &object) != _path.end())
         return;
     _path.push_back(&object);
+    kaDependents::enter(object, *this, NoPlace);
     if (const kaChildList* children = object.childrenOrNull())
         children->forEach([this](const kaAnimationObject& child) { visit(child); });
     _path.pop_back();
@@ -58,23 +131,23 @@ void kaEvaluationPlan::visit(const kaAnimationObject& object) {
 
 void kaEvaluationPlan::addLeaf(const kaAnimationObject& object) {
     static_assert(sizeof(Curve) == 64, "one cache line");
-    constexpr float Infinity = std::numeric_limits<float>::infinity();
     const auto& below = object.resolvedCurves();
-    if (below.empty())
+    _lacksCurves = _lacksCurves || below.size() != object.getCurveIDs().size();
+    if (below.empty()) {
+        kaDependents::enter(object, *this, NoPlace);
         return;
-    leaves.push_back(
-        {&object, object.getBegin(), object.getEnd(), curves.size(), below.size(), object.isRepeating()});
+    }
+    leaves.push_back({&object, 0.0F, 0.0F, curves.size(), below.size(), false});
+    readLeaf(leaves.back());
     objects.insert(objects.end(), below.begin(), below.end());
-    for (kaAnimationCurve2D* curve : below)
-        curves.push_back(
-            {curve->resolvedField(), kaFieldGlance(), curve->isRepeating() ? -Infinity : curve->getBegin(),
-             curve->isRepeating() ? Infinity : curve->getEnd(), curve->isActive(), curve->isMotionBlur()});
+    curves.resize(objects.size());
+    for (std::size_t i = objects.size() - below.size(); i < objects.size(); ++i)
+        readCurve(i);
 }
 
-/// What is remembered of a view that does not last would be of no use after the next edit of any key.
 kaCurveView& kaEvaluationPlan::viewOf(std::size_t curve) {
     kaCurveView& view = objects[curve]->view();
-    _mendable = _mendable && view.isKept();
+    _rereadsAll = _rereadsAll || !view.isKept();
     return view;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kaAnimationObject.h"
+#include "kaDependents.h"
 #include "kaFieldGlance.h"
 #include "kaFold.h"
 #include "kaSegment.h"
@@ -13,10 +14,15 @@ class kaAnimationField;
 class kaCurveView;
 
 /// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
-/// frame of an unedited clip touches no object but the fields. Made anew after an edit of the object model
-/// (`kaEdits`), unless only the keys of a few curves moved: those curves' keys are then asked for again.
-class kaEvaluationPlan {
+/// frame of an unedited clip touches no object but the fields. Told of what changes of that (`kaDependents`), and so untouched by any other edit. What changed of a
+/// curve or of an object that holds curves is read again; the whole is made anew when what is below changed.
+class kaEvaluationPlan final : public kaDependent {
   public:
+    kaEvaluationPlan() = default;
+    kaEvaluationPlan(const kaEvaluationPlan&) = delete;
+    kaEvaluationPlan& operator=(const kaEvaluationPlan&) = delete;
+    ~kaEvaluationPlan() { kaDependents::leave(*this); }
+
     /// An object that holds curves (a block, a curve), which are all sampled at one frame.
     struct Leaf {
         const kaAnimationObject* object;
@@ -42,9 +48,12 @@ class kaEvaluationPlan {
         bool motionBlur;
     };
 
-    /// Brings the plan up to date. Cost: a compare; after edits of the keys of a few curves a look for these
-    /// curves; after any other edit a walk of everything below the object.
+    /// Brings the plan up to date. Cost: a few compares; after edits of curves and blocks in their places that of
+    /// reading those again; after any other edit of what the plan was made of a walk of everything below the object.
     void refresh(const kaAnimationObject& object);
+    void changed(std::uint32_t place, kaChange change) noexcept override;
+
+    std::uint64_t lastUse = 0; ///< for the owner
 
     /// `visit(part, key to order by, frame to sample at, leaf)` for every leaf that has a part at `frame`.
     template <class Visit>
@@ -95,8 +104,15 @@ class kaEvaluationPlan {
         const kaSegment* end = nullptr; ///< behind the last one
     };
 
+    /// The number under which the plan is told of an object that is neither a curve nor a leaf.
+    static constexpr std::uint32_t NoPlace = 0xFFFFFFFF;
+
     void remake(const kaAnimationObject& object);
-    void forgetKeysOf(const kaAnimationObject& curve);
+    void readAgain();
+    void readCurve(std::size_t curve);
+    void readLeaf(Leaf& leaf) const;
+    void forgetKeys(std::size_t curve);
+    void readFields();
     kaCurveView& viewOf(std::size_t curve);
     void visit(const kaAnimationObject& object);
     void addLeaf(const kaAnimationObject& object);
@@ -108,8 +124,15 @@ class kaEvaluationPlan {
     std::vector<Place> _places;
     std::vector<Held> _held; ///< of each curve at the begin and at the end
     std::vector<const kaAnimationObject*> _path;
-    std::uint64_t _edits = 0;
-    bool _mendable = false; ///< made to its end, and `kaEdits` names every curve whose keys change
+    /// Curves, then leaves, that have changed; there is room for all.
+    std::vector<std::uint32_t> _touched;
+    std::vector<bool> _isTouched;
+    bool _stale = true;           ///< what is below has changed
+    bool _rereadsAll = false;     ///< some key list does not know its keys: after any edit all are asked for again
+    bool _lacksCurves = false;    ///< an id below names no registered curve: one that comes may be it
+    std::uint64_t _edits = 0;     ///< for `_rereadsAll`
+    std::uint64_t _objects = 0;   ///< the registry's epoch, for `_lacksCurves`
+    std::uint64_t _fields = 0;    ///< the registry's epoch of fields
 };
 
 template <class Visit>

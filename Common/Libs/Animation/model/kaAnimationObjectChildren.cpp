@@ -1,4 +1,5 @@
 #include "kaAnimationObject.h"
+#include "kaDependents.h"
 #include "kaEdits.h"
 #include "kaObjectGroup.h"
 #include "kaObjectStore.h"
@@ -71,12 +72,15 @@ kaAnimationObject::kaAnimationObject()
       _motionBlur(false),
       _useCustomRange(false),
       _isHandle(false),
+      _hasDependents(false),
       _ownChild(false),
       _registered(false),
       _findable(false) {}
 
 kaAnimationObject::~kaAnimationObject() {
     destroyChildren();
+    if (_hasDependents)
+        kaDependents::forget(*this);
     if (_home)
         _home->list->childLost(*this);
     if (_registered && kaObjectRegistry::isAlive())
@@ -143,32 +147,32 @@ void kaAnimationObject::setId(kaUID id) {
     _id = id;
     _findable = false;
     kaEdits::note();
+    if (_hasDependents)
+        kaDependents::tell(*this, kaChange::Structure);
 }
 
 kaAnimationObject* kaAnimationObject::getParentObject() const {
     return _parent != 0 ? find(_parent) : nullptr;
 }
 
-void kaAnimationObject::noteChange() {
-    if (getTypeID() == KA_TYPE_POINT)
-        kaEdits::noteKey();
-    else
+/// Neither the selection nor the bounds of values are read by an evaluation, and the flags by no list.
+void kaAnimationObject::noteChange(kaChange change) {
+    if (change != kaChange::Selection && change != kaChange::Values)
         kaEdits::note();
-    tellList();
-}
-
-void kaAnimationObject::tellList() {
-    if (_home)
-        _home->list->childChanged(*_home, *this);
-}
-
-void kaAnimationObject::noteReshaped() {
-    kaEdits::noteKey();
-    if (_home)
+    if (_home && change == kaChange::Shape)
         _home->list->childReshaped(*this);
+    else if (_home && change != kaChange::Flags)
+        _home->list->childChanged(*_home, *this, change);
+    if (_hasDependents)
+        kaDependents::tell(*this, change);
 }
 
-/// Of the extent, evaluation reads the span alone.
+void kaAnimationObject::noteChangeBelow() {
+    kaEdits::note();
+    if (_hasDependents)
+        kaDependents::tell(*this, getTypeID() == KA_TYPE_CURVE ? kaChange::Shape : kaChange::Structure);
+}
+
 void kaAnimationObject::storeExtent(const kaExtent& extent) {
     const bool isSpanKept = _begin == extent.begin && _end == extent.end;
     const bool isKept = isSpanKept && _maximum == extent.maximum && _minimum == extent.minimum;
@@ -176,10 +180,8 @@ void kaAnimationObject::storeExtent(const kaExtent& extent) {
     _end = extent.end;
     _maximum = extent.maximum;
     _minimum = extent.minimum;
-    if (!isSpanKept)
-        kaEdits::note();
     if (!isKept)
-        tellList();
+        noteChange(isSpanKept ? kaChange::Values : kaChange::Span);
 }
 
 const kaAnimationObject::Playback& kaAnimationObject::playback() const {
@@ -228,7 +230,7 @@ std::vector<kaUID> kaAnimationObject::getChildIDs() const {
 void kaAnimationObject::setChildIDs(const std::vector<kaUID>& ids) {
     _ownChild = false;
     group().children.assign(ids);
-    noteChange();
+    noteChange(kaChange::Structure);
 }
 
 std::size_t kaAnimationObject::getChildCount() const {
@@ -301,10 +303,17 @@ const std::set<kaUID>& kaAnimationObject::getSequenceIDs() const {
     return _group ? _group->sequences : noIDs();
 }
 
+/// Of the ids of the curves below.
+void kaAnimationObject::noteSetChange() {
+    kaEdits::note();
+    if (_hasDependents)
+        kaDependents::tell(*this, kaChange::Structure);
+}
+
 void kaAnimationObject::setCurveIDs(const std::set<kaUID>& ids) {
     group().curves = ids;
     ++group().curvesRevision;
-    kaEdits::note();
+    noteSetChange();
 }
 
 void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
@@ -314,7 +323,7 @@ void kaAnimationObject::setSequenceIDs(const std::set<kaUID>& ids) {
 void kaAnimationObject::insertCurveID(kaUID id) {
     group().curves.insert(id);
     ++group().curvesRevision;
-    kaEdits::note();
+    noteSetChange();
 }
 
 void kaAnimationObject::insertSequenceID(kaUID id) {
@@ -336,7 +345,7 @@ void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaU
         removeShared(owned.sequences, sequences);
     }
     ++owned.curvesRevision;
-    kaEdits::note();
+    noteSetChange();
 }
 
 namespace {

@@ -1,7 +1,7 @@
 #include "kaChildList.h"
 
 #include "kaAnimationObject.h"
-#include "kaEdits.h"
+#include "kaChange.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -54,7 +54,7 @@ std::vector<kaUID> kaChildList::ids() const {
 
 void kaChildList::noteEdit() {
     _changes.noteAll(++_revision);
-    kaEdits::note();
+    _owner->noteChangeBelow();
 }
 
 void kaChildList::sizeChanged(std::size_t size) {
@@ -62,7 +62,7 @@ void kaChildList::sizeChanged(std::size_t size) {
     _size = size;
     noteEdit();
     if (flips)
-        _owner->noteChange();
+        _owner->noteChange(kaChange::Structure);
 }
 
 void kaChildList::assign(std::vector<kaUID> ids) {
@@ -73,7 +73,7 @@ void kaChildList::assign(std::vector<kaUID> ids) {
     _mirrored = false;
     tryMirror();
     if (wasEmpty != empty())
-        _owner->noteChange();
+        _owner->noteChange(kaChange::Structure);
 }
 
 void kaChildList::append(kaAnimationObject& child) {
@@ -366,13 +366,14 @@ void kaChildList::childReshaped(const kaAnimationObject& child) {
         return;
     _changes.note(child, ++_revision);
     if (child.getTypeID() == KA_TYPE_POINT)
-        kaEdits::noteKeyOf(*_owner);
+        _owner->noteChangeBelow();
 }
 
-void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child) {
+void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child, kaChange change) {
     if (_ending)
         return;
-    childReshaped(child);
+    if (change != kaChange::Selection)
+        childReshaped(child);
     const Place place = find(child);
     Entry& entry = chunk.entries[place.index];
     const Entry now(child);

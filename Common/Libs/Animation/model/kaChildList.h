@@ -11,6 +11,7 @@
 
 class kaAnimationObject;
 class kaChildList;
+enum class kaChange : unsigned char;
 
 /// A run of up to `kaChildList::ChunkSize` consecutive children. Chunks never move in memory, so a child can
 /// remember the one it stands in.
@@ -142,7 +143,7 @@ class kaChildList {
     std::size_t positionOf(const kaAnimationObject& child) const;
 
     /// A mirrored child has changed.
-    void childChanged(kaChildChunk& chunk, kaAnimationObject& child);
+    void childChanged(kaChildChunk& chunk, kaAnimationObject& child, kaChange change);
     /// The same where nothing that the list keeps of the child is concerned: a handle of a key has moved.
     void childReshaped(const kaAnimationObject& child);
     /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.

@@ -1,0 +1,68 @@
+#include "kaDependents.h"
+
+#include "kaAnimationObject.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+struct Link {
+    kaDependent* dependent;
+    std::uint32_t place;
+};
+
+/// Never destroyed: objects may outlive all other statics.
+using Links = std::unordered_map<const kaAnimationObject*, std::vector<Link>>;
+Links& linksByObject() {
+    static auto& links = *new Links;
+    return links;
+}
+
+/// By dependent the objects that it was entered for, so that leaving looks at no others.
+using Entered = std::unordered_map<const kaDependent*, std::vector<const kaAnimationObject*>>;
+Entered& objectsByDependent() {
+    static auto& entered = *new Entered;
+    return entered;
+}
+
+} // namespace
+
+void kaDependents::enter(const kaAnimationObject& object, kaDependent& dependent, std::uint32_t place) {
+    objectsByDependent()[&dependent].push_back(&object); // one too many does no harm should the next line fail
+    linksByObject()[&object].push_back({&dependent, place});
+    object._hasDependents = true;
+}
+
+void kaDependents::leave(kaDependent& dependent) noexcept {
+    const auto entered = objectsByDependent().find(&dependent);
+    if (entered == objectsByDependent().end())
+        return;
+    const auto isIts = [&dependent](const Link& link) { return link.dependent == &dependent; };
+    for (const kaAnimationObject* object : entered->second) {
+        const auto found = linksByObject().find(object);
+        if (found == linksByObject().end())
+            continue; // the object has gone
+        std::vector<Link>& links = found->second;
+        links.erase(std::remove_if(links.begin(), links.end(), isIts), links.end());
+        if (links.empty()) {
+            object->_hasDependents = false;
+            linksByObject().erase(found);
+        }
+    }
+    objectsByDependent().erase(entered);
+}
+
+void kaDependents::tell(const kaAnimationObject& object, kaChange change) noexcept {
+    const auto found = linksByObject().find(&object);
+    if (found != linksByObject().end())
+        for (const Link& link : found->second)
+            link.dependent->changed(link.place, change);
+}
+
+void kaDependents::forget(const kaAnimationObject& object) noexcept {
+    tell(object, kaChange::Structure);
+    linksByObject().erase(&object);
+    object._hasDependents = false;
+}
