@@ -70,11 +70,11 @@ kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
 /// played any more, or have gone.
 void kaEvaluation::sweepPlans() {
     const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
-    for (auto plan = _plans.begin(); plan != _plans.end();)
-        if (_uses - plan->second->lastUse > recent)
-            plan = _plans.erase(plan);
-        else
-            ++plan;
+    for (auto plan = _plans.begin(); plan != _plans.end();) {
+        const auto current = plan++;
+        if (_uses - current->second->lastUse > recent)
+            _plans.erase(current);
+    }
     _plansAtSweep = std::max(ManyPlans, 2 * _plans.size());
 }
 
