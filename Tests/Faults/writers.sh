@@ -7,7 +7,7 @@ ka_anim=$(realpath "$1")
 model=/usr/share/assimp/models/BVH/Boxing_Toes.bvh
 work=$(mktemp -d)
 full=$work/full
-trap 'umount "$full" 2>/dev/null || true; rm -rf "$work"' EXIT
+trap 'umount "$full" "$work/again" "$work/two.xml" 2>/dev/null || true; rm -rf "$work"' EXIT
 
 fail() {
     echo "writers: $1" >&2
@@ -69,6 +69,24 @@ if mount -t tmpfs -o size=64k tmpfs "$full" 2>/dev/null; then
     expect_same_rights "$full" "a save"
 else
     echo "writers: only root may mount the full disk and the read-only folder; passed over" >&2
+fi
+
+# A scene and a document that lead to one file, by mounts: a folder in two places, a file in the place of another.
+mkdir "$work/again" "$work/once"
+echo old >"$work/one.osg"
+touch "$work/two.xml"
+if mount --bind "$work/once" "$work/again" 2>/dev/null && mount --bind "$work/one.osg" "$work/two.xml"; then
+    ln -s new.osg "$work/once/link.xml"
+    for outputs in once/new.osg:again/link.xml one.osg:two.xml; do
+        status=0
+        "$ka_anim" import "$model" -o "$work/${outputs%:*}" --animation "$work/${outputs#*:}" 2>"$work/message" || status=$?
+        [ "$status" -eq 2 ] || fail "a scene and a document in one file by a mount: exit code $status instead of 2"
+        grep -q "would be one file" "$work/message" || fail "one file by a mount: $(cat "$work/message")"
+    done
+    [ ! -e "$work/once/new.osg" ] || fail "a scene was written although it is the document's file"
+    [ "$(cat "$work/one.osg")" = old ] || fail "the file behind two mounts was written"
+else
+    echo "writers: only root may mount; passed over" >&2
 fi
 
 # Killed while it saves: the document is the old one or the new one, never half of one.

@@ -67,6 +67,13 @@ void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter&
         throw Failure(ExitCode::OutputFailed, name + ": the scene cannot be written");
 }
 
+/// @throws Failure (Usage) when the one would take the other's place.
+void expectTwoFiles(const SavedFiles& files) {
+    if (!files.scene.empty() && !files.animation.empty() && kaFile::isSameFile(files.scene, files.animation))
+        throw Failure(ExitCode::Usage, "the scene and the animation document would be one file: " +
+                                           printedPath(files.scene) + " and " + printedPath(files.animation));
+}
+
 } // namespace
 
 void checkNames(const SavedFiles& files) {
@@ -75,12 +82,11 @@ void checkNames(const SavedFiles& files) {
     if (!files.animation.empty() && !isDocument(files.animation))
         throw Failure(ExitCode::Usage,
                       "animation documents are written to .xml files, not " + printedPath(files.animation));
-    if (!files.scene.empty() && !files.animation.empty() && kaFile::isSameFile(files.scene, files.animation))
-        throw Failure(ExitCode::Usage, "the scene and the animation document would be one file: " +
-                                           printedPath(files.scene) + " and " + printedPath(files.animation));
+    expectTwoFiles(files);
 }
 
 void save(const osg::NodePtr& root, const SavedFiles& files) {
+    expectTwoFiles(files); // links may have been made since
     std::unique_ptr<kaFileWriter> scene, animation;
     if (!files.scene.empty()) {
         scene = std::make_unique<kaFileWriter>(files.scene);

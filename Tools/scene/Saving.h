@@ -18,7 +18,8 @@ void checkNames(const SavedFiles& files);
 /// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
 /// before all of them have been written in full. What a file could not keep of the rights of the one before
 /// is said on standard error.
-/// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can.
+/// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can; (Usage) when both lead
+/// to one file by now.
 void save(const osg::NodePtr& root, const SavedFiles& files);
 
 } // namespace ka::tools
