@@ -37,7 +37,7 @@ class MotionImportTest : public ::testing::Test {
     }
 
     ImportReport import(const Motion& motion, double fps = 25.0) {
-        return importMotion(motion, _project->root(), {fps, 0.01});
+        return importMotion(motion, _project->root(), {fps, 0.01, KeyBudget()});
     }
 
     static MotionNode node(const std::string& name, std::int32_t parent) {

@@ -94,9 +94,10 @@ RestMatrix matrixOf(const aiMatrix4x4& m) {
 
 class SceneReader {
   public:
-    explicit SceneReader(const aiScene& scene) : _scene(scene) {}
+    SceneReader(const aiScene& scene, const KeyBudget& budget) : _scene(scene), _budget(budget) {}
 
     Motion read() {
+        expectKeys();
         readNodes();
         for (unsigned int i = 0; i < _scene.mNumAnimations; ++i)
             readTake(*_scene.mAnimations[i], i);
@@ -105,6 +106,16 @@ class SceneReader {
     }
 
   private:
+    void expectKeys() {
+        for (unsigned int i = 0; i < _scene.mNumAnimations; ++i)
+            for (unsigned int j = 0; j < _scene.mAnimations[i]->mNumChannels; ++j) {
+                const aiNodeAnim& channel = *_scene.mAnimations[i]->mChannels[j];
+                for (const unsigned int keys :
+                     {channel.mNumPositionKeys, channel.mNumScalingKeys, channel.mNumRotationKeys})
+                    _budget.expect(keys);
+            }
+    }
+
     void readNodes() {
         struct Pending {
             const aiNode* node;
@@ -155,18 +166,20 @@ class SceneReader {
         _motion.takes.push_back(std::move(take));
     }
 
-    static MotionTrack readTrack(const aiNodeAnim& channel, std::uint32_t node, double ticks) {
+    MotionTrack readTrack(const aiNodeAnim& channel, std::uint32_t node, double ticks) {
         MotionTrack track;
         track.node = node;
         for (unsigned int i = 0; i < channel.mNumPositionKeys; ++i)
-            track.translation.keys.push_back(
+            _budget.add(
+                track.translation,
                 {channel.mPositionKeys[i].mTime / ticks, vec(channel.mPositionKeys[i].mValue), {}, {}});
         for (unsigned int i = 0; i < channel.mNumScalingKeys; ++i)
-            track.scale.keys.push_back(
-                {channel.mScalingKeys[i].mTime / ticks, vec(channel.mScalingKeys[i].mValue), {}, {}});
+            _budget.add(track.scale,
+                        {channel.mScalingKeys[i].mTime / ticks, vec(channel.mScalingKeys[i].mValue), {}, {}});
         for (unsigned int i = 0; i < channel.mNumRotationKeys; ++i) {
             const aiQuatKey& key = channel.mRotationKeys[i];
-            track.quaternion.keys.push_back(
+            _budget.add(
+                track.quaternion,
                 {key.mTime / ticks, {key.mValue.x, key.mValue.y, key.mValue.z, key.mValue.w}, {}, {}});
         }
         return track;
@@ -183,6 +196,7 @@ class SceneReader {
     }
 
     const aiScene& _scene;
+    KeyBudget _budget;
     Motion _motion;
     std::unordered_map<std::string, std::uint32_t> _places;
 };
@@ -193,7 +207,7 @@ bool isKnownToAssimp(const std::string& extension) {
     return !extension.empty() && Assimp::Importer().IsExtensionSupported("." + extension);
 }
 
-Motion readWithAssimp(const ConfinedFolder& folder) {
+Motion readWithAssimp(const ConfinedFolder& folder, KeyBudget budget) {
     Assimp::Importer importer;
     importer.SetIOHandler(new ConfinedSystem(folder)); // the importer owns it
     // Pivots would turn every joint into a chain of helper nodes; a file of nothing but animation is still a
@@ -203,7 +217,7 @@ Motion readWithAssimp(const ConfinedFolder& folder) {
     const aiScene* scene = importer.ReadFile(folder.modelName(), 0);
     if (scene == nullptr || scene->mRootNode == nullptr)
         throw Failure(ExitCode::Unreadable, oneLine(importer.GetErrorString(), 160));
-    return SceneReader(*scene).read();
+    return SceneReader(*scene, budget).read();
 }
 
 } // namespace ka::tools

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/Motion.h"
+#include "import/KeyBudget.h"
 
 namespace ka::tools {
 
@@ -14,7 +14,8 @@ bool isKnownToAssimp(const std::string& extension);
 ///
 /// Keys become linear channels; rotations are quaternions. Everything else that the file holds is told in the
 /// notes.
+/// @param budget  keys that the motion may have; more are refused.
 /// @throws Failure (Unreadable), its text without the file's name.
-Motion readWithAssimp(const ConfinedFolder& folder);
+Motion readWithAssimp(const ConfinedFolder& folder, KeyBudget budget = KeyBudget());
 
 } // namespace ka::tools

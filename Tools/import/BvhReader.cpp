@@ -123,7 +123,8 @@ struct JointChannels {
 
 class BvhReader {
   public:
-    BvhReader(std::string_view text, const std::string& name) : _scan(text, name) {}
+    BvhReader(std::string_view text, const std::string& name, const KeyBudget& budget)
+        : _scan(text, name), _budget(budget) {}
 
     Motion read(const std::string& take) {
         readHierarchy();
@@ -262,8 +263,8 @@ class BvhReader {
                 continue;
             MotionTrack track;
             track.node = joint.node;
-            track.translation.keys.resize(joint.has(false) ? frames : 0);
-            track.angles.keys.resize(joint.has(true) ? frames : 0);
+            _budget.expect(joint.has(false) ? frames : 0);
+            _budget.expect(joint.has(true) ? frames : 0);
             made.tracks.push_back(std::move(track));
         }
         _motion.takes.push_back(std::move(made));
@@ -273,7 +274,7 @@ class BvhReader {
         std::vector<double> values(_channelCount);
         for (std::size_t frame = 0; frame < frames; ++frame) {
             readFrame(values, frame, frames);
-            storeFrame(values, frame, static_cast<double>(frame) * frameTime);
+            storeFrame(values, static_cast<double>(frame) * frameTime);
         }
         if (!_scan.next().empty())
             _motion.notes.push_back("the file holds more than the " + std::to_string(frames) +
@@ -298,7 +299,7 @@ class BvhReader {
                        std::to_string(values.size()) + " numbers");
     }
 
-    void storeFrame(const std::vector<double>& values, std::size_t frame, double time) {
+    void storeFrame(const std::vector<double>& values, double time) {
         auto value = values.begin();
         auto track = _motion.takes.back().tracks.begin();
         for (const JointChannels& joint : _joints) {
@@ -308,15 +309,16 @@ class BvhReader {
             Vec3 angles{0, 0, 0};
             for (const ChannelTarget& target : joint.targets)
                 (target.rotates ? angles : position)[static_cast<std::size_t>(target.axis)] = *value++;
-            if (!track->translation.keys.empty())
-                track->translation.keys[frame] = {time, position, {}, {}};
-            if (!track->angles.keys.empty())
-                track->angles.keys[frame] = {time, angles, {}, {}};
+            if (joint.has(false))
+                _budget.add(track->translation, {time, position, {}, {}});
+            if (joint.has(true))
+                _budget.add(track->angles, {time, angles, {}, {}});
             ++track;
         }
     }
 
     Scanner _scan;
+    KeyBudget _budget;
     Motion _motion;
     std::vector<JointChannels> _joints;
     std::size_t _channelCount = 0;
@@ -324,8 +326,8 @@ class BvhReader {
 
 } // namespace
 
-Motion readBvh(std::string_view text, const std::string& name, const std::string& take) {
-    return BvhReader(text, name).read(take);
+Motion readBvh(std::string_view text, const std::string& name, const std::string& take, KeyBudget budget) {
+    return BvhReader(text, name, budget).read(take);
 }
 
 } // namespace ka::tools

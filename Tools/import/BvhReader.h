@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/Motion.h"
+#include "import/KeyBudget.h"
 
 #include <string>
 #include <string_view>
@@ -14,10 +14,12 @@ namespace ka::tools {
 /// The motion is one take named `take`, with a key per frame.
 /// @param text  the whole file.
 /// @param name  the file as the user named it, for messages.
+/// @param budget  keys that the motion may have; more are refused.
 /// @throws Failure (Unreadable) with "name:line:column: what is wrong". Numbers of the motion may be "nan" or
 /// "inf":
 ///         they are left for `checkMotion` to find.
 /// Cost: linear in the text, whatever counts the file states.
-Motion readBvh(std::string_view text, const std::string& name, const std::string& take);
+Motion readBvh(std::string_view text, const std::string& name, const std::string& take,
+               KeyBudget budget = KeyBudget());
 
 } // namespace ka::tools

@@ -1,5 +1,7 @@
 #include "import/CallFilter.h"
 
+#include "base/Sanitizer.h"
+
 #include <cerrno>
 #include <cstdint>
 #include <fcntl.h>
@@ -70,6 +72,14 @@ bool allow(const Filter& filter, int call, const scmp_arg_cmp& condition) {
     return seccomp_rule_add_array(filter.get(), SCMP_ACT_ALLOW, call, 1, &condition) == 0;
 }
 
+/// Exceptions make the sanitizers look for the signal stack, and objects whose type they check are first
+/// tried by writing from them into a pipe.
+bool addSanitizersCalls(const Filter& filter) {
+    return add(filter, SCMP_ACT_ALLOW, SCMP_SYS(sigaltstack)) &&
+           add(filter, SCMP_ACT_ALLOW, SCMP_SYS(pipe)) && add(filter, SCMP_ACT_ALLOW, SCMP_SYS(pipe2)) &&
+           add(filter, SCMP_ACT_ALLOW, SCMP_SYS(write));
+}
+
 bool addConditions(const Filter& filter, int answer) {
     const auto own = static_cast<scmp_datum_t>(getpid());
     return allow(filter, SCMP_SYS(write), SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(answer))) &&
@@ -93,6 +103,8 @@ bool restrictSystemCalls(int answer) {
     for (const int call : hostile)
         if (!add(filter, SCMP_ACT_KILL_PROCESS, call))
             return false;
+    if (hasAddressSanitizer && !addSanitizersCalls(filter))
+        return false;
     return addConditions(filter, answer) && seccomp_load(filter.get()) == 0;
 }
 

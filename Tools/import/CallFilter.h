@@ -10,6 +10,7 @@ namespace ka::tools {
 /// sockets, signals to others, changing files, tracing, asking for other rights. All others fail with EPERM,
 /// which a library of a later version may try and do without. So do calls of another architecture's interface
 /// than the program's own: they end the process.
+/// Under the sanitizers their own calls are left as well: pipes, and writing to any descriptor.
 /// @return false, and nothing has changed, where the kernel has no such filters.
 bool restrictSystemCalls(int answer);
 

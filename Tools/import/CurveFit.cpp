@@ -28,7 +28,9 @@ struct Span {
 class RotationFitter {
   public:
     RotationFitter(const RotationSource& source, const FitOptions& options)
-        : _source(source), _options(options), _mostKeys(1000 + 20 * source.size()) {}
+        : _source(source),
+          _options(options),
+          _mostKeys(std::min(options.mostKeys, 1000 + 20 * source.size())) {}
 
     RotationFit fit() {
         Vec3 angles = sceneAngles(_source.at(0, 0.0), {0, 0, 0});

@@ -4,6 +4,7 @@
 #include "import/RotationSource.h"
 
 #include <array>
+#include <limits>
 
 namespace ka::tools {
 
@@ -16,6 +17,8 @@ CurveTriple curvesOf(const MotionChannel<3>& channel);
 struct FitOptions {
     double tolerance = 0.01;     ///< degrees that the rotation may be off between keys
     double shortest = 1.0 / 500; ///< seconds; no piece of a split segment is shorter
+    /// Keys that a curve may have before its segments are no longer split.
+    std::size_t mostKeys = std::numeric_limits<std::size_t>::max();
 };
 
 /// The scene's three angles over time for a rotation.

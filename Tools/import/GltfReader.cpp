@@ -131,7 +131,8 @@ Interpolation interpolationOf(const std::string& name) {
 }
 
 template <std::size_t Width>
-MotionChannel<Width> readChannel(const tinygltf::Model& model, const tinygltf::AnimationSampler& sampler) {
+MotionChannel<Width> readChannel(const tinygltf::Model& model, const tinygltf::AnimationSampler& sampler,
+                                 KeyBudget& budget) {
     MotionChannel<Width> channel;
     channel.interpolation = interpolationOf(sampler.interpolation);
     const std::vector<double> times = readGltfAccessor(model, sampler.input, 1);
@@ -146,9 +147,9 @@ MotionChannel<Width> readChannel(const tinygltf::Model& model, const tinygltf::A
     };
     for (std::size_t i = 0; i < times.size(); ++i) {
         if (rows == 3)
-            channel.keys.push_back({times[i], row(3 * i + 1), row(3 * i), row(3 * i + 2)});
+            budget.add(channel, {times[i], row(3 * i + 1), row(3 * i), row(3 * i + 2)});
         else
-            channel.keys.push_back({times[i], row(i), {}, {}});
+            budget.add(channel, {times[i], row(i), {}, {}});
     }
     return channel;
 }
@@ -156,9 +157,9 @@ MotionChannel<Width> readChannel(const tinygltf::Model& model, const tinygltf::A
 /// One animation of the file.
 class TakeReader {
   public:
-    TakeReader(const tinygltf::Model& model, const std::vector<std::uint32_t>& places,
+    TakeReader(const tinygltf::Model& model, const std::vector<std::uint32_t>& places, KeyBudget& budget,
                std::vector<std::string>& notes)
-        : _model(model), _places(places), _notes(notes) {}
+        : _model(model), _places(places), _budget(budget), _notes(notes) {}
 
     MotionTake read(const tinygltf::Animation& animation, std::size_t index) {
         MotionTake take{animation.name.empty() ? "take " + std::to_string(index + 1) : animation.name, {}};
@@ -191,11 +192,11 @@ class TakeReader {
             animation.samplers[static_cast<std::size_t>(channel.sampler)];
         MotionTrack& track = trackOf(take, _places[static_cast<std::size_t>(channel.target_node)]);
         if (path == "translation")
-            track.translation = readChannel<3>(_model, sampler);
+            track.translation = readChannel<3>(_model, sampler, _budget);
         else if (path == "scale")
-            track.scale = readChannel<3>(_model, sampler);
+            track.scale = readChannel<3>(_model, sampler, _budget);
         else
-            track.quaternion = readChannel<4>(_model, sampler);
+            track.quaternion = readChannel<4>(_model, sampler, _budget);
         return true;
     }
 
@@ -208,10 +209,22 @@ class TakeReader {
 
     const tinygltf::Model& _model;
     const std::vector<std::uint32_t>& _places;
+    KeyBudget& _budget;
     std::vector<std::string>& _notes;
     std::map<std::uint32_t, std::size_t> _tracks;
     std::set<std::pair<int, std::string>> _seen;
 };
+
+/// Counts the keys that all channels together stand for; many of them may share one list of numbers.
+void expectKeys(const tinygltf::Model& model, KeyBudget& budget) {
+    for (const tinygltf::Animation& animation : model.animations)
+        for (const tinygltf::AnimationChannel& channel : animation.channels) {
+            const auto sampler = static_cast<std::size_t>(channel.sampler);
+            const int times = sampler < animation.samplers.size() ? animation.samplers[sampler].input : -1;
+            if (static_cast<std::size_t>(times) < model.accessors.size())
+                budget.expect(model.accessors[static_cast<std::size_t>(times)].count);
+        }
+}
 
 std::string leftOut(const tinygltf::Model& model) {
     LeftOut rest;
@@ -225,8 +238,9 @@ std::string leftOut(const tinygltf::Model& model) {
 
 } // namespace
 
-Motion readGltf(const ConfinedFolder& folder) {
+Motion readGltf(const ConfinedFolder& folder, KeyBudget budget) {
     const tinygltf::Model model = load(folder);
+    expectKeys(model, budget);
     Motion motion;
     std::vector<MotionNode> nodes;
     const std::vector<std::int32_t> parents = parentsOf(model);
@@ -237,7 +251,7 @@ Motion readGltf(const ConfinedFolder& folder) {
     const std::vector<std::uint32_t> places = putParentsFirst(nodes);
     motion.nodes = std::move(nodes);
     for (std::size_t i = 0; i < model.animations.size(); ++i)
-        motion.takes.push_back(TakeReader(model, places, motion.notes).read(model.animations[i], i));
+        motion.takes.push_back(TakeReader(model, places, budget, motion.notes).read(model.animations[i], i));
     if (const std::string note = leftOut(model); !note.empty())
         motion.notes.push_back(note);
     return motion;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/Motion.h"
+#include "import/KeyBudget.h"
 
 namespace ka::tools {
 
@@ -11,8 +11,9 @@ class ConfinedFolder;
 ///
 /// Animated translations, rotations and scales become channels with the file's interpolation; a cubic spline
 /// keeps its tangents. Everything else that the file holds is told in the notes.
+/// @param budget  keys that the motion may have; more are refused.
 /// @throws Failure (Unreadable), its text without the file's name.
-Motion readGltf(const ConfinedFolder& folder);
+Motion readGltf(const ConfinedFolder& folder, KeyBudget budget = KeyBudget());
 
 /// Whether the file says that it is of the first version of glTF, which `readGltf` cannot read.
 bool isFirstGltf(const ConfinedFolder& folder);

@@ -26,7 +26,7 @@ Motion readBvhFile(const ConfinedFolder& folder, const std::string& path, Reader
         const std::optional<std::string> text = folder.read(folder.modelName(), largestBvh);
         if (!text)
             throw Failure(ExitCode::Unreadable, "cannot be read, or larger than 1 GiB");
-        return readBvh(*text, "", std::filesystem::path(path).stem().string());
+        return readBvh(*text, "", std::filesystem::path(path).stem().string(), KeyBudget(limits.megabytes));
     };
     return readInChild(folder, path, limits, read).motion;
 }
@@ -39,8 +39,10 @@ ReaderResult readByExtension(const std::string& path, const ReaderLimits& limits
     if (!isGltf(extension) && !isKnownToAssimp(extension))
         throw unreadable(path, extension.empty() ? "no extension tells what kind of model it is"
                                                  : "no reader for '." + oneLine(extension, 20) + "' files");
+    const KeyBudget budget(limits.megabytes);
     return readInChild(folder, path, limits, [&] {
-        return isGltf(extension) && !isFirstGltf(folder) ? readGltf(folder) : readWithAssimp(folder);
+        return isGltf(extension) && !isFirstGltf(folder) ? readGltf(folder, budget)
+                                                         : readWithAssimp(folder, budget);
     });
 }
 
@@ -57,6 +59,7 @@ ReadModel readModel(const std::string& path, const ReaderLimits& limits) {
     result.motion = std::move(read.motion);
     result.confinement = read.confinement;
     try {
+        KeyBudget(limits.megabytes).check(result.motion);
         result.findings = checkMotion(result.motion);
     } catch (const Failure& failure) {
         throw unreadable(path, failure.what());

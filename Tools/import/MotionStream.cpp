@@ -72,6 +72,18 @@ class Packer {
     std::string _bytes;
 };
 
+/// Bytes of an item that holds nothing, packed.
+template <class Item>
+std::size_t sizeOfEmpty() {
+    static const std::size_t size = [] {
+        Packer pack;
+        const Item empty{};
+        describe(pack, empty);
+        return pack.take().size();
+    }();
+    return size;
+}
+
 class Unpacker {
   public:
     explicit Unpacker(std::string_view bytes) : _bytes(bytes) {}
@@ -120,10 +132,9 @@ class Unpacker {
     void list(std::vector<Item>& items) {
         std::uint64_t count = 0;
         (*this)(count);
-        // Every item takes at least as many bytes as a text's length, and no item is more than some tens of
-        // times as large in memory: the count cannot make us reserve more than a fixed multiple of what was
-        // sent.
-        if (count > _bytes.size() / sizeof(std::uint64_t))
+        // No item is packed shorter than an empty one, which is at most four times as large in memory: the
+        // count cannot make us reserve more than that multiple of what was sent.
+        if (count > _bytes.size() / sizeOfEmpty<Item>())
             return fail();
         items.reserve(count);
         for (std::uint64_t i = 0; i < count && !_failed; ++i)

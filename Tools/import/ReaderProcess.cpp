@@ -2,6 +2,7 @@
 
 #include "base/Descriptor.h"
 #include "base/Failure.h"
+#include "base/Sanitizer.h"
 #include "base/Text.h"
 #include "import/CallFilter.h"
 #include "import/ConfinedFolder.h"
@@ -28,14 +29,6 @@ namespace ka::tools {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool addressSpaceIsShadowed = true;
-#elif defined(__has_feature)
-constexpr bool addressSpaceIsShadowed = __has_feature(address_sanitizer);
-#else
-constexpr bool addressSpaceIsShadowed = false;
-#endif
 
 /// Where the child's answer goes: the one descriptor above the standard streams that it has.
 constexpr int answerDescriptor = 3;
@@ -100,7 +93,7 @@ void limitResources(const ReaderLimits& limits) {
     limitTo(RLIMIT_CPU, seconds, seconds + 1);
     // Under the address sanitizer the shadow alone is larger than any limit; there the watching parent must
     // do.
-    if (!addressSpaceIsShadowed)
+    if (!hasAddressSanitizer)
         limitTo(RLIMIT_AS, memoryOf(getpid(), 0) + limits.megabytes * 1024 * 1024);
 }
 
@@ -187,7 +180,8 @@ std::string receive(int pipe, const Child& child, std::size_t inherited, const s
         if (Clock::now() > end)
             throw unreadable(name,
                              "the reader was stopped after " + formatNumber(limits.seconds) + " seconds");
-        if (memoryOf(child.id(), 1) > inherited + bytes || answer.size() > bytes)
+        // Kept, unpacked and packed once more, an answer takes several times its size here.
+        if (memoryOf(child.id(), 1) > inherited + bytes || answer.size() > bytes / 4)
             throw unreadable(name, "the reader was stopped: it uses more than " +
                                        std::to_string(limits.megabytes) + " MB of memory");
         struct pollfd ready {

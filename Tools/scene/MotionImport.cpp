@@ -168,7 +168,8 @@ class MotionImporter {
 
     void addRotation(kaAnimationUnit* block, std::uint32_t node, const RotationSource& source) {
         // Splitting ends well above the distance at which floats run together, and far below a frame.
-        const FitOptions options{_options.rotationTolerance, 0.02 / _options.framesPerSecond};
+        const FitOptions options{_options.rotationTolerance, 0.02 / _options.framesPerSecond,
+                                 (_options.budget.most() - _report.keys) / 3};
         const RotationFit fit = fitRotation(source, options);
         _report.addedKeys += 3 * fit.addedKeys;
         _report.unreachedSegments += fit.unreached;
@@ -182,6 +183,8 @@ class MotionImporter {
             if (curves[axis].empty())
                 continue;
             const BezierCurve laidOut = layOutCurve(curves[axis], _options.framesPerSecond);
+            if (laidOut.keys.size() > _options.budget.most() - _report.keys)
+                _options.budget.refuse(_report.keys + laidOut.keys.size());
             std::vector<kaControlPoint2D*> points;
             points.reserve(laidOut.keys.size());
             for (const BezierKey& key : laidOut.keys)

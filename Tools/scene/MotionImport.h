@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/CurveFit.h"
+#include "import/KeyBudget.h"
 #include "import/Motion.h"
 #include "scene/ImportReport.h"
 
@@ -11,6 +12,7 @@ namespace ka::tools {
 struct ImportOptions {
     double framesPerSecond = 25.0;
     double rotationTolerance = 0.01; ///< degrees that a converted rotation may be off between keys
+    KeyBudget budget;                ///< keys that may be built, those that rotations need included
 };
 
 /// Builds a motion, already checked, into the scene and the animation registry.
@@ -19,6 +21,8 @@ struct ImportOptions {
 /// for each node that it moves, on as many tracks as they need; curves are made through the module's
 /// interchange and listed, with their block, on their node. Names become Latin-1. The middle of every segment
 /// is compared with the source.
+/// @throws Failure (Unreadable), its text without a file's name, when there would be more keys than allowed;
+/// what was built until then stays.
 ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options);
 
 } // namespace ka::tools

@@ -151,7 +151,13 @@ void Project::readModel(const ProjectFiles& files) {
     seedIds(packMotion(model.motion));
     _root = makeRoot(latin1FromUtf8(std::filesystem::path(files.file).stem().string(), lossy));
     kaAnimationManager::setSceneRootNode(_root);
-    _report = importMotion(model.motion, _root, files.import);
+    try {
+        ImportOptions options = files.import;
+        options.budget = KeyBudget(files.reader.megabytes);
+        _report = importMotion(model.motion, _root, options);
+    } catch (const Failure& failure) {
+        throw unreadable(files.file, failure.what());
+    }
     _report.findings = model.findings;
 }
 
