@@ -109,6 +109,8 @@ ExitCode upgrade(const UpgradeOptions& options, Output& output) {
     const UpgradeReport report = upgradeScene(top, camera);
     const std::vector<std::string> faults = save(project.root(), options.outputs);
     output.write(options.format == TextFormat::Json ? reportAsJson(report) : reportAsText(report));
+    if (report.found.nodes == 0)
+        say(options.files.file + " carries no older animation: there was nothing to convert");
     const ExitCode found = sayFaults(faults);
     return options.strict && report.made.leftOutCount + report.found.overlaid > 0 ? ExitCode::Findings
                                                                                   : found;
