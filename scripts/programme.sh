@@ -86,6 +86,7 @@ for locale in de_DE tr_TR ar_EG fr_FR; do
 done
 start writers "$here/Tests/Faults/writers.sh" "$release/bin/ka-anim"
 start valgrind under_valgrind
+start models "$here/scripts/models.sh" "$release/bin/ka-anim"
 wait
 
 passed=$(find "$logs" -name '*.passed' | wc -l)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <kaAnimationXmlNumber.h>
+#include <kaSegment.h>
 #include <random>
 
 namespace ka::tools {
@@ -144,22 +146,112 @@ TEST(LayOutCurve, PutsTheHandlesAtTheThirdsWhereFloatsCan) {
     EXPECT_NEAR(curve.keys[1].inValue, 1, 1e-7);
 }
 
-TEST(LayOutCurve, AvoidsHandlesWhoseTimePolynomialIsNearlyDegenerate) {
+/// Number after number as a document gives it back.
+BezierKey saved(const BezierKey& key) {
+    BezierKey read;
+    const auto pass = [](float x, float y, float& xRead, float& yRead) {
+        const kaAnimationXmlNumber::Text text(x, y);
+        std::string_view rest = text;
+        EXPECT_TRUE(kaAnimationXmlNumber::take(rest, xRead) && kaAnimationXmlNumber::take(rest, yRead));
+    };
+    pass(key.frame, key.value, read.frame, read.value);
+    pass(key.inFrame, key.inValue, read.inFrame, read.inValue);
+    pass(key.outFrame, key.outValue, read.outFrame, read.outValue);
+    return read;
+}
+
+/// Keys at places where six digits are coarser than floats are, where both are alike, and far beyond.
+class SavedSegments : public ::testing::TestWithParam<double> {};
+
+TEST_P(SavedSegments, HaveHandlesThatHoldOnTheDigitsOfADocument) {
     std::mt19937_64 random(6);
-    std::uniform_real_distribution<double> start(0, 400), span(0.001, 3);
-    for (int i = 0; i < 20000; ++i) {
+    std::uniform_real_distribution<double> start(0, GetParam()), span(0.001, 3);
+    for (int i = 0; i < 5000; ++i) {
         const double t0 = start(random);
         const BezierCurve curve = layOutCurve(
             {{t0, 0, 0, 1, SegmentShape::Smooth}, {t0 + span(random), 1, 1, 0, SegmentShape::Smooth}}, 25);
         if (curve.keys.size() < 2 || curve.merged > 0)
             continue;
-        const double x0 = curve.keys[0].frame, dx = curve.keys[1].frame - x0;
-        const double a = (curve.keys[0].outFrame - x0) / dx, b = (curve.keys[1].inFrame - x0) / dx;
-        const double A = 1 - 3 * b + 3 * a, B = 3 * (b - 2 * a);
-        EXPECT_TRUE((A == 0 && B == 0) || A > 1e-9) << t0;
+        const BezierKey first = saved(curve.keys[0]), second = saved(curve.keys[1]);
+        const double x0 = first.frame, dx = second.frame - x0;
+        const double a = (first.outFrame - x0) / dx, b = (second.inFrame - x0) / dx;
+        const double A = 1 - 3 * b + 3 * a, B = 3 * (b - 2 * a), C = 3 * a;
+        EXPECT_TRUE((A == 0 && B == 0) || A >= 1e-5) << t0;
+        EXPECT_LE(B * B, A * C + 1e-30) << t0;
         EXPECT_GE(a, 0);
         EXPECT_LE(b, 1);
     }
+}
+
+TEST_P(SavedSegments, GiveTheValuesOfTheirSplineAtEveryFrame) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> start(0, GetParam()), span(0.04, 1), value(-90, 90),
+        slope(-90, 90);
+    for (int i = 0; i < 3000; ++i) {
+        const double t0 = start(random), seconds = span(random);
+        const CurveKey a{t0, value(random), 0, slope(random) / seconds, SegmentShape::Smooth};
+        const CurveKey b{t0 + seconds, value(random), slope(random) / seconds, 0, SegmentShape::Smooth};
+        const BezierCurve curve = layOutCurve({a, b}, 25);
+        const BezierKey first = saved(curve.keys.at(0)), second = saved(curve.keys.at(1));
+        // What a handle or key moved by half a step of the document, or of a float, can do at full slope.
+        const double step =
+            std::max(1e-6, static_cast<double>(std::nextafter(first.frame, 1e9F) - first.frame));
+        const double allowed = 400 / (25 * seconds) * step + 1e-4;
+        for (int part = 0; part <= 50; ++part) {
+            const auto frame = static_cast<float>(
+                first.frame + (static_cast<double>(second.frame) - first.frame) * part / 50.0);
+            float sampledValue = 0;
+            if (frame >= second.frame)
+                continue;
+            ASSERT_TRUE(kaSampleSegment({first.frame, first.value, first.outFrame, first.outValue,
+                                         second.inFrame, second.inValue, second.frame, second.value},
+                                        frame, sampledValue))
+                << "frame " << frame << " of " << first.frame << " to " << second.frame;
+            const double u = std::clamp((static_cast<double>(frame) / 25 - t0) / seconds, 0.0, 1.0);
+            EXPECT_NEAR(static_cast<double>(sampledValue), segmentValue(a, b, u), allowed)
+                << "frame " << frame << " of " << first.frame << " to " << second.frame;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(UpTo, SavedSegments, ::testing::Values(0.3, 0.7, 4.0, 40.0, 400.0));
+
+/// The sixth of a second that a real walk begins with: its thirds need more digits than a document has.
+TEST(LayOutCurve, ASegmentWhoseThirdsAreNoDecimalsStaysSmooth) {
+    const CurveKey a{1.0 / 6.0, 10, 0, 0, SegmentShape::Smooth}, b{0.2, 13, 0, 0, SegmentShape::Smooth};
+    const BezierCurve curve = layOutCurve({a, b}, 25);
+    const BezierKey first = saved(curve.keys.at(0)), second = saved(curve.keys.at(1));
+    float before = first.value;
+    for (float frame = first.frame; frame < second.frame; frame += 0.01F) {
+        float value = NAN;
+        ASSERT_TRUE(kaSampleSegment({first.frame, first.value, first.outFrame, first.outValue, second.inFrame,
+                                     second.inValue, second.frame, second.value},
+                                    frame, value))
+            << frame;
+        EXPECT_NEAR(value, segmentValue(a, b, (static_cast<double>(frame) / 25 - a.time) * 30), 1e-4)
+            << frame;
+        EXPECT_GE(value, before - 1e-5F) << frame;
+        before = value;
+    }
+}
+
+TEST(LayOutCurve, KeysThatAreOneStepOfADocumentApartHaveAValueBetweenThem) {
+    const BezierCurve curve =
+        layOutCurve({{1e-6, 1, 0, 0, SegmentShape::Straight}, {2e-6, 2, 0, 0, SegmentShape::Straight}}, 1);
+    ASSERT_EQ(curve.keys.size(), 2U);
+    const BezierKey &first = curve.keys[0], &second = curve.keys[1];
+    for (int i = 0; i < 100; ++i) {
+        float value = NAN;
+        EXPECT_TRUE(kaSampleSegment(
+            {first.frame, first.value, first.outFrame, first.outValue, second.inFrame, second.inValue,
+             second.frame, second.value},
+            first.frame + (second.frame - first.frame) * static_cast<float>(i) / 100.0F, value));
+    }
+    // Closer than that they are one.
+    EXPECT_EQ(
+        layOutCurve({{1e-6, 1, 0, 0, SegmentShape::Straight}, {1.2e-6, 2, 0, 0, SegmentShape::Straight}}, 1)
+            .merged,
+        1U);
 }
 
 } // namespace

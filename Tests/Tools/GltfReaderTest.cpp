@@ -173,6 +173,86 @@ TEST(GltfReader, NotesWhatItCannotCarryOver) {
                                           "only nodes and their motion are imported; left out: 1 camera"));
 }
 
+/// A sound file that moves a node along, for what is said about extensions.
+GltfFile movedNode() {
+    GltfFile file = oneNode();
+    const int times = file.floats({0, 1}, "SCALAR");
+    file.channel(0, "translation", times, file.floats({0, 0, 0, 1, 1, 1}, "VEC3"), "LINEAR");
+    return file;
+}
+
+/// The same as a .glb: the document, padded to four bytes, behind two headers.
+std::string binaryOf(std::string document) {
+    document.resize((document.size() + 3) / 4 * 4, ' ');
+    const auto number = [](std::size_t value) {
+        const auto narrow = static_cast<std::uint32_t>(value);
+        return std::string(reinterpret_cast<const char*>(&narrow), sizeof narrow);
+    };
+    return "glTF" + number(2) + number(20 + document.size()) + number(document.size()) + "JSON" + document;
+}
+
+TEST(GltfReader, RefusesAFileThatNeedsAnExtensionItDoesNotKnow) {
+    const std::string refusal =
+        "a.gltf: needs the extension 'EXT_meshopt_compression', which this reader does not know";
+    GltfFile file = movedNode();
+    file.document["extensionsRequired"] = {"KHR_mesh_quantization", "EXT_meshopt_compression"};
+    EXPECT_EQ(failure(file.text()), refusal);
+    EXPECT_EQ(failure(binaryOf(file.text())), refusal);
+    // As its writers leave it: the numbers are in a buffer that only the extension can fill.
+    file.text();
+    file.document["buffers"].push_back(
+        {{"byteLength", 64}, {"extensions", {{"EXT_meshopt_compression", {{"fallback", true}}}}}});
+    EXPECT_EQ(failure(file.document.dump()), refusal);
+    file.document["extensionsRequired"] = {42};
+    EXPECT_THAT(failure(file.document.dump()), HasSubstr("'42'"));
+}
+
+TEST(GltfReader, ReadsTheMotionOfAFileWhoseMeshesAreCompressed) {
+    GltfFile file = movedNode();
+    const int packed = file.accessor<std::uint8_t>({1, 2, 3, 4}, "SCALAR", 5121);
+    json attributes = {{"POSITION", file.document["accessors"].size()}};
+    file.document["accessors"].push_back(
+        {{"componentType", 5126}, {"count", 3}, {"type", "VEC3"}, {"min", {0, 0, 0}}, {"max", {1, 1, 1}}});
+    file.document["meshes"] = json::array(
+        {{{"primitives",
+           json::array({{{"attributes", attributes},
+                         {"extensions",
+                          {{"KHR_draco_mesh_compression",
+                            {{"bufferView",
+                              file.document["accessors"][static_cast<std::size_t>(packed)]["bufferView"]},
+                             {"attributes", {{"POSITION", 0}}}}}}}}})}}});
+    file.document["nodes"][0]["mesh"] = 0;
+    file.document["extensionsUsed"] = file.document["extensionsRequired"] = {"KHR_draco_mesh_compression"};
+    for (const std::string& text : {file.text(), binaryOf(file.text())}) {
+        const Motion motion = read(text).motion;
+        ASSERT_EQ(motion.takes.size(), 1U);
+        EXPECT_THAT(motion.takes[0].tracks[0].translation.keys[1].value, ElementsAre(1, 1, 1));
+    }
+}
+
+TEST(GltfReader, CountsAndNamesChannelsThatAnimateWhatIsNoNode) {
+    GltfFile file = movedNode();
+    json& channels = file.document["animations"][0]["channels"];
+    const auto add = [&channels](const json& target) {
+        channels.push_back({{"sampler", 0}, {"target", target}});
+    };
+    const auto pointer = [](const std::string& to) {
+        return json{{"path", "pointer"}, {"extensions", {{"KHR_animation_pointer", {{"pointer", to}}}}}};
+    };
+    add(pointer("/materials/0/emissiveFactor"));
+    add(pointer("/nodes/0/weights"));
+    add(pointer("/nodes/0/weights"));
+    add({{"path", "translation"}});
+    const Motion motion = read(file.text()).motion;
+    EXPECT_THAT(
+        motion.notes,
+        ElementsAre(
+            "take 'take 1': left out 1 channel of KHR_animation_pointer to '/materials/0/emissiveFactor'",
+            "take 'take 1': left out 2 channels of KHR_animation_pointer to '/nodes/0/weights'",
+            "take 'take 1': left out 1 channel without a node"));
+    EXPECT_EQ(motion.takes[0].tracks.size(), 1U);
+}
+
 TEST(GltfReader, RefusesWhatReachesBeyondItsBuffer) {
     GltfFile file = oneNode();
     const int times = file.floats({0, 1}, "SCALAR"), values = file.floats({0, 0, 0, 1, 1, 1}, "VEC3");

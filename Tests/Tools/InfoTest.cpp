@@ -77,7 +77,7 @@ TEST_F(InfoTest, JsonHoldsCountsRangesAndCurvesByNode) {
     ASSERT_EQ(result["nodes"].size(), 1U);
     EXPECT_EQ(result["nodes"][0]["curves"][0],
               nlohmann::json::parse(
-                  R"({"attribute":"translationX","curve":21,"keys":2,"frames":{"begin":2,"end":25.5}})"));
+                  R"({"attribute":"translationX","curve":"21","keys":2,"frames":{"begin":2,"end":25.5}})"));
 }
 
 TEST_F(InfoTest, CurvesStandWithTheNodesThatTheyMoveInTheOrderOfTheScene) {

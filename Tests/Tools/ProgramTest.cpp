@@ -3,6 +3,7 @@
 #include "ProgramRun.h"
 #include "ToolsTesting.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -92,6 +93,39 @@ TEST_F(ProgramTest, MistakesInTheLineGetOneLineAndCodeTwo) {
     expectFailure({"pose", "walk.bvh", "--frame", "1", "--object", "fly"}, 2, "no animation is called 'fly'");
     expectFailure({"plot", "walk.bvh"}, 2, "--output");
     expectFailure({"import", "walk.bvh", "--fps", "-25"}, 2, "above zero");
+    for (const char* command : {"plot", "render"}) {
+        expectFailure({command, "walk.bvh", "-o", "a.svg"}, 2, ".png files, not a.svg");
+        expectFailure({command, "walk.bvh", "-o", "a.JPG"}, 2, ".png files, not a.JPG");
+        expectFailure({command, "walk.bvh", "-o", "a.png", "--from", "3", "--to", "2"}, 2,
+                      "frame 3 to begin with lies behind frame 2");
+    }
+    EXPECT_FALSE(std::filesystem::exists(_folder.at("a.svg")));
+    EXPECT_FALSE(std::filesystem::exists(_folder.at("a.png")));
+}
+
+TEST_F(ProgramTest, APlotOfNothingIsAFindingAndNoFile) {
+    expectFailure({"plot", "walk.bvh", "-o", "a.png", "--from", "1000", "--to", "1010"}, 1,
+                  "nothing to draw");
+    _folder.put("empty.xml", "<!DOCTYPE ORVA>\n<AnimationPool objects=\"0\"/>\n");
+    expectFailure({"plot", "empty.xml", "-o", "a.png"}, 1, "empty.xml: there is nothing to draw");
+    EXPECT_FALSE(std::filesystem::exists(_folder.at("a.png")));
+}
+
+/// Two takes of one node: what every command works on unless told is the first by name.
+TEST_F(ProgramTest, SampleTakesTheFirstClipUnlessToldAndWritesIdsAsText) {
+    const std::string model = modelPath("MDL/MDL (HL1)/man.mdl");
+    const auto lines = [this](const std::vector<std::string>& words) {
+        const std::string text = run(words).output;
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    const auto all = nlohmann::json::parse(run({"info", model, "--format", "json"}).output);
+    ASSERT_GT(all["counts"]["clips"].get<int>(), 1);
+    EXPECT_GT(lines({"sample", model}), 1);
+    EXPECT_LT(lines({"sample", model, "--from", "0", "--to", "0"}) - 1, all["counts"]["curves"].get<int>());
+    const auto sampled = nlohmann::json::parse(
+        run({"sample", "walk.bvh", "--curve", "Hips.translationX", "--format", "json"}).output);
+    ASSERT_FALSE(sampled.empty());
+    EXPECT_TRUE(sampled[0]["curve"].is_string());
 }
 
 TEST_F(ProgramTest, InputsThatCannotBeReadGetOneLineAndCodeThree) {

@@ -185,7 +185,8 @@ const Damage damages[] = {
      R"(<point id="11" typeID="1" tangentType="3" tangentLengthMode="5"><position>0 0</position>)"
      "<inTangent>0 0</inTangent><outTangent>0 0</outTangent></point>",
      {"4: point 11: tangentType 3 stands for nothing",
-      "4: point 11: tangentLengthMode 5 stands for nothing"}},
+      "4: point 11: tangentLengthMode 5 stands for nothing",
+      "4: point 11: no value at frame 0 between frames 0 and 25 of curve 21"}},
     {"APlaceThatIsNone",
      1,
      key("11", "0", "-5 0 1", "5.0,0"),
@@ -264,7 +265,8 @@ const Damage damages[] = {
     {"TwoKeysAtOneFrame",
      2,
      key("12", "0.000000 10.000000", "0 10", "0 10"),
-     {"5: point 12: stands at frame 0 like point 11 (line 4) of curve 21: only one of them counts"}},
+     {"4: point 11: no value at frame 0: the only key of curve 21",
+      "5: point 12: stands at frame 0 like point 11 (line 4) of curve 21: only one of them counts"}},
     {"AHandleThatLeadsBack",
      1,
      key("11", "0 0", "-5 0", "-1 0"),
@@ -272,7 +274,8 @@ const Damage damages[] = {
     {"HandlesThatOvertakeEachOther",
      2,
      key("12", "25.000000 10.000000", "-30.000000 10.000000", "30.000000 10.000000"),
-     {"4: point 11: handles turn back in time between frames 0 and 25 of curve 21"}},
+     {"4: point 11: handles turn back in time between frames 0 and 25 of curve 21",
+      "4: point 11: no value at frame 0.496855378 between frames 0 and 25 of curve 21"}},
 };
 
 std::string nameOf(const ::testing::TestParamInfo<Damage>& info) {

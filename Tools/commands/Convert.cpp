@@ -2,6 +2,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
+#include "commands/Faults.h"
 #include "scene/Project.h"
 #include "scene/Saving.h"
 
@@ -31,13 +32,14 @@ ExitCode convert(const ConvertOptions& options) {
     const Project project(options.files);
     for (const std::string& note : project.report().notes)
         say(note);
-    save(project.root(), options.saved);
+    const std::vector<std::string> faults =
+        allFaults(project.report().faults, save(project.root(), options.saved));
     for (const std::string& name : {options.saved.scene, options.saved.animation})
         if (!name.empty())
             say("wrote " + name);
     if (options.saved.animation.empty() && kaObjectRegistry::the().size() > 0)
         say("the animation was not written: name a document for it with --animation");
-    return ExitCode::Fine;
+    return sayFaults(faults);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
+#include "commands/Faults.h"
 #include "scene/NodeChoice.h"
 
 #include <memory>
@@ -49,8 +50,7 @@ ExitCode copy(const CopyOptions& options) {
         const CopiedAnimation animation(from);
         sayPasted(paste(animation, project.root(), options.to, from), describe(animation));
     }
-    save(project.root(), options.outputs);
-    return ExitCode::Fine;
+    return sayFaults(save(project.root(), options.outputs));
 }
 
 ExitCode pasteFromOther(const PasteOptions& options) {
@@ -64,8 +64,7 @@ ExitCode pasteFromOther(const PasteOptions& options) {
         sayNotes(project);
         sayPasted(paste(animation, project.root(), options.to, osg::NodePtr()), describe(animation));
     }
-    save(project.root(), options.outputs);
-    return ExitCode::Fine;
+    return sayFaults(save(project.root(), options.outputs));
 }
 
 void addNodeOptions(Command& command, std::string& from, std::string& to) {

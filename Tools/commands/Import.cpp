@@ -2,6 +2,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
+#include "commands/Faults.h"
 #include "scene/Saving.h"
 
 #include <memory>
@@ -18,7 +19,7 @@ struct ImportCommandOptions {
     bool asJson = false;
 };
 
-std::string reportAsJson(const ImportReport& report) {
+std::string reportAsJson(const ImportReport& report, const std::vector<std::string>& faults) {
     nlohmann::ordered_json document{{"nodes", report.nodes},
                                     {"clips", report.clips},
                                     {"blocks", report.blocks},
@@ -26,11 +27,13 @@ std::string reportAsJson(const ImportReport& report) {
                                     {"keys", report.keys},
                                     {"addedKeys", report.addedKeys},
                                     {"mergedKeys", report.mergedKeys},
-                                    {"worstMiddle", shortened(report.worstMiddle)},
+                                    {"worstDifference", shortened(report.worstDifference)},
+                                    {"worstCurve", report.worstCurve},
+                                    {"worstFrame", shortened(report.worstFrame)},
                                     {"worstRotation", shortened(report.worstRotation)},
                                     {"rotationTolerance", report.rotationTolerance},
                                     {"unreachedSegments", report.unreachedSegments},
-                                    {"valuelessSegments", report.valuelessSegments},
+                                    {"faults", faults},
                                     {"findings", report.findings},
                                     {"notes", report.notes}};
     return document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) + "\n";
@@ -42,14 +45,14 @@ void sayReport(const ImportReport& report) {
     say(counted(report.nodes, "node") + ", " + counted(report.clips, "clip") + ", " +
         counted(report.blocks, "block") + ", " + counted(report.curves, "curve") + ", " +
         counted(report.keys, "key"));
-    say("in the middle of segments curves differ from the source by at most " +
-        formatNumber(report.worstMiddle, 2) + " of their range");
+    say(report.worstCurve.empty()
+            ? std::string("no curve differs from the source by more than the digits of a document")
+            : "curves differ from the source by at most " + formatNumber(report.worstDifference, 2) +
+                  " of their range: " + report.worstCurve + " at frame " + formatNumber(report.worstFrame));
     if (report.worstRotation > 0.0)
         say("converted rotations differ between keys by at most " + formatNumber(report.worstRotation, 2) +
             " degrees (asked for: " + formatNumber(report.rotationTolerance, 3) + "), for which " +
             counted(report.addedKeys, "key") + " had to be added");
-    if (report.valuelessSegments > 0)
-        say(counted(report.valuelessSegments, "segment") + " without a value in the middle");
 }
 
 ExitCode import(const ImportCommandOptions& options, Output& output) {
@@ -57,12 +60,14 @@ ExitCode import(const ImportCommandOptions& options, Output& output) {
     if (isKept)
         checkNames(options.outputs);
     const Project project(options.files);
+    std::vector<std::string> faults = project.report().faults;
     if (isKept)
-        save(project.root(), options.outputs);
+        faults = allFaults(std::move(faults), save(project.root(), options.outputs));
     sayReport(project.report());
+    const ExitCode found = sayFaults(faults);
     if (options.asJson)
-        output.write(reportAsJson(project.report()));
-    return options.strict && project.report().findings > 0 ? ExitCode::Findings : ExitCode::Fine;
+        output.write(reportAsJson(project.report(), faults));
+    return options.strict && project.report().findings > 0 ? ExitCode::Findings : found;
 }
 
 } // namespace

@@ -227,7 +227,7 @@ Json animationsAsJson(const ProjectSummary& summary) {
     for (const Object* object : animationsOf(summary)) {
         const Below sum = below(summary, *object);
         list.push_back({{"type", typeName(object->type)},
-                        {"id", object->id},
+                        {"id", std::to_string(object->id)},
                         {"name", object->name},
                         {"frames", rangeAsJson(object->begin, object->end)},
                         {"active", object->active},
@@ -246,7 +246,7 @@ Json nodesAsJson(const std::vector<Target>& targets) {
         Json curves = Json::array();
         for (const Object* curve : target.curves)
             curves.push_back({{"attribute", curve->attribute},
-                              {"curve", curve->id},
+                              {"curve", std::to_string(curve->id)},
                               {"keys", curve->keys.size()},
                               {"frames", rangeAsJson(curve->begin, curve->end)}});
         list.push_back({{"name", target.name}, {"curves", curves}});

@@ -1,11 +1,15 @@
 #include "scene/Pictures.h"
 
+#include "base/Failure.h"
+#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 #include "draw/Canvas.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <kaAnimationCurve2D.h>
 #include <memory>
 #include <optional>
 
@@ -30,6 +34,29 @@ PictureRange rangeOf(const PictureOptions& options, const std::vector<kaAnimatio
             options.files.import.framesPerSecond};
 }
 
+/// Before the work: what cannot come out well is refused.
+void check(const PictureOptions& options) {
+    const std::string extension = extensionOf(options.output);
+    if (!extension.empty() && extension != "png")
+        throw Failure(ExitCode::Usage, "pictures are written to .png files, not " + oneLine(options.output));
+}
+
+/// @throws Failure (Usage) where the range ends before it begins.
+PictureRange checkedRange(const PictureOptions& options, const std::vector<kaAnimationObject*>& objects) {
+    const PictureRange range = rangeOf(options, objects);
+    if (range.from > range.to)
+        throw Failure(ExitCode::Usage, "frame " + formatNumber(static_cast<double>(range.from)) +
+                                           " to begin with lies behind frame " +
+                                           formatNumber(static_cast<double>(range.to)) + " to end with");
+    return range;
+}
+
+bool hasAnyIn(const CurveList& curves, const PictureRange& range) {
+    return std::any_of(curves.begin(), curves.end(), [&range](const kaAnimationCurve2D* curve) {
+        return curve->getChildCount() > 0 && curve->getBegin() <= range.to && curve->getEnd() >= range.from;
+    });
+}
+
 QString titleOf(const PictureOptions& options) {
     const QString file =
         QString::fromStdString(std::filesystem::path(options.files.file).filename().string());
@@ -37,25 +64,31 @@ QString titleOf(const PictureOptions& options) {
 }
 
 ExitCode plot(const PictureOptions& options) {
+    check(options);
     const Project project(options.files);
     const auto objects = project.playable(options.object);
     CurveList curves = curvesBelow(objects);
     curves = options.curves.empty() ? tellingCurves(curves) : chooseCurves(curves, options.curves);
+    const PictureRange range = checkedRange(options, objects);
+    if (!hasAnyIn(curves, range))
+        throw Failure(ExitCode::Findings, options.files.file +
+                                              ": there is nothing to draw: no curve has a key " +
+                                              "or a value between the first frame and the last");
     const QSize size(options.width, options.height > 0 ? options.height : options.width * 9 / 16);
-    const QImage image =
-        plotCurves(titleOf(options), curves, rangeOf(options, objects), size, options.withHandles);
+    const QImage image = plotCurves(titleOf(options), curves, range, size, options.withHandles);
     replaceFile(options.output, pngBytes(image));
     say("wrote " + options.output);
     return ExitCode::Fine;
 }
 
 ExitCode render(const PictureOptions& options) {
+    check(options);
     const Project project(options.files);
     const auto objects = project.playable(options.object);
     const QSize size(options.width,
                      options.height > 0 ? options.height : sheetHeight(options.width, options.count));
     const QImage image =
-        renderFigure(titleOf(options), project, objects, rangeOf(options, objects), options.count, size);
+        renderFigure(titleOf(options), project, objects, checkedRange(options, objects), options.count, size);
     replaceFile(options.output, pngBytes(image));
     say("wrote " + options.output);
     return ExitCode::Fine;

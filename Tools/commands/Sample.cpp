@@ -37,7 +37,8 @@ class SampleWriter {
         if (!_isJson)
             return _output.write(id + "," + at + "," + number + "\n");
         const bool isNumber = hasValue && std::isfinite(value);
-        _output.write((_isFirst ? "\n" : ",\n") + ("{\"curve\":" + id) + ",\"frame\":" + at +
+        // Ids have 64 bits, which many readers of JSON keep in a double.
+        _output.write((_isFirst ? "\n" : ",\n") + ("{\"curve\":\"" + id) + "\",\"frame\":" + at +
                       ",\"value\":" + (isNumber ? number : "null") + "}");
         _isFirst = false;
     }
@@ -70,7 +71,10 @@ void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, Sample
 
 ExitCode sample(const SampleOptions& options, Output& output) {
     const Project project(options.files);
-    CurveList curves = options.object.empty() ? allCurves() : curvesBelow(project.playable(options.object));
+    CurveList curves = curvesBelow(project.playable(options.object));
+    // A document may hold curves that nothing plays.
+    if (curves.empty() && options.object.empty())
+        curves = allCurves();
     if (!options.curves.empty())
         curves = chooseCurves(curves, options.curves);
     SampleWriter writer(output, options.format);

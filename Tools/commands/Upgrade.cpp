@@ -2,6 +2,7 @@
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
+#include "commands/Faults.h"
 #include "scene/NodeChoice.h"
 #include "scene/SceneFiles.h"
 #include "scene/SceneUpgrade.h"
@@ -106,10 +107,13 @@ ExitCode upgrade(const UpgradeOptions& options, Output& output) {
     const osg::NodePtr top = topOf(project.root());
     const osg::NodePtr camera = options.camera.empty() ? firstCamera(top) : chosenNode(top, options.camera);
     const UpgradeReport report = upgradeScene(top, camera);
-    save(project.root(), options.outputs);
+    const std::vector<std::string> faults = save(project.root(), options.outputs);
     output.write(options.format == TextFormat::Json ? reportAsJson(report) : reportAsText(report));
+    if (report.found.nodes == 0)
+        say(options.files.file + " carries no older animation: there was nothing to convert");
+    const ExitCode found = sayFaults(faults);
     return options.strict && report.made.leftOutCount + report.found.overlaid > 0 ? ExitCode::Findings
-                                                                                  : ExitCode::Fine;
+                                                                                  : found;
 }
 
 } // namespace

@@ -135,7 +135,10 @@ class RotationFitter {
             curve[curve.size() - 2].outSlope = from.outSlope;
             curve.back().inSlope = to.inSlope;
         }
-        _fit.worst = std::max(_fit.worst, error);
+        if (error > _fit.worst) {
+            _fit.worst = error;
+            _fit.worstTime = timeAt(span, 0.0);
+        }
         return angles[sixths];
     }
 

@@ -26,6 +26,7 @@ struct RotationFit {
     CurveTriple curves;        ///< the three have keys at the same times
     std::size_t addedKeys = 0; ///< beyond those of the source
     double worst = 0.0;        ///< degrees, the largest difference found between keys
+    double worstTime = 0.0;    ///< where, in seconds: the begin of the segment
     std::size_t unreached =
         0; ///< segments that stay beyond the tolerance because they cannot be split further
 };

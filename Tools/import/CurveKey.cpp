@@ -1,5 +1,7 @@
 #include "import/CurveKey.h"
 
+#include "base/DocumentNumber.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -8,24 +10,13 @@ namespace ka::tools {
 
 namespace {
 
-float nudged(float value, int steps) {
-    const float towards =
-        steps < 0 ? -std::numeric_limits<float>::infinity() : std::numeric_limits<float>::infinity();
-    for (int i = 0; i < std::abs(steps); ++i)
-        value = std::nextafter(value, towards);
-    return value;
-}
-
-/// The float nearest to a value; the largest one for what no float can hold.
-float single(double value) {
-    constexpr double largest = std::numeric_limits<float>::max();
-    return static_cast<float>(std::clamp(value, -largest, largest));
-}
-
 double bezier(double p0, double p1, double p2, double p3, double t) {
     const double v = 1.0 - t;
     return v * v * v * p0 + 3 * v * v * t * p1 + 3 * v * t * t * p2 + t * t * t * p3;
 }
+
+/// The least coefficient of t³ at which the closed formula for cubic equations keeps its digits.
+constexpr double leastCube = 1e-5;
 
 /// The handles' places in time, as parts of the way from the first key to the second.
 struct HandleTimes {
@@ -43,7 +34,7 @@ struct HandleTimes {
     /// leaves one real root.
     bool isSolvedExactly() const {
         const double A = 1.0 - 3.0 * b + 3.0 * a, B = 3.0 * (b - 2.0 * a), C = 3.0 * a;
-        return a >= 0.0 && b <= 1.0 && ((A == 0.0 && B == 0.0) || (A > 1e-9 && B * B <= A * C));
+        return a >= 0.0 && b <= 1.0 && ((A == 0.0 && B == 0.0) || (A >= leastCube && B * B <= A * C));
     }
 
     /// The curve's parameter at the part `u` of the time. Time runs almost evenly, so few steps are enough.
@@ -58,7 +49,8 @@ struct HandleTimes {
 /// The values of the handles that lead a segment through those of `from` and `to` at two places, and how far
 /// it is off elsewhere.
 struct HandleValues {
-    double y1 = 0.0, y2 = 0.0, error = 0.0;
+    float y1 = 0.0F, y2 = 0.0F;
+    double error = 0.0;
 
     HandleValues(const HandleTimes& times, const CurveKey& from, const CurveKey& to) {
         // With these two places the largest error in between is least.
@@ -69,35 +61,43 @@ struct HandleValues {
         const double t1 = bezier(0, 1, 0, 0, t), t2 = bezier(0, 0, 1, 0, t);
         const double s1 = bezier(0, 1, 0, 0, s), s2 = bezier(0, 0, 1, 0, s);
         const double determinant = t1 * s2 - t2 * s1;
-        y1 = (p * s2 - q * t2) / determinant;
-        y2 = (t1 * q - s1 * p) / determinant;
+        y1 = documentFloat((p * s2 - q * t2) / determinant);
+        y2 = documentFloat((t1 * q - s1 * p) / determinant);
         for (const double u : {0.12, 0.5, 0.88}) {
-            const double value = bezier(from.value, y1, y2, to.value, times.parameter(u));
+            const double value = bezier(from.value, static_cast<double>(y1), static_cast<double>(y2),
+                                        to.value, times.parameter(u));
             error = std::max(error, std::abs(value - segmentValue(from, to, u)));
         }
     }
 };
 
-/// Handles near the thirds, chosen among the floats around them for the least error.
+/// Handles next to the thirds, chosen for the least error among the numbers around there that a document can
+/// hold: what is chosen here is what plays after saving and opening.
 void placeSmoothHandles(const CurveKey& from, const CurveKey& to, BezierKey& a, BezierKey& b) {
     const double x0 = a.frame, dx = b.frame - x0;
-    const auto third = single(x0 + dx / 3.0), twoThirds = single(x0 + 2.0 * dx / 3.0);
-    constexpr int reach = 3;
+    constexpr int reach = 2;
     double least = std::numeric_limits<double>::infinity();
-    for (int i = -reach; i <= reach; ++i) {
-        for (int j = -reach; j <= reach; ++j) {
-            const HandleTimes times(a.frame, nudged(third, i), nudged(twoThirds, j), b.frame);
-            if (!times.isSolvedExactly())
-                continue;
-            const HandleValues values(times, from, to);
-            if (!(values.error < least))
-                continue;
-            least = values.error;
-            a.outFrame = times.x1;
-            a.outValue = single(values.y1);
-            b.inFrame = times.x2;
-            b.inValue = single(values.y2);
-        }
+    const auto consider = [&](float x1, float x2) {
+        const HandleTimes times(a.frame, x1, x2, b.frame);
+        if (!times.isSolvedExactly())
+            return;
+        const HandleValues values(times, from, to);
+        if (!(values.error < least))
+            return;
+        least = values.error;
+        a.outFrame = times.x1;
+        a.outValue = values.y1;
+        b.inFrame = times.x2;
+        b.inValue = values.y2;
+    };
+    // Drawn together by a sixth of it each, the handles give t³ the coefficient wanted and bend time the
+    // least.
+    for (const double cube : {0.0, 1.2 * leastCube}) {
+        const float third = documentFloat(x0 + dx * (1.0 / 3.0 + cube / 6.0)),
+                    twoThirds = documentFloat(x0 + dx * (2.0 / 3.0 - cube / 6.0));
+        for (int i = -reach; i <= reach; ++i)
+            for (int j = -reach; j <= reach; ++j)
+                consider(documentNeighbour(third, i), documentNeighbour(twoThirds, j));
     }
 }
 
@@ -108,10 +108,12 @@ void placeHandles(const CurveKey& from, const CurveKey& to, double fps, BezierKe
     b.inValue = b.value;
     if (from.toNext == SegmentShape::Step)
         return;
-    // A smooth segment keeps these where so few floats lie between its keys that no other handles fit.
+    // A smooth segment keeps these where so few numbers lie between its keys that no other handles fit.
     const double x0 = a.frame, x3 = b.frame, y0 = a.value, y3 = b.value;
-    a.outFrame = b.inFrame = single(x0 + (x3 - x0) / 2.0);
-    a.outValue = b.inValue = single(y0 + (y3 - y0) * ((a.outFrame - x0) / (x3 - x0)));
+    const float middle = documentFloat(x0 + (x3 - x0) / 2.0);
+    // With both handles on the first key that key's own frame would have no value.
+    a.outFrame = b.inFrame = middle > a.frame ? middle : b.frame;
+    a.outValue = b.inValue = documentFloat(y0 + (y3 - y0) * ((a.outFrame - x0) / (x3 - x0)));
     if (from.toNext == SegmentShape::Smooth)
         placeSmoothHandles({x0 / fps, y0, 0.0, from.outSlope, SegmentShape::Smooth},
                            {x3 / fps, y3, to.inSlope, 0.0, SegmentShape::Smooth}, a, b);
@@ -132,7 +134,7 @@ double segmentValue(const CurveKey& a, const CurveKey& b, double u) {
 BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps) {
     BezierCurve curve;
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        const float frame = single(keys[i].time * fps), value = single(keys[i].value);
+        const float frame = documentFloat(keys[i].time * fps), value = documentFloat(keys[i].value);
         if (!curve.keys.empty() && !(frame > curve.keys.back().frame)) {
             ++curve.merged;
             continue;
@@ -145,7 +147,8 @@ BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps) {
                      curve.keys[i + 1]);
     if (curve.keys.size() == 1) {
         BezierKey next = curve.keys.front();
-        next.frame = next.inFrame = next.outFrame = std::max(next.frame + 1.0F, nudged(next.frame, 1));
+        next.frame = next.inFrame = next.outFrame =
+            std::max(documentFloat(next.frame + 1.0), documentNeighbour(next.frame, 1));
         curve.keys.push_back(next);
         curve.sources.push_back(curve.sources.front());
     }

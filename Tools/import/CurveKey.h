@@ -25,7 +25,8 @@ struct CurveKey {
 /// The value at `u` in [0, 1] of the segment from `a` to `b`.
 double segmentValue(const CurveKey& a, const CurveKey& b, double u);
 
-/// A key with both handles as the animation stores it: frames and values in single precision.
+/// A key with both handles as the animation stores it: frames and values in single precision, each of them a
+/// float that a document gives back as it is.
 struct BezierKey {
     float frame = 0.0F, value = 0.0F;
     float inFrame = 0.0F, inValue = 0.0F;
@@ -35,7 +36,7 @@ struct BezierKey {
 struct BezierCurve {
     std::vector<BezierKey> keys;
     std::vector<std::size_t> sources; ///< for each key its place in the list it was made from
-    std::size_t merged = 0;           ///< keys left out because a float cannot tell their frames apart
+    std::size_t merged = 0;           ///< keys left out because a document cannot tell their frames apart
 };
 
 /// Turns keys into Bézier keys at `fps` frames a second. Keys that fall on the frame of their predecessor are
@@ -43,7 +44,8 @@ struct BezierCurve {
 ///
 /// Handles stand on their keys for steps, half way for straight segments, and near the thirds for smooth
 /// ones, where time runs evenly along the curve. Near, because the sampler divides by a coefficient that
-/// vanishes at the thirds: the nearest floats are taken for which the solution stays exact.
+/// vanishes at the thirds: those numbers are taken for which the solution stays exact. All of them are chosen
+/// among the numbers that a document holds, with its six decimals.
 BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps);
 
 } // namespace ka::tools

@@ -4,6 +4,7 @@
 #include "base/Text.h"
 #include "import/ConfinedFolder.h"
 #include "import/GltfAccessor.h"
+#include "import/GltfOutline.h"
 #include "import/LeftOut.h"
 #include "import/NodeOrder.h"
 #include "import/TinyGltf.h"
@@ -52,10 +53,13 @@ bool isBinary(const std::string& bytes) {
     return bytes.compare(0, 4, "glTF") == 0;
 }
 
-tinygltf::Model load(const ConfinedFolder& folder) {
+tinygltf::Model load(const ConfinedFolder& folder, GltfOutline& outline) {
     const std::optional<std::string> bytes = folder.read(folder.modelName(), largestFile);
     if (!bytes)
         fail("cannot be read");
+    outline = outlineOfGltf(*bytes);
+    if (const std::string unknown = unknownExtension(outline); !unknown.empty())
+        fail("needs the extension '" + oneLine(unknown, 80) + "', which this reader does not know");
     tinygltf::TinyGLTF loader;
     loader.SetFsCallbacks(confinedFiles(folder));
     // Pictures are none of our business: they are accepted unread.
@@ -161,13 +165,18 @@ class TakeReader {
                std::vector<std::string>& notes)
         : _model(model), _places(places), _budget(budget), _notes(notes) {}
 
-    MotionTake read(const tinygltf::Animation& animation, std::size_t index) {
+    /// @param withoutNode  the channels that the third-party reader keeps to itself.
+    MotionTake read(const tinygltf::Animation& animation, std::size_t index,
+                    const GltfOutline::Channels& withoutNode) {
         MotionTake take{animation.name.empty() ? "take " + std::to_string(index + 1) : animation.name, {}};
         std::map<std::string, std::size_t> ignored;
         for (const tinygltf::AnimationChannel& channel : animation.channels)
             if (!readChannelInto(take, animation, channel))
-                ++ignored[channel.target_node < 0 ? "without a node"
-                                                  : "of '" + oneLine(channel.target_path, 40) + "'"];
+                ++ignored["of '" + oneLine(channel.target_path, 40) + "'"];
+        if (withoutNode.withoutTarget > 0)
+            ignored["without a node"] = withoutNode.withoutTarget;
+        for (const auto& [pointer, count] : withoutNode.pointers)
+            ignored["of KHR_animation_pointer to '" + oneLine(pointer, 80) + "'"] = count;
         for (const auto& [what, count] : ignored)
             _notes.push_back("take '" + oneLine(take.name) + "': left out " + counted(count, "channel") +
                              " " + what);
@@ -239,7 +248,9 @@ std::string leftOut(const tinygltf::Model& model) {
 } // namespace
 
 Motion readGltf(const ConfinedFolder& folder, KeyBudget budget) {
-    const tinygltf::Model model = load(folder);
+    GltfOutline outline;
+    const tinygltf::Model model = load(folder, outline);
+    outline.animations.resize(model.animations.size());
     expectKeys(model, budget);
     Motion motion;
     std::vector<MotionNode> nodes;
@@ -251,7 +262,8 @@ Motion readGltf(const ConfinedFolder& folder, KeyBudget budget) {
     const std::vector<std::uint32_t> places = putParentsFirst(nodes);
     motion.nodes = std::move(nodes);
     for (std::size_t i = 0; i < model.animations.size(); ++i)
-        motion.takes.push_back(TakeReader(model, places, budget, motion.notes).read(model.animations[i], i));
+        motion.takes.push_back(TakeReader(model, places, budget, motion.notes)
+                                   .read(model.animations[i], i, outline.animations[i]));
     if (const std::string note = leftOut(model); !note.empty())
         motion.notes.push_back(note);
     return motion;

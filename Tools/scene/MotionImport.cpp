@@ -1,13 +1,15 @@
 #include "scene/MotionImport.h"
 
+#include "base/DocumentNumber.h"
 #include "base/Text.h"
+#include "check/Deviation.h"
 #include "import/RotationSource.h"
+#include "scene/CurveChoice.h"
 
 #include <OpenSG/OSGSimpleAttachments.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <algorithm>
 #include <cmath>
-#include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationStrip.h>
@@ -33,49 +35,30 @@ kaControlPoint2D* makeKey(const BezierKey& key) {
     return point;
 }
 
-/// Compares a curve, as the controller samples it, with what it was made from.
-class MiddleCheck {
+/// What the keys of a source give at a frame, held outside of their span.
+class SourceCurve {
   public:
-    MiddleCheck(const std::vector<CurveKey>& source, const BezierCurve& laidOut, double framesPerSecond)
-        : _source(source), _laidOut(laidOut), _framesPerSecond(framesPerSecond) {}
+    SourceCurve(const std::vector<CurveKey>& keys, double framesPerSecond)
+        : _keys(keys), _framesPerSecond(framesPerSecond) {}
 
-    void run(kaAnimationCurve2D* curve, ImportReport& report) const {
-        double worst = 0.0, low = _laidOut.keys.front().value, high = low;
-        for (std::size_t i = 0; i + 1 < _laidOut.keys.size(); ++i) {
-            const auto middle = (_laidOut.keys[i].frame + _laidOut.keys[i + 1].frame) / 2.0F;
-            float value = 0.0F;
-            if (!kaAnimationController::the()->computeCurveValue(curve, middle, value)) {
-                ++report.valuelessSegments;
-                continue;
-            }
-            const double wanted = asSampled(sourceValue(i, middle));
-            worst = std::max(worst, std::abs(static_cast<double>(value) - wanted));
-            for (const double seen : {wanted, static_cast<double>(_laidOut.keys[i + 1].value)}) {
-                low = std::min(low, seen);
-                high = std::max(high, seen);
-            }
-        }
-        // A curve that stands still has no range; what a float can tell of its value stands in for it.
-        const double range = std::max({high - low, std::abs(high) * 1e-2, 1e-6});
-        report.worstMiddle = std::max(report.worstMiddle, worst / range);
+    double at(double frame) {
+        const double time = frame / _framesPerSecond;
+        // From where it was asked last it is seldom far.
+        while (_segment > 0 && time < _keys[_segment].time)
+            --_segment;
+        while (_segment + 1 < _keys.size() && time >= _keys[_segment + 1].time)
+            ++_segment;
+        const CurveKey& from = _keys[_segment];
+        if (time <= from.time || _segment + 1 == _keys.size())
+            return from.value;
+        const CurveKey& to = _keys[_segment + 1];
+        return segmentValue(from, to, (time - from.time) / (to.time - from.time));
     }
 
   private:
-    /// The player takes anything this small for nothing, so it is no difference to the source.
-    static double asSampled(double value) { return std::abs(value) < 1e-6 ? 0.0 : value; }
-
-    double sourceValue(std::size_t segment, float frame) const {
-        const std::size_t a = _laidOut.sources[segment], b = _laidOut.sources[segment + 1];
-        if (a == b)
-            return _source[a].value;
-        const double seconds = static_cast<double>(frame) / _framesPerSecond;
-        const double u = (seconds - _source[a].time) / (_source[b].time - _source[a].time);
-        return segmentValue(_source[a], _source[b], std::clamp(u, 0.0, 1.0));
-    }
-
-    const std::vector<CurveKey>& _source;
-    const BezierCurve& _laidOut;
+    const std::vector<CurveKey>& _keys;
     double _framesPerSecond;
+    std::size_t _segment = 0;
 };
 
 class MotionImporter {
@@ -94,12 +77,7 @@ class MotionImporter {
             _report.notes.emplace_back("names with characters outside Latin-1 got a '?' in their place");
         if (_report.mergedKeys > 0)
             _report.notes.push_back(counted(_report.mergedKeys, "key") +
-                                    " left out because a float cannot tell their frames apart");
-        if (_report.unreachedSegments > 0)
-            _report.notes.push_back("rotations turn by up to " + formatNumber(_report.worstRotation, 3) +
-                                    " degrees differently in " +
-                                    counted(_report.unreachedSegments, "segment") +
-                                    " that cannot be split further");
+                                    " left out because a document cannot tell their frames apart");
         return std::move(_report);
     }
 
@@ -143,6 +121,7 @@ class MotionImporter {
 
     void buildTake(const MotionTake& take) {
         kaAnimationManager* manager = kaAnimationManager::the();
+        _take = _motion.takes.size() > 1 ? " of '" + oneLine(take.name) + "'" : "";
         kaAnimationStrip* clip = manager->createStrip(latin1FromUtf8(take.name, _lossyNames), 0);
         for (const MotionTrack& track : take.tracks) {
             kaAnimationUnit* block = buildBlock(track);
@@ -174,6 +153,12 @@ class MotionImporter {
         _report.addedKeys += 3 * fit.addedKeys;
         _report.unreachedSegments += fit.unreached;
         _report.worstRotation = std::max(_report.worstRotation, fit.worst);
+        if (fit.unreached > 0)
+            _report.faults.push_back(
+                "rotation of '" + oneLine(_motion.nodes[node].name) + "'" + _take + ": up to " +
+                formatNumber(fit.worst, 3) + " degrees off, worst at frame " +
+                formatNumber(fit.worstTime * _options.framesPerSecond, 6) + ", because " +
+                counted(fit.unreached, "segment") + " cannot be split further");
         addCurves(block, node, fit.curves, 'R');
     }
 
@@ -193,15 +178,38 @@ class MotionImporter {
             kaAnimationCurve2D* curve =
                 kaAnimationManager::the()->createCurve2D(_nodes[node], attribute, points, 0, false);
             block->addObject(curve);
-            MiddleCheck(curves[axis], laidOut, _options.framesPerSecond).run(curve, _report);
+            compareWithSource(*curve, curves[axis]);
             ++_report.curves;
             _report.keys += points.size();
             _report.mergedKeys += laidOut.merged;
         }
     }
 
+    void compareWithSource(const kaAnimationCurve2D& curve, const std::vector<CurveKey>& keys) {
+        SourceCurve source(keys, _options.framesPerSecond);
+        const CurveJudgement judgement =
+            judge(plainKeys(curve), [&source](double frame) { return source.at(frame); });
+        if (!judgement.fault && judgement.worst == 0.0)
+            return;
+        const std::string name = "'" + oneLine(curveLabel(&curve)) + "'" + _take;
+        if (judgement.fault)
+            _report.faults.push_back("curve " + name + ": " + judgement.fault->text());
+        const double range =
+            static_cast<double>(curve.getMaximum()) - static_cast<double>(curve.getMinimum());
+        // Between keys at one value there is no range; the value stands in for it.
+        const double part =
+            judgement.worst /
+            std::max({range, std::abs(static_cast<double>(curve.getMaximum())), documentStep});
+        if (part > _report.worstDifference) {
+            _report.worstDifference = part;
+            _report.worstCurve = name;
+            _report.worstFrame = static_cast<double>(judgement.worstFrame);
+        }
+    }
+
     const Motion& _motion;
     const ImportOptions& _options;
+    std::string _take; ///< which one, where there are several, as a part of messages
     std::vector<osg::NodePtr> _nodes;
     ImportReport _report;
     bool _lossyNames = false;

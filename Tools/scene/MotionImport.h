@@ -19,8 +19,8 @@ struct ImportOptions {
 ///
 /// Every node becomes a scene node with a Transform3D below `root`. Every take becomes a clip with one block
 /// for each node that it moves, on as many tracks as they need; curves are made through the module's
-/// interchange and listed, with their block, on their node. Names become Latin-1. The middle of every segment
-/// is compared with the source.
+/// interchange and listed, with their block, on their node. Names become Latin-1. Every curve is then
+/// sampled against the source.
 /// @throws Failure (Unreadable), its text without a file's name, when there would be more keys than allowed;
 /// what was built until then stays.
 ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options);

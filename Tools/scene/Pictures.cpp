@@ -71,12 +71,19 @@ std::vector<FigureBone> bonesOf(const std::vector<osg::NodePtr>& nodes) {
     return bones;
 }
 
-FigurePose figureAt(const std::vector<osg::NodePtr>& nodes, float frame, double framesPerSecond) {
+/// The decimals at which frames this far apart can be told from each other; none for whole frames.
+int decimalsFor(double step) {
+    return step >= 1.0 || step <= 0.0 ? 0 : std::min(6, static_cast<int>(std::ceil(-std::log10(step))) + 1);
+}
+
+/// @param decimals  of a frame that is no whole one.
+FigurePose figureAt(const std::vector<osg::NodePtr>& nodes, float frame, double framesPerSecond,
+                    int decimals) {
     FigurePose figure;
     figure.label =
         QString("frame %1  ·  %2 s")
-            .arg(QString::number(static_cast<double>(frame), 'f', frame == std::floor(frame) ? 0 : 1))
-            .arg(QString::number(static_cast<double>(frame) / framesPerSecond, 'f', 2));
+            .arg(QString::number(static_cast<double>(frame), 'f', frame == std::floor(frame) ? 0 : decimals))
+            .arg(QString::number(static_cast<double>(frame) / framesPerSecond, 'f', decimals + 2));
     for (const NodePose& pose : readPose(nodes)) {
         const Vec3 joint{static_cast<double>(pose.position[0]), static_cast<double>(pose.position[1]),
                          static_cast<double>(pose.position[2])};
@@ -109,11 +116,15 @@ QImage renderFigure(const QString& title, const Project& project,
     if (nodes.size() < 2)
         throw Failure(ExitCode::Unreadable, "there is no figure to draw: fewer than two placed nodes");
     std::vector<FigurePose> poses;
+    // Whole frames are what is played; where there are not enough of them, what lies between.
+    const double step = count > 1 ? static_cast<double>(range.to - range.from) / (count - 1) : 0.0;
+    const bool isWhole = step >= 1.0 || step <= 0.0;
     for (int i = 0; i < count; ++i) {
         const float part = count > 1 ? static_cast<float>(i) / static_cast<float>(count - 1) : 0.0F;
-        const float frame = std::min(range.to, std::round(range.from + (range.to - range.from) * part));
+        const float between = range.from + (range.to - range.from) * part;
+        const float frame = isWhole ? std::clamp(std::round(between), range.from, range.to) : between;
         evaluate(objects, frame);
-        poses.push_back(figureAt(nodes, frame, range.framesPerSecond));
+        poses.push_back(figureAt(nodes, frame, range.framesPerSecond, std::max(1, decimalsFor(step))));
     }
     return drawFigureSheet(title, poses, bonesOf(nodes), size);
 }

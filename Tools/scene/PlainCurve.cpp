@@ -1,8 +1,21 @@
 #include "scene/PlainCurve.h"
 
 #include <algorithm>
+#include <kaAnimationCurve2D.h>
+#include <kaControlPoint2D.h>
 
 namespace ka::tools {
+
+std::vector<PlainKey> plainKeys(const kaAnimationCurve2D& curve) {
+    std::vector<PlainKey> keys;
+    for (const auto& [frame, key] : curve.getPoints()) {
+        const osg::Pnt2f at = key->getPosition();
+        const osg::Pnt2f in = key->getInTangent() == nullptr ? at : key->getInTangent()->getPosition();
+        const osg::Pnt2f out = key->getOutTangent() == nullptr ? at : key->getOutTangent()->getPosition();
+        keys.push_back({at[0], at[1], in[0], in[1], out[0], out[1]});
+    }
+    return keys;
+}
 
 kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right) {
     return {left.x, left.y, left.outX, left.outY, right.inX, right.inY, right.x, right.y};

@@ -4,12 +4,17 @@
 #include <optional>
 #include <vector>
 
+class kaAnimationCurve2D;
+
 namespace ka::tools {
 
 /// A key and its handles as numbers; a missing handle stands on the key.
 struct PlainKey {
     float x = 0.0F, y = 0.0F, inX = 0.0F, inY = 0.0F, outX = 0.0F, outY = 0.0F;
 };
+
+/// The keys of a registered curve, of those at one frame the first.
+std::vector<PlainKey> plainKeys(const kaAnimationCurve2D& curve);
 
 /// The segment between two keys, as the sampler takes it.
 kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right);

@@ -2,6 +2,7 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
+#include "check/WrittenCheck.h"
 #include "cli/Progress.h"
 #include "scene/SceneFiles.h"
 
@@ -48,11 +49,15 @@ class CountedOutput final : public kaAnimationXmlOutput {
     int _depth = 0;
 };
 
-void writeDocument(kaFileWriter& file) {
+/// @return the outline of what was written.
+DocumentOutline writeDocument(kaFileWriter& file) {
     kaAnimationXmlTextOutput text([&file](std::string_view piece) { file.write(piece); });
     text.documentType("ORVA");
-    CountedOutput output(text, kaObjectRegistry::the().size() + kaObjectRegistry::the().fieldCount());
+    CountedOutput counted(text, kaObjectRegistry::the().size() + kaObjectRegistry::the().fieldCount());
+    DocumentOutline outline;
+    OutlineOutput output(counted, outline);
     kaAnimationXmlWriter(output).pool();
+    return outline;
 }
 
 void writeScene(const osg::NodePtr& root, const std::string& name, kaFileWriter& file) {
@@ -85,16 +90,17 @@ void checkNames(const SavedFiles& files) {
     expectTwoFiles(files);
 }
 
-void save(const osg::NodePtr& root, const SavedFiles& files) {
+std::vector<std::string> save(const osg::NodePtr& root, const SavedFiles& files) {
     expectTwoFiles(files); // links may have been made since
     std::unique_ptr<kaFileWriter> scene, animation;
+    DocumentOutline written;
     if (!files.scene.empty()) {
         scene = std::make_unique<kaFileWriter>(files.scene);
         writeScene(root, files.scene, *scene);
     }
     if (!files.animation.empty()) {
         animation = std::make_unique<kaFileWriter>(files.animation);
-        writeDocument(*animation);
+        written = writeDocument(*animation);
         if (!animation->getError().empty())
             throw outputFailed(*animation);
     }
@@ -104,6 +110,7 @@ void save(const osg::NodePtr& root, const SavedFiles& files) {
         if (file != nullptr && !file->getWarning().empty())
             say(file->getWarning());
     }
+    return checkWritten(written);
 }
 
 } // namespace ka::tools

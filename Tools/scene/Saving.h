@@ -2,6 +2,7 @@
 
 #include <OpenSG/OSGNode.h>
 #include <string>
+#include <vector>
 
 namespace ka::tools {
 
@@ -17,9 +18,11 @@ void checkNames(const SavedFiles& files);
 
 /// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
 /// before all of them have been written in full. What a file could not keep of the rights of the one before
-/// is said on standard error.
+/// is said on standard error. What stands in the document is then sampled against what is registered.
+/// @return a line for each curve that will not play from the document as it was meant to, or has no value
+///         somewhere in its span: nothing to be silent about.
 /// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can; (Usage) when both lead
-/// to one file by now.
-void save(const osg::NodePtr& root, const SavedFiles& files);
+///         to one file by now.
+[[nodiscard]] std::vector<std::string> save(const osg::NodePtr& root, const SavedFiles& files);
 
 } // namespace ka::tools

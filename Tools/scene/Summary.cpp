@@ -94,13 +94,9 @@ class Summarizer {
             if (field->nodeID != 0 && place != _nodePlaces.end())
                 object.node = place->second;
         }
-        for (const auto& [frame, key] : curve.getPoints()) {
-            const osg::Pnt2f at = key->getPosition();
-            const osg::Pnt2f in = key->getInTangent() == nullptr ? at : key->getInTangent()->getPosition();
-            const osg::Pnt2f out = key->getOutTangent() == nullptr ? at : key->getOutTangent()->getPosition();
-            object.keys.push_back({at[0], at[1], in[0], in[1], out[0], out[1]});
+        object.keys = plainKeys(curve);
+        for (const auto& [frame, key] : curve.getPoints())
             object.tangentTypes.push_back(key->getTangentType());
-        }
     }
 
     /// By what children say: a child has one parent, whoever lists it.

@@ -55,26 +55,27 @@ bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, flo
 }
 
 kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
+    if (_depth == 0 && (_orphans > 0 || _plans.size() >= _plansAtSweep))
+        sweepPlans();
     std::unique_ptr<kaEvaluationPlan>& plan = _plans[&object];
     if (!plan)
-        plan = std::make_unique<kaEvaluationPlan>();
+        plan = std::make_unique<kaEvaluationPlan>(_orphans);
     kaEvaluationPlan& found = *plan;
     found.refresh(object);
     found.lastUse = ++_uses;
-    if (_depth == 0 && _plans.size() >= _plansAtSweep)
-        sweepPlans();
     return found;
 }
 
-/// Lets go of the plans that were not used while each of the others was used twice: those of objects that are not
-/// played any more, or have gone.
+/// Lets go of the plans of objects that have gone, and of those that were not used while each of the others was
+/// used twice: their objects are not played any more.
 void kaEvaluation::sweepPlans() {
     const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
     for (auto plan = _plans.begin(); plan != _plans.end();) {
         const auto current = plan++;
-        if (_uses - current->second->lastUse > recent)
+        if (current->second->isOrphaned() || _uses - current->second->lastUse > recent)
             _plans.erase(current);
     }
+    _orphans = 0;
     _plansAtSweep = std::max(ManyPlans, 2 * _plans.size());
 }
 

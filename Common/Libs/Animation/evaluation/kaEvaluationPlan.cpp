@@ -35,9 +35,13 @@ void kaEvaluationPlan::refresh(const kaAnimationObject& object) {
 void kaEvaluationPlan::changed(std::uint32_t place, kaChange change) noexcept {
     if (change == kaChange::Selection || change == kaChange::Values)
         return;
-    if (change == kaChange::Structure) {
+    if (change == kaChange::Gone && place == RootPlace) {
+        _orphaned = true;
+        ++_gone;
+    }
+    if (change == kaChange::Structure || change == kaChange::Gone) {
         _stale = true;
-    } else if (place != NoPlace && !_stale && !_isTouched[place]) {
+    } else if (place < RootPlace && !_stale && !_isTouched[place]) {
         _isTouched[place] = true;
         _touched.push_back(place);
     }
@@ -52,7 +56,8 @@ void kaEvaluationPlan::remake(const kaAnimationObject& object) {
     _path.clear();
     _lacksCurves = false;
     _rereadsAll = false;
-    kaDependents::enter(object, *this, NoPlace);
+    kaDependents::enter(object, *this, RootPlace);
+    _orphaned = false;
     visit(object);
     const std::size_t places = curves.size() + leaves.size();
     _touched.clear();

@@ -18,7 +18,8 @@ class kaCurveView;
 /// curve or of an object that holds curves is read again; the whole is made anew when what is below changed.
 class kaEvaluationPlan final : public kaDependent {
   public:
-    kaEvaluationPlan() = default;
+    /// @param gone  is counted up when the object that the plan was made for goes.
+    explicit kaEvaluationPlan(std::size_t& gone) : _gone(gone) {}
     kaEvaluationPlan(const kaEvaluationPlan&) = delete;
     kaEvaluationPlan& operator=(const kaEvaluationPlan&) = delete;
     ~kaEvaluationPlan() { kaDependents::leave(*this); }
@@ -54,6 +55,7 @@ class kaEvaluationPlan final : public kaDependent {
     void changed(std::uint32_t place, kaChange change) noexcept override;
 
     std::uint64_t lastUse = 0; ///< for the owner
+    bool isOrphaned() const { return _orphaned; }
 
     /// `visit(part, key to order by, frame to sample at, leaf)` for every leaf that has a part at `frame`.
     template <class Visit>
@@ -106,6 +108,7 @@ class kaEvaluationPlan final : public kaDependent {
 
     /// The number under which the plan is told of an object that is neither a curve nor a leaf.
     static constexpr std::uint32_t NoPlace = 0xFFFFFFFF;
+    static constexpr std::uint32_t RootPlace = 0xFFFFFFFE; ///< that of the evaluated object
 
     void remake(const kaAnimationObject& object);
     void readAgain();
@@ -127,6 +130,8 @@ class kaEvaluationPlan final : public kaDependent {
     /// Curves, then leaves, that have changed; there is room for all.
     std::vector<std::uint32_t> _touched;
     std::vector<bool> _isTouched;
+    std::size_t& _gone;
+    bool _orphaned = false;
     bool _stale = true;           ///< what is below has changed
     bool _rereadsAll = false;     ///< some key list does not know its keys: after any edit all are asked for again
     bool _lacksCurves = false;    ///< an id below names no registered curve: one that comes may be it

@@ -8,5 +8,6 @@ enum class kaChange : unsigned char {
     Flags,     ///< how it is evaluated: active, repeating, motion blur, the field of a curve
     Selection, ///< selected or not
     Shape,     ///< of a curve or key: where keys and handles stand, and which there are
-    Structure  ///< what is below it, its id, or that it is about to go
+    Structure, ///< what is below it, or its id
+    Gone       ///< it is about to be freed
 };

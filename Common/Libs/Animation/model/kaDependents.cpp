@@ -62,7 +62,7 @@ void kaDependents::tell(const kaAnimationObject& object, kaChange change) noexce
 }
 
 void kaDependents::forget(const kaAnimationObject& object) noexcept {
-    tell(object, kaChange::Structure);
+    tell(object, kaChange::Gone);
     linksByObject().erase(&object);
     object._hasDependents = false;
 }
