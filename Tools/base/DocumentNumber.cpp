@@ -17,10 +17,13 @@ constexpr double stepsToOne = 1e6;
 
 float documentFloat(double value) {
     constexpr double largest = std::numeric_limits<float>::max();
+    // By way of six digits a number beside the middle between two coarse floats could come to the farther one.
+    const double clamped = std::clamp(value, -largest, largest);
+    if (std::abs(clamped) >= coarse)
+        return static_cast<float>(clamped);
     // Twenty-four bits times the fourteen of 15625 are a double without rounding, so that a float's digits
     // come out as the writer prints them; and no quotient is so close to the middle between two floats that
     // rounding it twice would matter.
-    const double clamped = std::clamp(value, -largest, largest);
     return static_cast<float>(std::nearbyint(clamped * stepsToOne) / stepsToOne);
 }
 

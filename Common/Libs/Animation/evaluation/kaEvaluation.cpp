@@ -66,13 +66,13 @@ kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
     return found;
 }
 
-/// Lets go of the plans of objects that have gone, and of those that were not used while each of the others was
+/// Lets go of the plans of objects that have gone or that memory ran out for, and of those that were not used while each of the others was
 /// used twice: their objects are not played any more.
 void kaEvaluation::sweepPlans() {
     const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
     for (auto plan = _plans.begin(); plan != _plans.end();) {
         const auto current = plan++;
-        if (current->second->isOrphaned() || _uses - current->second->lastUse > recent)
+        if (!current->second || current->second->isOrphaned() || _uses - current->second->lastUse > recent)
             _plans.erase(current);
     }
     _orphans = 0;
