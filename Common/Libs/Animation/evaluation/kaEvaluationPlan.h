@@ -98,7 +98,7 @@ class kaEvaluationPlan {
     void remake(const kaAnimationObject& object);
     void forgetKeysOf(const kaAnimationObject& curve);
     kaCurveView& viewOf(std::size_t curve);
-    void visit(const kaAnimationObject& object);
+    void visit(const kaAnimationObject& top);
     void addLeaf(const kaAnimationObject& object);
     const kaSegment* findSegment(std::size_t curve, float frame);
     bool sampleInside(std::size_t curve, float frame, float& value);
@@ -107,7 +107,6 @@ class kaEvaluationPlan {
     std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
     std::vector<Place> _places;
     std::vector<Held> _held; ///< of each curve at the begin and at the end
-    std::vector<const kaAnimationObject*> _path;
     std::uint64_t _edits = 0;
     bool _mendable = false; ///< made to its end, and `kaEdits` names every curve whose keys change
 };
