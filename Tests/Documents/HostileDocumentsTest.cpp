@@ -152,8 +152,8 @@ TEST_F(HostileDocuments, FieldsAndKeysTakeNoChildren) {
 
 TEST_F(HostileDocuments, ContainmentIsNoDeeperThanATreeMayBe) {
     std::string text;
-    for (int i = 0; i < 1000; ++i)
-        text += track(std::to_string(1000 + i), {std::to_string(1001 + i)});
+    for (unsigned int i = 0; i < KA_MAX_DEPTH + 1000; ++i)
+        text += track(std::to_string(10000 + i), {std::to_string(10001 + i)});
     EXPECT_TRUE(load(documentOf(text)));
     unsigned int deepest = 0;
     for (const auto& entry : manager().getObjects()) {

@@ -168,7 +168,7 @@ TEST_F(ImportHostile, ClipsNestedBeyondAllMeasureAreImportedAsDeepAsObjectsMayBe
 
 /// Directly nested clips stand two levels apart: each gets a track of its own.
 TEST_F(ImportHostile, DirectlyNestedClipsCountTheTracksBetweenThem) {
-    constexpr unsigned int Levels = 1000;
+    constexpr unsigned int Levels = KA_MAX_DEPTH;
     osg::AnimationClipPtr clip = ka_older::makeClip("0", {});
     for (unsigned int level = 1; level < Levels; ++level) {
         const osg::AnimationClipPtr outer = ka_older::makeClip(std::to_string(level), {});

@@ -83,21 +83,6 @@ TEST_F(NestedContainers, AClipCountsTheTrackThatItWouldPutInBetween) {
     }
 }
 
-/// Each level asks both ends of every child to move, which doubles the work of the level below.
-TEST_F(NestedContainers, AreStretchedTwelveLevelsDeepOrNotAtAll) {
-    constexpr int WithTheBlock = 1;
-    for (int levels : {12, 13}) {
-        kaAnimationUnit* block = makeBlock(0.0F, 10.0F);
-        stack(block, levels - WithTheBlock);
-        const bool stretches = levels == 12;
-        top->moveEnd(20.0F, true);
-        EXPECT_EQ(spanOf(top), Span(0.0F, stretches ? 20.0F : 10.0F));
-        EXPECT_EQ(spanOf(block), Span(0.0F, stretches ? 20.0F : 10.0F));
-        top->moveBegin(-20.0F, true);
-        EXPECT_EQ(block->getBegin(), stretches ? -20.0F : 0.0F);
-    }
-}
-
 /// A host that writes child lists itself can bend them into a ring.
 TEST_F(NestedContainers, InARingAreWalkedOnce) {
     kaAnimationUnit* block = makeBlock(0.0F, 10.0F);

@@ -1,8 +1,10 @@
 #include "ProgramRun.h"
 #include "ToolsTesting.h"
+#include "kaAnimationTypes.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <numeric>
 
 namespace ka::tools::testing {
 namespace {
@@ -309,17 +311,40 @@ TEST_F(ValidateTest, TheCountOfElementsMustAgree) {
     expectFindings(document(elements, ""), {"2: no objects count: loading shows no progress"});
 }
 
-TEST_F(ValidateTest, AChainBeyondTheLevelsThatLoadingTakesIsToldOnce) {
-    // Tracks in tracks: the chain below stands 23 tracks deep with a block, a curve and a key in the last.
-    Lines elements = soundElements();
-    elements.resize(6);
-    for (int i = 0; i < 30; ++i)
-        elements.push_back(track(std::to_string(100 + i), {std::to_string(101 + i)}));
-    elements.push_back(track("130", {"31"}));
-    const ProgramRun run = validate(document(elements));
-    // Level 1 is on line 9, the track on level 24 on line 32.
-    EXPECT_EQ(run.output,
-              "d.xml:32: track 123: nested deeper than 24 levels: loading leaves track 124 out\n");
+/// Tracks in tracks, the block of the sound document in the last.
+class DeepChain : public ValidateTest {
+  protected:
+    static constexpr unsigned int Tracks = KA_MAX_DEPTH + 100;
+
+    static std::string id(unsigned int level) { return std::to_string(10000 + level); }
+
+    /// @return the lines of a document whose chain stands in the order of `levels`.
+    static Lines chain(const std::vector<unsigned int>& levels) {
+        Lines elements = soundElements();
+        elements.resize(6);
+        for (unsigned int level : levels)
+            elements.push_back(track(id(level), {level + 1 < Tracks ? id(level + 1) : "31"}));
+        return elements;
+    }
+};
+
+TEST_F(DeepChain, FromTheOutsideInIsCutAtItsBottom) {
+    std::vector<unsigned int> levels(Tracks);
+    std::iota(levels.begin(), levels.end(), 0U);
+    // The first track stands on line 9; the last that has room below it is on the last level but one.
+    EXPECT_EQ(validate(document(chain(levels))).output,
+              "d.xml:" + std::to_string(9 + KA_MAX_DEPTH - 1) + ": track " + id(KA_MAX_DEPTH - 1) +
+                  ": nested deeper than 2048 levels: loading leaves track " + id(KA_MAX_DEPTH) + " out\n");
+}
+
+TEST_F(DeepChain, FromTheInsideOutIsCutAtItsTop) {
+    std::vector<unsigned int> levels(Tracks);
+    std::iota(levels.rbegin(), levels.rend(), 0U);
+    // Below a track on top of the deepest tree: 2044 more tracks, the block, its curve, a key.
+    const unsigned int lowest = Tracks - (KA_MAX_DEPTH - 3);
+    EXPECT_EQ(validate(document(chain(levels))).output,
+              "d.xml:" + std::to_string(9 + Tracks - lowest) + ": track " + id(lowest - 1) +
+                  ": nested deeper than 2048 levels: loading leaves track " + id(lowest) + " out\n");
 }
 
 TEST_F(ValidateTest, WhatIsNotWellFormedIsAFindingWithItsPlace) {
@@ -385,6 +410,24 @@ TEST_F(ValidateTest, HostileDocumentsOnlyGiveFindings) {
         const ProgramRun run = validate("<AnimationPool>" + body + "</AnimationPool>");
         EXPECT_EQ(run.code, 1) << run.messages;
         EXPECT_THAT(run.messages, ::testing::EndsWith(" findings\n"));
+    }
+}
+
+/// Loading leaves out what validate names.
+TEST_F(DeepChain, IsReportedByWhoeverLoadsIt) {
+    for (bool reversed : {false, true}) {
+        std::vector<unsigned int> levels(Tracks);
+        std::iota(levels.begin(), levels.end(), 0U);
+        if (reversed)
+            std::reverse(levels.begin(), levels.end());
+        _folder.put("deep.xml", document(chain(levels)));
+        const unsigned int cut = reversed ? Tracks - (KA_MAX_DEPTH - 3) : KA_MAX_DEPTH;
+        const ProgramRun run = runKaAnim({"convert", "deep.xml", "--animation", "out.xml"}, _folder.at(""));
+        EXPECT_THAT(run.messages, HasSubstr("track " + id(cut - 1) + ": track " + id(cut) +
+                                            " is left out: nested deeper than 2048 levels\n"));
+        EXPECT_THAT(runKaAnim({"validate", "out.xml"}, _folder.at("")).output,
+                    ::testing::Not(HasSubstr("nested deeper")))
+            << "what was written is read whole";
     }
 }
 

@@ -1,5 +1,7 @@
 #include "check/ReferenceCheck.h"
 
+#include "check/NestingCheck.h"
+
 #include <algorithm>
 
 namespace ka::tools {
@@ -9,7 +11,7 @@ namespace {
 using Element = DocumentOutline::Element;
 using Reference = DocumentOutline::Reference;
 
-constexpr std::uint32_t nobody = static_cast<std::uint32_t>(-1);
+constexpr std::uint32_t nobody = NestingCheck::nobody;
 
 std::string named(const Element& element) {
     return std::string(kindName(element.kind)) + " " + std::to_string(element.id);
@@ -39,11 +41,6 @@ bool takes(Kind holder, Kind held) {
     }
 }
 
-/// Levels from an element down to a key, itself included; for containers at least that.
-unsigned int heightOf(Kind kind) {
-    return kind == Kind::Block ? 3 : kind == Kind::Curve ? 2 : 1;
-}
-
 class Check {
   public:
     Check(const DocumentOutline& outline, const ElementsById& byId, FindingList& findings)
@@ -63,9 +60,7 @@ class Check {
             resolve(element);
             findRepeats(element);
         }
-        for (std::uint32_t i = 0; i < _outline.elements.size(); ++i)
-            if (isContainer(_outline.elements[i].kind))
-                checkDepth(i);
+        checkDepth();
         findCycles();
     }
 
@@ -136,20 +131,16 @@ class Check {
                        "repeated reference: " + std::to_string(sorted[i].id) + " is listed twice");
     }
 
-    /// Only where the limit is crossed: what is below that falls off with it.
-    void checkDepth(std::uint32_t place) {
-        unsigned int depth = 1;
-        for (std::uint32_t above = _holders[place]; above != nobody && depth <= KA_MAX_DEPTH;
-             above = _holders[above])
-            ++depth;
-        if (depth > KA_MAX_DEPTH)
-            return;
-        const Element& element = _outline.elements[place];
-        for (std::uint32_t i = element.firstReference; i < element.firstReference + element.references; ++i)
-            if (_targets[i] != nobody && depth + heightOf(_outline.elements[_targets[i]].kind) > KA_MAX_DEPTH)
-                report(_outline.references[i].line, element,
+    void checkDepth() {
+        const std::vector<std::uint32_t> leftOut = NestingCheck(_outline, _byId, _targets).findLeftOut();
+        auto next = leftOut.begin();
+        for (const Element& element : _outline.elements) {
+            const std::uint32_t end = element.firstReference + element.references;
+            for (; next != leftOut.end() && *next >= element.firstReference && *next < end; ++next)
+                report(_outline.references[*next].line, element,
                        "nested deeper than " + std::to_string(KA_MAX_DEPTH) + " levels: loading leaves " +
-                           named(_outline.elements[_targets[i]]) + " out");
+                           named(_outline.elements[_targets[*next]]) + " out");
+        }
     }
 
     /// Depth first, on the heap: chains can be as long as the document.

@@ -2,6 +2,8 @@
 
 #include "base/Failure.h"
 #include "base/Text.h"
+#include "check/DocumentOutline.h"
+#include "cli/Progress.h"
 #include "import/ConfinedFolder.h"
 #include "scene/ModuleCalls.h"
 
@@ -9,7 +11,9 @@
 #include <QString>
 #include <filesystem>
 #include <kaAnimationManager.h>
+#include <kaAnimationObject.h>
 #include <kaFileWriter.h>
+#include <kaLoadReport.h>
 #include <kaXmlPreflight.h>
 #include <sstream>
 
@@ -25,6 +29,30 @@ void expectContents(const std::string& file) {
     std::error_code error;
     if (std::filesystem::is_empty(file, error))
         throw unreadable(file, "the file is empty");
+}
+
+/// The element that an id of the registry stands for, as findings name it.
+std::string named(kaUID id) {
+    const kaAnimationObject* object = kaAnimationManager::the()->getObject(id);
+    return std::string(kindName(object ? static_cast<Kind>(object->getTypeID()) : Kind::None)) + " " +
+           std::to_string(id);
+}
+
+/// Which links of the document loading left out.
+void sayLeftOut() {
+    constexpr std::size_t mostLines = 20;
+    const kaLoadReport& report = kaLoadReport::last();
+    std::size_t told = 0;
+    for (const kaLoadReport::Link& link : report.leftOut) {
+        if (++told > mostLines)
+            break;
+        const bool isTooDeep = link.reason == kaLoadReport::Reason::TooDeep;
+        say(named(link.container) + ": " + named(link.child) + " is left out: " +
+            (isTooDeep ? "nested deeper than " + std::to_string(KA_MAX_DEPTH) + " levels"
+                       : std::string("it contains what it would stand in")));
+    }
+    if (report.leftOutCount > mostLines)
+        say("... and " + counted(report.leftOutCount - mostLines, "more link") + " left out");
 }
 
 /// Loading only says no; a second look says where and why.
@@ -83,6 +111,7 @@ void readDocument(const std::string& file) {
     const ModuleProgress progress("reading animation");
     if (!kaAnimationManager::the()->loadAnimations(QString::fromUtf8(file.c_str()), true))
         throw whyUnreadable(file);
+    sayLeftOut();
 }
 
 } // namespace ka::tools

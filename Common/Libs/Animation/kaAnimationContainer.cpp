@@ -3,42 +3,68 @@
 #include "kaWeak.h"
 #include "kaChildList.h"
 #include "kaDescent.h"
+#include "kaObjectClass.h"
 #include "kaObjectStore.h"
 #include "kaSnapshot.h"
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <utility>
 
 namespace {
 
 /// Editing never leads out to the host, so all kinds of edits share one path.
-kaDescent::Path& editPath() {
-    static kaDescent::Path path;
+kaDescentPath& editPath() {
+    static kaDescentPath path;
     return path;
 }
 
-/// Levels of containers, this one included, that are stretched.
-constexpr unsigned int MaxStretchLevels = 12;
+kaDescentPath& triggerPath() {
+    static kaDescentPath path;
+    return path;
+}
 
-/// Levels of containers from `object` down, counted no further than `limit` and so through a ring, too.
-unsigned int levelsOf(const kaAnimationObject& object, unsigned int limit) {
+/// Levels of containers, the stretched one included, whose children get both ends one after the other, by
+/// calls that double with each level. Below, each is taken from its old span to the new one at once,
+/// which comes to the same but for rounding and for spans that are turned round on the way.
+constexpr std::size_t MaxStretchedByEnds = 6;
+
+bool isContainer(const kaAnimationObject& object) {
     const unsigned int type = object.getTypeID();
-    if (type == KA_TYPE_UNIT)
-        return 1;
-    if (limit == 0 || (type != KA_TYPE_STREAK && type != KA_TYPE_STRIP))
-        return 0;
-    unsigned int below = 0;
-    for (const kaAnimationObject* child : object.getObjects()) {
-        below = std::max(below, levelsOf(*child, limit - 1));
-        if (below + 1 >= limit)
-            break;
-    }
-    return below + 1;
+    return type == KA_TYPE_UNIT || type == KA_TYPE_STREAK || type == KA_TYPE_STRIP;
 }
 
-kaDescent::Path& triggerPath() {
-    static kaDescent::Path path;
-    return path;
+kaAnimationContainer& asContainer(kaAnimationObject& object) {
+    return static_cast<kaAnimationContainer&>(object);
+}
+
+/// From one span to another, in double.
+struct Stretching {
+    float apply(float frame) const {
+        return static_cast<float>(static_cast<double>(toBegin) +
+                                  (static_cast<double>(frame) - static_cast<double>(fromBegin)) * factor());
+    }
+    double factor() const {
+        return (static_cast<double>(toEnd) - static_cast<double>(toBegin)) /
+               (static_cast<double>(fromEnd) - static_cast<double>(fromBegin));
+    }
+
+    float fromBegin = 0.0F;
+    float fromEnd = 0.0F;
+    float toBegin = 0.0F;
+    float toEnd = 0.0F;
+};
+
+/// First the end that the child makes room for: one that was moved beyond the other would be refused.
+void stretchLeaf(kaAnimationObject& leaf, float begin, float end) {
+    if (begin < leaf.getEnd()) {
+        leaf.moveBegin(begin, false);
+        leaf.moveEnd(end, false);
+    } else {
+        leaf.moveEnd(end, false);
+        leaf.moveBegin(begin, false);
+    }
 }
 
 } // namespace
@@ -63,13 +89,56 @@ kaAnimationContainer::kaAnimationContainer(const kaAnimationContainer& source)
     setParent(source.getParentObject() ? source.getParent() : 0);
 }
 
-void kaAnimationContainer::addCopies(const kaAnimationContainer& source,
-                                     kaAnimationObject* (*copy)(kaAnimationObject& child)) {
-    const kaDescent descent(editPath(), source);
-    if (!descent)
+void kaAnimationContainer::addCopies(const kaAnimationContainer& source) {
+    struct Level {
+        kaAnimationContainer* copy = nullptr;
+        UnfinishedCopy own; ///< the same where it was made on the way
+        kaDescentChildren<> children;
+    };
+    kaDescent<const kaAnimationContainer, Level> walk(editPath());
+    if (!walk.enter(source))
         return;
-    for (kaAnimationObject* child : source.getObjects())
-        addObject(copy(*child));
+    walk.level().copy = this;
+    walk.level().children.list = source.getObjects();
+    while (!walk.isDone()) {
+        kaAnimationContainer& copy = *walk.level().copy;
+        kaAnimationObject* child = walk.level().children.takeNext();
+        if (!child) {
+            UnfinishedCopy finished = std::move(walk.level().own);
+            walk.leave();
+            if (finished)
+                walk.level().copy->addObject(registered(std::move(finished)));
+        } else if (UnfinishedCopy below = copy.copyWithoutChildren(*child)) {
+            if (walk.enter(asContainer(*child))) {
+                walk.level().copy = below.get();
+                walk.level().own = std::move(below);
+                walk.level().children.list = child->getObjects();
+            } else {
+                copy.addObject(registered(std::move(below)));
+            }
+        } else {
+            copy.addObject(copy.copyOf(*child));
+        }
+    }
+}
+
+kaAnimationContainer::UnfinishedCopy
+kaAnimationContainer::copyWithoutChildren(kaAnimationObject& child) const {
+    const bool holdsBoth = getTypeID() == KA_TYPE_STREAK;
+    const bool isCopied = child.getTypeID() == KA_TYPE_STREAK ||
+                          (holdsBoth && kaObjectClass::of(child).level == kaObjectClass::Level::Container);
+    if (!isCopied || getTypeID() == KA_TYPE_UNIT)
+        return nullptr;
+    return UnfinishedCopy(static_cast<kaAnimationContainer*>(kaObjectClass::of(child).copyAlone(child)));
+}
+
+kaAnimationObject* kaAnimationContainer::registered(UnfinishedCopy copy) {
+    kaObjectStore::enter(*copy);
+    return copy.release();
+}
+
+void kaAnimationContainer::Discard::operator()(kaAnimationContainer* copy) const {
+    kaObjectClass::of(*copy).free(*copy);
 }
 
 // Children.
@@ -113,31 +182,72 @@ std::vector<kaAnimationObject*> kaAnimationContainer::reachedChildren() const {
 
 // Flags.
 
-template <class Set>
-void kaAnimationContainer::setBelow(Set&& set) {
-    const kaDescent descent(editPath(), *this);
-    if (!descent)
+/// `set` for every child that is no container, `store` for every container after its children.
+template <class Set, class Store>
+void kaAnimationContainer::setBelow(Set&& set, Store&& store) {
+    kaDescent<kaAnimationContainer, kaDescentChildren<>> walk(editPath());
+    if (!walk.enter(*this)) {
+        store(*this);
         return;
-    for (kaAnimationObject* child : getObjects())
-        set(*child);
+    }
+    walk.level().list = getObjects();
+    while (!walk.isDone()) {
+        kaAnimationObject* child = walk.level().takeNext();
+        if (!child) {
+            store(walk.object());
+            walk.leave();
+        } else if (!isContainer(*child)) {
+            set(*child);
+        } else if (walk.enter(asContainer(*child))) {
+            walk.level().list = child->getObjects();
+        } else {
+            store(asContainer(*child));
+        }
+    }
 }
 
 void kaAnimationContainer::setActive(bool active) {
-    setBelow([active](kaAnimationObject& child) { child.setActive(active); });
-    kaAnimationObject::setActive(active);
+    setBelow([active](kaAnimationObject& child) { child.setActive(active); },
+             [active](kaAnimationContainer& container) { container.kaAnimationObject::setActive(active); });
 }
 
 void kaAnimationContainer::setRepeating(bool repeating) {
-    setBelow([repeating](kaAnimationObject& child) { child.setRepeating(repeating); });
-    kaAnimationObject::setRepeating(repeating);
+    setBelow([repeating](kaAnimationObject& child) { child.setRepeating(repeating); },
+             [repeating](kaAnimationContainer& container) {
+                 container.kaAnimationObject::setRepeating(repeating);
+             });
 }
 
 void kaAnimationContainer::setMotionBlur(bool motionBlur) {
-    setBelow([motionBlur](kaAnimationObject& child) { child.setMotionBlur(motionBlur); });
-    kaAnimationObject::setMotionBlur(motionBlur);
+    setBelow([motionBlur](kaAnimationObject& child) { child.setMotionBlur(motionBlur); },
+             [motionBlur](kaAnimationContainer& container) {
+                 container.kaAnimationObject::setMotionBlur(motionBlur);
+             });
 }
 
 // Editing in time.
+
+void kaAnimationContainer::move(float offset, bool tellParent) {
+    kaDescent<kaAnimationContainer, kaDescentChildren<>> walk(editPath());
+    const auto enter = [&walk](kaAnimationContainer& container) {
+        if (container.hasChildren() && walk.enter(container))
+            walk.level().list = container.reachedChildren();
+    };
+    enter(*this);
+    while (!walk.isDone()) {
+        kaAnimationContainer& container = walk.object();
+        kaAnimationObject* child = walk.level().takeNext();
+        if (!child) {
+            walk.leave();
+            container.children().settle();
+            container.updateBy(&container, MOVE_OBJECT, tellParent && walk.isDone());
+        } else if (isContainer(*child)) {
+            enter(asContainer(*child));
+        } else {
+            child->move(offset, false);
+        }
+    }
+}
 
 template <class Edit>
 void kaAnimationContainer::editChildren(Edit&& edit) {
@@ -146,55 +256,86 @@ void kaAnimationContainer::editChildren(Edit&& edit) {
     children().settle();
 }
 
-void kaAnimationContainer::move(float offset, bool tellParent) {
-    const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent)
-        return;
-    editChildren([offset](kaAnimationObject& child) { child.move(offset, false); });
-    updateBy(this, MOVE_OBJECT, tellParent);
-}
-
-/// Asked once, of the container that the host stretches.
-bool kaAnimationContainer::isTooDeepToStretch() const {
-    const bool isOutermost = editPath().size() == 1;
-    return isOutermost && levelsOf(*this, MaxStretchLevels + 1) > MaxStretchLevels;
-}
-
 /// A factor that is no number, as a span of zero gives, would leave none to the children either.
 void kaAnimationContainer::moveBegin(float begin, bool tellParent) {
-    const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent || isTooDeepToStretch())
+    const kaDescentStep step(editPath(), *this);
+    if (!hasChildren() || !step)
         return;
     const float end = getEnd();
     const float factor = (end - begin) / (end - getBegin());
+    const bool byEnds = editPath().size() < MaxStretchedByEnds;
     setBegin(begin);
     if (std::isfinite(factor)) {
-        editChildren([end, factor](kaAnimationObject& child) {
-            const float childBegin = child.getBegin();
-            const float childEnd = child.getEnd();
-            child.moveBegin(end - (end - childBegin) * factor, false);
-            child.moveEnd(end - (end - childEnd) * factor, false);
+        editChildren([end, factor, byEnds](kaAnimationObject& child) {
+            const float childBegin = end - (end - child.getBegin()) * factor;
+            const float childEnd = end - (end - child.getEnd()) * factor;
+            if (!byEnds && isContainer(child)) {
+                asContainer(child).stretch(childBegin, childEnd);
+                return;
+            }
+            child.moveBegin(childBegin, false);
+            child.moveEnd(childEnd, false);
         });
     }
     tellParentMoved(tellParent);
 }
 
 void kaAnimationContainer::moveEnd(float end, bool tellParent) {
-    const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent || isTooDeepToStretch())
+    const kaDescentStep step(editPath(), *this);
+    if (!hasChildren() || !step)
         return;
     const float begin = getBegin();
     const float factor = (end - begin) / (getEnd() - begin);
+    const bool byEnds = editPath().size() < MaxStretchedByEnds;
     setEnd(end);
     if (std::isfinite(factor)) {
-        editChildren([begin, factor](kaAnimationObject& child) {
-            const float childBegin = child.getBegin();
-            const float childEnd = child.getEnd();
-            child.moveEnd((childEnd - begin) * factor + begin, false);
-            child.moveBegin((childBegin - begin) * factor + begin, false);
+        editChildren([begin, factor, byEnds](kaAnimationObject& child) {
+            const float childBegin = (child.getBegin() - begin) * factor + begin;
+            const float childEnd = (child.getEnd() - begin) * factor + begin;
+            if (!byEnds && isContainer(child)) {
+                asContainer(child).stretch(childBegin, childEnd);
+                return;
+            }
+            child.moveEnd(childEnd, false);
+            child.moveBegin(childBegin, false);
         });
     }
     tellParentMoved(tellParent);
+}
+
+/// Everything below goes the same way from the container's old span to [begin, end], each object once. As
+/// with single ends, a block whose span would be none keeps its curves, and a span of zero is not stretched.
+void kaAnimationContainer::stretch(float begin, float end) {
+    struct Level {
+        kaDescentChildren<> children;
+        Stretching to;
+    };
+    kaDescent<kaAnimationContainer, Level> walk(editPath());
+    const auto enter = [&walk](kaAnimationContainer& container, float toBegin, float toEnd) {
+        if (!container.hasChildren() || !walk.enter(container))
+            return;
+        walk.level().to = {container.getBegin(), container.getEnd(), toBegin, toEnd};
+        container.setBegin(toBegin);
+        container.setEnd(toEnd);
+        const bool isRefused = container.getTypeID() == KA_TYPE_UNIT && !beginsBefore(toBegin, toEnd);
+        if (!isRefused && std::isfinite(walk.level().to.factor()))
+            walk.level().children.list = container.reachedChildren();
+    };
+    enter(*this, begin, end);
+    while (!walk.isDone()) {
+        kaAnimationObject* child = walk.level().children.takeNext();
+        if (!child) {
+            walk.object().children().settle();
+            walk.leave();
+            continue;
+        }
+        const float childBegin = walk.level().to.apply(child->getBegin());
+        const float childEnd = walk.level().to.apply(child->getEnd());
+        if (isContainer(*child))
+            enter(asContainer(*child), childBegin, childEnd);
+        else
+            stretchLeaf(*child, childBegin, childEnd);
+    }
 }
 
 void kaAnimationContainer::trimBegin(float /*begin*/, bool /*tellParent*/) {}
@@ -202,29 +343,72 @@ void kaAnimationContainer::trimBegin(float /*begin*/, bool /*tellParent*/) {}
 void kaAnimationContainer::trimEnd(float /*end*/, bool /*tellParent*/) {}
 
 void kaAnimationContainer::flip() {
-    const kaDescent descent(editPath(), *this);
-    if (!hasChildren() || !descent)
-        return;
-    const float begin = getBegin();
-    const float end = getEnd();
-    editChildren([begin, end](kaAnimationObject& child) {
-        child.flip();
-        child.move((end - child.getEnd()) + begin - child.getBegin(), false);
-    });
-    _flipped = !_flipped;
-    updateBy(this, MOVE_OBJECT, false);
+    struct Level {
+        kaDescentChildren<> children;
+        float begin = 0.0F;
+        float end = 0.0F;
+        /// Takes a child that has been flipped itself to its mirror place.
+        void mirror(kaAnimationObject& child) const {
+            child.move((end - child.getEnd()) + begin - child.getBegin(), false);
+        }
+    };
+    kaDescent<kaAnimationContainer, Level> walk(editPath());
+    const auto enter = [&walk](kaAnimationContainer& container) {
+        if (!container.hasChildren() || !walk.enter(container))
+            return false;
+        walk.level().children.list = container.reachedChildren();
+        walk.level().begin = container.getBegin();
+        walk.level().end = container.getEnd();
+        return true;
+    };
+    enter(*this);
+    while (!walk.isDone()) {
+        kaAnimationObject* child = walk.level().children.takeNext();
+        if (!child) {
+            kaAnimationContainer& container = walk.object();
+            walk.leave();
+            container.children().settle();
+            container._flipped = !container._flipped;
+            container.updateBy(&container, MOVE_OBJECT, false);
+            if (!walk.isDone())
+                walk.level().mirror(container);
+        } else if (!isContainer(*child)) {
+            child->flip();
+            walk.level().mirror(*child);
+        } else if (!enter(asContainer(*child))) {
+            walk.level().mirror(*child);
+        }
+    }
 }
 
 // Triggers.
 
+/// What fires may destroy anything: a container is not touched again once its own triggers have fired, and
+/// its children are looked up before each turn.
 void kaAnimationContainer::triggerLoop(float frame) {
-    const kaDescent descent(triggerPath(), *this);
-    if (!hasChildren() || !descent)
-        return;
-    const kaWeak<kaAnimationObject> self(*this);
-    fireTriggers(frame);
-    if (self)
-        kaSnapshot<kaAnimationObject>(reachedChildren()).visit([frame](kaAnimationObject& child) {
-            child.triggerLoop(frame);
-        });
+    struct Level {
+        std::unique_ptr<kaSnapshot<kaAnimationObject>> children;
+        std::size_t next = 0;
+    };
+    kaDescent<kaAnimationContainer, Level> walk(triggerPath());
+    const auto enter = [&walk, frame](kaAnimationContainer& container) {
+        if (!container.hasChildren() || !walk.enter(container))
+            return;
+        const kaWeak<kaAnimationObject> self(container);
+        container.fireTriggers(frame);
+        if (self)
+            walk.level().children =
+                std::make_unique<kaSnapshot<kaAnimationObject>>(container.reachedChildren());
+    };
+    enter(*this);
+    while (!walk.isDone()) {
+        Level& level = walk.level();
+        kaAnimationObject* child = level.children ? level.children->next(level.next) : nullptr;
+        if (!child)
+            walk.leave();
+        else if (child->getTypeID() == KA_TYPE_STREAK || child->getTypeID() == KA_TYPE_STRIP)
+            enter(asContainer(*child));
+        else
+            child->triggerLoop(frame);
+    }
 }

@@ -2,12 +2,21 @@
 
 #include "kaAnimationObject.h"
 
+#include <memory>
+
 /// What blocks, tracks and clips have in common: flags that reach every child, and editing in time.
 ///
 /// None of the editing operations does anything without children. Children are told with tellParent false;
 /// the container tells its own parent once at the end.
+///
+/// Stretching asks each child for both of its ends, one after the other, down to the sixth level of
+/// containers; what lies deeper goes from its old span to the new one in one step, so that each level costs
+/// as much as the one above it.
 class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
   public:
+    /// For a copy that is given its children afterwards.
+    struct WithoutChildren {};
+
     void setActive(bool active) override;         ///< Every child, then the base rule.
     void setRepeating(bool repeating) override;   ///< Every child, then the own flag.
     void setMotionBlur(bool motionBlur) override; ///< Every child, then the own flag.
@@ -15,11 +24,9 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     void move(float offset, bool tellParent) override; ///< Every child, by `offset` frames.
     /// Sets the begin, whatever it is, and stretches the children about the end. A span of zero is not
     /// stretched.
-    /// Edges: ignored by containers nested more than twelve deep, because each level doubles the work.
     void moveBegin(float begin, bool tellParent) override;
     /// Sets the end, whatever it is, and stretches the children about the begin. A span of zero is not
     /// stretched.
-    /// Edges: ignored by containers nested more than twelve deep, because each level doubles the work.
     void moveEnd(float end, bool tellParent) override;
     void trimBegin(float begin, bool tellParent) override; ///< Does nothing.
     void trimEnd(float end, bool tellParent) override;     ///< Does nothing.
@@ -37,8 +44,8 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     explicit kaAnimationContainer(const kaAnimationContainer& source);
     ~kaAnimationContainer() = default;
 
-    /// Adds copies of the source's children, each made by `copy`, which may give null.
-    void addCopies(const kaAnimationContainer& source, kaAnimationObject* (*copy)(kaAnimationObject& child));
+    /// Adds copies of everything below the source, each finished before it is added.
+    void addCopies(const kaAnimationContainer& source);
 
     /// Makes `child` the last child and tells the ancestors. @return the child; null when it may not be
     /// adopted.
@@ -58,10 +65,21 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     virtual bool reaches(const kaAnimationObject& child) const;
     std::vector<kaAnimationObject*> reachedChildren() const;
 
-    bool isTooDeepToStretch() const;
+    /// A registered copy of a child that is neither track nor clip; null where none is made.
+    virtual kaAnimationObject* copyOf(kaAnimationObject& child) const = 0;
+    /// Frees a copy that was never handed over, with what stands below it.
+    struct Discard {
+        void operator()(kaAnimationContainer* copy) const;
+    };
+    using UnfinishedCopy = std::unique_ptr<kaAnimationContainer, Discard>;
+    /// An unregistered copy of a child that is a track or clip; null for any other and where none is made.
+    UnfinishedCopy copyWithoutChildren(kaAnimationObject& child) const;
+    static kaAnimationObject* registered(UnfinishedCopy copy);
+
+    void stretch(float begin, float end);
 
     template <class Edit>
     void editChildren(Edit&& edit);
-    template <class Set>
-    void setBelow(Set&& set);
+    template <class Set, class Store>
+    void setBelow(Set&& set, Store&& store);
 };

@@ -5,8 +5,8 @@
 #include "kaObjectRegistry.h"
 
 // What an object is by itself. What it has below it and whom it tells of changes stands in
-// kaAnimationObjectChildren.cpp, the curves and sequences below it in kaAnimationObjectCurves.cpp, what it fires in
-// kaAnimationObjectTriggers.cpp.
+// kaAnimationObjectChildren.cpp, the curves and sequences below it in kaAnimationObjectCurves.cpp, what it
+// fires in kaAnimationObjectTriggers.cpp.
 
 // Plain state.
 
@@ -30,10 +30,13 @@ void kaAnimationObject::setMinimum(float minimum) {
     noteChange(kaChange::Values);
 }
 
-/// Curves that a host has made name each other are switched once on the way down.
+/// Curves that a host has made name each other are switched once on the way down, and no further down than
+/// curves ever name each other.
 void kaAnimationObject::setActive(bool active) {
-    static kaDescent::Path path;
-    if (const kaDescent descent{path, *this}) {
+    constexpr std::size_t MostNamings = 24;
+    static kaDescentPath path;
+    const kaDescentStep step(path, *this);
+    if (step && path.size() <= MostNamings) {
         std::vector<kaUID> below(getCurveIDs().begin(), getCurveIDs().end());
         below.insert(below.end(), getSequenceIDs().begin(), getSequenceIDs().end());
         for (kaUID id : below) {

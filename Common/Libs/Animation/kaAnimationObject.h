@@ -301,7 +301,6 @@ class KA_ANIMATION_API kaAnimationObject {
                        bool recursive);
     static void sortChildren(kaChildList& children, Operation operation);
     void destroyChildren();
-    void destroyAll(kaChildList& children);
 
     kaChildChunk* _home = nullptr; ///< the place in the one list that mirrors this object, if any
     std::unique_ptr<Group> _group;

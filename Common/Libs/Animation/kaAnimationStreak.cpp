@@ -5,10 +5,6 @@
 
 namespace {
 
-kaAnimationObject* copyOf(kaAnimationObject& child) {
-    return kaObjectStore::duplicateAny(&child);
-}
-
 bool isInside(float frame, const kaExtent& extent) {
     return extent.begin < frame && frame < extent.end;
 }
@@ -34,7 +30,14 @@ kaAnimationStreak::kaAnimationStreak(const std::string& name, kaUID id) : kaAnim
 
 kaAnimationStreak::kaAnimationStreak(kaAnimationStreak& source)
     : kaAnimationContainer(source), _index(source._index) {
-    addCopies(source, &copyOf);
+    addCopies(source);
+}
+
+kaAnimationStreak::kaAnimationStreak(const kaAnimationStreak& source, WithoutChildren /*unused*/)
+    : kaAnimationContainer(source), _index(source._index) {}
+
+kaAnimationObject* kaAnimationStreak::copyOf(kaAnimationObject& child) const {
+    return kaObjectStore::duplicateAny(&child);
 }
 
 kaAnimationObject* kaAnimationStreak::addObject(kaAnimationObject* object) {

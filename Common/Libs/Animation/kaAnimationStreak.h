@@ -18,6 +18,8 @@ class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
     /// sequences this way. Selection, lock, minimum and maximum are not copied; the parent id is taken if
     /// that parent is registered.
     kaAnimationStreak(kaAnimationStreak& source);
+    /// The same without the children.
+    kaAnimationStreak(const kaAnimationStreak& source, WithoutChildren);
     ~kaAnimationStreak() = default;
 
     unsigned int getTypeID() const override { return _typeID; }
@@ -43,6 +45,7 @@ class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
     void setIndex(unsigned int index) { _index = index; }
 
   private:
+    kaAnimationObject* copyOf(kaAnimationObject& child) const override;
     bool hasRoomFor(const kaAnimationObject& object) const;
     template <class Object>
     std::vector<Object*> childrenOf() const;

@@ -11,18 +11,20 @@ bool isTrack(const kaAnimationObject& object) {
     return object.getTypeID() == KA_TYPE_STREAK;
 }
 
-kaAnimationObject* copyOf(kaAnimationObject& child) {
-    return isTrack(child)
-               ? kaObjectStore::duplicate(static_cast<kaAnimationStreak*>(&child))
-               : nullptr;
-}
-
 } // namespace
 
 kaAnimationStrip::kaAnimationStrip(const std::string& name, kaUID id) : kaAnimationContainer(name, id) {}
 
 kaAnimationStrip::kaAnimationStrip(kaAnimationStrip& source) : kaAnimationContainer(source) {
-    addCopies(source, &copyOf);
+    addCopies(source);
+}
+
+kaAnimationStrip::kaAnimationStrip(const kaAnimationStrip& source, WithoutChildren /*unused*/)
+    : kaAnimationContainer(source) {}
+
+/// A clip copies its tracks alone.
+kaAnimationObject* kaAnimationStrip::copyOf(kaAnimationObject& /*child*/) const {
+    return nullptr;
 }
 
 bool kaAnimationStrip::reaches(const kaAnimationObject& child) const {

@@ -16,6 +16,8 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
     /// order. Selection, lock, minimum and maximum are not copied; the parent id is taken if that parent is
     /// registered.
     kaAnimationStrip(kaAnimationStrip& source);
+    /// The same without the children.
+    kaAnimationStrip(const kaAnimationStrip& source, WithoutChildren);
     ~kaAnimationStrip() = default;
 
     unsigned int getTypeID() const override { return _typeID; }
@@ -46,6 +48,7 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
     void destroyEmptyStreaksAtEnd();
 
   private:
+    kaAnimationObject* copyOf(kaAnimationObject& child) const override;
     bool reaches(const kaAnimationObject& child) const override;
     std::vector<kaAnimationStreak*> tracks() const;
     kaAnimationStreak* addTrackFor(kaAnimationObject& object);

@@ -37,11 +37,11 @@ constexpr bool endsAfter(float end, float begin) {
     return static_cast<double>(end) > static_cast<double>(begin) + KA_RANGE_TOLERANCE;
 }
 
-/// Levels of containment that `addObject` accepts below one root, keys included. Far beyond any real scene (a
-/// key in a curve in a block on a track in a clip is five, a clip nested in a track adds two). Stretching a
-/// container tells each child twice, so its cost doubles with every level: the limit keeps that, and the
-/// depth of any stack, in bounds.
-constexpr unsigned int KA_MAX_DEPTH = 24;
+/// Levels of containment that `addObject` accepts below one root, keys included: a thousand clips inside each
+/// other. (A key in a curve in a block on a track in a clip is five, a clip nested in a track adds two.)
+/// Objects are walked without recursion, so it is not the stack that asks for an end: every child that is
+/// added tells all of its ancestors, and a document may ask for any number of them.
+constexpr unsigned int KA_MAX_DEPTH = 2048;
 
 /// Values of a connection, brought into `kaAnimationManager` by inheritance so that the object family can
 /// name them without the whole registry.

@@ -11,19 +11,17 @@ bool isCurve(const kaAnimationObject* object) {
     return object && object->getTypeID() == KA_TYPE_CURVE;
 }
 
-kaAnimationObject* copyOf(kaAnimationObject& child) {
-    return isCurve(&child)
-               ? kaObjectStore::duplicate(static_cast<kaAnimationCurve2D*>(&child))
-               : nullptr;
-}
-
 } // namespace
 
 kaAnimationUnit::kaAnimationUnit(const std::string& name, kaUID id) : kaAnimationContainer(name, id) {}
 
 kaAnimationUnit::kaAnimationUnit(kaAnimationUnit& source)
     : kaAnimationContainer(source), _nodeID(source._nodeID) {
-    addCopies(source, &copyOf);
+    addCopies(source);
+}
+
+kaAnimationObject* kaAnimationUnit::copyOf(kaAnimationObject& child) const {
+    return isCurve(&child) ? kaObjectStore::duplicate(static_cast<kaAnimationCurve2D*>(&child)) : nullptr;
 }
 
 kaAnimationObject* kaAnimationUnit::addObject(kaAnimationObject* object) {

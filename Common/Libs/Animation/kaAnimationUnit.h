@@ -41,5 +41,7 @@ class KA_ANIMATION_API kaAnimationUnit final : public kaAnimationContainer {
     void setNodeID(unsigned int nodeID) { _nodeID = nodeID; }
 
   private:
+    kaAnimationObject* copyOf(kaAnimationObject& child) const override;
+
     unsigned int _nodeID = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/unordered/unordered_flat_set.hpp>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -41,7 +42,14 @@ class kaForgetfulList {
         _objects.push_back(object);
     }
 
+    /// Cost: nothing when empty. Tables are cleared over their capacity, so that of a peak is given up.
     void clear() {
+        if (_objects.empty() && _members.empty() && _gone.empty() && _objects.capacity() <= Kept)
+            return;
+        if (_objects.capacity() > Kept) {
+            *this = kaForgetfulList();
+            return;
+        }
         _objects.clear();
         _members.clear();
         _gone.clear();
@@ -54,6 +62,8 @@ class kaForgetfulList {
     }
 
   private:
+    static constexpr std::size_t Kept = 4096;
+
     mutable std::vector<Object*> _objects;
     boost::unordered_flat_set<const kaAnimationObject*> _members;
     mutable boost::unordered_flat_set<const kaAnimationObject*> _gone; ///< in `_objects`, but freed

@@ -18,34 +18,39 @@ kaAnimationObject* kaRunningObjects::find(kaUID id) const {
 }
 
 void kaRunningObjects::insert(kaAnimationObject& object) {
-    if (_byID.emplace(object.getId(), &object).second)
-        ++_entryCounts[&object];
+    const auto [entry, isNew] = _byID.emplace(object.getId(), &object);
+    if (!isNew)
+        return;
+    try {
+        _entries[&object].push_back(object.getId());
+    } catch (...) {
+        _byID.erase(entry);
+        throw;
+    }
 }
 
 void kaRunningObjects::erase(kaUID id) {
     const auto found = _byID.find(id);
     if (found == _byID.end())
         return;
-    const auto count = _entryCounts.find(found->second);
-    if (--count->second == 0)
-        _entryCounts.erase(count);
+    const auto entries = _entries.find(found->second);
+    auto& ids = entries->second;
+    ids.erase(std::find(ids.begin(), ids.end(), id));
+    if (ids.empty())
+        _entries.erase(entries);
     _byID.erase(found);
 }
 
 void kaRunningObjects::clear() {
     _byID.clear();
-    _entryCounts.clear();
+    _entries = Entries(); // a table is cleared over its capacity
 }
 
-/// The entry stands under the object's id; only one whose id was changed while it ran has to be searched for.
 void kaRunningObjects::drop(const kaAnimationObject* object) {
-    if (_entryCounts.count(object) == 0)
+    const auto entries = _entries.find(object);
+    if (entries == _entries.end())
         return;
-    if (find(object->getId()) == object)
-        erase(object->getId());
-    while (_entryCounts.count(object) > 0) {
-        const auto found = std::find_if(_byID.begin(), _byID.end(),
-                                        [object](const auto& entry) { return entry.second == object; });
-        erase(found->first);
-    }
+    for (kaUID id : entries->second)
+        _byID.erase(id);
+    _entries.erase(entries);
 }

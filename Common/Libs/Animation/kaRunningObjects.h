@@ -2,6 +2,7 @@
 
 #include "kaAnimationTypes.h"
 
+#include <boost/container/small_vector.hpp>
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <map>
 #include <vector>
@@ -24,7 +25,7 @@ class kaRunningObjects {
 
     /// Called for every object that is about to be freed. Cost: nothing while none runs, else one look-up.
     void forget(const kaAnimationObject* object) {
-        if (!_entryCounts.empty())
+        if (!_entries.empty())
             drop(object);
     }
 
@@ -32,5 +33,8 @@ class kaRunningObjects {
     void drop(const kaAnimationObject* object);
 
     Map _byID;
-    boost::unordered_flat_map<const kaAnimationObject*, unsigned int> _entryCounts;
+    /// Under which ids each object runs: mostly its own, but also one that it had when it started.
+    using Entries =
+        boost::unordered_flat_map<const kaAnimationObject*, boost::container::small_vector<kaUID, 1>>;
+    Entries _entries;
 };

@@ -11,6 +11,7 @@
 #include "kaAnimationXmlRecord.h"
 #include "kaControlPoint2D.h"
 #include "kaFieldStore.h"
+#include "kaLoadReport.h"
 #include "kaObjectStore.h"
 
 #include <string>
@@ -63,23 +64,37 @@ osg::Pnt2f place(const kaAnimationXmlElement& element, kaXmlTag tag) {
     return place;
 }
 
-/// Whether `container.addObject` takes this child, so that one that is refused stays where it is.
-bool takes(const kaAnimationObject& container, const kaAnimationObject& child) {
-    const unsigned int type = child.getTypeID();
+/// Whether the container takes children of that type at all.
+bool takesType(const kaAnimationObject& container, unsigned int type) {
     switch (container.getTypeID()) {
     case KA_TYPE_CURVE:
         return type == KA_TYPE_POINT;
     case KA_TYPE_UNIT:
         return type == KA_TYPE_CURVE;
     case KA_TYPE_STREAK:
-        return container.mayAdopt(child);
+        return true;
     case KA_TYPE_STRIP:
-        // Anything but a track gets a track of its own, one level more.
-        return type != KA_TYPE_POINT && type != KA_TYPE_CURVE &&
-               container.mayAdopt(child, type == KA_TYPE_STREAK ? 0 : 1);
+        return type != KA_TYPE_POINT && type != KA_TYPE_CURVE;
     default:
         return false;
     }
+}
+
+/// Whether the child may stand below the container. In a clip anything but a track gets a track of its own,
+/// one level more.
+bool hasRoom(const kaAnimationObject& container, const kaAnimationObject& child) {
+    const unsigned int type = container.getTypeID();
+    if (type != KA_TYPE_STREAK && type != KA_TYPE_STRIP)
+        return true;
+    return container.mayAdopt(child, type == KA_TYPE_STRIP && child.getTypeID() != KA_TYPE_STREAK ? 1 : 0);
+}
+
+kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimationObject& child) {
+    const kaAnimationObject* above = &container;
+    for (unsigned int level = 0; above && level < KA_MAX_DEPTH; ++level, above = above->getParentObject())
+        if (above == &child)
+            return kaLoadReport::Reason::WithinItself;
+    return kaLoadReport::Reason::TooDeep;
 }
 
 } // namespace
@@ -143,7 +158,7 @@ kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& eleme
         return nullptr;
     const osg::Pnt2f position = place(element, kaXmlTag::Position);
     kaControlPoint2D* point = kaObjectStore::make<kaControlPoint2D>(position[0], position[1], "Point",
-                                                                       freeID(idOf(element)), false);
+                                                                    freeID(idOf(element)), false);
     if (kaControlPoint2D* handle = point->getInTangent())
         handle->setPosition(place(element, kaXmlTag::InTangent));
     if (kaControlPoint2D* handle = point->getOutTangent())
@@ -169,9 +184,8 @@ kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& ele
     const kaUID id = freeID(idOf(element));
     const std::string name = text(element[Key::Name]);
     kaAnimationField* field = kaFieldStore::find(parse(element[Key::Field], kaUID{0}));
-    kaAnimationCurve2D* curve =
-        field ? kaObjectStore::make<kaAnimationCurve2D>(field, name, id)
-              : kaObjectStore::make<kaAnimationCurve2D>("Curve", id);
+    kaAnimationCurve2D* curve = field ? kaObjectStore::make<kaAnimationCurve2D>(field, name, id)
+                                      : kaObjectStore::make<kaAnimationCurve2D>("Curve", id);
     if (!field)
         curve->setName(name);
     return withFlags(curve, element);
@@ -246,11 +260,15 @@ void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnima
     curve.setPoints(points);
 }
 
-/// The former container is left before the new one is joined: where both have an ancestor in common it loses
-/// the ids below the child and then gets them back.
+/// One that is refused stays where it is. The former container is left before the new one is joined: where
+/// both have an ancestor in common it loses the ids below the child and then gets them back.
 void kaAnimationXmlReader::adopt(kaAnimationObject& container, kaAnimationObject& child) {
-    if (!takes(container, child) || container.hasChild(child.getId()))
+    if (!takesType(container, child.getTypeID()) || container.hasChild(child.getId()))
         return;
+    if (!hasRoom(container, child)) {
+        kaLoadReport::leaveOut({container.getId(), child.getId(), whyNot(container, child)});
+        return;
+    }
     if (kaAnimationObject* former = child.getParentObject())
         former->subObject(&child, false);
     container.addObject(&child);

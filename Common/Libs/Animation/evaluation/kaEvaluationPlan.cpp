@@ -3,6 +3,7 @@
 #include "kaAnimationCurve2D.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
+#include "kaDescent.h"
 #include "kaEdits.h"
 #include "kaObjectRegistry.h"
 
@@ -53,7 +54,6 @@ void kaEvaluationPlan::remake(const kaAnimationObject& object) {
     leaves.clear();
     curves.clear();
     objects.clear();
-    _path.clear();
     _lacksCurves = false;
     _rereadsAll = false;
     kaDependents::enter(object, *this, RootPlace);
@@ -119,19 +119,33 @@ void kaEvaluationPlan::readFields() {
 }
 
 /// Containers down to the objects that hold curves.
-void kaEvaluationPlan::visit(const kaAnimationObject& object) {
-    if (object.getTypeID() <= KA_TYPE_UNIT) {
-        addLeaf(object);
+void kaEvaluationPlan::visit(const kaAnimationObject& top) {
+    const auto holdsCurves = [](const kaAnimationObject& object) {
+        return object.getTypeID() <= KA_TYPE_UNIT;
+    };
+    if (holdsCurves(top)) {
+        addLeaf(top);
         return;
     }
-    // A host can bend child lists into a ring; each object is entered once on the way down.
-    if (_path.size() >= KA_MAX_DEPTH || std::find(_path.begin(), _path.end(), &object) != _path.end())
-        return;
-    _path.push_back(&object);
-    kaDependents::enter(object, *this, NoPlace);
-    if (const kaChildList* children = object.childrenOrNull())
-        children->forEach([this](const kaAnimationObject& child) { visit(child); });
-    _path.pop_back();
+    kaDescentPath path;
+    kaDescent<const kaAnimationObject, kaDescentChildren<const kaAnimationObject>> walk(path);
+    const auto enter = [this, &walk](const kaAnimationObject& object) {
+        kaDependents::enter(object, *this, NoPlace);
+        const kaChildList* children = object.childrenOrNull();
+        if (children && walk.enter(object))
+            children->forEach(
+                [&walk](const kaAnimationObject& child) { walk.level().list.push_back(&child); });
+    };
+    enter(top);
+    while (!walk.isDone()) {
+        const kaAnimationObject* child = walk.level().takeNext();
+        if (!child)
+            walk.leave();
+        else if (holdsCurves(*child))
+            addLeaf(*child);
+        else
+            enter(*child);
+    }
 }
 
 void kaEvaluationPlan::addLeaf(const kaAnimationObject& object) {

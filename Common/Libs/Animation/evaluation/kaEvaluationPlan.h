@@ -117,7 +117,7 @@ class kaEvaluationPlan final : public kaDependent {
     void forgetKeys(std::size_t curve);
     void readFields();
     kaCurveView& viewOf(std::size_t curve);
-    void visit(const kaAnimationObject& object);
+    void visit(const kaAnimationObject& top);
     void addLeaf(const kaAnimationObject& object);
     const kaSegment* findSegment(std::size_t curve, float frame);
     bool sampleInside(std::size_t curve, float frame, float& value);
@@ -126,7 +126,6 @@ class kaEvaluationPlan final : public kaDependent {
     std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
     std::vector<Place> _places;
     std::vector<Held> _held; ///< of each curve at the begin and at the end
-    std::vector<const kaAnimationObject*> _path;
     /// Curves, then leaves, that have changed; there is room for all.
     std::vector<std::uint32_t> _touched;
     std::vector<bool> _isTouched;

@@ -6,6 +6,7 @@
 #include "kaAnimationXmlRecord.h"
 #include "kaAnimationXmlWriter.h"
 #include "kaFile.h"
+#include "kaLoadReport.h"
 #include "kaXmlPreflight.h"
 
 #include <QFile>
@@ -94,6 +95,7 @@ unsigned int announceLoading(const std::string& objects) {
 
 /// Everything is made before anything is connected, so that references may name what comes later.
 void makeObjects(kaAnimationManager& manager, const kaAnimationXmlRecord& record) {
+    kaLoadReport::begin();
     Progress progress(manager, announceLoading(record.objects()));
     kaAnimationXmlReader reader(noteTakenID);
     record.forEach([&](const kaAnimationXmlElement& element) {
@@ -130,9 +132,8 @@ bool kaAnimationManager::saveAnimations(const char* path) {
         QFile file(QString::fromLatin1(path));
         if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
             return false;
-        writeDocument([&file](std::string_view piece) {
-            file.write(piece.data(), static_cast<qint64>(piece.size()));
-        });
+        writeDocument(
+            [&file](std::string_view piece) { file.write(piece.data(), static_cast<qint64>(piece.size())); });
         file.close();
         return true;
     } catch (const std::bad_alloc&) {

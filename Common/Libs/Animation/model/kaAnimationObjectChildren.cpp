@@ -1,13 +1,14 @@
 #include "kaAnimationObject.h"
 #include "kaDependents.h"
 #include "kaEdits.h"
+#include "kaObjectClass.h"
 #include "kaObjectGroup.h"
 #include "kaObjectStore.h"
 #include "kaWeakSlots.h"
 
 #include <algorithm>
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <new>
-#include <unordered_set>
 
 // What an object has below it, its beginning and its end with all of that, and whom it tells of changes.
 
@@ -35,23 +36,46 @@ const std::set<kaUID>& noIDs() {
     return none;
 }
 
-/// Levels below `object` down to a leaf, itself included; counted no further than one too many. Curves, keys
-/// and sequences hold no containers, so only tracks and clips are walked.
-unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen,
-                      unsigned int level = 0) {
-    const unsigned int type = object.getTypeID();
-    if (type == KA_TYPE_POINT || type == KA_TYPE_SEQUENCE)
-        return 1;
-    if (type == KA_TYPE_CURVE)
+/// Levels that an object takes which holds no containers: curves, keys and sequences hold none.
+unsigned int heightOfLeaf(unsigned int type) {
+    switch (type) {
+    case KA_TYPE_CURVE:
         return 2;
-    if (type == KA_TYPE_UNIT)
+    case KA_TYPE_UNIT:
         return 3;
-    if (level >= KA_MAX_DEPTH || !seen.insert(&object).second)
+    default:
         return 1;
-    unsigned int below = 0;
-    for (const kaAnimationObject* child : object.getObjects())
-        below = std::max(below, heightOf(*child, seen, level + 1));
-    return below + 1;
+    }
+}
+
+bool holdsContainers(const kaAnimationObject& object) {
+    const unsigned int type = object.getTypeID();
+    return type == KA_TYPE_OBJECT || type == KA_TYPE_STREAK || type == KA_TYPE_STRIP;
+}
+
+/// Levels below `object` down to a leaf, itself included; counted no further than one too many. Goes down one
+/// level at a time, through tracks and clips, each of which is met once and stands in `seen` then.
+unsigned int heightOf(const kaAnimationObject& object,
+                      boost::unordered_flat_set<const kaAnimationObject*>& seen) {
+    if (!holdsContainers(object))
+        return heightOfLeaf(object.getTypeID());
+    unsigned int height = 1;
+    std::vector<const kaAnimationObject*> level{&object};
+    std::vector<const kaAnimationObject*> below;
+    seen.insert(&object);
+    for (unsigned int above = 1; !level.empty() && above <= KA_MAX_DEPTH; ++above) {
+        height = std::max(height, above);
+        for (const kaAnimationObject* container : level)
+            for (const kaAnimationObject* child : container->getObjects()) {
+                if (!holdsContainers(*child))
+                    height = std::max(height, above + heightOfLeaf(child->getTypeID()));
+                else if (seen.insert(child).second)
+                    below.push_back(child);
+            }
+        level.swap(below);
+        below.clear();
+    }
+    return level.empty() ? height : KA_MAX_DEPTH + 1;
 }
 
 } // namespace
@@ -89,44 +113,36 @@ kaAnimationObject::~kaAnimationObject() {
     kaWeakSlots::giveBack(_weakSlot);
 }
 
-namespace {
-
-/// Levels of destruction under way.
-unsigned int destructionDepth = 0;
-
-} // namespace
-
-/// Children that stand deeper than containers accept (a host wrote their lists directly) wait with the group
-/// that lists them until the levels above are done, so that any depth fits the stack. Allocates nothing:
-/// destruction cannot fail.
+/// Depth first, each object after all that lies below it, with the way back held in the objects themselves:
+/// any depth fits the stack and nothing is allocated. Takes each child out of its list before it goes, so
+/// that none looks for its place in a list that is about to end.
 void kaAnimationObject::destroyChildren() {
     if (!_group || _group->children.empty() || !kaObjectRegistry::isAlive())
         return;
-    static std::unique_ptr<Group> postponed;
+    _group->above = nullptr;
     _group->children.beginTaking();
-    if (destructionDepth >= KA_MAX_DEPTH) {
-        _group->next = std::move(postponed);
-        postponed = std::move(_group);
-        return;
+    for (kaAnimationObject* level = this; level;) {
+        Group& group = *level->_group;
+        if (group.children.empty()) {
+            kaAnimationObject* above = group.above;
+            if (level != this)
+                kaObjectClass::of(*level).free(*level);
+            level = above;
+            continue;
+        }
+        kaAnimationObject* child = find(group.children.takeNext());
+        if (!child || child == level || child == this ||
+            kaObjectClass::of(*child).level == kaObjectClass::Level::None)
+            continue;
+        kaObjectStore::takeOut(*child);
+        if (!child->_group || child->_group->children.empty()) {
+            kaObjectClass::of(*child).free(*child);
+            continue;
+        }
+        child->_group->above = level;
+        child->_group->children.beginTaking();
+        level = child;
     }
-    destroyAll(_group->children);
-    while (destructionDepth == 0 && postponed) {
-        const std::unique_ptr<Group> group = std::move(postponed);
-        postponed = std::move(group->next);
-        destroyAll(group->children);
-    }
-}
-
-/// Takes each child out of the list before it goes, so that none looks for its place in a list that is about
-/// to end.
-void kaAnimationObject::destroyAll(kaChildList& children) {
-    ++destructionDepth;
-    while (!children.empty()) {
-        kaAnimationObject* child = find(children.takeNext());
-        if (child && child != this)
-            kaObjectStore::destroy(child);
-    }
-    --destructionDepth;
 }
 
 std::uint32_t kaAnimationObject::weakSlot() const {
@@ -288,7 +304,7 @@ bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int l
             return false;
     }
     // A track that stands in two lists has one parent only, so the other lies below it without being above.
-    std::unordered_set<const kaAnimationObject*> below;
+    boost::unordered_flat_set<const kaAnimationObject*> below;
     const unsigned int height = heightOf(object, below);
     return below.count(this) == 0 && depth + levelsBetween + height <= KA_MAX_DEPTH;
 }

@@ -22,6 +22,8 @@ struct kaObjectClass {
     bool isLaidOut; ///< stands on a track beside others without overlap: blocks, clips, sequences
     /// A registered copy with all that is below it; null for an object that cannot be copied.
     kaAnimationObject* (*duplicate)(kaAnimationObject& object);
+    /// A copy of a track or clip without its children, which the registry does not know; null for any other.
+    kaAnimationObject* (*copyAlone)(kaAnimationObject& object);
     /// Frees the object, which the registry does not know any more, as what it is: the family has no virtual
     /// destructor.
     void (*free)(kaAnimationObject& object);

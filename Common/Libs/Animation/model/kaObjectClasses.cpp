@@ -27,24 +27,31 @@ kaAnimationObject* copy(kaAnimationObject& object) {
 }
 
 template <class Object>
+kaAnimationObject* copyAlone(kaAnimationObject& object) {
+    return new Object(static_cast<Object&>(object), kaAnimationContainer::WithoutChildren());
+}
+
+template <class Object>
 void free(kaAnimationObject& object) {
     delete static_cast<Object*>(&object);
 }
 
 /// By type id.
 constexpr std::array classes{
-    kaObjectClass{Level::None, false, noCopy, freeNothing},
-    kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, free<kaControlPoint2D>},
-    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, free<kaAnimationCurve2D>},
-    kaObjectClass{Level::Block, true, copy<kaAnimationUnit>, free<kaAnimationUnit>},
-    kaObjectClass{Level::Container, false, copy<kaAnimationStreak>, free<kaAnimationStreak>},
-    kaObjectClass{Level::Container, true, copy<kaAnimationStrip>, free<kaAnimationStrip>},
-    kaObjectClass{Level::Event, true, noCopy, free<kaAnimationSequence>}};
+    kaObjectClass{Level::None, false, noCopy, noCopy, freeNothing},
+    kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, noCopy, free<kaControlPoint2D>},
+    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, noCopy, free<kaAnimationCurve2D>},
+    kaObjectClass{Level::Block, true, copy<kaAnimationUnit>, noCopy, free<kaAnimationUnit>},
+    kaObjectClass{Level::Container, false, copy<kaAnimationStreak>, copyAlone<kaAnimationStreak>,
+                  free<kaAnimationStreak>},
+    kaObjectClass{Level::Container, true, copy<kaAnimationStrip>, copyAlone<kaAnimationStrip>,
+                  free<kaAnimationStrip>},
+    kaObjectClass{Level::Event, true, noCopy, noCopy, free<kaAnimationSequence>}};
 
 static_assert(classes.size() == KA_TYPE_COUNT, "every class describes itself here");
-static_assert(kaControlPoint2D::_typeID == 1 && kaAnimationCurve2D::_typeID == 2 && kaAnimationUnit::_typeID == 3 &&
-                  kaAnimationStreak::_typeID == 4 && kaAnimationStrip::_typeID == 5 &&
-                  kaAnimationSequence::_typeID == 6,
+static_assert(kaControlPoint2D::_typeID == 1 && kaAnimationCurve2D::_typeID == 2 &&
+                  kaAnimationUnit::_typeID == 3 && kaAnimationStreak::_typeID == 4 &&
+                  kaAnimationStrip::_typeID == 5 && kaAnimationSequence::_typeID == 6,
               "in the order of the type ids");
 
 } // namespace

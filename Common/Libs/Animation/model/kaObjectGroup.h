@@ -18,7 +18,7 @@ struct kaAnimationObject::Group {
     std::set<kaUID> sequences;
     std::uint64_t curvesRevision = 0;
     std::unique_ptr<Playback> playback;
-    std::unique_ptr<Group> next; ///< in the row of those whose children wait to be destroyed
+    kaAnimationObject* above = nullptr; ///< where destruction goes on once this one's children have gone
 
     /// The curves that `curves` names, while registry and set are as they were.
     std::vector<kaAnimationCurve2D*> resolved;

@@ -102,12 +102,17 @@ void kaObjectStore::free(kaAnimationObject& object) {
 void kaObjectStore::destroy(kaAnimationObject* object) {
     if (!object || kaObjectClass::of(*object).level == kaObjectClass::Level::None)
         return;
+    takeOut(*object);
+    kaObjectClass::of(*object).free(*object);
+}
+
+void kaObjectStore::takeOut(kaAnimationObject& object) {
     if (hooks.leaveNode)
-        hooks.leaveNode(*object);
-    kaAnimationObject* parent = object->getParentObject();
-    if (parent && parent != object)
-        parent->subObject(object, false);
-    free(*object);
+        hooks.leaveNode(object);
+    kaAnimationObject* parent = object.getParentObject();
+    if (parent && parent != &object)
+        parent->subObject(&object, false);
+    remove(object);
 }
 
 void kaObjectStore::destroyKey(kaAnimationObject* key) {

@@ -25,8 +25,8 @@ class kaObjectStore {
     };
     static Hooks hooks;
 
-    /// Has `forget` called for every object that is about to be freed, so that nothing keeps a pointer to it. It
-    /// allocates nothing and lasts as long as the process.
+    /// Has `forget` called for every object that is about to be freed, so that nothing keeps a pointer to it.
+    /// It allocates nothing and lasts as long as the process.
     static void addForgetter(void (*forget)(kaAnimationObject& object));
     /// The object is about to be freed.
     static void forget(kaAnimationObject& object);
@@ -72,7 +72,9 @@ class kaObjectStore {
     /// The object leaves its node's list, its parent and the registry, then it is freed with its whole
     /// subtree. Null does nothing.
     static void destroy(kaAnimationObject* object);
-    /// The same for a key or a handle, which leaves a curve and no other parent.
+    /// Has an object that is to be freed leave its node's list, its parent and the registry.
+    static void takeOut(kaAnimationObject& object);
+    /// The same as `destroy` for a key or a handle, which leaves a curve and no other parent.
     static void destroyKey(kaAnimationObject* key);
 
   private:

@@ -35,6 +35,16 @@ class kaSnapshot {
         return count;
     }
 
+    /// The first from `place` on that is still there, and moves `place` behind it; null at the end.
+    Element* next(std::size_t& place) const {
+        while (place < _entries.size()) {
+            const Entry& entry = _entries[place++];
+            if (isThere(entry))
+                return entry.second;
+        }
+        return nullptr;
+    }
+
   private:
     using Entry = std::pair<kaUID, Element*>;
 
