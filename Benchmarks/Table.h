@@ -3,10 +3,19 @@
 #include <benchmark/benchmark.h>
 #include <map>
 #include <string>
+#include <vector>
 
 /// Collects the fastest repetitions of a run and sets them against what each operation must not exceed.
 class Table : public benchmark::ConsoleReporter {
   public:
+    struct Row {
+        std::string what;
+        double measured;
+        double must;
+        double aim; ///< where this is going; infinite: the must says it all
+        const char* unit;
+    };
+
     Table();
 
     void ReportRuns(const std::vector<Run>& runs) override;
@@ -22,6 +31,7 @@ class Table : public benchmark::ConsoleReporter {
 
     double time(const std::string& name) const;
     double counter(const std::string& name, const std::string& counter) const;
+    void addSampleKinds(std::vector<Row>& rows) const;
 
     std::map<std::string, Result> _results;
 };

@@ -49,6 +49,53 @@ std::uint64_t Random::next() {
     return mixed ^ (mixed >> 31U);
 }
 
+namespace {
+
+float narrow(double value) {
+    return static_cast<float>(value);
+}
+
+/// Handles mostly within the segment, some astray, some on its ends or on their keys.
+double share(Random& random) {
+    if (random.chance(0.15))
+        return random.chance(0.5) ? 0.0 : 1.0;
+    return random.chance(0.8) ? random.unit() : random.between(-2.0, 3.0);
+}
+
+/// Where the in handle stands for an out handle at `out`: anywhere, or a third of the segment farther on,
+/// which makes the cubic coefficient of the time vanish, or nearly there.
+double shareOfIn(Random& random, double out) {
+    if (!random.chance(0.15))
+        return share(random);
+    const double apart = random.chance(0.3) ? 0.0 : std::pow(10.0, random.between(-12.0, -3.0));
+    return out + 1.0 / 3.0 + (random.chance(0.5) ? apart : -apart);
+}
+
+} // namespace
+
+SegmentCase randomSegment(Random& random) {
+    const double magnitudes[] = {0.0, 1.0, 100.0, 1e4, 1e6};
+    const double x0 = random.between(-1, 1) * magnitudes[random.next() % 5];
+    const double span = std::pow(10.0, random.between(-1.0, 3.0));
+    const auto value = [&] { return narrow(random.between(-10.0, 10.0)); };
+    SegmentCase segment;
+    segment.left.key = {narrow(x0), value()};
+    segment.right.key = {narrow(x0 + span), value()};
+    const double out = random.chance(0.05) ? 1.0 / 3.0 : share(random);
+    segment.left.out = {narrow(x0 + span * out), value()};
+    segment.right.in = {narrow(x0 + span * shareOfIn(random, out)), value()};
+    if (random.chance(0.05))
+        segment.left.out = segment.left.key;
+    if (random.chance(0.05))
+        segment.right.in = segment.right.key;
+    segment.left.in = segment.left.key;
+    segment.right.out = segment.right.key;
+    segment.frame = narrow(x0 + span * random.unit());
+    if (segment.frame < segment.left.key.x || segment.frame >= segment.right.key.x)
+        segment.frame = segment.left.key.x;
+    return segment;
+}
+
 bool isStep(const SegmentCase& segment) {
     const auto same = [](const Spot& a, const Spot& b) { return a.x == b.x && a.y == b.y; };
     return same(segment.left.out, segment.left.key) && same(segment.right.in, segment.right.key);

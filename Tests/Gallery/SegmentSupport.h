@@ -53,6 +53,9 @@ class Random {
     std::uint64_t _state;
 };
 
+/// With handles anywhere, many of them at special places: on keys, at the ends, a third apart or nearly.
+SegmentCase randomSegment(Random& random);
+
 /// Whether both handles stand on their keys, which makes the segment hold its first value.
 bool isStep(const SegmentCase& segment);
 

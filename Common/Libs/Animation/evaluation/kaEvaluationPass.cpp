@@ -8,35 +8,27 @@
 #include "kaFieldAccess.h"
 #include "kaObjectRegistry.h"
 #include "kaSegment.h"
+#include "kaSegmentIteration.h"
 
 #include <algorithm>
 #include <cstring>
 
-/// Gathers steps until there are as many as are sampled at a time. What is left at the end is sampled one by
-/// one.
+/// Gathers steps until there are as many as are sampled at a time.
 class kaEvaluationPass::SideBySide {
   public:
     void add(const kaSegment& segment, Step& step) {
         _segments[_count] = &segment;
         _frames[_count] = step.number;
         _steps[_count] = &step;
-        if (++_count == kaSegment::Side)
-            sample();
+        if (++_count == Side)
+            finish();
     }
 
     void finish() {
-        for (std::size_t i = 0; i < _count; ++i)
-            if (!_segments[i]->sample(_frames[i], _steps[i]->number))
-                _steps[i]->curve = NoCurve;
-        _count = 0;
-    }
-
-  private:
-    void sample() {
-        float values[kaSegment::Side];
-        bool written[kaSegment::Side];
-        kaSegment::sampleSideBySide(_segments, _frames, values, written);
-        for (std::size_t i = 0; i < kaSegment::Side; ++i) {
+        float values[Side];
+        bool written[Side];
+        kaSegmentIteration::sampleEach(_segments, _frames, _count, values, written);
+        for (std::size_t i = 0; i < _count; ++i) {
             _steps[i]->number = values[i];
             if (!written[i])
                 _steps[i]->curve = NoCurve;
@@ -44,9 +36,12 @@ class kaEvaluationPass::SideBySide {
         _count = 0;
     }
 
-    const kaSegment* _segments[kaSegment::Side];
-    float _frames[kaSegment::Side];
-    Step* _steps[kaSegment::Side];
+  private:
+    static constexpr std::size_t Side = 8;
+
+    const kaSegment* _segments[Side];
+    float _frames[Side];
+    Step* _steps[Side];
     std::size_t _count = 0;
 };
 
@@ -73,11 +68,12 @@ void kaEvaluationPass::clear() {
 /// then what runs. The upcoming are walked backwards as a whole, those under one key included.
 void kaEvaluationPass::arrange(const kaEvaluationPlan& plan, float frame, bool motionBlurOnly) {
     using Part = kaEvaluationPlan::Part;
-    plan.forEachPart(frame, motionBlurOnly, [this](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
-        std::vector<Run>& runs =
-            part == Part::Finished ? _finished : (part == Part::Running ? _running : _upcoming);
-        runs.push_back({key, at, leaf.first, leaf.count});
-    });
+    plan.forEachPart(
+        frame, motionBlurOnly, [this](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
+            std::vector<Run>& runs =
+                part == Part::Finished ? _finished : (part == Part::Running ? _running : _upcoming);
+            runs.push_back({key, at, leaf.first, leaf.count});
+        });
     const auto byKey = [](const Run& a, const Run& b) { return a.key < b.key; };
     for (std::vector<Run>* runs : {&_upcoming, &_finished, &_running})
         if (!std::is_sorted(runs->begin(), runs->end(), byKey))
@@ -127,18 +123,18 @@ void kaEvaluationPass::sampleBlock(kaEvaluationPlan& plan) {
         if (curve.isInside(step.number))
             plan.fetchSegment(step.curve, step.number);
     }
-    SideBySide cubics;
+    SideBySide sides;
     for (std::size_t i = 0; i < _inBlock; ++i)
         if (_block[i].curve != NoCurve)
-            sample(plan, _block[i], cubics);
-    cubics.finish();
+            sample(plan, _block[i], sides);
+    sides.finish();
 }
 
-inline void kaEvaluationPass::sample(kaEvaluationPlan& plan, Step& step, SideBySide& cubics) {
+inline void kaEvaluationPass::sample(kaEvaluationPlan& plan, Step& step, SideBySide& sides) {
     const kaSegment* segment =
         plan.curves[step.curve].isInside(step.number) ? plan.segmentAt(step.curve, step.number) : nullptr;
-    if (segment && segment->isCubic())
-        cubics.add(*segment, step);
+    if (segment && segment->isIterated())
+        sides.add(*segment, step);
     else if (!plan.sample(step.curve, step.number, step.number))
         step.curve = NoCurve;
 }

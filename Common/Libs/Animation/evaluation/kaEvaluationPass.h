@@ -52,7 +52,7 @@ class kaEvaluationPass {
     void add(kaEvaluationPlan& plan, std::size_t curve, float frame);
     void flush(kaEvaluationPlan& plan);
     void sampleBlock(kaEvaluationPlan& plan);
-    static void sample(kaEvaluationPlan& plan, Step& step, SideBySide& cubics);
+    static void sample(kaEvaluationPlan& plan, Step& step, SideBySide& sides);
     void store(kaEvaluationPlan& plan, const Step& step);
     void fetch(const kaEvaluationPlan& plan, std::size_t place) const;
 

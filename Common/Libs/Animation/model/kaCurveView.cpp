@@ -3,6 +3,7 @@
 #include "kaChildList.h"
 #include "kaControlPoint2D.h"
 #include "kaObjectClass.h"
+#include "kaSegmentIteration.h"
 
 #include <algorithm>
 #include <cmath>
@@ -206,7 +207,7 @@ const kaSegment* kaCurveView::segmentAt(float frame) {
 
 bool kaCurveView::sample(float frame, float& value) {
     if (const kaSegment* segment = segmentAt(frame))
-        return segment->sample(frame, value);
+        return kaSegmentIteration::sample(*segment, frame, value);
     if (_count < 2)
         return false;
     if (_segments.empty())

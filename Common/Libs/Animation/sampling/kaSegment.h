@@ -1,92 +1,42 @@
 #pragma once
 
 #include "kaAnimationExport.h"
+#include "kaSegmentBounds.h"
+#include "kaSegmentPoints.h"
 
-#include <cstddef>
-
-/// One cubic Bézier segment between two keys in the (frame, value) plane, ready to be sampled by frame.
+/// One cubic Bézier segment between two keys in the (frame, value) plane, ready to be sampled by frame: by
+/// `kaSegmentIteration`, which reads nothing else. It fills a cache line.
 ///
-/// Within a segment the frame is no linear function of the curve parameter t, so t is solved for by the
-/// closed cubic formula in double precision. What depends on the segment alone is computed once here, by the
-/// very expressions that a sample would use, so that the result is the same float either way. A segment fills
-/// one cache line: what seldom counts is computed again where it does.
+/// Within a segment the frame is no linear function of the curve parameter t. What a sample is, is stated by
+/// a formula: the closed one for the roots of a cubic, in double precision, with its roundings, thresholds
+/// and order of roots; where that loses its digits, with the coefficient of t^3 below 1e-5, the one root
+/// inside the segment to full double precision. `kaSegmentFormula` takes these steps.
 ///
-/// The formula divides by the coefficient A of t^3 three times over, so that its digits cancel where A is
-/// nearly 0, which it is where the handles stand a third of the segment apart. Below 1e-5 in magnitude the
-/// time is solved for as a parabola that is slightly off: to full double precision, for A = 0, too.
+/// Nearly always the same float is had without them. Three steps of an iteration that costs the same for
+/// every kind of handle give a value with a proven bound on its distance from what the formula gives, the
+/// formula's own error included. Where all numbers within the bound are one float, that is the sample. The
+/// bound needs a time that never runs backwards.
 class alignas(64) kaSegment {
   public:
-    /// The four control points: key, its out handle, the next key's in handle, the next key.
-    struct Points {
-        float x0, y0, x1, y1, x2, y2, x3, y3;
-    };
+    using Points = kaSegmentPoints;
 
-    explicit kaSegment(const Points& points);
+    explicit kaSegment(const Points& points) : _points(points), _bounds(points) {}
 
     const Points& points() const { return _points; }
+    const kaSegmentBounds& bounds() const { return _bounds; }
 
     /// Whether the frame lies from this segment's first key on and before its second, which is not earlier.
     /// The answer is one comparison of two: of random frames either alone is as likely as not, which no
     /// processor foresees, and what it has begun of the next sample by then would be lost.
     bool holds(float frame) const { return (_points.x0 <= frame) != (_points.x3 <= frame); }
 
-    /// @param frame in [x0, x3].
-    /// @return whether `value` was written. For a segment of zero length: whether y0 differs from 0, nothing
-    ///         written.
-    bool sample(float frame, float& value) const;
-
-    /// Whether the frame is solved for by the cubic formula, as it is unless the handles stand on their keys
-    /// or nearly a third of the segment apart, or the segment has no length.
-    bool isCubic() const { return _a != 0.0; }
-
-    static constexpr std::size_t Side = 4;
-    /// `sample` of several cubic segments, each at its own frame: the same floats, and the steps of one are
-    /// taken while those of the others wait for their results.
-    static void sampleSideBySide(const kaSegment* const (&segments)[Side], const float (&frames)[Side],
-                                 float (&values)[Side], bool (&written)[Side]);
+    bool isIterated() const { return _bounds.isIterated(); }
 
   private:
-    /// What the time polynomial A t^3 + B t^2 + C t is reduced to by t = u - shift, shift = B/(3A), where A
-    /// is not 0: u^3 + p u + q = 0 with q = q0 - s/A.
-    struct Reduced {
-        double shift;
-        double q0;
-        double pThird3; ///< (p / 3)^3
-    };
-    /// The powers of t in the time polynomial as seen from one of the keys, t counted from there.
-    struct Powers {
-        double a;
-        double b;
-        double c;
-
-        double root(double s) const;
-    };
-
-    double length() const { return static_cast<double>(_points.x3) - static_cast<double>(_points.x0); }
-    bool isStep() const;
-    double squareCoefficient() const;
-    double linearCoefficient() const;
-    double p() const;
-
-    double positionOf(float frame) const;
-    double positionBefore(float frame) const;
-    Powers powersFromRight() const;
-    bool sampleWithoutFormula(float frame, float& value) const;
-    bool parameter(double q, double discriminant, double& t) const;
-    bool nearlyParabolicParameter(float frame, double& t) const;
-    bool nearlyDoubleRoot(double q, double& t) const;
-    bool threeRoots(double q, double& t) const;
-    double blend(double t) const;
-    bool write(double t, float& value) const;
-
-    Points _points{};
-    double _a = 0.0; ///< coefficient of t^3; 0 where the cubic formula is not used
-    union {
-        Reduced _reduced{}; ///< where `_a` is not 0
-        Powers _powers;     ///< from the left key, where it is 0
-    };
+    Points _points;
+    kaSegmentBounds _bounds;
 };
 
-/// `kaSegment(points).sample(frame, value)` for callers outside the library. The class itself stays inside,
+/// `kaSegmentFormula::sample` for callers outside the library. The class itself stays inside,
 /// where calls to it can be resolved at build time.
 KA_ANIMATION_API bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value);
