@@ -59,7 +59,7 @@ class HandlePlacer {
 };
 
 /// Whether a segment's time runs backwards somewhere, by more than the file's decimals can make it.
-bool turnsBack(const kaSegment::Points& p) {
+bool turnsBack(const kaSegmentPoints& p) {
     const double length = static_cast<double>(p.x3) - static_cast<double>(p.x0);
     // The derivative of the time polynomial, in Bernstein form.
     const double first = (static_cast<double>(p.x1) - static_cast<double>(p.x0)) / length;
@@ -127,7 +127,7 @@ class CurveChecker {
     }
 
     void checkSegment(const Element& curve, std::size_t left) {
-        const kaSegment::Points points = segmentBetween(_keys[left], _keys[left + 1]);
+        const kaSegmentPoints points = segmentBetween(_keys[left], _keys[left + 1]);
         const std::string place = "between frames " + frameText(points.x0) + " and " + frameText(points.x3) +
                                   " of curve " + std::to_string(curve.id);
         if (turnsBack(points))
@@ -138,7 +138,7 @@ class CurveChecker {
     }
 
     /// @param frame  set to the first one that was tried and has no value.
-    static bool isSolved(const kaSegment::Points& points, float& frame) {
+    static bool isSolved(const kaSegmentPoints& points, float& frame) {
         const double length = static_cast<double>(points.x3) - static_cast<double>(points.x0);
         for (int i = 1; i < mostTrials; ++i) {
             const double at = static_cast<double>(points.x0) + length * i / mostTrials;

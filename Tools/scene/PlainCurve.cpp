@@ -4,7 +4,7 @@
 
 namespace ka::tools {
 
-kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right) {
+kaSegmentPoints segmentBetween(const PlainKey& left, const PlainKey& right) {
     return {left.x, left.y, left.outX, left.outY, right.inX, right.inY, right.x, right.y};
 }
 

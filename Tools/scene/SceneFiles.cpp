@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <kaAnimationManager.h>
 #include <kaFileWriter.h>
-#include <kaXmlPreflight.h>
 #include <sstream>
 
 namespace ka::tools {
@@ -27,10 +26,8 @@ void expectContents(const std::string& file) {
         throw unreadable(file, "the file is empty");
 }
 
-/// Loading only says no; a second look says where and why.
 Failure whyUnreadable(const std::string& file) {
-    kaXmlPreflight::Fault fault;
-    kaXmlPreflight::readFile(QString::fromStdString(file), kaAnimationManager::getMaximumFileSize(), &fault);
+    const kaDocumentFault& fault = kaAnimationManager::getLoadFault();
     const std::string place =
         fault.line > 0 ? ":" + std::to_string(fault.line) + ":" + std::to_string(fault.column) : "";
     return unreadable(file + place, oneLine(fault.message));

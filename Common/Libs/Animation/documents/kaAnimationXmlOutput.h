@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kaAnimationExport.h"
-
 #include <QDomElement>
 #include <functional>
 #include <string>
@@ -9,7 +7,7 @@
 #include <vector>
 
 /// Receives elements as a writer describes them, from front to back. Names are ASCII, values Latin-1 bytes.
-class KA_ANIMATION_API kaAnimationXmlOutput {
+class kaAnimationXmlOutput {
   public:
     virtual ~kaAnimationXmlOutput() = default;
 
@@ -22,7 +20,7 @@ class KA_ANIMATION_API kaAnimationXmlOutput {
 };
 
 /// Makes a DOM element.
-class KA_ANIMATION_API kaAnimationXmlDomOutput final : public kaAnimationXmlOutput {
+class kaAnimationXmlDomOutput final : public kaAnimationXmlOutput {
   public:
     explicit kaAnimationXmlDomOutput(QDomDocument& document) : _document(document) {}
 
@@ -42,7 +40,7 @@ class KA_ANIMATION_API kaAnimationXmlDomOutput final : public kaAnimationXmlOutp
 
 /// Makes Latin-1 text: what `QDomDocument::toString(1)` gives for the same elements, with the attributes in
 /// the order in which they came.
-class KA_ANIMATION_API kaAnimationXmlTextOutput final : public kaAnimationXmlOutput {
+class kaAnimationXmlTextOutput final : public kaAnimationXmlOutput {
   public:
     /// Receives the text piece by piece.
     using Sink = std::function<void(std::string_view)>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/unordered/unordered_flat_set.hpp>
+#include <unordered_set>
 #include <vector>
 
 class kaAnimationObject;
@@ -23,7 +23,7 @@ class kaWatchedObjects {
     template <class Visit>
     void visit(Visit&& visit) const {
         for (kaAnimationObject* object : _objects)
-            if (_present.contains(object))
+            if (_present.count(object) > 0)
                 visit(*object);
     }
 
@@ -34,6 +34,6 @@ class kaWatchedObjects {
     static kaWatchedObjects* _newest;
 
     std::vector<kaAnimationObject*> _objects;
-    boost::unordered_flat_set<kaAnimationObject*> _present;
+    std::unordered_set<kaAnimationObject*> _present;
     kaWatchedObjects* _older;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kaAnimationExport.h"
+#include "kaSegmentPoints.h"
 
 #include <cstddef>
 
@@ -16,10 +16,7 @@
 /// time is solved for as a parabola that is slightly off: to full double precision, for A = 0, too.
 class alignas(64) kaSegment {
   public:
-    /// The four control points: key, its out handle, the next key's in handle, the next key.
-    struct Points {
-        float x0, y0, x1, y1, x2, y2, x3, y3;
-    };
+    using Points = kaSegmentPoints;
 
     explicit kaSegment(const Points& points);
 
@@ -86,7 +83,3 @@ class alignas(64) kaSegment {
         Powers _powers;     ///< from the left key, where it is 0
     };
 };
-
-/// `kaSegment(points).sample(frame, value)` for callers outside the library. The class itself stays inside,
-/// where calls to it can be resolved at build time.
-KA_ANIMATION_API bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value);

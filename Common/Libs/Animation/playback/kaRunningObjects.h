@@ -2,8 +2,8 @@
 
 #include "kaAnimationTypes.h"
 
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <map>
+#include <unordered_map>
 #include <vector>
 
 class kaAnimationObject;
@@ -32,5 +32,5 @@ class kaRunningObjects {
     void drop(const kaAnimationObject* object);
 
     Map _byID;
-    boost::unordered_flat_map<const kaAnimationObject*, unsigned int> _entryCounts;
+    std::unordered_map<const kaAnimationObject*, unsigned int> _entryCounts;
 };
