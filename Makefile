@@ -73,10 +73,8 @@ coverage: setup-coverage test-coverage ## line and branch coverage of the librar
 		--txt $(OUT)/coverage/module.txt --print-summary --fail-under-branch 90
 
 .PHONY: package package-check
-package: setup-package build-package ## Debian packages of libraries, headers and tools in out/packages/
-	rm -rf $(OUT)/packages
-	cd build/package && cpack -B $(abspath $(OUT))/packages
-	rm -rf $(OUT)/packages/_CPack_Packages
+package: setup-package ## Debian packages of libraries, headers and tools in out/packages/
+	JOBS=$(JOBS) scripts/package.sh $(OUT)/packages build/packages
 	ls -l $(OUT)/packages
 
 package-check: package setup-package-check ## install the packages in a bare system and use them there (root)

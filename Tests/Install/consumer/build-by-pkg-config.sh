@@ -13,5 +13,5 @@ folder=$(pkg-config --variable=includedir kaAnimation)/kaAnimation
 
 # As the README has it.
 # shellcheck disable=SC2046 # these are several words
-"$compiler" "$@" "$(dirname "$0")/main.cpp" "$program-headers.cpp" $(pkg-config --cflags --libs kaAnimation) -o "$program"
+"$compiler" "$@" -fPIC "$(dirname "$0")/main.cpp" "$program-headers.cpp" $(pkg-config --cflags --libs kaAnimation) -o "$program"
 LD_LIBRARY_PATH=$libraries "$program"
