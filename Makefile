@@ -20,16 +20,18 @@ help: ## list the commands
 	@sed -n 's/^\([a-z-]*\):.*## /\1\t/p' $(MAKEFILE_LIST) | expand -t 16
 
 .PHONY: demo
-demo: build-release ## import a real motion, play it and draw it into out/
+demo: setup ## import a real motion, play it and draw it into out/
+	@test -f build/release/build.ninja || cmake --preset release
+	cmake --build --preset release --target ka-anim
 	build/release/bin/ka-anim demo -o $(OUT)
 
 .PHONY: test
-test: test-release programme ## build everything, run all tests and the hardening programme: what CI runs
+test: test-release ## build everything, optimised, and run all tests
 
 # Seconds for each fuzzer.
 FUZZ_SECONDS ?= 60
 .PHONY: programme torture
-programme: test-sanitize build-release ## all tests under the sanitizers, fuzzers, random edits, locales, bad disks, valgrind
+programme: test-sanitize build-release ## further, as CI does: all tests under the sanitizers, fuzzers, random edits, locales, bad disks, valgrind
 	scripts/programme.sh build/sanitize build/release $(FUZZ_SECONDS)
 
 # Minutes for each fuzzer.
@@ -73,10 +75,8 @@ coverage: setup-coverage test-coverage ## line and branch coverage of the librar
 		--txt $(OUT)/coverage/module.txt --print-summary --fail-under-branch 90
 
 .PHONY: package package-check
-package: setup-package build-package ## Debian packages of libraries, headers and tools in out/packages/
-	rm -rf $(OUT)/packages
-	cd build/package && cpack -B $(abspath $(OUT))/packages
-	rm -rf $(OUT)/packages/_CPack_Packages
+package: setup-package ## Debian packages of libraries, headers and tools in out/packages/
+	JOBS=$(JOBS) scripts/package.sh $(OUT)/packages build/packages
 	ls -l $(OUT)/packages
 
 package-check: package setup-package-check ## install the packages in a bare system and use them there (root)

@@ -6,6 +6,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON) # the same program whatever folder it is built in
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
@@ -16,6 +17,7 @@ endif()
 option(KA_SANITIZE "Address and undefined-behaviour sanitizers, float casts included (clang)" OFF)
 option(KA_RELOCATABLE "Installed programs and libraries find each other wherever the prefix is moved" ON)
 option(KA_FUZZ "Build the fuzzers and let the libraries guide them (clang)" OFF)
+option(KA_WARNINGS_ARE_ERRORS "Warnings end the build; off where compilers that nobody has tried may come" ON)
 option(KA_COVERAGE "Line and branch coverage (g++)" OFF)
 
 find_program(KA_CCACHE ccache)
@@ -28,7 +30,7 @@ endif()
 function(ka_target_defaults target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wshadow -Wcast-align -Woverloaded-virtual -Wold-style-cast
-    -Wformat=2 -Werror)
+    -Wformat=2 $<$<BOOL:${KA_WARNINGS_ARE_ERRORS}>:-Werror>)
   # No contraction of a*b+c: a sample must be the same float whatever the compiler finds to fuse.
   target_compile_options(${target} PRIVATE -ffp-contract=off)
   if(KA_SANITIZE)
@@ -46,11 +48,12 @@ function(ka_target_defaults target)
   endif()
 endfunction()
 
-# ka_add_library(<target> EXPORT <name> SOURCES ... HEADERS ... [HEADER_BASE <folder>])
+# ka_add_library(<target> EXPORT <name> SYMBOLS <prefix>... SOURCES ... HEADERS ... [HEADER_BASE <folder>])
 #   a shared library lib<target>.so, alias ka::<name>. HEADERS are those that hosts include: found, and installed, by
-#   their path below HEADER_BASE, which is the current folder unless given.
+#   their path below HEADER_BASE, which is the current folder unless given. What is marked for export and whose name
+#   begins with a prefix, which is part of a mangled name, is exported.
 function(ka_add_library target)
-  cmake_parse_arguments(arg "" "EXPORT;HEADER_BASE" "SOURCES;HEADERS" ${ARGN})
+  cmake_parse_arguments(arg "" "EXPORT;HEADER_BASE" "SYMBOLS;SOURCES;HEADERS" ${ARGN})
   set(headers_at ${CMAKE_INSTALL_INCLUDEDIR}/kaAnimation)
   add_library(${target} SHARED ${arg_SOURCES})
   add_library(ka::${arg_EXPORT} ALIAS ${target})
@@ -58,7 +61,18 @@ function(ka_add_library target)
   target_compile_features(${target} PUBLIC cxx_std_17)
   target_sources(${target} PUBLIC
     FILE_SET HEADERS BASE_DIRS ${CMAKE_CURRENT_SOURCE_DIR}/${arg_HEADER_BASE} FILES ${arg_HEADERS})
+  set(node KA_${PROJECT_VERSION_MAJOR}.0)
+  set(patterns "")
+  foreach(name IN LISTS arg_SYMBOLS)
+    foreach(kind _Z _ZN _ZNK _ZZ _ZZN _ZZNK _ZGVZN _ZGVZNK _ZGVN _ZTI _ZTIN _ZTS _ZTSN _ZTV _ZTVN _ZTT _ZTTN _ZThn?_N
+                 _ZThn??_N _ZTv0_n??_N)
+      string(APPEND patterns "    ${kind}${name}*;\n")
+    endforeach()
+  endforeach()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/symbols.map.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.map @ONLY)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
   set_target_properties(${target} PROPERTIES
+    LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${target}.map
     EXPORT_NAME ${arg_EXPORT}
     INSTALL_RPATH "$<$<BOOL:${KA_RELOCATABLE}>:$ORIGIN>"
     VERSION ${PROJECT_VERSION}

@@ -77,6 +77,22 @@ under_valgrind() {
     return "$failed"
 }
 
+# The tool as a program of anybody's: built against installed headers and libraries, with no other file of the tree in sight
+# but those of its own folder.
+tool_from_prefix() {
+    local folder=$build/tool
+    rm -rf "$folder"
+    cmake --install "$release" --prefix "$folder/prefix" >/dev/null
+    rm "$folder/prefix/bin/ka-anim"
+    mkdir "$folder/sources"
+    cp -r "$here/Tools" "$here/cmake" "$folder/sources"
+    cmake -G Ninja -S "$folder/sources/Tools" -B "$folder/build" -D CMAKE_PREFIX_PATH="$folder/prefix" \
+        -D CMAKE_CXX_COMPILER=g++ -D CMAKE_INSTALL_PREFIX="$folder/prefix"
+    ninja -C "$folder/build" -j 1 install
+    "$folder/prefix/bin/ka-anim" demo -o "$folder/demo"
+}
+
+start tool-from-prefix tool_from_prefix
 for target in document scene bvh arguments; do
     start "fuzz-$target" fuzz "$target"
 done

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages of the given lists that are missing, and nothing else.
-# usage: setup.sh [LIST...]     a list has one package a line; default: packages.txt beside this script
+# usage: setup.sh [LIST...]     a list has one package a line, or alternatives with | between them, of which the first is
+#                                installed unless one of them is there; default: packages.txt beside this script
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -17,11 +18,15 @@ refuse() {
     exit 1
 }
 
-missing=("${wanted[@]}")
+missing=("${wanted[@]%%|*}")
 command -v dpkg-query >/dev/null || refuse "this is not a Debian system, so packages of these names have to be found for it"
 
-installed=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort -u) || true
-mapfile -t missing < <(comm -23 <(printf '%s\n' "${wanted[@]}") <(printf '%s\n' "$installed"))
+mapfile -t names < <(printf '%s\n' "${wanted[@]}" | tr '|' '\n')
+installed=$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${names[@]}" 2>/dev/null | sed -n 's/^installed //p') || true
+missing=()
+for line in "${wanted[@]}"; do
+    tr '|' '\n' <<<"$line" | grep -qxF -f <(echo "$installed") || missing+=("${line%%|*}")
+done
 [ ${#missing[@]} -gt 0 ] || exit 0
 
 as_root=()

@@ -1,5 +1,4 @@
 #include "TimeFixture.h"
-#include "kaObjectRegistry.h"
 
 #include <array>
 #include <cmath>
@@ -187,7 +186,7 @@ void UnrulyHost::connect(Object* source) {
 }
 
 void UnrulyHost::populate() {
-    while (kaObjectRegistry::the().size() < Objects * 4) { // each block has a curve and two keys
+    while (_manager->getObjectCount() < Objects * 4) { // each block has a curve and two keys
         Object* object = makeRandomObject();
         _tops.push_back(object->getId());
         connect(object);

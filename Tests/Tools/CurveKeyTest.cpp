@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <kaAnimationXmlNumber.h>
-#include <kaSegment.h>
+#include <kaSegmentPoints.h>
 #include <random>
 
 namespace ka::tools {

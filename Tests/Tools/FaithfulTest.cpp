@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 #include <kaAnimationManager.h>
-#include <kaAnimationXmlWriter.h>
+#include <kaAnimationXmlOutput.h>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools::testing {
@@ -122,7 +122,7 @@ DocumentOutline outlineOfProject() {
     DocumentOutline outline;
     kaAnimationXmlTextOutput text([](std::string_view) {});
     OutlineOutput output(text, outline);
-    kaAnimationXmlWriter(output).pool();
+    kaAnimationManager::the()->describeAnimations(output);
     return outline;
 }
 

@@ -39,7 +39,7 @@ TEST(FrameWithoutValue, IsFoundExactlyWhereSomeFloatOfTheSegmentHasNone) {
         const int length = frames(random);
         std::uniform_int_distribution<int> handle(-length / 4, length + length / 4);
         const auto at = [&](int steps) { return first + step * static_cast<float>(steps); };
-        const kaSegment::Points points{at(0),
+        const kaSegmentPoints points{at(0),
                                        static_cast<float>(value(random)),
                                        at(i % 5 == 0 ? 0 : handle(random)),
                                        static_cast<float>(value(random)),

@@ -82,7 +82,9 @@ class MarkedProgram {
         for (const std::string& word : arguments)
             words.push_back(const_cast<char*>(word.c_str()));
         words.push_back(nullptr);
-        char* environment[] = {_mark.data(), nullptr};
+        // Without /proc the loader does not know the folder that a program's libraries are named relative to.
+        std::string libraries = "LD_LIBRARY_PATH=" KA_ANIM_FOLDER "/../lib";
+        char* environment[] = {_mark.data(), libraries.data(), nullptr};
         if (chdir(folder.c_str()) == 0 && (!prepare || prepare()))
             execve(words[0], words.data(), environment);
         _exit(127);

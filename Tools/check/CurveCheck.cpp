@@ -39,7 +39,7 @@ class CurveChecker {
         _findings.push_back({element.line, 0, kindName(element.kind), std::to_string(element.id), message});
     }
 
-    void checkSegment(const Element& curve, const Element& left, const kaSegment::Points& points) {
+    void checkSegment(const Element& curve, const Element& left, const kaSegmentPoints& points) {
         const bool isTurning = turnsBack(points);
         const std::optional<float> frame = frameWithoutValue(points);
         if (!isTurning && !frame)

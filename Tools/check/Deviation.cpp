@@ -35,7 +35,7 @@ class Judge {
     }
 
   private:
-    void sampleSegment(const kaSegment::Points& points) {
+    void sampleSegment(const kaSegmentPoints& points) {
         const auto [low, high] = std::minmax({points.y0, points.y1, points.y2, points.y3});
         const double span = static_cast<double>(high) - static_cast<double>(low);
         const auto sample = [&](float frame) {

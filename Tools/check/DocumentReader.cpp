@@ -10,7 +10,7 @@
 #include <kaAnimationManager.h>
 #include <kaAnimationXmlNumber.h>
 #include <kaControlPoint2D.h>
-#include <kaXmlPreflight.h>
+#include <kaDocumentParser.h>
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
@@ -92,7 +92,7 @@ bool isNamedPipe(const std::string& path) {
            system.f_type != PIPEFS_MAGIC;
 }
 
-class Reader : public kaXmlPreflight::Visitor {
+class Reader : public kaDocumentParser::Visitor {
   public:
     Reader(DocumentOutline& outline, FindingList& findings) : _outline(outline), _findings(findings) {}
 
@@ -313,9 +313,9 @@ void readOutline(const std::string& path, DocumentOutline& outline, FindingList&
     if (isNamedPipe(path))
         throw unreadable(path, "not a plain file");
     Reader reader(outline, findings);
-    kaXmlPreflight::Fault fault;
-    if (kaXmlPreflight::visitFile(QString::fromStdString(path), kaAnimationManager::getMaximumFileSize(),
-                                  reader, &fault))
+    kaDocumentFault fault;
+    if (kaDocumentParser::visitFile(QString::fromStdString(path), kaAnimationManager::getMaximumFileSize(),
+                                    reader, &fault))
         return;
     if (fault.line == 0)
         throw unreadable(path, oneLine(fault.message));

@@ -22,7 +22,7 @@ struct TimePolynomial {
     double start = 0.0, length = 0.0;
     double A = 0.0, B = 0.0, C = 0.0;
 
-    explicit TimePolynomial(const kaSegment::Points& p)
+    explicit TimePolynomial(const kaSegmentPoints& p)
         : start(p.x0), length(static_cast<double>(p.x3) - static_cast<double>(p.x0)) {
         const double a = (static_cast<double>(p.x1) - start) / length;
         const double b = (static_cast<double>(p.x2) - start) / length;
@@ -69,21 +69,21 @@ struct TimePolynomial {
     }
 };
 
-bool isFinite(const kaSegment::Points& p) {
+bool isFinite(const kaSegmentPoints& p) {
     for (const float part : {p.x0, p.y0, p.x1, p.y1, p.x2, p.y2, p.x3, p.y3})
         if (!std::isfinite(part))
             return false;
     return true;
 }
 
-bool hasValue(const kaSegment::Points& points, float frame) {
+bool hasValue(const kaSegmentPoints& points, float frame) {
     float value = 0.0F;
     return kaSampleSegment(points, frame, value) && std::isfinite(value);
 }
 
 /// Frames evenly over the segment, its first key's before all others; moved to whole ones where there are
 /// any.
-std::vector<float> evenFrames(const kaSegment::Points& p) {
+std::vector<float> evenFrames(const kaSegmentPoints& p) {
     std::vector<float> frames{p.x0};
     const double length = static_cast<double>(p.x3) - static_cast<double>(p.x0);
     for (int i = 1; i < mostTrials; ++i) {
@@ -114,7 +114,7 @@ std::vector<float> framesAround(std::vector<double> frames) {
 
 } // namespace
 
-bool turnsBack(const kaSegment::Points& p) {
+bool turnsBack(const kaSegmentPoints& p) {
     const double length = static_cast<double>(p.x3) - static_cast<double>(p.x0);
     // The derivative of the time polynomial, in Bernstein form.
     const double first = (static_cast<double>(p.x1) - static_cast<double>(p.x0)) / length;
@@ -127,7 +127,7 @@ bool turnsBack(const kaSegment::Points& p) {
     return least < -(documentStep / length + 1e-6);
 }
 
-std::optional<float> frameWithoutValue(const kaSegment::Points& points) {
+std::optional<float> frameWithoutValue(const kaSegmentPoints& points) {
     const TimePolynomial time(points);
     const bool isStep =
         points.x1 == points.x0 && points.y1 == points.y0 && points.x2 == points.x3 && points.y2 == points.y3;

@@ -7,7 +7,6 @@
 #include "scene/Saving.h"
 
 #include <kaAnimationManager.h>
-#include <kaObjectRegistry.h>
 #include <memory>
 
 namespace ka::tools {
@@ -37,7 +36,7 @@ ExitCode convert(const ConvertOptions& options) {
     for (const std::string& name : {options.saved.scene, options.saved.animation})
         if (!name.empty())
             say("wrote " + name);
-    if (options.saved.animation.empty() && kaObjectRegistry::the().size() > 0)
+    if (options.saved.animation.empty() && kaAnimationManager::the()->getObjectCount() > 0)
         say("the animation was not written: name a document for it with --animation");
     return sayFaults(faults);
 }

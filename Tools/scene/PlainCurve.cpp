@@ -17,7 +17,7 @@ std::vector<PlainKey> plainKeys(const kaAnimationCurve2D& curve) {
     return keys;
 }
 
-kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right) {
+kaSegmentPoints segmentBetween(const PlainKey& left, const PlainKey& right) {
     return {left.x, left.y, left.outX, left.outY, right.inX, right.inY, right.x, right.y};
 }
 

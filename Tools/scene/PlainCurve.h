@@ -1,6 +1,6 @@
 #pragma once
 
-#include <kaSegment.h>
+#include <kaSegmentPoints.h>
 #include <optional>
 #include <vector>
 
@@ -17,7 +17,7 @@ struct PlainKey {
 std::vector<PlainKey> plainKeys(const kaAnimationCurve2D& curve);
 
 /// The segment between two keys, as the sampler takes it.
-kaSegment::Points segmentBetween(const PlainKey& left, const PlainKey& right);
+kaSegmentPoints segmentBetween(const PlainKey& left, const PlainKey& right);
 
 /// What `kaAnimationController::computeCurveValue` gives for a curve with these keys, for curves that are no
 /// longer or not yet registered. Cost: O(log n).

@@ -9,11 +9,10 @@
 #include <OpenSG/OSGSceneFileHandler.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationXmlOutput.h>
-#include <kaAnimationXmlWriter.h>
 #include <kaFile.h>
 #include <kaFileWriter.h>
-#include <kaObjectRegistry.h>
 #include <memory>
+#include <string_view>
 
 namespace ka::tools {
 
@@ -23,40 +22,15 @@ Failure outputFailed(const kaFileWriter& file) {
     return {ExitCode::OutputFailed, file.getError()};
 }
 
-/// A document's text that shows on the way how many of its elements have been written.
-class CountedOutput final : public kaAnimationXmlOutput {
-  public:
-    CountedOutput(kaAnimationXmlTextOutput& text, std::size_t elements)
-        : _text(text), _elements(elements), _progress("writing") {}
-
-    void beginElement(const char* tag) override {
-        if (++_depth == 2)
-            _progress.set(++_done, _elements);
-        _text.beginElement(tag);
-    }
-    void attribute(const char* name, std::string_view value) override { _text.attribute(name, value); }
-    void text(std::string_view text) override { _text.text(text); }
-    void endElement() override {
-        --_depth;
-        _text.endElement();
-    }
-
-  private:
-    kaAnimationXmlTextOutput& _text;
-    std::size_t _elements;
-    Progress _progress;
-    std::size_t _done = 0;
-    int _depth = 0;
-};
-
 /// @return the outline of what was written.
 DocumentOutline writeDocument(kaFileWriter& file) {
+    Progress progress("writing");
     kaAnimationXmlTextOutput text([&file](std::string_view piece) { file.write(piece); });
     text.documentType("ORVA");
-    CountedOutput counted(text, kaObjectRegistry::the().size() + kaObjectRegistry::the().fieldCount());
     DocumentOutline outline;
-    OutlineOutput output(counted, outline);
-    kaAnimationXmlWriter(output).pool();
+    OutlineOutput output(text, outline);
+    kaAnimationManager::the()->describeAnimations(
+        output, [&progress](std::size_t done, std::size_t total) { progress.set(done, total); });
     return outline;
 }
 

@@ -14,7 +14,6 @@
 #include <kaAnimationObject.h>
 #include <kaFileWriter.h>
 #include <kaLoadReport.h>
-#include <kaXmlPreflight.h>
 #include <sstream>
 
 namespace ka::tools {
@@ -55,10 +54,8 @@ void sayLeftOut() {
         say("... and " + counted(report.leftOutCount - mostLines, "more link") + " left out");
 }
 
-/// Loading only says no; a second look says where and why.
 Failure whyUnreadable(const std::string& file) {
-    kaXmlPreflight::Fault fault;
-    kaXmlPreflight::readFile(QString::fromStdString(file), kaAnimationManager::getMaximumFileSize(), &fault);
+    const kaDocumentFault& fault = kaAnimationManager::getLoadFault();
     const std::string place =
         fault.line > 0 ? ":" + std::to_string(fault.line) + ":" + std::to_string(fault.column) : "";
     return unreadable(file + place, oneLine(fault.message));

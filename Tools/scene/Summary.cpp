@@ -10,7 +10,6 @@
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaControlPoint2D.h>
-#include <kaObjectRegistry.h>
 #include <unordered_map>
 
 namespace ka::tools {
@@ -25,15 +24,15 @@ class Summarizer {
 
     ProjectSummary run() {
         addNodes();
-        const kaObjectRegistry& registry = kaObjectRegistry::the();
+        const kaAnimationManager& manager = *kaAnimationManager::the();
         for (unsigned int type = KA_TYPE_OBJECT; type < KA_TYPE_COUNT; ++type)
             if (type != KA_TYPE_POINT)
-                for (const auto& [id, object] : registry.byType(type))
+                for (kaAnimationObject* object : manager.getObjects(type))
                     addObject(*object);
         for (std::size_t i = 0; i < _summary.objects.size(); ++i)
             connect(i);
-        _summary.keys = registry.size() - _summary.objects.size();
-        _summary.fields = registry.fieldCount();
+        _summary.keys = manager.getObjectCount() - _summary.objects.size();
+        _summary.fields = manager.getFieldCount();
         return std::move(_summary);
     }
 

@@ -23,7 +23,7 @@ class KA_ANIMATION_API kaAnimationField {
     /// Records made one after the other lie side by side, wherever else memory went meanwhile: every frame
     /// walks through them. The memory of freed ones is kept for others.
     static void* operator new(std::size_t size);
-    static void operator delete(void* record, std::size_t size) noexcept;
+    static void operator delete(void* record, std::size_t size) noexcept; ///< Takes what `new` gave.
 
     kaUID getId() const { return _id; } ///< The id that curves and nodes name it by.
     /// Stored as given, without the registry: `kaAnimationManager::setID` keeps that in step.
@@ -38,7 +38,8 @@ class KA_ANIMATION_API kaAnimationField {
     // What every evaluation reads comes first: it fills one cache line.
 
     alignas(64) kaUID _id;
-    std::unique_ptr<kaFieldBinding, BindingDeleter> _binding; ///< what the last write resolved, checked before each use
+    std::unique_ptr<kaFieldBinding, BindingDeleter>
+        _binding; ///< what the last write resolved, checked before each use
 
   public:
     kaUID fcID = 0;     ///< container id; only the low 32 bits are looked up

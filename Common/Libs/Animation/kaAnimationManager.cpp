@@ -60,8 +60,8 @@ kaAnimationManager::kaAnimationManager()
       _copyBuffer(std::make_unique<kaCopyBuffer>()) {
     kaObjectRegistry::the(); // made first, it outlives this
     managerAlive = true;
-    kaObjectStore::hooks = {&leaveNode,
-                            [](const std::vector<kaUID>& connections) { the()->executeTriggers(connections); }};
+    kaObjectStore::hooks = {
+        &leaveNode, [](const std::vector<kaUID>& connections) { the()->executeTriggers(connections); }};
     kaObjectStore::addForgetter(&forget);
 }
 
@@ -112,9 +112,9 @@ kaAnimationObject* kaAnimationManager::getObject(unsigned long long id) const {
 }
 
 kaAnimationObject* kaAnimationManager::getObject(const std::string& name) const {
-    return name.empty() ? nullptr : kaObjectRegistry::the().smallestID([&name](const kaAnimationObject& object) {
-        return object.getName() == name;
-    });
+    return name.empty() ? nullptr
+                        : kaObjectRegistry::the().smallestID(
+                              [&name](const kaAnimationObject& object) { return object.getName() == name; });
 }
 
 bool kaAnimationManager::isObjectNameUnique(const std::string& name) const {
@@ -156,6 +156,25 @@ std::map<unsigned long long, kaAnimationObject*> kaAnimationManager::getObjects(
 
 std::map<unsigned long long, kaAnimationField*> kaAnimationManager::getFields() const {
     return kaObjectRegistry::the().fields();
+}
+
+std::vector<kaAnimationObject*> kaAnimationManager::getObjects(unsigned int type) const {
+    std::vector<kaAnimationObject*> objects;
+    if (type >= KA_TYPE_COUNT)
+        return objects;
+    const auto entries = kaObjectRegistry::the().ofType(type);
+    objects.reserve(entries.size());
+    for (const auto& entry : entries)
+        objects.push_back(entry.second);
+    return objects;
+}
+
+std::size_t kaAnimationManager::getObjectCount() const {
+    return kaObjectRegistry::the().size();
+}
+
+std::size_t kaAnimationManager::getFieldCount() const {
+    return kaObjectRegistry::the().fieldCount();
 }
 
 // Creation.

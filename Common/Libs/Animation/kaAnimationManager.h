@@ -2,6 +2,7 @@
 
 #include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
+#include "kaDocumentParser.h"
 
 #include <OpenSG/OSGAction.h>
 #include <OpenSG/OSGAnimationAttachment.h>
@@ -14,9 +15,12 @@
 #include <QDomDocument>
 #include <QObject>
 #include <QString>
+#include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class QWidget;
@@ -27,6 +31,7 @@ class kaAnimationSequence;
 class kaAnimationStreak;
 class kaAnimationStrip;
 class kaAnimationUnit;
+class kaAnimationXmlOutput;
 class kaConnections;
 class kaControlPoint2D;
 class kaCopyBuffer;
@@ -94,6 +99,11 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// @}
     std::map<unsigned long long, kaAnimationObject*> getObjects() const; ///< A copy: O(n log n).
     std::map<unsigned long long, kaAnimationField*> getFields() const;   ///< A copy: O(n).
+    /// The registered objects of one type (`KA_TYPE_...`) in ascending id order; none for another number.
+    /// Cost: O(n of that type); for keys O(n log n).
+    std::vector<kaAnimationObject*> getObjects(unsigned int type) const;
+    std::size_t getObjectCount() const; ///< Registered objects, keys included. Cost: constant.
+    std::size_t getFieldCount() const;  ///< Cost: constant.
 
     /// @name Creation
     /// @{
@@ -355,6 +365,19 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// above, which takes them as Latin-1: outside ASCII the file gets another name than the one chosen.
     /// @return false when the question was cancelled or `kaFile::checkWrite` refuses the file.
     bool saveAnimations(QWidget* parent);
+
+    /// Receives a document's text piece by piece.
+    using DocumentSink = std::function<void(std::string_view)>;
+    /// Is told before each element how many are written with it, of how many.
+    using DocumentProgress = std::function<void(std::size_t done, std::size_t total)>;
+    /// The document that `saveAnimations` writes, to anything that takes text. Changes and prints nothing.
+    /// @param sink gets Latin-1 text; what it throws comes back to the caller.
+    /// @param progress may be null. @note Neither may change the registry.
+    void writeAnimations(const DocumentSink& sink, const DocumentProgress& progress = nullptr) const;
+    /// The same document, element by element and without its type, for callers that look at what is written or
+    /// keep it in a form of their own.
+    void describeAnimations(kaAnimationXmlOutput& output, const DocumentProgress& progress = nullptr) const;
+
     /// Adds a document to the registry; nothing registered goes. Ids that are taken are replaced by fresh
     /// ones, while references go on to mean the ids as written: a document that is loaded twice connects its
     /// first set again and leaves the second unconnected. Keys that are not `TANGENT_USER` get their handles
@@ -374,6 +397,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     ///       aside.
     bool loadAnimations(const QString& source, bool isFile);
     bool loadAnimations(QWidget* parent); ///< Asks for the file.
+    /// Why the last `loadAnimations` gave false, and where; an empty message after one that gave true.
+    static const kaDocumentFault& getLoadFault();
 
     /// Largest file, in bytes, that loading accepts; default 1 GiB.
     static void setMaximumFileSize(unsigned long long bytes);

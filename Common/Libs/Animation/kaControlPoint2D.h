@@ -45,7 +45,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
 
     /// Keys stand side by side, so that walks and edits of long curves find them fast.
     static void* operator new(std::size_t size);
-    static void operator delete(void* memory) noexcept;
+    static void operator delete(void* memory) noexcept; ///< Takes what `new` gave.
 
     void setBegin(float x) override;
     void setEnd(float x) override;

@@ -8,14 +8,14 @@
 /// handles are stored once, any other name is owned.
 class KA_ANIMATION_API kaObjectName {
   public:
-    kaObjectName(); ///< "Unnamed"
-    explicit kaObjectName(const std::string& text);
-    kaObjectName(const kaObjectName& other);
-    kaObjectName(kaObjectName&& other) noexcept;
-    kaObjectName& operator=(kaObjectName other) noexcept;
+    kaObjectName();                                       ///< "Unnamed"
+    explicit kaObjectName(const std::string& text);       ///< Any text, empty too.
+    kaObjectName(const kaObjectName& other);              ///< The same text.
+    kaObjectName(kaObjectName&& other) noexcept;          ///< Leaves "Unnamed" behind.
+    kaObjectName& operator=(kaObjectName other) noexcept; ///< Takes the text.
     ~kaObjectName();
 
-    const std::string& text() const { return *_text; }
+    const std::string& text() const { return *_text; } ///< Valid until the name is assigned to.
 
   private:
     const std::string* _text;

@@ -3,10 +3,10 @@
 #include "kaHostUtilsExport.h"
 
 #include <boost/any.hpp>
-#include <boost/container/small_vector.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 /// A named message: values of any type under text keys, in the order in which they were first set.
 ///
@@ -14,8 +14,8 @@
 /// (two or three values), so keys are found by walking them.
 class KA_HOSTUTILS_API kaMessage {
   public:
-    using Entry = std::pair<std::string, boost::any>;         ///< key and value
-    using Entries = boost::container::small_vector<Entry, 2>; ///< in the order in which keys were first set
+    using Entry = std::pair<std::string, boost::any>; ///< key and value
+    using Entries = std::vector<Entry>;               ///< in the order in which keys were first set
 
     kaMessage() = default;
     /// A message of that name, without values.
@@ -39,6 +39,8 @@ class KA_HOSTUTILS_API kaMessage {
     /// compared exactly: an int is not found as a float.
     template <class T>
     const T* get(std::string_view key) const {
+        static_assert(sizeof(T) == 0 || tellsTypesApart,
+                      "values are told apart by run-time type information");
         return boost::any_cast<T>(get(key));
     }
 
@@ -46,6 +48,12 @@ class KA_HOSTUTILS_API kaMessage {
     const Entries& getEntries() const { return _entries; }
 
   private:
+#if defined(__GNUC__) && !defined(__GXX_RTTI)
+    static constexpr bool tellsTypesApart = false;
+#else
+    static constexpr bool tellsTypesApart = true;
+#endif
+
     Entry* find(std::string_view key);
 
     std::string _name;

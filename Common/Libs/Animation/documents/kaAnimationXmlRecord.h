@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kaAnimationExport.h"
-
 #include <QString>
 #include <array>
 #include <cstddef>
@@ -63,7 +61,7 @@ struct kaAnimationXmlElement {
 /// Elements are recorded from front to back: `beginElement`, its attributes, each of its children with
 /// `beginChild`, `childID` and `childText`, and `endElement`. Of an attribute recorded twice the last value
 /// stands. Characters outside Latin-1 become '?'.
-class KA_ANIMATION_API kaAnimationXmlRecord {
+class kaAnimationXmlRecord {
   public:
     /// The attribute of that name, `Count` for a name that no reader looks at.
     static kaXmlAttribute attributeNamed(const QString& name);

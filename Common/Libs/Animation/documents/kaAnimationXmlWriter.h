@@ -1,7 +1,5 @@
 #pragma once
 
-#include "kaAnimationExport.h"
-
 class kaAnimationCurve2D;
 class kaAnimationField;
 class kaAnimationObject;
@@ -16,7 +14,7 @@ class kaControlPoint2D;
 ///
 /// A null argument gives the bare element. A coordinate that is not finite is written as "nan", "inf" or
 /// "-inf", which a reader does not take for a number: it comes back as 0.
-class KA_ANIMATION_API kaAnimationXmlWriter {
+class kaAnimationXmlWriter {
   public:
     explicit kaAnimationXmlWriter(kaAnimationXmlOutput& output) : _output(output) {}
 

@@ -280,15 +280,15 @@ std::optional<kaAnimationXmlRecord> kaXmlPreflight::readFile(const QString& name
                                                              unsigned long long maximumSize, Fault* fault) {
     kaAnimationXmlRecord record;
     Recorder recorder(record);
-    if (!visitFile(name, maximumSize, recorder, fault))
+    if (!kaDocumentParser::visitFile(name, maximumSize, recorder, fault))
         return std::nullopt;
     return record;
 }
 
-bool kaXmlPreflight::visitFile(const QString& name, unsigned long long maximumSize, Visitor& visitor,
-                               Fault* fault) {
-    Fault ignored;
-    Fault& reason = fault ? *fault : ignored;
+bool kaDocumentParser::visitFile(const QString& name, unsigned long long maximumSize, Visitor& visitor,
+                                 kaDocumentFault* fault) {
+    kaDocumentFault ignored;
+    kaDocumentFault& reason = fault ? *fault : ignored;
     QFile file(name);
     if (!file.open(QIODevice::ReadOnly)) {
         reason = {file.errorString().toStdString(), 0, 0};

@@ -3,8 +3,8 @@
 #include "kaAnimationTypes.h"
 #include "kaNesting.h"
 
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <map>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -48,6 +48,6 @@ class kaConnections : public kaConnectionTypes {
 
     ObjectMap _objects;
     FunctionMap _functions;
-    boost::unordered_flat_map<kaAnimationObject*, std::vector<kaUID>> _byTarget;
+    std::unordered_map<kaAnimationObject*, std::vector<kaUID>> _byTarget;
     kaNesting::Depth _depth;
 };

@@ -4,7 +4,7 @@
 #include <iterator>
 
 void kaCopyBuffer::append(kaAnimationObject& object) {
-    if (_places.contains(&object))
+    if (_places.count(&object) > 0)
         return;
     _objects.push_back(nullptr); // an empty place does no harm should the next line fail
     _places.emplace(&object, _objects.size() - 1);

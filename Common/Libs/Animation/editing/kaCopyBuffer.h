@@ -1,7 +1,7 @@
 #pragma once
 
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
+#include <unordered_map>
 #include <vector>
 
 class kaAnimationObject;
@@ -33,5 +33,5 @@ class kaCopyBuffer {
     void vacate(kaAnimationObject* object);
 
     std::vector<kaAnimationObject*> _objects; ///< null where the object is gone
-    boost::unordered_flat_map<kaAnimationObject*, std::size_t> _places;
+    std::unordered_map<kaAnimationObject*, std::size_t> _places;
 };

@@ -2,10 +2,10 @@
 
 #include "kaAnimationTypes.h"
 
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,9 +32,8 @@ class kaEvaluation {
     ~kaEvaluation();
 
     bool computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value);
-    void collectCurvesWithFrame(kaAnimationObject* object, float frame,
-                                CurveFrames& finished, CurveFrames& running, CurveFrames& upcoming,
-                                bool motionBlurOnly);
+    void collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished,
+                                CurveFrames& running, CurveFrames& upcoming, bool motionBlurOnly);
     bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
@@ -46,7 +45,7 @@ class kaEvaluation {
     kaEvaluationPlan& planOf(const kaAnimationObject& object);
     void sweepPlans();
 
-    boost::unordered_flat_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
+    std::unordered_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
     std::uint64_t _uses = 0;
     std::size_t _orphans = 0; ///< plans of objects that have gone since the last sweep
     std::size_t _plansAtSweep; ///< how many there are when those that are not used any more are looked for

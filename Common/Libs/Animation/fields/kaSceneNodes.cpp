@@ -1,7 +1,7 @@
 #include "kaSceneNodes.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
-#include <boost/unordered/unordered_flat_set.hpp>
+#include <unordered_set>
 
 osg::NodePtr kaSceneNodes::find(osg::UInt32 id) {
     return osg::NodePtr::dcast(osg::FieldContainerFactory::the()->getContainer(id));
@@ -13,7 +13,7 @@ osg::UInt32 kaSceneNodes::idOf(const osg::NodePtr& node) {
 
 std::vector<osg::UInt32> kaSceneNodes::below(const osg::NodePtr& root) {
     std::vector<osg::UInt32> ids;
-    boost::unordered_flat_set<osg::UInt32> seen;
+    std::unordered_set<osg::UInt32> seen;
     std::vector<osg::NodePtr> pending{root};
     while (!pending.empty()) {
         const osg::NodePtr node = pending.back();

@@ -5,8 +5,8 @@
 #include "kaLegacyContainers.h"
 #include "kaLegacySize.h"
 
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
+#include <unordered_set>
 
 class kaAnimationCurve2D;
 class kaAnimationObject;
@@ -75,7 +75,7 @@ class kaLegacyImport {
     bool mayRepeat(osg::UInt32 id, std::size_t weight, const char* kind, const std::string& name);
 
     kaImportReport _report;
-    boost::unordered_flat_set<osg::UInt32> _open; ///< clips and tracks being converted
-    boost::unordered_flat_set<osg::UInt32> _seen;
+    std::unordered_set<osg::UInt32> _open; ///< clips and tracks being converted
+    std::unordered_set<osg::UInt32> _seen;
     std::size_t _repeatsLeft;
 };

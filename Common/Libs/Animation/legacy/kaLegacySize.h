@@ -2,8 +2,8 @@
 
 #include "kaLegacyContainers.h"
 
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
+#include <unordered_set>
 
 /// How much animation of the older format there is: containers that can be reached, each counted once however
 /// often it is listed, `NameBytesPerContainer` of a name counting as one.
@@ -30,6 +30,6 @@ class kaLegacySize {
     void countName(const std::string& name) { _count += name.size() / NameBytesPerContainer; }
 
     std::size_t _count = 0;
-    boost::unordered_flat_set<osg::UInt32> _seen;
+    std::unordered_set<osg::UInt32> _seen;
     kaContainerIDs _pending;
 };

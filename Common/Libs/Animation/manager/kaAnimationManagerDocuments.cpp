@@ -26,22 +26,44 @@ QString askWithDialog(QWidget* parent, const QString& title, const QString& filt
                   : QFileDialog::getOpenFileName(parent, title, QString(), filter);
 }
 
+kaDocumentFault loadFault;
+
 kaAnimationManager::AskFileName askFileName = askWithDialog;
 
 void announceSaving() {
     std::printf("creating animation xml...\n");
 }
 
-/// Writes the whole registry as Latin-1 text, piece by piece.
-void writeDocument(kaAnimationXmlTextOutput::Sink sink) {
-    kaAnimationXmlTextOutput output(std::move(sink));
-    output.documentType("ORVA");
-    kaAnimationXmlWriter(output).pool();
-}
-
 void noteTakenID(kaUID from, kaUID to) {
     kaAnimationManager::the()->changeAnimAttachmentIDs(from, to);
 }
+
+/// Tells how many of a document's elements have begun.
+class CountedOutput final : public kaAnimationXmlOutput {
+  public:
+    CountedOutput(kaAnimationXmlOutput& output, std::size_t total,
+                  const kaAnimationManager::DocumentProgress& progress)
+        : _output(output), _total(total), _progress(progress) {}
+
+    void beginElement(const char* tag) override {
+        if (++_depth == 2) // the root's children
+            _progress(++_done, _total);
+        _output.beginElement(tag);
+    }
+    void attribute(const char* name, std::string_view value) override { _output.attribute(name, value); }
+    void text(std::string_view text) override { _output.text(text); }
+    void endElement() override {
+        --_depth;
+        _output.endElement();
+    }
+
+  private:
+    kaAnimationXmlOutput& _output;
+    std::size_t _total;
+    const kaAnimationManager::DocumentProgress& _progress;
+    std::size_t _done = 0;
+    int _depth = 0;
+};
 
 /// The element that one of the writer's operations describes.
 template <class Describe, class Object>
@@ -117,7 +139,7 @@ QString kaAnimationManager::createAnimationXML() {
     announceSaving();
     QString text;
     try {
-        writeDocument([&text](std::string_view piece) {
+        writeAnimations([&text](std::string_view piece) {
             text += QLatin1String(piece.data(), static_cast<int>(piece.size()));
         });
     } catch (const std::bad_alloc&) {
@@ -126,13 +148,26 @@ QString kaAnimationManager::createAnimationXML() {
     return text;
 }
 
+void kaAnimationManager::writeAnimations(const DocumentSink& sink, const DocumentProgress& progress) const {
+    kaAnimationXmlTextOutput text(sink);
+    text.documentType("ORVA");
+    describeAnimations(text, progress);
+}
+
+void kaAnimationManager::describeAnimations(kaAnimationXmlOutput& output, const DocumentProgress& progress) const {
+    if (!progress)
+        return kaAnimationXmlWriter(output).pool();
+    CountedOutput counted(output, getObjectCount() + getFieldCount(), progress);
+    kaAnimationXmlWriter(counted).pool();
+}
+
 bool kaAnimationManager::saveAnimations(const char* path) {
     announceSaving();
     try {
         QFile file(QString::fromLatin1(path));
         if (file.fileName().isEmpty() || !file.open(QIODevice::WriteOnly))
             return false;
-        writeDocument(
+        writeAnimations(
             [&file](std::string_view piece) { file.write(piece.data(), static_cast<qint64>(piece.size())); });
         file.close();
         return true;
@@ -195,13 +230,23 @@ void kaAnimationManager::setAskFileNameCB(AskFileName callback) {
 }
 
 bool kaAnimationManager::loadAnimations(const QString& source, bool isFile) {
-    if (source.isEmpty())
+    loadFault = {};
+    if (source.isEmpty()) {
+        loadFault.message = isFile ? "no file is named" : "the text is empty";
         return false;
+    }
     const std::optional<kaAnimationXmlRecord> record =
-        isFile ? kaXmlPreflight::readFile(source, maximumFileSize) : kaXmlPreflight::readText(source);
-    if (record)
-        makeObjects(*this, *record);
-    return record.has_value();
+        isFile ? kaXmlPreflight::readFile(source, maximumFileSize, &loadFault)
+               : kaXmlPreflight::readText(source, &loadFault);
+    if (!record)
+        return false;
+    makeObjects(*this, *record);
+    loadFault = {}; // whatever a callback loaded meanwhile
+    return true;
+}
+
+const kaDocumentFault& kaAnimationManager::getLoadFault() {
+    return loadFault;
 }
 
 bool kaAnimationManager::loadAnimations(QWidget* parent) {

@@ -7,8 +7,8 @@
 #include "kaWeakSlots.h"
 
 #include <algorithm>
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <new>
+#include <unordered_set>
 
 // What an object has below it, its beginning and its end with all of that, and whom it tells of changes.
 
@@ -56,7 +56,7 @@ bool holdsContainers(const kaAnimationObject& object) {
 /// Levels below `object` down to a leaf, itself included; counted no further than one too many. Goes down one
 /// level at a time, through tracks and clips, each of which is met once and stands in `seen` then.
 unsigned int heightOf(const kaAnimationObject& object,
-                      boost::unordered_flat_set<const kaAnimationObject*>& seen) {
+                      std::unordered_set<const kaAnimationObject*>& seen) {
     if (!holdsContainers(object))
         return heightOfLeaf(object.getTypeID());
     unsigned int height = 1;
@@ -304,7 +304,7 @@ bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int l
             return false;
     }
     // A track that stands in two lists has one parent only, so the other lies below it without being above.
-    boost::unordered_flat_set<const kaAnimationObject*> below;
+    std::unordered_set<const kaAnimationObject*> below;
     const unsigned int height = heightOf(object, below);
     return below.count(this) == 0 && depth + levelsBetween + height <= KA_MAX_DEPTH;
 }

@@ -30,9 +30,12 @@ Entered& objectsByDependent() {
 } // namespace
 
 void kaDependents::enter(const kaAnimationObject& object, kaDependent& dependent, std::uint32_t place) {
-    objectsByDependent()[&dependent].push_back(&object); // one too many does no harm should the next line fail
-    linksByObject()[&object].push_back({&dependent, place});
+    // Whatever of this fails for want of memory, an object with an entry says so when it goes, and one object too many
+    // to be left does no harm.
+    objectsByDependent()[&dependent].push_back(&object);
+    std::vector<Link>& links = linksByObject()[&object];
     object._hasDependents = true;
+    links.push_back({&dependent, place});
 }
 
 void kaDependents::leave(kaDependent& dependent) noexcept {

@@ -2,8 +2,8 @@
 
 #include "kaAnimationTypes.h"
 
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -22,7 +22,7 @@ class kaDescentPath {
     std::size_t size() const { return _open.size(); }
 
   private:
-    boost::unordered_flat_set<const kaAnimationObject*> _open;
+    std::unordered_set<const kaAnimationObject*> _open;
 };
 
 /// One level of a walk that goes down by calling itself; lives on the stack. False where the path refuses.
@@ -90,7 +90,7 @@ class kaDescent {
 
     kaDescentPath& _path;
     std::vector<std::pair<Object*, Level>> _levels;
-    boost::unordered_flat_set<const kaAnimationObject*> _seen;
+    std::unordered_set<const kaAnimationObject*> _seen;
 };
 
 /// Children of one level, to be gone through.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
 #include "kaIDTable.h"
 
@@ -15,10 +14,10 @@ class kaAnimationField;
 class kaAnimationObject;
 
 /// Objects and fields by id, and the source of fresh ids. Finding goes through an index; everything but the
-/// keys, which are few kinds of few objects, also stands in ordered maps by type, so that walks visit only what
-/// they ask for. Owns nothing and looks behind no pointer: what it has to know of an object or a field, its
-/// callers tell it (`kaObjectStore`, `kaFieldStore`).
-class KA_ANIMATION_API kaObjectRegistry {
+/// keys, which are few kinds of few objects, also stands in ordered maps by type, so that walks visit only
+/// what they ask for. Owns nothing and looks behind no pointer: what it has to know of an object or a field,
+/// its callers tell it (`kaObjectStore`, `kaFieldStore`).
+class kaObjectRegistry {
   public:
     using Entry = std::pair<kaUID, kaAnimationObject*>;
 

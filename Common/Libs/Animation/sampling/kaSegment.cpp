@@ -4,6 +4,6 @@
 
 static_assert(sizeof(kaSegment) == 64, "one cache line");
 
-bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value) {
+bool kaSampleSegment(const kaSegmentPoints& points, float frame, float& value) {
     return kaSegmentFormula::sample(points, frame, value);
 }

@@ -36,7 +36,3 @@ class alignas(64) kaSegment {
     Points _points;
     kaSegmentBounds _bounds;
 };
-
-/// `kaSegmentFormula::sample` for callers outside the library. The class itself stays inside,
-/// where calls to it can be resolved at build time.
-KA_ANIMATION_API bool kaSampleSegment(const kaSegment::Points& points, float frame, float& value);

@@ -7,7 +7,7 @@
 #include "kaObjectStore.h"
 #include "kaSceneNodes.h"
 
-#include <boost/unordered/unordered_flat_set.hpp>
+#include <unordered_set>
 
 namespace {
 
@@ -84,7 +84,7 @@ std::vector<kaUID> kaSceneSync::unreferencedFields() const {
 
 /// Walks with a list of its own, so that a deep scene is no matter of the stack, and meets every node once.
 void kaSceneSync::destroyNodeObjects(const osg::NodePtr& node, bool recursive) {
-    boost::unordered_flat_set<osg::UInt32> seen;
+    std::unordered_set<osg::UInt32> seen;
     std::vector<osg::UInt32> pending{kaSceneNodes::idOf(node)};
     while (!pending.empty()) {
         const osg::UInt32 id = pending.back();

@@ -6,6 +6,7 @@
 #include <OpenSG/OSGSField.h>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -96,6 +97,17 @@ class KA_SCENEGRAPH_API FieldContainer {
     /// of it.
     std::unique_ptr<std::vector<FieldContainerPtr>> _kept;
 };
+
+/// Asks the container for its type, not the compiler: a host may be compiled without run-time type
+/// information.
+template <class BasePtrT, class ContainerT>
+FCPtr<BasePtrT, ContainerT> FCPtr<BasePtrT, ContainerT>::dcast(const FieldContainerPtr& handle) {
+    FieldContainer* container = handle.getCPtr();
+    if (container == nullptr ||
+        !std::as_const(*container).getType().isDerivedFrom(ContainerT::getClassType()))
+        return {};
+    return FCPtr(static_cast<ContainerT*>(container));
+}
 
 /// Lets the declaration of a type reach the constructors of its class; see declareType.
 struct ContainerAccess {

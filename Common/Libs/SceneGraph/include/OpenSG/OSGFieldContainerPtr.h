@@ -151,9 +151,7 @@ class KA_SCENEGRAPH_API FCPtr : public BasePtrT {
     explicit FCPtr(ContainerT* container) : BasePtrT(container) {}
 
     /// The same container as the handle of this type; null when it is of another type or `handle` is null.
-    static FCPtr dcast(const FieldContainerPtr& handle) {
-        return FCPtr(dynamic_cast<ContainerT*>(handle.getCPtr()));
-    }
+    static FCPtr dcast(const FieldContainerPtr& handle); // defined with the containers
 
     ContainerT* operator->() const { return static_cast<ContainerT*>(this->checked()); }
     ContainerT& operator*() const { return *static_cast<ContainerT*>(this->checked()); }

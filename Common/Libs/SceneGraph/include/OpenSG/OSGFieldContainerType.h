@@ -1,7 +1,6 @@
 #pragma once
 
 #include <OpenSG/OSGFieldDescription.h>
-#include <deque>
 #include <initializer_list>
 #include <vector>
 
@@ -74,7 +73,7 @@ class KA_SCENEGRAPH_API FieldContainerType : public DataType {
     FieldContainerType* _parent;
     Kind _kind;
     Makers _makers;
-    std::deque<FieldDescription> _own;
+    std::vector<FieldDescription> _own; ///< never grows: `_all` points into it
     std::vector<FieldDescription*> _all;
     FieldContainerPtr _prototype;
 };

@@ -22,7 +22,7 @@ void kaRunningObjects::insert(kaAnimationObject& object) {
     if (!isNew)
         return;
     try {
-        _entries[&object].push_back(object.getId());
+        _entries.emplace(&object, object.getId());
     } catch (...) {
         _byID.erase(entry);
         throw;
@@ -33,11 +33,8 @@ void kaRunningObjects::erase(kaUID id) {
     const auto found = _byID.find(id);
     if (found == _byID.end())
         return;
-    const auto entries = _entries.find(found->second);
-    auto& ids = entries->second;
-    ids.erase(std::find(ids.begin(), ids.end(), id));
-    if (ids.empty())
-        _entries.erase(entries);
+    const auto entries = _entries.equal_range(found->second);
+    _entries.erase(std::find_if(entries.first, entries.second, [id](const auto& entry) { return entry.second == id; }));
     _byID.erase(found);
 }
 
@@ -47,10 +44,8 @@ void kaRunningObjects::clear() {
 }
 
 void kaRunningObjects::drop(const kaAnimationObject* object) {
-    const auto entries = _entries.find(object);
-    if (entries == _entries.end())
-        return;
-    for (kaUID id : entries->second)
-        _byID.erase(id);
-    _entries.erase(entries);
+    const auto entries = _entries.equal_range(object);
+    for (auto entry = entries.first; entry != entries.second; ++entry)
+        _byID.erase(entry->second);
+    _entries.erase(entries.first, entries.second);
 }

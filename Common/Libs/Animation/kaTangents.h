@@ -8,8 +8,8 @@ class kaControlPoint2D;
 
 /// Where the two handles of a key go.
 struct kaHandles {
-    osg::Pnt2f in;
-    osg::Pnt2f out;
+    osg::Pnt2f in;  ///< the one before the key
+    osg::Pnt2f out; ///< the one after it
 };
 
 /// Places the handles of `key` between its neighbours on the curve, of which at most one may be null, by the

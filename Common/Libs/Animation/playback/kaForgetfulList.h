@@ -1,8 +1,9 @@
 #pragma once
 
 #include <algorithm>
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
+#include <functional>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -11,7 +12,7 @@ class kaAnimationObject;
 /// Objects in the order they were put in, nulls and repetitions included, which those leave that are freed.
 ///
 /// Cost: leaving is one look-up, and nothing while the list is empty; the first read after objects have left
-/// is linear.
+/// sorts those that left.
 template <class Object>
 class kaForgetfulList {
   public:
@@ -20,7 +21,10 @@ class kaForgetfulList {
     /// What is still there. Valid until the list changes or an object in it is freed.
     const std::vector<Object*>& objects() const {
         if (!_gone.empty()) {
-            const auto isGone = [this](const Object* object) { return _gone.contains(object); };
+            std::sort(_gone.begin(), _gone.end(), std::less<>());
+            const auto isGone = [this](const kaAnimationObject* object) {
+                return std::binary_search(_gone.begin(), _gone.end(), object, std::less<>());
+            };
             _objects.erase(std::remove_if(_objects.begin(), _objects.end(), isGone), _objects.end());
             _gone.clear();
         }
@@ -37,7 +41,8 @@ class kaForgetfulList {
     /// Those that have left go first: the new object may stand where one of them stood in memory.
     void append(Object* object) {
         objects();
-        _gone.reserve(_members.size() + 1);
+        if (_gone.capacity() <= _members.size())
+            _gone.reserve(2 * _members.size() + 1);
         _members.insert(object);
         _objects.push_back(object);
     }
@@ -58,13 +63,13 @@ class kaForgetfulList {
     /// An object is about to be freed. Room is kept for all to leave: nothing is allocated.
     void forget(const kaAnimationObject* object) {
         if (!_members.empty() && _members.erase(object) > 0)
-            _gone.insert(object);
+            _gone.push_back(object);
     }
 
   private:
     static constexpr std::size_t Kept = 4096;
 
     mutable std::vector<Object*> _objects;
-    boost::unordered_flat_set<const kaAnimationObject*> _members;
-    mutable boost::unordered_flat_set<const kaAnimationObject*> _gone; ///< in `_objects`, but freed
+    std::unordered_set<const kaAnimationObject*> _members;
+    mutable std::vector<const kaAnimationObject*> _gone; ///< in `_objects`, but freed
 };

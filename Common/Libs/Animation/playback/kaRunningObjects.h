@@ -2,9 +2,8 @@
 
 #include "kaAnimationTypes.h"
 
-#include <boost/container/small_vector.hpp>
-#include <boost/unordered/unordered_flat_map.hpp>
 #include <map>
+#include <unordered_map>
 #include <vector>
 
 class kaAnimationObject;
@@ -34,7 +33,6 @@ class kaRunningObjects {
 
     Map _byID;
     /// Under which ids each object runs: mostly its own, but also one that it had when it started.
-    using Entries =
-        boost::unordered_flat_map<const kaAnimationObject*, boost::container::small_vector<kaUID, 1>>;
+    using Entries = std::unordered_multimap<const kaAnimationObject*, kaUID>;
     Entries _entries;
 };

@@ -22,6 +22,7 @@ class KA_ANIMATION_API Text {
     /// -0.500000"; "nan", "inf", "-inf" where a coordinate is not finite.
     Text(float x, float y);
 
+    /// The characters; valid as long as this object.
     operator std::string_view() const { return {_text.data(), _size}; }
 
   private:
