@@ -218,6 +218,18 @@ TEST_F(ImportBlock, TakesNameFlagsCurvesAndNode) {
     EXPECT_EQ(unit->getEnd(), 10.0F);
 }
 
+TEST_F(ImportBlock, NamesNoNodeThatIsGone) {
+    const osg::NodePtr gone = scene.addTransform("gone");
+    const osg::AnimationBlockPtr older = ka_older::makeBlock("wave", {}, gone);
+    const osg::AnimationBlockPtr other = ka_older::makeBlock("other", {}, node);
+    scene.destroy(gone);
+    EXPECT_EQ(manager().importBlock(older, nullptr)->getNodeID(), 0U);
+    EXPECT_EQ(manager().importBlock(other, nullptr)->getNodeID(), idOf(node));
+    const osg::NodePtr later = scene.addTransform("later"); // a node that the last import cannot have seen
+    other->setNode(later);
+    EXPECT_EQ(manager().importBlock(other, nullptr)->getNodeID(), idOf(later));
+}
+
 TEST_F(ImportBlock, OfNullIsNull) {
     EXPECT_EQ(manager().importBlock(osg::AnimationBlockPtr(), nullptr), nullptr);
     EXPECT_THAT(manager().getObjects(), IsEmpty());

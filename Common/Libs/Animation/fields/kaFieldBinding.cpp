@@ -169,8 +169,7 @@ std::string_view kaFieldBinding::lasting(const std::string& source, std::size_t 
 
 bool kaFieldBinding::hasNode(const kaAnimationField& field) {
     const auto wanted = static_cast<osg::UInt32>(field.nodeID);
-    if (wanted != 0 && wanted == nodeID &&
-        (wanted == fcID || kaSceneAccess::findContainer(wanted) != osg::NullFC))
+    if (wanted != 0 && wanted == nodeID && (wanted == fcID || kaSceneAccess::isThere(wanted)))
         return true;
     node = kaSceneNodes::find(wanted);
     nodeID = node != osg::NullFC ? wanted : 0;

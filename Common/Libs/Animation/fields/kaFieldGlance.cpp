@@ -1,7 +1,5 @@
 #include "kaFieldGlance.h"
 
-#include "kaSceneAccess.h"
-
 #include <kaOpenSGUtils.h>
 #include <limits>
 
@@ -12,7 +10,8 @@ bool kaFieldGlance::adopt(const kaAnimationField& field) {
         return false;
     _floats = binding->floats;
     _description = binding->description;
-    _container = kaSceneAccess::findContainer(binding->fcID);
+    _containerID = binding->fcID;
+    _address = kaSceneAccess::findContainer(_containerID).getCPtr();
     _nameLength = static_cast<std::uint8_t>(binding->name.size());
     _count = static_cast<std::uint8_t>(binding->componentCount);
     _isAngle = binding->isAngle;
@@ -24,6 +23,5 @@ void kaFieldGlance::write(const kaAnimationField& field) const {
         return;
     _floats[kaFieldBinding::componentAt(field.valuePos, _count)] =
         kaFieldBinding::storedForm(_isAngle, field.value);
-    const osg::FieldContainerPtr container = _container;
-    kaOpenSGUtils::announceChange(container, _description->getFieldMask());
+    kaOpenSGUtils::announceChange(kaSceneAccess::findContainer(_containerID), _description->getFieldMask());
 }

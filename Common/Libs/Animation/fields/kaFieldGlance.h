@@ -2,6 +2,7 @@
 
 #include "kaAnimationField.h"
 #include "kaFieldBinding.h"
+#include "kaSceneAccess.h"
 
 #include <OpenSG/OSGFieldContainerPtr.h>
 #include <OpenSG/OSGFieldDescription.h>
@@ -12,7 +13,8 @@
 /// that is copied here, to lie beside what else a caller reads.
 ///
 /// The copy needs no upkeep. A container and the name of a field stand for the same numbers as long as the
-/// container lives: the copy is good for every record that names both. It serves float components of
+/// container lives: the copy is good for every record that names both. Whether it lives is asked of the
+/// container store, by id: a handle kept from tick to tick could not tell. It serves float components of
 /// containers other than camera settings; for all else, and before a record's first write, `kaFieldAccess`
 /// does.
 class kaFieldGlance {
@@ -35,21 +37,22 @@ class kaFieldGlance {
     /// The same of `write`.
     void fetch() const {
         __builtin_prefetch(_floats, 1);
-        __builtin_prefetch(_container.getCPtr());
+        __builtin_prefetch(_address);
     }
 
   private:
     bool adopt(const kaAnimationField& field);
-    bool isThere() const { return !_container.isNull(); }
+    bool isThere() const { return kaSceneAccess::isThere(_containerID); }
 
     bool standsFor(const kaAnimationField& field) const {
-        return _description && _container.getFieldContainerId() == static_cast<osg::UInt32>(field.fcID) &&
+        return _description && _containerID == static_cast<osg::UInt32>(field.fcID) &&
                kaFieldBinding::sameText(std::string_view(_description->getCName(), _nameLength), field.name);
     }
 
     osg::Real32* _floats = nullptr;
     const osg::FieldDescription* _description = nullptr; ///< null = nothing copied
-    osg::FieldContainerPtr _container;
+    const osg::FieldContainer* _address = nullptr; ///< of the container when it was looked up: not to be read
+    osg::UInt32 _containerID = 0;
     std::uint8_t _nameLength = 0;
     std::uint8_t _count = 0; ///< of `_floats`
     bool _isAngle = false;

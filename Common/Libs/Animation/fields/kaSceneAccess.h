@@ -17,6 +17,12 @@ inline osg::FieldContainerPtr findContainer(kaUID id) {
     return osg::FieldContainerFactory::the()->getContainer(static_cast<osg::UInt32>(id));
 }
 
+/// Whether that container is there. The store itself is asked, which takes no lock whatever the scene graph.
+inline bool isThere(osg::UInt32 id) {
+    const auto& store = *osg::FieldContainerFactory::the()->getFieldContainerStore();
+    return id < store.size() && store[id] != osg::NullFC;
+}
+
 /// The node's core; null for a null node or one without.
 osg::NodeCorePtr coreOf(const osg::NodePtr& node);
 

@@ -1,5 +1,7 @@
 #include "kaLegacyContainers.h"
 
+#include "kaStoreIndex.h"
+
 namespace {
 
 template <class List>
@@ -14,6 +16,13 @@ kaContainerIDs idsOf(const List& list) {
 
 osg::UInt32 idOf(const osg::FieldContainerPtr& handle) {
     return handle == osg::NullFC ? 0 : handle.getFieldContainerId();
+}
+
+/// Of a node that a container refers to without counting it: the handle may have outlived the node. One index
+/// serves all runs, so that a host may import curve by curve.
+osg::UInt32 idOfReference(const osg::FieldContainerPtr& handle) {
+    static kaStoreIndex index;
+    return index.idOf(handle);
 }
 
 osg::Pnt2f pointAt(const osg::Vec2f& position) {
@@ -48,7 +57,7 @@ kaLegacyBlock::kaLegacyBlock(const osg::AnimationBlockPtr& block)
     : id(idOf(block)),
       name(block->getName()),
       curves(idsOf(block->getCurves())),
-      nodeID(idOf(block->getNode())),
+      nodeID(idOfReference(block->getNode())),
       repeating(block->getRepeating()),
       motionBlur(block->getMotionBlur()),
       flipped(block->getFlipped()) {}
@@ -58,8 +67,8 @@ kaLegacyCurve::kaLegacyCurve(const osg::AnimationCurvePtr& curve)
       name(curve->getName()),
       attribute(curve->getAttribute()),
       points(idsOf(curve->getPoints())),
-      nodeID(idOf(curve->getNode())),
-      fallbackID(idOf(curve->getFallback())) {}
+      nodeID(idOfReference(curve->getNode())),
+      fallbackID(idOfReference(curve->getFallback())) {}
 
 kaLegacyPoint::kaLegacyPoint(const osg::AnimationControlPointPtr& point)
     : position(pointAt(point->getPosition())),
