@@ -83,7 +83,9 @@ kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationCurve2D& source) {
     insertCurveID(_id);
 }
 
-kaAnimationCurve2D::~kaAnimationCurve2D() = default;
+kaAnimationCurve2D::~kaAnimationCurve2D() {
+    kaObjectStore::leaveField(*this, _field);
+}
 
 // Queries.
 
@@ -187,6 +189,7 @@ void kaAnimationCurve2D::printInfo() const {
 }
 
 void kaAnimationCurve2D::setField(kaUID field) {
+    kaObjectStore::moveToField(*this, _field, field);
     _field = field;
     kaEdits::note();
 }

@@ -31,11 +31,15 @@ void free(kaAnimationObject& object) {
     delete static_cast<Object*>(&object);
 }
 
+kaUID fieldOfCurve(const kaAnimationObject& object) {
+    return static_cast<const kaAnimationCurve2D&>(object).getField();
+}
+
 /// By type id.
 constexpr std::array classes{
     kaObjectClass{Level::None, false, noCopy, freeNothing},
     kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, free<kaControlPoint2D>},
-    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, free<kaAnimationCurve2D>},
+    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, free<kaAnimationCurve2D>, fieldOfCurve},
     kaObjectClass{Level::Block, true, copy<kaAnimationUnit>, free<kaAnimationUnit>},
     kaObjectClass{Level::Container, false, copy<kaAnimationStreak>, free<kaAnimationStreak>},
     kaObjectClass{Level::Container, true, copy<kaAnimationStrip>, free<kaAnimationStrip>},

@@ -30,11 +30,26 @@ void kaObjectStore::forget(kaAnimationObject& object) {
 // Entries.
 
 bool kaObjectStore::enter(kaAnimationObject& object) {
-    if (!kaObjectRegistry::the().insert(object.getId(), object.getTypeID(), object))
+    if (find(object.getId()))
         return false;
+    insert(object.getId(), object);
     object._registered = true;
     object._findable = true;
     return true;
+}
+
+/// Under an id that is free. @throws std::bad_alloc, with nothing changed.
+void kaObjectStore::insert(kaUID id, kaAnimationObject& object) {
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const unsigned int type = object.getTypeID();
+    registry.insert(id, type, object);
+    try {
+        if (const auto field = kaObjectClass::of(object).field)
+            registry.fieldUses().insert(field(object), id);
+    } catch (...) {
+        registry.erase(id, type);
+        throw;
+    }
 }
 
 /// Takes the entry of an id away, whatever object it holds.
@@ -46,7 +61,10 @@ void kaObjectStore::erase(kaUID id) {
         object->_home->list->childLost(*object);
     object->_registered = false;
     object->_findable = false;
-    kaObjectRegistry::the().erase(id, object->getTypeID());
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    if (const auto field = kaObjectClass::of(*object).field)
+        registry.fieldUses().erase(field(*object), id);
+    registry.erase(id, object->getTypeID());
 }
 
 void kaObjectStore::remove(kaAnimationObject& object) {
@@ -75,7 +93,7 @@ void kaObjectStore::rename(kaAnimationObject& object, kaUID to) {
         return;
     const kaUID former = object._registered && entered != &object ? registry.keyOf(object, from) : from;
     try {
-        registry.insert(to, object.getTypeID(), object);
+        insert(to, object);
     } catch (...) {
         object.setId(from);
         throw;
@@ -85,6 +103,24 @@ void kaObjectStore::rename(kaAnimationObject& object, kaUID to) {
         erase(former);
     object._registered = true;
     object._findable = true;
+}
+
+// Curves by field.
+
+void kaObjectStore::moveToField(const kaAnimationObject& curve, kaUID from, kaUID to) {
+    if (!curve._registered || from == to)
+        return;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const kaUID id = registry.keyOf(curve, curve.getId());
+    registry.fieldUses().insert(to, id);
+    registry.fieldUses().erase(from, id);
+}
+
+void kaObjectStore::leaveField(const kaAnimationObject& curve, kaUID field) {
+    if (!curve._registered || !kaObjectRegistry::isAlive())
+        return;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    registry.fieldUses().erase(field, registry.keyOf(curve, curve.getId()));
 }
 
 // Copies and ends.

@@ -46,6 +46,12 @@ class kaObjectStore {
     static void rename(kaAnimationObject& object, kaUID to);
     /// @}
 
+    /// A curve, registered or not, that names the field `from` is about to name `to`. @throws
+    /// std::bad_alloc, with nothing changed.
+    static void moveToField(const kaAnimationObject& curve, kaUID from, kaUID to);
+    /// A curve is about to be freed: if it is still registered, it counts no more among those of its field.
+    static void leaveField(const kaAnimationObject& curve, kaUID field);
+
     /// The object with that id; null when there is none, or when it is of another class.
     static kaAnimationObject* find(kaUID id) { return kaObjectRegistry::the().find(id); }
     template <class Object>
@@ -76,6 +82,7 @@ class kaObjectStore {
     static void destroyKey(kaAnimationObject* key);
 
   private:
+    static void insert(kaUID id, kaAnimationObject& object);
     static void erase(kaUID id);
     static void free(kaAnimationObject& object);
 };

@@ -2,6 +2,7 @@
 
 #include "kaAnimationExport.h"
 #include "kaAnimationTypes.h"
+#include "kaFieldUses.h"
 #include "kaIDTable.h"
 
 #include <array>
@@ -78,6 +79,9 @@ class KA_ANIMATION_API kaObjectRegistry {
     /// The objects of one type other than keys, in ascending id order, without a copy.
     const std::map<kaUID, kaAnimationObject*>& byType(unsigned int type) const { return _byType[type]; }
     const std::map<kaUID, kaAnimationField*>& fields() const { return _fields; }
+    /// What the entered curves name; `kaObjectStore` keeps it.
+    const kaFieldUses& fieldUses() const { return _fieldUses; }
+    kaFieldUses& fieldUses() { return _fieldUses; }
 
     /// Changes whenever an object other than a key comes or goes; never 0.
     std::uint64_t epoch() const { return _epoch; }
@@ -91,6 +95,7 @@ class KA_ANIMATION_API kaObjectRegistry {
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
     kaIDTable<kaAnimationField> _fieldIndex;
     std::map<kaUID, kaAnimationField*> _fields;
+    kaFieldUses _fieldUses;
     std::uint64_t _epoch = 1;
     std::uint64_t _fieldEpoch = 1;
 };
