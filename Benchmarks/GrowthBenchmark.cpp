@@ -5,6 +5,8 @@
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationUtils.h>
+#include <kaOpenSGUtils.h>
+#include <string>
 
 // Operations of the registry and of the scene's lists that hosts call once for each of many items: at n and
 // 10 n.
@@ -84,8 +86,31 @@ void makeAttributesUnique(benchmark::State& state) {
     }
 }
 
+/// As many names in the host's list, taken out again before the next round.
+void nameAttributes(benchmark::State& state) {
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < countOf(state); ++i)
+            manager().addAnimationAttribute("attribute" + std::to_string(i));
+        state.PauseTiming();
+        while (!manager().getAnimationAttributes().empty())
+            manager().subAnimationAttribute(manager().getAnimationAttributes().back());
+        state.ResumeTiming();
+    }
+}
+
+/// As many listeners of a few names, who come and go.
+void listen(benchmark::State& state) {
+    for (auto _ : state) {
+        std::vector<kaMessageListener> listeners;
+        for (std::size_t i = 0; i < countOf(state); ++i)
+            listeners.push_back(kaOpenSGUtils::addListener("name" + std::to_string(i % 10), [](auto&&...) {}));
+    }
+}
+
 BENCHMARK(curvesOfAField)->Arg(20000)->Arg(200000)->Iterations(20000);
 BENCHMARK(changeEveryFieldsReferences)->Arg(10000)->Arg(100000)->Iterations(2)->Unit(benchmark::kMillisecond);
 BENCHMARK(makeAttributesUnique)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(nameAttributes)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(listen)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -129,6 +129,8 @@ bool Table::print() const {
          growth("changeEveryFieldsReferences", 10000), 20.0, NoAim, "x"},
         {"checkUniqueAttributes: 100 000 nodes against 10 000", growth("makeAttributesUnique", 10000), 20.0,
          NoAim, "x"},
+        {"listeners of the message bus: 100 000 against 10 000", growth("listen", 10000), 20.0, NoAim, "x"},
+        {"names in the attribute list: 100 000 against 10 000", growth("nameAttributes", 10000), 20.0, NoAim, "x"},
     };
     std::printf("\nreference segment: %.1f ns a sample\n\n", reference);
     std::printf("| %-62s | %-14s | %-6s | %-6s | %-4s |\n|---|---|---|---|---|\n", "what", "measured", "must",
