@@ -5,6 +5,7 @@
 #include "kaObjectRegistry.h"
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -45,6 +46,13 @@ class kaObjectStore {
     /// former id is: then it takes that entry over. When memory runs out nothing is changed.
     static void rename(kaAnimationObject& object, kaUID to);
     /// @}
+
+    /// The object with that name that has the smallest id; null for the empty name, and when there is none.
+    /// Cost: O(log n); O(n) where keys have the name and the one with the smallest id has gone.
+    static kaAnimationObject* findByName(const std::string& name);
+    /// An object, registered or not, is about to take a name, which it keeps. @throws std::bad_alloc, with
+    /// nothing changed.
+    static void changeName(const kaAnimationObject& object, const kaObjectName& name);
 
     /// A curve, registered or not, that names the field `from` is about to name `to`. @throws
     /// std::bad_alloc, with nothing changed.

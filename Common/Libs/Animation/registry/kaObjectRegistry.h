@@ -4,6 +4,7 @@
 #include "kaAnimationTypes.h"
 #include "kaFieldUses.h"
 #include "kaIDTable.h"
+#include "kaNameIndex.h"
 
 #include <array>
 #include <cstddef>
@@ -82,6 +83,8 @@ class KA_ANIMATION_API kaObjectRegistry {
     /// What the entered curves name; `kaObjectStore` keeps it.
     const kaFieldUses& fieldUses() const { return _fieldUses; }
     kaFieldUses& fieldUses() { return _fieldUses; }
+    /// What the entered objects are called; `kaObjectStore` keeps it.
+    kaNameIndex& names() { return _names; }
 
     /// Changes whenever an object other than a key comes or goes; never 0.
     std::uint64_t epoch() const { return _epoch; }
@@ -96,6 +99,7 @@ class KA_ANIMATION_API kaObjectRegistry {
     kaIDTable<kaAnimationField> _fieldIndex;
     std::map<kaUID, kaAnimationField*> _fields;
     kaFieldUses _fieldUses;
+    kaNameIndex _names;
     std::uint64_t _epoch = 1;
     std::uint64_t _fieldEpoch = 1;
 };
