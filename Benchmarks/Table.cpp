@@ -91,6 +91,9 @@ void Table::addSampleKinds(std::vector<Row>& rows) const {
 bool Table::print() const {
     const double reference = time("referenceSegment");
     const auto ratio = [&](const char* name) { return time(name) / reference; };
+    const auto growth = [&](const std::string& name, int count) {
+        return time(name + '/' + std::to_string(10 * count)) / time(name + '/' + std::to_string(count));
+    };
     const double drift = std::fabs(time("loopTenPlaying/100000") / time("loopTenPlaying/100") - 1.0);
     const double destroyed = time("destroyClip/100000");
     std::vector<Row> rows = {
@@ -123,6 +126,16 @@ bool Table::print() const {
         {"memory per key, handles and registry included", counter("memoryPerKey", "bytes"), 600.0, 300.0,
          "bytes"},
         {"getObject(id) among a million", time("findAmongAMillion"), 50.0, 15.0, "ns"},
+        {"getReferencedCurves of one field among 20 000 curves", time("curvesOfAField/20000") / Micro, 20.0,
+         1.0, "us"},
+        // Ten times the work, in times the time.
+        {"the same among 200 000", growth("curvesOfAField", 20000), 5.0, NoAim, "x"},
+        {"changeFieldReferences of 100 000 fields against 10 000",
+         growth("changeEveryFieldsReferences", 10000), 20.0, NoAim, "x"},
+        {"checkUniqueAttributes: 100 000 nodes against 10 000", growth("makeAttributesUnique", 10000), 20.0,
+         NoAim, "x"},
+        {"listeners of the message bus: 100 000 against 10 000", growth("listen", 10000), 20.0, NoAim, "x"},
+        {"names in the attribute list: 100 000 against 10 000", growth("nameAttributes", 10000), 20.0, NoAim, "x"},
     };
     addSampleKinds(rows);
     std::printf("\nreference segment: %.1f ns a sample\n\n", reference);

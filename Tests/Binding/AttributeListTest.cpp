@@ -1,6 +1,9 @@
 #include "RegistryFixture.h"
 #include "kaAnimationManager.h"
 
+#include <algorithm>
+#include <random>
+
 namespace {
 
 using Names = std::vector<std::string>;
@@ -61,6 +64,27 @@ TEST_F(AttributeList, LosesANameAndKeepsTheOrderOfTheOthers) {
     EXPECT_EQ(manager.getAnimationAttributes(), (Names{"a", "c", "d"}));
     manager.subAnimationAttribute(manager.getAnimationAttributes().front()); // an entry of the list itself
     EXPECT_EQ(manager.getAnimationAttributes(), (Names{"c", "d"}));
+}
+
+TEST_F(AttributeList, HoldsWhatWasAddedAndNotRemovedInOrder) {
+    Names expected;
+    std::mt19937 random(3);
+    for (int step = 0; step < 2000; ++step) {
+        const std::string name = std::to_string(random() % 40);
+        const auto found = std::find(expected.begin(), expected.end(), name);
+        if (random() % 2 == 0) {
+            manager.addAnimationAttribute(name);
+            if (found == expected.end())
+                expected.push_back(name);
+        } else {
+            manager.subAnimationAttribute(name);
+            if (found != expected.end())
+                expected.erase(found);
+        }
+        ASSERT_EQ(manager.getAnimationAttributes(), expected) << "step " << step;
+        ASSERT_EQ(manager.isAnimationAttribute("7"),
+                  std::find(expected.begin(), expected.end(), "7") != expected.end());
+    }
 }
 
 } // namespace

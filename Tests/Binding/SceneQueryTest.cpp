@@ -5,6 +5,8 @@
 #include "kaAnimationUtils.h"
 
 #include <OpenSG/OSGGroup.h>
+#include <memory>
+#include <random>
 
 namespace {
 
@@ -87,6 +89,123 @@ TEST_F(SceneQuery, ReferencedCurvesComeInOrderOfTheirIds) {
     EXPECT_TRUE(manager.getReferencedCurves(0).empty());
     manager.destroyField(field);
     EXPECT_TRUE(manager.getReferencedCurves(7).empty()) << "the field is not registered";
+}
+
+/// Random edits of curves and of the ids of curves and fields.
+class CurveEdits {
+  public:
+    explicit CurveEdits(kaAnimationManager& manager) : _manager(manager) {
+        for (int i = 0; i < 4; ++i)
+            fields.push_back(manager.createField(0));
+    }
+
+    /// What a look at every curve tells.
+    Curves curvesOf(kaUID field) const {
+        Curves found;
+        for (const auto& entry : _manager.getObjects()) {
+            auto* curve = static_cast<kaAnimationCurve2D*>(entry.second);
+            if (entry.second->getTypeID() == KA_TYPE_CURVE && curve->getField() == field)
+                found.push_back(curve);
+        }
+        return found;
+    }
+
+    void next() {
+        Curves curves;
+        for (const auto& entry : _manager.getObjects())
+            if (entry.second->getTypeID() == KA_TYPE_CURVE)
+                curves.push_back(static_cast<kaAnimationCurve2D*>(entry.second));
+        if (curves.size() < 5)
+            _manager.createCurve2D(any(fields), "curve", 0, false);
+        else
+            edit(*any(curves));
+    }
+
+    Fields fields;
+
+  private:
+    template <class List>
+    auto any(const List& list) -> typename List::value_type {
+        return list[_random() % list.size()];
+    }
+
+    void edit(kaAnimationCurve2D& curve) {
+        switch (_random() % 12) {
+        case 0:
+            return curve.setAnimationField(any(fields));
+        case 1:
+            return curve.setAnimationField(nullptr);
+        case 2:
+            return curve.setField(4711);
+        case 3:
+            return _manager.setID(_random() % 50 + 1, &curve);
+        case 4: // behind the registry's back
+            return curve.setId(_random() % 50 + 1);
+        case 5:
+            return _manager.destroyCurve2D(&curve);
+        case 6:
+            delete &curve;
+            return;
+        case 7:
+            _manager.duplicateCurve2D(&curve);
+            return;
+        case 8:
+            return _manager.changeFieldReferences(any(fields), any(fields));
+        case 9:
+            return _manager.setID(_random() % 50 + 1, any(fields));
+        case 10: // the id may be taken: then the curve is not registered
+            return createUnderAnyID();
+        default:
+            _manager.createCurve2D(any(fields), "curve", 0, false);
+        }
+    }
+
+    void createUnderAnyID() {
+        kaAnimationCurve2D* curve = _manager.createCurve2D(any(fields), "curve", _random() % 50 + 1, false);
+        curve->setAnimationField(any(fields));
+        if (_manager.getObject(curve->getId()) != curve)
+            _leftOut.emplace_back(curve);
+    }
+
+    kaAnimationManager& _manager;
+    std::mt19937 _random{17};
+    std::vector<std::unique_ptr<kaAnimationCurve2D>> _leftOut;
+};
+
+TEST_F(SceneQuery, ReferencedCurvesFollowEveryEditOfCurvesAndIds) {
+    CurveEdits edits(manager);
+    for (int step = 0; step < 4000; ++step) {
+        edits.next();
+        for (const kaAnimationField* field : edits.fields)
+            ASSERT_EQ(manager.getReferencedCurves(field->getId()), edits.curvesOf(field->getId()))
+                << "step " << step;
+    }
+}
+
+/// A field that takes another's curves hands on only those that it had itself.
+TEST_F(SceneQuery, ReferencesMoveOneStepAtATime) {
+    kaAnimationField* a = manager.createField(1);
+    kaAnimationField* b = manager.createField(2);
+    kaAnimationCurve2D* first = manager.createCurve2D(a, "first", 20, false);
+    kaAnimationCurve2D* second = manager.createCurve2D(b, "second", 10, false);
+    manager.changeFieldReferences(a, b);
+    EXPECT_EQ(manager.getReferencedCurves(2), (Curves{second, first}));
+    EXPECT_TRUE(manager.getReferencedCurves(1).empty());
+    manager.changeFieldReferences(b, b);
+    EXPECT_EQ(manager.getReferencedCurves(2), (Curves{second, first}));
+    manager.changeFieldReferences(b, a);
+    EXPECT_EQ(manager.getReferencedCurves(1), (Curves{second, first}));
+}
+
+/// A record that was made under a taken id has no entry, so no curve names it, whatever its id says.
+TEST_F(SceneQuery, AFieldWithoutEntryHasNoReferences) {
+    kaAnimationField* entered = manager.createField(1);
+    kaAnimationField* second = manager.createField(1);
+    kaAnimationField* target = manager.createField(2);
+    kaAnimationCurve2D* curve = manager.createCurve2D(entered, "curve", 10, false);
+    manager.changeFieldReferences(second, target);
+    EXPECT_EQ(manager.getReferencedCurves(1), Curves{curve});
+    delete second;
 }
 
 TEST_F(SceneQuery, FieldsOfANodeAreMadeOnDemand) {

@@ -157,6 +157,83 @@ TEST_F(Registry, NamesOfKeysAndHandlesAreFoundToo) {
     EXPECT_FALSE(manager->isObjectNameUnique("Point"));
 }
 
+/// Random edits of what is called something: keys and handles with the module's names, others, and all kinds
+/// of ends.
+class NameEdits {
+  public:
+    explicit NameEdits(kaAnimationManager& manager) : _manager(manager) {}
+
+    kaAnimationObject* firstCalled(const std::string& name) const {
+        for (const auto& entry : _manager.getObjects())
+            if (entry.second->getName() == name)
+                return entry.second;
+        return nullptr;
+    }
+
+    void next() {
+        const auto objects = _manager.getObjects();
+        if (objects.size() < 5 || _random() % 3 == 0)
+            create();
+        else
+            edit(
+                *std::next(objects.begin(), static_cast<std::ptrdiff_t>(_random() % objects.size()))->second);
+    }
+
+    const std::vector<std::string> names{
+        "Point", "Curve", "InTangent", "Unnamed", "a", "b", "a name too long for itself"};
+
+  private:
+    void create() {
+        switch (_random() % 4) {
+        case 0:
+            _manager.createPoint2D(0);
+            return;
+        case 1:
+            _manager.duplicatePoint2D(_manager.createPoint2D(0));
+            return;
+        case 2:
+            _manager.createCurve2D(0ULL);
+            return;
+        default:
+            _manager.createUnit(names[_random() % names.size()], 0);
+        }
+    }
+
+    void edit(kaAnimationObject& object) {
+        switch (_random() % 6) {
+        case 0:
+            return object.setName(names[_random() % names.size()]);
+        case 1:
+            return object.setName(object.getName());
+        case 2:
+            return _manager.setID(_random() % 50 + 1, &object);
+        case 3: // behind the registry's back
+            return object.setId(_random() % 50 + 1);
+        case 4:
+            if (kaControlPoint2D* key = _manager.getPoint2D(object.getId()))
+                delete key;
+            return;
+        default:
+            _manager.destroyObject(&object);
+        }
+    }
+
+    kaAnimationManager& _manager;
+    std::mt19937 _random{11};
+};
+
+TEST_F(Registry, NamesFollowEveryEdit) {
+    NameEdits edits(*manager);
+    for (int step = 0; step < 6000; ++step) {
+        edits.next();
+        for (const std::string& name : edits.names) {
+            kaAnimationObject* expected = edits.firstCalled(name);
+            ASSERT_EQ(manager->getObject(name), expected) << name << ", step " << step;
+            ASSERT_EQ(manager->isObjectNameUnique(name), expected == nullptr) << name << ", step " << step;
+        }
+    }
+}
+
 TEST_F(Registry, MapsAreCopiesInAscendingOrder) {
     manager->createUnit(9);
     manager->createUnit(3);

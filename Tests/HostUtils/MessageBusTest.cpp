@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -232,6 +233,43 @@ TEST_F(MessageBus, DoesNotGrowWithListenersThatReplaceThemselves) {
     const std::size_t each = allocationsOf(1);
     EXPECT_EQ(allocationsOf(1000), 1000 * each); // a list that kept growing would have to move now and then
     EXPECT_EQ(calls, 1012);
+}
+
+/// Listeners come, go and hear as in a list that is looked through each time, however the bus tidies its lists.
+TEST_F(MessageBus, CallsWhoeverListensAfterManyHaveComeAndGone) {
+    struct Listening {
+        std::string name;
+        std::string mark;
+        kaMessageListener handle;
+    };
+    const std::string names[] = {"", "moved", "turned", "hidden"};
+    std::vector<Listening> listening; // in order of registration
+    std::mt19937 random(5);
+    const auto expected = [&](const std::string& sent) {
+        std::string log;
+        for (const Listening& one : listening)
+            log += one.name == sent ? one.mark : "";
+        for (const Listening& one : listening)
+            log += one.name.empty() ? one.mark : "";
+        return log;
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const std::string& name = names[random() % 4];
+        // Long spells in which more come than go, and the other way round.
+        const bool comes = random() % 10 < (step / 500 % 2 == 0 ? 8U : 2U);
+        if (comes || listening.empty()) {
+            const std::string text = std::to_string(step) + ' ';
+            listening.push_back({name, text, mark(name, text)});
+        } else {
+            listening.erase(listening.begin() + static_cast<std::ptrdiff_t>(random() % listening.size()));
+        }
+        if (step % 7 != 0 || name.empty())
+            continue;
+        _log.clear();
+        send(name);
+        ASSERT_EQ(_log, expected(name)) << "step " << step;
+        ASSERT_EQ(kaOpenSGUtils::hasListeners(name), !_log.empty());
+    }
 }
 
 TEST_F(MessageBus, AllocatesNothingToDeliver) {

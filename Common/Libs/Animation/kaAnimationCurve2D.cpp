@@ -82,7 +82,9 @@ kaAnimationCurve2D::kaAnimationCurve2D(kaAnimationCurve2D& source) {
     insertCurveID(_id);
 }
 
-kaAnimationCurve2D::~kaAnimationCurve2D() = default;
+kaAnimationCurve2D::~kaAnimationCurve2D() {
+    kaObjectStore::leaveField(*this, _field);
+}
 
 // Queries.
 
@@ -186,6 +188,7 @@ void kaAnimationCurve2D::printInfo() const {
 }
 
 void kaAnimationCurve2D::setField(kaUID field) {
+    kaObjectStore::moveToField(*this, _field, field);
     _field = field;
     noteChange(kaChange::Flags);
 }

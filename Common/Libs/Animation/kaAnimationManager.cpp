@@ -112,13 +112,11 @@ kaAnimationObject* kaAnimationManager::getObject(unsigned long long id) const {
 }
 
 kaAnimationObject* kaAnimationManager::getObject(const std::string& name) const {
-    return name.empty() ? nullptr
-                        : kaObjectRegistry::the().smallestID(
-                              [&name](const kaAnimationObject& object) { return object.getName() == name; });
+    return kaObjectStore::findByName(name);
 }
 
 bool kaAnimationManager::isObjectNameUnique(const std::string& name) const {
-    return !name.empty() && !getObject(name);
+    return !name.empty() && !kaObjectRegistry::the().names().contains(name);
 }
 
 kaControlPoint2D* kaAnimationManager::getPoint2D(unsigned long long id) const {

@@ -169,7 +169,7 @@ class KA_ANIMATION_API kaAnimationObject {
     /// The registered object that the parent id names; null for 0, which names nobody.
     kaAnimationObject* getParentObject() const;
     const std::string& getName() const { return _name.text(); }
-    void setName(const std::string& name) { _name = kaObjectName(name); }
+    void setName(const std::string& name);
 
     std::vector<kaUID> getChildIDs() const;
     /// Replaces the list as it stands: no sorting, no notice, no change of any parent id.

@@ -6,10 +6,11 @@
 
 namespace {
 
+using Names = std::array<std::string, kaObjectName::OwnNames>;
+
 /// The names that the module gives by itself; never freed.
-const std::array<std::string, 5>& sharedNames() {
-    static const auto* names =
-        new std::array<std::string, 5>{"Unnamed", "Point", "InTangent", "OutTangent", "Curve"};
+const Names& sharedNames() {
+    static const auto* names = new Names{"Unnamed", "Point", "InTangent", "OutTangent", "Curve"};
     return *names;
 }
 
@@ -19,9 +20,8 @@ bool isShared(const std::string* text) {
 }
 
 const std::string* stored(const std::string& text) {
-    const auto& names = sharedNames();
-    const auto* name = std::find(names.begin(), names.end(), text);
-    return name != names.end() ? name : new std::string(text);
+    const std::optional<std::size_t> own = kaObjectName::ownName(text);
+    return own ? &sharedNames()[*own] : new std::string(text);
 }
 
 } // namespace
@@ -44,4 +44,15 @@ kaObjectName& kaObjectName::operator=(kaObjectName other) noexcept {
 kaObjectName::~kaObjectName() {
     if (!isShared(_text))
         delete _text;
+}
+
+std::optional<std::size_t> kaObjectName::ownName() const {
+    return isShared(_text) ? std::optional(static_cast<std::size_t>(_text - sharedNames().data()))
+                           : std::nullopt;
+}
+
+std::optional<std::size_t> kaObjectName::ownName(const std::string& text) {
+    const auto& names = sharedNames();
+    const auto* name = std::find(names.begin(), names.end(), text);
+    return name != names.end() ? std::optional(static_cast<std::size_t>(name - names.begin())) : std::nullopt;
 }

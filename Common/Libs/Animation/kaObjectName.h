@@ -2,6 +2,8 @@
 
 #include "kaAnimationExport.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 
 /// Name of an object, one pointer wide: the names that the module itself gives to thousands of keys and
@@ -16,6 +18,12 @@ class KA_ANIMATION_API kaObjectName {
     ~kaObjectName();
 
     const std::string& text() const { return *_text; } ///< Valid until the name is assigned to.
+
+    /// How many names the module itself gives.
+    static constexpr std::size_t OwnNames = 5;
+    /// Which of them this is, or a text is; none for any other.
+    std::optional<std::size_t> ownName() const;
+    static std::optional<std::size_t> ownName(const std::string& text);
 
   private:
     const std::string* _text;

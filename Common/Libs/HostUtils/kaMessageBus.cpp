@@ -49,10 +49,13 @@ kaMessageListener kaMessageBus::add(std::string_view name, kaMessageCallback cal
     if (!callback) {
         return {};
     }
-    dropEnded();
+    if (_size >= _tidyAt) {
+        dropAllEnded();
+    }
     auto registration = std::make_shared<Registration>(std::move(callback));
     Listeners& listeners = name.empty() ? _forAll : _byName[std::string(name)];
     listeners.push_back(registration);
+    ++_size;
     return kaMessageListener(std::move(registration));
 }
 
@@ -74,8 +77,9 @@ void kaMessageBus::call(std::string_view name, const kaMessage& message, int fla
     if (namedCount + forAllCount == 0 || _depth == MAX_DEPTH) {
         return;
     }
-    bool sawEnded = false;
+    // Whether one that has ended was met.
     const auto deliver = [&](const Listeners& listeners, std::size_t count) {
+        bool sawEnded = false;
         for (std::size_t i = 0; i < count; ++i) {
             // A share of its own: the list may move while the callback runs.
             // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
@@ -85,30 +89,44 @@ void kaMessageBus::call(std::string_view name, const kaMessage& message, int fla
             }
             sawEnded = sawEnded || !listener->isListening();
         }
+        return sawEnded;
     };
+    bool namedEnded = false;
+    bool forAllEnded = false;
     {
         const Nesting delivery(_depth);
-        if (namedCount > 0) {
-            deliver(named->second, namedCount);
-        }
-        deliver(_forAll, forAllCount);
+        namedEnded = namedCount > 0 && deliver(named->second, namedCount);
+        forAllEnded = deliver(_forAll, forAllCount);
     }
-    if (sawEnded) {
-        dropEnded();
-    }
-}
-
-void kaMessageBus::dropEnded() {
     if (_depth > 0) {
         return;
     }
-    const auto tidy = [](Listeners& listeners) {
-        const auto ended = [](const auto& listener) { return !listener->isListening(); };
-        listeners.erase(std::remove_if(listeners.begin(), listeners.end(), ended), listeners.end());
-    };
-    tidy(_forAll);
+    if (forAllEnded) {
+        dropEnded(_forAll);
+    }
+    if (namedEnded) {
+        dropEnded(named->second);
+        if (named->second.empty()) {
+            _byName.erase(named);
+        }
+    }
+}
+
+void kaMessageBus::dropEnded(Listeners& listeners) {
+    const auto ended = [](const auto& listener) { return !listener->isListening(); };
+    const auto end = std::remove_if(listeners.begin(), listeners.end(), ended);
+    _size -= static_cast<std::size_t>(listeners.end() - end);
+    listeners.erase(end, listeners.end());
+}
+
+void kaMessageBus::dropAllEnded() {
+    if (_depth > 0) {
+        return;
+    }
+    dropEnded(_forAll);
     for (auto entry = _byName.begin(); entry != _byName.end();) {
-        tidy(entry->second);
+        dropEnded(entry->second);
         entry = entry->second.empty() ? _byName.erase(entry) : std::next(entry);
     }
+    _tidyAt = std::max(FirstTidy, 2 * _size);
 }

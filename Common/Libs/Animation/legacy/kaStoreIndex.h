@@ -1,7 +1,7 @@
 #pragma once
 
 #include <OpenSG/OSGFieldContainerPtr.h>
-#include <boost/unordered/unordered_flat_map.hpp>
+#include <unordered_map>
 
 /// From the address of a container to its id, for handles that may have outlived their container.
 ///
@@ -20,6 +20,6 @@ class kaStoreIndex {
   private:
     void catchUp();
 
-    boost::unordered_flat_map<const osg::FieldContainer*, osg::UInt32> _ids;
+    std::unordered_map<const osg::FieldContainer*, osg::UInt32> _ids;
     osg::UInt32 _next = 1; ///< the first slot that was not looked at
 };

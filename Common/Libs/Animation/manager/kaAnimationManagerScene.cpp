@@ -7,6 +7,7 @@
 #include "kaAttachments.h"
 #include "kaAttributeNames.h"
 #include "kaControlPoint2D.h"
+#include "kaFieldCurves.h"
 #include "kaFieldStore.h"
 #include "kaNodeFields.h"
 #include "kaObjectStore.h"
@@ -172,14 +173,7 @@ std::vector<kaAnimationField*> kaAnimationManager::getReferencedFields(unsigned 
 }
 
 std::vector<kaAnimationCurve2D*> kaAnimationManager::getReferencedCurves(unsigned long long fieldID) const {
-    std::vector<kaAnimationCurve2D*> curves;
-    if (!getField(fieldID))
-        return curves;
-    forEachCurve([&](kaAnimationCurve2D& curve) {
-        if (curve.getField() == fieldID)
-            curves.push_back(&curve);
-    });
-    return curves;
+    return getField(fieldID) ? kaFieldCurves::of(fieldID) : std::vector<kaAnimationCurve2D*>();
 }
 
 void kaAnimationManager::setExclusiveActiveNodeUnit(kaAnimationUnit* unit) {

@@ -167,6 +167,15 @@ void kaAnimationObject::setId(kaUID id) {
         kaDependents::tell(*this, kaChange::Structure);
 }
 
+/// What is called so already keeps its name as it stands: the registry's index refers to the text.
+void kaAnimationObject::setName(const std::string& name) {
+    if (name == getName())
+        return;
+    kaObjectName next(name);
+    kaObjectStore::changeName(*this, next);
+    _name = std::move(next);
+}
+
 kaAnimationObject* kaAnimationObject::getParentObject() const {
     return _parent != 0 ? find(_parent) : nullptr;
 }

@@ -27,6 +27,8 @@ struct kaObjectClass {
     /// Frees the object, which the registry does not know any more, as what it is: the family has no virtual
     /// destructor.
     void (*free)(kaAnimationObject& object);
+    /// The id of the field that an object drives; null for classes whose objects drive none.
+    kaUID (*field)(const kaAnimationObject& object) = nullptr;
 
     /// The class of an object.
     static const kaObjectClass& of(const kaAnimationObject& object);

@@ -36,11 +36,16 @@ void free(kaAnimationObject& object) {
     delete static_cast<Object*>(&object);
 }
 
+kaUID fieldOfCurve(const kaAnimationObject& object) {
+    return static_cast<const kaAnimationCurve2D&>(object).getField();
+}
+
 /// By type id.
 constexpr std::array classes{
     kaObjectClass{Level::None, false, noCopy, noCopy, freeNothing},
     kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, noCopy, free<kaControlPoint2D>},
-    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, noCopy, free<kaAnimationCurve2D>},
+    kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, noCopy, free<kaAnimationCurve2D>,
+                  fieldOfCurve},
     kaObjectClass{Level::Block, true, copy<kaAnimationUnit>, noCopy, free<kaAnimationUnit>},
     kaObjectClass{Level::Container, false, copy<kaAnimationStreak>, copyAlone<kaAnimationStreak>,
                   free<kaAnimationStreak>},

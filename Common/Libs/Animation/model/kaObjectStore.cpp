@@ -4,6 +4,7 @@
 #include "kaChildList.h"
 
 #include <array>
+#include <optional>
 
 kaObjectStore::Hooks kaObjectStore::hooks;
 
@@ -30,11 +31,32 @@ void kaObjectStore::forget(kaAnimationObject& object) {
 // Entries.
 
 bool kaObjectStore::enter(kaAnimationObject& object) {
-    if (!kaObjectRegistry::the().insert(object.getId(), object.getTypeID(), object))
+    if (find(object.getId()))
         return false;
+    insert(object.getId(), object);
     object._registered = true;
     object._findable = true;
     return true;
+}
+
+/// Under an id that is free. @throws std::bad_alloc, with nothing changed.
+void kaObjectStore::insert(kaUID id, kaAnimationObject& object) {
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const unsigned int type = object.getTypeID();
+    const bool isKey = type == KA_TYPE_POINT;
+    registry.insert(id, type, object);
+    bool isNamed = false;
+    try {
+        registry.names().insert(object._name, isKey, id);
+        isNamed = true;
+        if (const auto field = kaObjectClass::of(object).field)
+            registry.fieldUses().insert(field(object), id);
+    } catch (...) {
+        if (isNamed)
+            registry.names().erase(object._name, isKey, id);
+        registry.erase(id, type);
+        throw;
+    }
 }
 
 /// Takes the entry of an id away, whatever object it holds.
@@ -46,7 +68,11 @@ void kaObjectStore::erase(kaUID id) {
         object->_home->list->childLost(*object);
     object->_registered = false;
     object->_findable = false;
-    kaObjectRegistry::the().erase(id, object->getTypeID());
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    if (const auto field = kaObjectClass::of(*object).field)
+        registry.fieldUses().erase(field(*object), id);
+    registry.names().erase(object->_name, object->getTypeID() == KA_TYPE_POINT, id);
+    registry.erase(id, object->getTypeID());
 }
 
 void kaObjectStore::remove(kaAnimationObject& object) {
@@ -60,6 +86,7 @@ void kaObjectStore::drop(kaAnimationObject& object) {
     const kaUID id = kaObjectRegistry::the().keyOf(object, object.getId());
     if (find(id) != &object)
         return;
+    kaObjectRegistry::the().names().eraseOfAnyType(object._name, id);
     kaObjectRegistry::the().eraseOfAnyType(id);
     object._registered = false;
     object._findable = false;
@@ -75,7 +102,7 @@ void kaObjectStore::rename(kaAnimationObject& object, kaUID to) {
         return;
     const kaUID former = object._registered && entered != &object ? registry.keyOf(object, from) : from;
     try {
-        registry.insert(to, object.getTypeID(), object);
+        insert(to, object);
     } catch (...) {
         object.setId(from);
         throw;
@@ -85,6 +112,49 @@ void kaObjectStore::rename(kaAnimationObject& object, kaUID to) {
         erase(former);
     object._registered = true;
     object._findable = true;
+}
+
+// Names.
+
+kaAnimationObject* kaObjectStore::findByName(const std::string& name) {
+    if (name.empty())
+        return nullptr;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const auto id = registry.names().smallest(name, [&registry](const std::string& text) {
+        const kaAnimationObject* key = registry.smallestID([&text](const kaAnimationObject& object) {
+            return object.getTypeID() == KA_TYPE_POINT && object.getName() == text;
+        });
+        return key ? std::optional(registry.keyOf(*key, key->getId())) : std::nullopt;
+    });
+    return id ? find(*id) : nullptr;
+}
+
+void kaObjectStore::changeName(const kaAnimationObject& object, const kaObjectName& name) {
+    if (!object._registered || !kaObjectRegistry::isAlive())
+        return;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const kaUID id = registry.keyOf(object, object.getId());
+    const bool isKey = object.getTypeID() == KA_TYPE_POINT;
+    registry.names().insert(name, isKey, id);
+    registry.names().erase(object._name, isKey, id);
+}
+
+// Curves by field.
+
+void kaObjectStore::moveToField(const kaAnimationObject& curve, kaUID from, kaUID to) {
+    if (!curve._registered || from == to || !kaObjectRegistry::isAlive())
+        return;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    const kaUID id = registry.keyOf(curve, curve.getId());
+    registry.fieldUses().insert(to, id);
+    registry.fieldUses().erase(from, id);
+}
+
+void kaObjectStore::leaveField(const kaAnimationObject& curve, kaUID field) {
+    if (!curve._registered || !kaObjectRegistry::isAlive())
+        return;
+    kaObjectRegistry& registry = kaObjectRegistry::the();
+    registry.fieldUses().erase(field, registry.keyOf(curve, curve.getId()));
 }
 
 // Copies and ends.

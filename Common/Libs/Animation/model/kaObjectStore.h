@@ -5,6 +5,7 @@
 #include "kaObjectRegistry.h"
 
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,19 @@ class kaObjectStore {
     static void rename(kaAnimationObject& object, kaUID to);
     /// @}
 
+    /// The object with that name that has the smallest id; null for the empty name, and when there is none.
+    /// Cost: O(log n); O(n) where keys have the name and the one with the smallest id has gone.
+    static kaAnimationObject* findByName(const std::string& name);
+    /// An object, registered or not, is about to take a name, which it keeps. @throws std::bad_alloc, with
+    /// nothing changed.
+    static void changeName(const kaAnimationObject& object, const kaObjectName& name);
+
+    /// A curve, registered or not, that names the field `from` is about to name `to`. @throws
+    /// std::bad_alloc, with nothing changed.
+    static void moveToField(const kaAnimationObject& curve, kaUID from, kaUID to);
+    /// A curve is about to be freed: if it is still registered, it counts no more among those of its field.
+    static void leaveField(const kaAnimationObject& curve, kaUID field);
+
     /// The object with that id; null when there is none, or when it is of another class.
     static kaAnimationObject* find(kaUID id) { return kaObjectRegistry::the().find(id); }
     template <class Object>
@@ -78,6 +92,7 @@ class kaObjectStore {
     static void destroyKey(kaAnimationObject* key);
 
   private:
+    static void insert(kaUID id, kaAnimationObject& object);
     static void erase(kaUID id);
     static void free(kaAnimationObject& object);
 };

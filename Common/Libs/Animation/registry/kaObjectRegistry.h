@@ -1,7 +1,9 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
+#include "kaFieldUses.h"
 #include "kaIDTable.h"
+#include "kaNameIndex.h"
 
 #include <array>
 #include <cstddef>
@@ -77,6 +79,11 @@ class kaObjectRegistry {
     /// The objects of one type other than keys, in ascending id order, without a copy.
     const std::map<kaUID, kaAnimationObject*>& byType(unsigned int type) const { return _byType[type]; }
     const std::map<kaUID, kaAnimationField*>& fields() const { return _fields; }
+    /// What the entered curves name; `kaObjectStore` keeps it.
+    const kaFieldUses& fieldUses() const { return _fieldUses; }
+    kaFieldUses& fieldUses() { return _fieldUses; }
+    /// What the entered objects are called; `kaObjectStore` keeps it.
+    kaNameIndex& names() { return _names; }
 
     /// Changes whenever an object other than a key comes or goes; never 0.
     std::uint64_t epoch() const { return _epoch; }
@@ -90,6 +97,8 @@ class kaObjectRegistry {
     std::array<std::map<kaUID, kaAnimationObject*>, KA_TYPE_COUNT> _byType;
     kaIDTable<kaAnimationField> _fieldIndex;
     std::map<kaUID, kaAnimationField*> _fields;
+    kaFieldUses _fieldUses;
+    kaNameIndex _names;
     std::uint64_t _epoch = 1;
     std::uint64_t _fieldEpoch = 1;
 };

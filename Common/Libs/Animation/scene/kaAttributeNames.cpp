@@ -8,12 +8,18 @@ kaAttributeNames& kaAttributeNames::the() {
 }
 
 bool kaAttributeNames::contains(const std::string& name) const {
-    return std::find(_names.begin(), _names.end(), name) != _names.end();
+    return _known.contains(name);
 }
 
 void kaAttributeNames::add(const std::string& name) {
-    if (!contains(name))
+    if (!_known.insert(name).second)
+        return;
+    try {
         _names.push_back(name);
+    } catch (...) {
+        _known.erase(name);
+        throw;
+    }
 }
 
 void kaAttributeNames::addAll(const std::string& names) {
@@ -26,6 +32,6 @@ void kaAttributeNames::addAll(const std::string& names) {
 }
 
 void kaAttributeNames::remove(const std::string& name) {
-    const std::string wanted = name; // may be an entry of the list itself
-    _names.erase(std::remove(_names.begin(), _names.end(), wanted), _names.end());
+    if (_known.erase(name) > 0)
+        _names.erase(std::find(_names.rbegin(), _names.rend(), name).base() - 1); // `name` may be the very entry
 }

@@ -5,10 +5,11 @@
 #include "kaAnimationField.h"
 #include "kaAnimationUnit.h"
 #include "kaAttachments.h"
+#include "kaFieldCurves.h"
 #include "kaFieldDiscovery.h"
 #include "kaFieldInfo.h"
 #include "kaFieldStore.h"
-#include "kaObjectStore.h"
+#include "kaObjectClass.h"
 #include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
 
@@ -16,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <utility>
 
 using kaSceneAccess::coreOf;
 using kaSceneAccess::isKindOf;
@@ -23,23 +25,17 @@ using kaSceneAccess::recordChange;
 
 namespace {
 
-template <class Visit>
-void forEachCurve(Visit&& visit) {
-    for (const auto& entry : kaObjectRegistry::the().byType(KA_TYPE_CURVE))
-        visit(*static_cast<kaAnimationCurve2D*>(entry.second));
-}
-
 using FieldReplacements = std::map<kaAnimationField*, kaAnimationField*>;
 
-/// Moves the curves of each first field to the second, in one walk over all curves.
+/// Moves the curves of each first field to the second. All are looked up before any is moved: a second may be
+/// another's first.
 void replaceFields(const FieldReplacements& replacements) {
-    if (replacements.empty())
-        return;
-    forEachCurve([&](kaAnimationCurve2D& curve) {
-        const auto found = replacements.find(kaFieldStore::find(curve.getField()));
-        if (found != replacements.end())
-            curve.setAnimationField(found->second);
-    });
+    std::vector<std::pair<kaAnimationCurve2D*, kaAnimationField*>> moves;
+    for (const auto& [from, to] : replacements)
+        for (kaAnimationCurve2D* curve : kaFieldCurves::of(*from))
+            moves.emplace_back(curve, to);
+    for (const auto& [curve, to] : moves)
+        curve->setAnimationField(to);
 }
 
 /// Takes the first listing of each of `ids`, which are in ascending order, out of a list in one pass.
