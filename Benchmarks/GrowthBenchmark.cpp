@@ -103,7 +103,8 @@ void listen(benchmark::State& state) {
     for (auto _ : state) {
         std::vector<kaMessageListener> listeners;
         for (std::size_t i = 0; i < countOf(state); ++i)
-            listeners.push_back(kaOpenSGUtils::addListener("name" + std::to_string(i % 10), [](auto&&...) {}));
+            listeners.push_back(
+                kaOpenSGUtils::addListener("name" + std::to_string(i % 10), [](auto&&...) {}));
     }
 }
 

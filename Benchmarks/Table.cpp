@@ -135,7 +135,8 @@ bool Table::print() const {
         {"checkUniqueAttributes: 100 000 nodes against 10 000", growth("makeAttributesUnique", 10000), 20.0,
          NoAim, "x"},
         {"listeners of the message bus: 100 000 against 10 000", growth("listen", 10000), 20.0, NoAim, "x"},
-        {"names in the attribute list: 100 000 against 10 000", growth("nameAttributes", 10000), 20.0, NoAim, "x"},
+        {"names in the attribute list: 100 000 against 10 000", growth("nameAttributes", 10000), 20.0, NoAim,
+         "x"},
     };
     addSampleKinds(rows);
     std::printf("\nreference segment: %.1f ns a sample\n\n", reference);

@@ -235,7 +235,8 @@ TEST_F(MessageBus, DoesNotGrowWithListenersThatReplaceThemselves) {
     EXPECT_EQ(calls, 1012);
 }
 
-/// Listeners come, go and hear as in a list that is looked through each time, however the bus tidies its lists.
+/// Listeners come, go and hear as in a list that is looked through each time, however the bus tidies its
+/// lists.
 TEST_F(MessageBus, CallsWhoeverListensAfterManyHaveComeAndGone) {
     struct Listening {
         std::string name;

@@ -40,13 +40,13 @@ TEST(FrameWithoutValue, IsFoundExactlyWhereSomeFloatOfTheSegmentHasNone) {
         std::uniform_int_distribution<int> handle(-length / 4, length + length / 4);
         const auto at = [&](int steps) { return first + step * static_cast<float>(steps); };
         const kaSegmentPoints points{at(0),
-                                       static_cast<float>(value(random)),
-                                       at(i % 5 == 0 ? 0 : handle(random)),
-                                       static_cast<float>(value(random)),
-                                       at(i % 7 == 0 ? length : handle(random)),
-                                       static_cast<float>(value(random)),
-                                       at(length),
-                                       static_cast<float>(value(random))};
+                                     static_cast<float>(value(random)),
+                                     at(i % 5 == 0 ? 0 : handle(random)),
+                                     static_cast<float>(value(random)),
+                                     at(i % 7 == 0 ? length : handle(random)),
+                                     static_cast<float>(value(random)),
+                                     at(length),
+                                     static_cast<float>(value(random))};
         bool hasAll = true;
         for (float frame = points.x0; frame < points.x3 && hasAll; frame = std::nextafter(frame, points.x3)) {
             float sampled = 0.0F;

@@ -186,8 +186,7 @@ const Damage damages[] = {
      1,
      R"(<point id="11" typeID="1" tangentType="3" tangentLengthMode="5"><position>0 0</position>)"
      "<inTangent>0 0</inTangent><outTangent>0 0</outTangent></point>",
-     {"4: point 11: tangentType 3 stands for nothing",
-      "4: point 11: tangentLengthMode 5 stands for nothing",
+     {"4: point 11: tangentType 3 stands for nothing", "4: point 11: tangentLengthMode 5 stands for nothing",
       "4: point 11: no value at frame 0 between frames 0 and 25 of curve 21"}},
     {"APlaceThatIsNone",
      1,

@@ -17,7 +17,8 @@ constexpr double stepsToOne = 1e6;
 
 float documentFloat(double value) {
     constexpr double largest = std::numeric_limits<float>::max();
-    // By way of six digits a number beside the middle between two coarse floats could come to the farther one.
+    // By way of six digits a number beside the middle between two coarse floats could come to the farther
+    // one.
     const double clamped = std::clamp(value, -largest, largest);
     if (std::abs(clamped) >= coarse)
         return static_cast<float>(clamped);

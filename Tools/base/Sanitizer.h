@@ -2,8 +2,8 @@
 
 namespace ka::tools {
 
-/// Whether this was built with the address sanitizer, whose runtime takes more memory and more system calls than the
-/// program itself.
+/// Whether this was built with the address sanitizer, whose runtime takes more memory and more system calls
+/// than the program itself.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool hasAddressSanitizer = true;
 #elif defined(__has_feature)

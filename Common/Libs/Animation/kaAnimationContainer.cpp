@@ -1,11 +1,11 @@
 #include "kaAnimationContainer.h"
 
-#include "kaWeak.h"
 #include "kaChildList.h"
 #include "kaDescent.h"
 #include "kaObjectClass.h"
 #include "kaObjectStore.h"
 #include "kaSnapshot.h"
+#include "kaWeak.h"
 
 #include <algorithm>
 #include <cmath>

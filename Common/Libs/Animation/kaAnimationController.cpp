@@ -1,6 +1,5 @@
 #include "kaAnimationController.h"
 
-#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -12,6 +11,7 @@
 #include "kaPlayedObjects.h"
 #include "kaSceneObjects.h"
 #include "kaSnapshot.h"
+#include "kaWeak.h"
 
 #include <chrono>
 
@@ -47,8 +47,8 @@ kaAnimationController* kaAnimationController::the() {
 }
 
 kaAnimationController::kaAnimationController()
-    : _evaluation(std::make_unique<kaEvaluation>(
-          [](const std::vector<kaAnimationSequence*>& sequences, float frame) {
+    : _evaluation(
+          std::make_unique<kaEvaluation>([](const std::vector<kaAnimationSequence*>& sequences, float frame) {
               the()->evaluateSequences(sequences, frame);
           })),
       _played(std::make_unique<kaPlayedObjects>()) {
@@ -178,9 +178,8 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
         evaluateCurves(std::move(curves), frame, motionBlurOnly);
     }
     if (evalActiveUnits)
-        kaSnapshot<kaAnimationUnit>(kaActiveSceneObjects<kaAnimationUnit>()).visit([&](kaAnimationUnit& unit) {
-            evaluateObject(&unit, frame, motionBlurOnly);
-        });
+        kaSnapshot<kaAnimationUnit>(kaActiveSceneObjects<kaAnimationUnit>())
+            .visit([&](kaAnimationUnit& unit) { evaluateObject(&unit, frame, motionBlurOnly); });
 }
 
 // Object playback.

@@ -1,15 +1,15 @@
 #include "kaAnimationCurve2D.h"
 
-#include "kaWeak.h"
 #include "kaAnimationField.h"
-#include "kaRounding.h"
+#include "kaChange.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
-#include "kaChange.h"
 #include "kaFieldInfo.h"
 #include "kaFieldStore.h"
 #include "kaObjectStore.h"
 #include "kaPlainOutput.h"
+#include "kaRounding.h"
+#include "kaWeak.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <cmath>

@@ -1,6 +1,5 @@
 #include "kaAnimationManager.h"
 
-#include "kaWeak.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
@@ -18,6 +17,7 @@
 #include "kaRounding.h"
 #include "kaSceneNodes.h"
 #include "kaSceneSync.h"
+#include "kaWeak.h"
 
 #include <ctime>
 

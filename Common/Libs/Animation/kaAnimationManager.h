@@ -374,8 +374,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// @param sink gets Latin-1 text; what it throws comes back to the caller.
     /// @param progress may be null. @note Neither may change the registry.
     void writeAnimations(const DocumentSink& sink, const DocumentProgress& progress = nullptr) const;
-    /// The same document, element by element and without its type, for callers that look at what is written or
-    /// keep it in a form of their own.
+    /// The same document, element by element and without its type, for callers that look at what is written
+    /// or keep it in a form of their own.
     void describeAnimations(kaAnimationXmlOutput& output, const DocumentProgress& progress = nullptr) const;
 
     /// Adds a document to the registry; nothing registered goes. Ids that are taken are replaced by fresh

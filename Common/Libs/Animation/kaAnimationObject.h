@@ -247,8 +247,9 @@ class KA_ANIMATION_API kaAnimationObject {
     /// Makes the object its own only child, as every key is, without the cost of a list.
     void becomeOwnChild();
 
-    /// Says that something of this object has changed, after it has: to the list that holds the object, to those
-    /// who keep something made from it (`kaDependents`), and to what is read anew after any edit (`kaEdits`).
+    /// Says that something of this object has changed, after it has: to the list that holds the object, to
+    /// those who keep something made from it (`kaDependents`), and to what is read anew after any edit
+    /// (`kaEdits`).
     void noteChange(kaChange change);
     /// The same for what is below this object, which nobody but those who keep something made from it reads.
     void noteChangeBelow();
@@ -326,12 +327,12 @@ class KA_ANIMATION_API kaAnimationObject {
     bool _motionBlur : 1;
     bool _useCustomRange : 1;
     bool _isHandle : 1; ///< of a key: it is the handle of one; here, in a bit that is free
-    /// @endcond
+                        /// @endcond
 
   private:
     mutable bool _hasDependents : 1; ///< see `kaDependents`
-    bool _ownChild : 1;   ///< `_childIDs` is the object's own id alone
-    bool _registered : 1; ///< the registry has an entry for this object
-    bool _findable : 1;   ///< certainly under `_id`: no need to ask the registry what that id names
+    bool _ownChild : 1;              ///< `_childIDs` is the object's own id alone
+    bool _registered : 1;            ///< the registry has an entry for this object
+    bool _findable : 1; ///< certainly under `_id`: no need to ask the registry what that id names
     mutable std::uint32_t _weakSlot = 0; ///< see `kaWeak`; 0 while nobody has asked
 };

@@ -1,7 +1,7 @@
 #include "kaControlPoint2D.h"
 
-#include "kaChildList.h"
 #include "kaChange.h"
+#include "kaChildList.h"
 #include "kaKeyMemory.h"
 #include "kaObjectStore.h"
 
@@ -12,8 +12,7 @@ namespace {
 /// A registered copy of a handle, none of null, that goes again unless a key takes it.
 class CopiedHandle {
   public:
-    explicit CopiedHandle(kaControlPoint2D* source)
-        : _handle(kaObjectStore::duplicate(source)) {}
+    explicit CopiedHandle(kaControlPoint2D* source) : _handle(kaObjectStore::duplicate(source)) {}
     ~CopiedHandle() { kaObjectStore::destroyKey(_handle); }
     CopiedHandle(const CopiedHandle&) = delete;
     CopiedHandle& operator=(const CopiedHandle&) = delete;

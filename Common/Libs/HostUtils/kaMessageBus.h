@@ -34,9 +34,10 @@ struct kaMessageListener::Registration {
 /// Listeners may register, end registrations and send messages while they are called. The lists are only ever
 /// appended to during a delivery and tidied between deliveries, so an index into one stays good.
 ///
-/// A registration that has ended keeps a place in its list, without its callback, until the list is tidied: after a
-/// delivery that met it, or when the places have doubled since all lists were last tidied. So registering costs
-/// O(log n) on average for n names, and the places are at most twice the listeners, plus a few.
+/// A registration that has ended keeps a place in its list, without its callback, until the list is tidied:
+/// after a delivery that met it, or when the places have doubled since all lists were last tidied. So
+/// registering costs O(log n) on average for n names, and the places are at most twice the listeners, plus a
+/// few.
 class kaMessageBus {
   public:
     static kaMessageBus& the();
@@ -58,5 +59,5 @@ class kaMessageBus {
     Listeners _forAll;
     std::size_t _size = 0;           // registrations in the lists, those that have ended included
     std::size_t _tidyAt = FirstTidy; // the size at which all lists are tidied
-    std::size_t _depth = 0; // deliveries under way, one inside another
+    std::size_t _depth = 0;          // deliveries under way, one inside another
 };

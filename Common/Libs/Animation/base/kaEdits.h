@@ -2,9 +2,10 @@
 
 #include <cstdint>
 
-/// How often anything that evaluation reads of the object model has changed: an object or a field came or went, or
-/// a member of one was written that a setter guards. For what is read anew after any edit at all: key lists that
-/// do not know their keys, and a walk that led out to the host. All else follows the objects that it was made of
+/// How often anything that evaluation reads of the object model has changed: an object or a field came or
+/// went, or a member of one was written that a setter guards. For what is read anew after any edit at all:
+/// key lists that do not know their keys, and a walk that led out to the host. All else follows the objects
+/// that it was made of
 /// (`kaDependents`).
 namespace kaEdits {
 

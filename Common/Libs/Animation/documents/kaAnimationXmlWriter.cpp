@@ -87,7 +87,8 @@ void kaAnimationXmlWriter::point(const kaControlPoint2D* point) {
 
 void kaAnimationXmlWriter::curve(const kaAnimationCurve2D* curve) {
     element(_output, "curve", [&] {
-        const kaAnimationField* field = curve ? kaObjectRegistry::the().findField(curve->getField()) : nullptr;
+        const kaAnimationField* field =
+            curve ? kaObjectRegistry::the().findField(curve->getField()) : nullptr;
         if (!field)
             return;
         identity(*curve);

@@ -1,6 +1,5 @@
 #include "kaEvaluation.h"
 
-#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationUtils.h"
 #include "kaCurveView.h"
@@ -8,6 +7,7 @@
 #include "kaEvaluationPass.h"
 #include "kaEvaluationPlan.h"
 #include "kaFold.h"
+#include "kaWeak.h"
 
 #include <algorithm>
 
@@ -66,8 +66,8 @@ kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
     return found;
 }
 
-/// Lets go of the plans of objects that have gone or that memory ran out for, and of those that were not used while each of the others was
-/// used twice: their objects are not played any more.
+/// Lets go of the plans of objects that have gone or that memory ran out for, and of those that were not used
+/// while each of the others was used twice: their objects are not played any more.
 void kaEvaluation::sweepPlans() {
     const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
     for (auto plan = _plans.begin(); plan != _plans.end();) {
@@ -79,19 +79,19 @@ void kaEvaluation::sweepPlans() {
     _plansAtSweep = std::max(ManyPlans, 2 * _plans.size());
 }
 
-void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame,
-                                          CurveFrames& finished, CurveFrames& running, CurveFrames& upcoming,
-                                          bool motionBlurOnly) {
+void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished,
+                                          CurveFrames& running, CurveFrames& upcoming, bool motionBlurOnly) {
     if (!object)
         return;
     using Part = kaEvaluationPlan::Part;
     const kaEvaluationPlan& plan = planOf(*object);
-    plan.forEachPart(frame, motionBlurOnly, [&](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
-        auto& target = part == Part::Finished ? finished : (part == Part::Running ? running : upcoming);
-        for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
-            if (!motionBlurOnly || plan.curves[i].motionBlur)
-                target.emplace(key, std::make_pair(plan.objects[i], at));
-    });
+    plan.forEachPart(
+        frame, motionBlurOnly, [&](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
+            auto& target = part == Part::Finished ? finished : (part == Part::Running ? running : upcoming);
+            for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
+                if (!motionBlurOnly || plan.curves[i].motionBlur)
+                    target.emplace(key, std::make_pair(plan.objects[i], at));
+        });
 }
 
 bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly) {

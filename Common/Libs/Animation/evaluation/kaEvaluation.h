@@ -47,7 +47,7 @@ class kaEvaluation {
 
     std::unordered_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
     std::uint64_t _uses = 0;
-    std::size_t _orphans = 0; ///< plans of objects that have gone since the last sweep
+    std::size_t _orphans = 0;  ///< plans of objects that have gone since the last sweep
     std::size_t _plansAtSweep; ///< how many there are when those that are not used any more are looked for
     std::vector<std::unique_ptr<kaEvaluationPass>> _passes; ///< one for each depth
     std::size_t _depth = 0;

@@ -14,8 +14,9 @@ class kaAnimationField;
 class kaCurveView;
 
 /// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
-/// frame of an unedited clip touches no object but the fields. Told of what changes of that (`kaDependents`), and so untouched by any other edit. What changed of a
-/// curve or of an object that holds curves is read again; the whole is made anew when what is below changed.
+/// frame of an unedited clip touches no object but the fields. Told of what changes of that (`kaDependents`),
+/// and so untouched by any other edit. What changed of a curve or of an object that holds curves is read
+/// again; the whole is made anew when what is below changed.
 class kaEvaluationPlan final : public kaDependent {
   public:
     /// @param gone  is counted up when the object that the plan was made for goes.
@@ -49,8 +50,9 @@ class kaEvaluationPlan final : public kaDependent {
         bool motionBlur;
     };
 
-    /// Brings the plan up to date. Cost: a few compares; after edits of curves and blocks in their places that of
-    /// reading those again; after any other edit of what the plan was made of a walk of everything below the object.
+    /// Brings the plan up to date. Cost: a few compares; after edits of curves and blocks in their places
+    /// that of reading those again; after any other edit of what the plan was made of a walk of everything
+    /// below the object.
     void refresh(const kaAnimationObject& object);
     void changed(std::uint32_t place, kaChange change) noexcept override;
 
@@ -131,12 +133,13 @@ class kaEvaluationPlan final : public kaDependent {
     std::vector<bool> _isTouched;
     std::size_t& _gone;
     bool _orphaned = false;
-    bool _stale = true;           ///< what is below has changed
-    bool _rereadsAll = false;     ///< some key list does not know its keys: after any edit all are asked for again
-    bool _lacksCurves = false;    ///< an id below names no registered curve: one that comes may be it
-    std::uint64_t _edits = 0;     ///< for `_rereadsAll`
-    std::uint64_t _objects = 0;   ///< the registry's epoch, for `_lacksCurves`
-    std::uint64_t _fields = 0;    ///< the registry's epoch of fields
+    bool _stale = true; ///< what is below has changed
+    bool _rereadsAll =
+        false; ///< some key list does not know its keys: after any edit all are asked for again
+    bool _lacksCurves = false;  ///< an id below names no registered curve: one that comes may be it
+    std::uint64_t _edits = 0;   ///< for `_rereadsAll`
+    std::uint64_t _objects = 0; ///< the registry's epoch, for `_lacksCurves`
+    std::uint64_t _fields = 0;  ///< the registry's epoch of fields
 };
 
 template <class Visit>

@@ -1,6 +1,5 @@
 #include "kaLegacyImport.h"
 
-#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -13,6 +12,7 @@
 #include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
 #include "kaSceneNodes.h"
+#include "kaWeak.h"
 
 #include <cstdio>
 #include <optional>
@@ -319,7 +319,8 @@ kaControlPoint2D* kaLegacyImport::importPoint(const osg::AnimationControlPointPt
     if (point == osg::NullFC)
         return nullptr;
     const kaLegacyPoint source(point);
-    kaControlPoint2D* imported = kaObjectStore::make<kaControlPoint2D>(source.position[0], source.position[1], "Point", kaUID{0}, false);
+    kaControlPoint2D* imported = kaObjectStore::make<kaControlPoint2D>(source.position[0], source.position[1],
+                                                                       "Point", kaUID{0}, false);
     if (!imported)
         return nullptr;
     if (imported->getInTangent())

@@ -154,7 +154,8 @@ void kaAnimationManager::writeAnimations(const DocumentSink& sink, const Documen
     describeAnimations(text, progress);
 }
 
-void kaAnimationManager::describeAnimations(kaAnimationXmlOutput& output, const DocumentProgress& progress) const {
+void kaAnimationManager::describeAnimations(kaAnimationXmlOutput& output,
+                                            const DocumentProgress& progress) const {
     if (!progress)
         return kaAnimationXmlWriter(output).pool();
     CountedOutput counted(output, getObjectCount() + getFieldCount(), progress);

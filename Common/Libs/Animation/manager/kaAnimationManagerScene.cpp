@@ -1,4 +1,3 @@
-#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationManager.h"
@@ -15,14 +14,15 @@
 #include "kaSceneNodes.h"
 #include "kaSceneObjects.h"
 #include "kaSceneRoot.h"
+#include "kaWeak.h"
 
 #include <array>
 #include <cstdio>
 #include <utility>
 
-// How objects and fields are bound to scene nodes: ids, attachments, fields of nodes, the attribute list, and the
-// factories that start from a node. Announcing a change lets the host do anything, so a node is looked up again
-// by id after each.
+// How objects and fields are bound to scene nodes: ids, attachments, fields of nodes, the attribute list, and
+// the factories that start from a node. Announcing a change lets the host do anything, so a node is looked up
+// again by id after each.
 
 using kaSceneAccess::coreOf;
 
@@ -34,8 +34,8 @@ void forEachCurve(Visit&& visit) {
         visit(*static_cast<kaAnimationCurve2D*>(entry.second));
 }
 
-/// Lists an object on a node, if there is one. @return the object, or null when the host freed it in answer to
-/// the announcement of a new attachment.
+/// Lists an object on a node, if there is one. @return the object, or null when the host freed it in answer
+/// to the announcement of a new attachment.
 template <class Object>
 Object* listedOn(const osg::NodePtr& node, Object* object) {
     const kaWeak<kaAnimationObject> alive(*object);
@@ -179,8 +179,7 @@ std::vector<kaAnimationCurve2D*> kaAnimationManager::getReferencedCurves(unsigne
 void kaAnimationManager::setExclusiveActiveNodeUnit(kaAnimationUnit* unit) {
     if (!unit)
         return;
-    for (kaAnimationObject* other :
-         kaAttachments::objectsOf(kaSceneNodes::find(unit->getNodeID())))
+    for (kaAnimationObject* other : kaAttachments::objectsOf(kaSceneNodes::find(unit->getNodeID())))
         if (other != unit && kaObjectCast<kaAnimationUnit>(other))
             other->setActive(false);
 }
@@ -249,9 +248,8 @@ const std::vector<std::string>& kaAnimationManager::getAnimationAttributes() con
 kaAnimationCurve2D* kaAnimationManager::createCurve2D(kaAnimationField* field, const std::string& name,
                                                       unsigned long long id, bool attach) {
     auto* curve = kaObjectStore::make<kaAnimationCurve2D>(field, name, id);
-    return attach && field
-               ? listedOn(kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID)), curve)
-               : curve;
+    return attach && field ? listedOn(kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID)), curve)
+                           : curve;
 }
 
 kaAnimationCurve2D* kaAnimationManager::createCurve2D(const osg::NodePtr& node,

@@ -55,8 +55,7 @@ bool holdsContainers(const kaAnimationObject& object) {
 
 /// Levels below `object` down to a leaf, itself included; counted no further than one too many. Goes down one
 /// level at a time, through tracks and clips, each of which is met once and stands in `seen` then.
-unsigned int heightOf(const kaAnimationObject& object,
-                      std::unordered_set<const kaAnimationObject*>& seen) {
+unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen) {
     if (!holdsContainers(object))
         return heightOfLeaf(object.getTypeID());
     unsigned int height = 1;

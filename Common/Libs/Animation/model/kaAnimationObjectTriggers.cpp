@@ -1,6 +1,6 @@
-#include "kaWeak.h"
 #include "kaAnimationObject.h"
 #include "kaObjectStore.h"
+#include "kaWeak.h"
 
 // What an object fires as it is played.
 

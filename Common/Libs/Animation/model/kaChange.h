@@ -1,7 +1,7 @@
 #pragma once
 
-/// What kind of thing of an object has changed, as its setters say it. Whoever keeps something made from an object
-/// looks for the kinds that it read; a setter need not know who that is.
+/// What kind of thing of an object has changed, as its setters say it. Whoever keeps something made from an
+/// object looks for the kinds that it read; a setter need not know who that is.
 enum class kaChange : unsigned char {
     Span,      ///< begin or end
     Values,    ///< the bounds of the values

@@ -30,8 +30,8 @@ Entered& objectsByDependent() {
 } // namespace
 
 void kaDependents::enter(const kaAnimationObject& object, kaDependent& dependent, std::uint32_t place) {
-    // Whatever of this fails for want of memory, an object with an entry says so when it goes, and one object too many
-    // to be left does no harm.
+    // Whatever of this fails for want of memory, an object with an entry says so when it goes, and one object
+    // too many to be left does no harm.
     objectsByDependent()[&dependent].push_back(&object);
     std::vector<Link>& links = linksByObject()[&object];
     object._hasDependents = true;

@@ -6,8 +6,9 @@
 
 class kaAnimationObject;
 
-/// Someone who keeps something made from objects (an evaluation plan), and is told when one of these changes. What
-/// is told costs nothing where nobody depends on the object, and does not depend on how many objects there are.
+/// Someone who keeps something made from objects (an evaluation plan), and is told when one of these changes.
+/// What is told costs nothing where nobody depends on the object, and does not depend on how many objects
+/// there are.
 class kaDependent {
   public:
     /// @param place  the number that the object was entered under. Allocates nothing and calls nobody.
@@ -22,7 +23,8 @@ class kaDependents {
   public:
     kaDependents() = delete;
 
-    /// `dependent` is told of the object's changes under the number `place`, until it leaves or the object goes.
+    /// `dependent` is told of the object's changes under the number `place`, until it leaves or the object
+    /// goes.
     /// @throws std::bad_alloc; it may be told of the object or not then.
     static void enter(const kaAnimationObject& object, kaDependent& dependent, std::uint32_t place);
     /// Takes `dependent` off every object that it has been entered for.

@@ -1,9 +1,9 @@
-#include "kaWeak.h"
 #include "kaAnimationController.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationUnit.h"
 #include "kaPlainOutput.h"
 #include "kaSceneObjects.h"
+#include "kaWeak.h"
 
 // Motion blur.
 

@@ -34,7 +34,8 @@ void kaRunningObjects::erase(kaUID id) {
     if (found == _byID.end())
         return;
     const auto entries = _entries.equal_range(found->second);
-    _entries.erase(std::find_if(entries.first, entries.second, [id](const auto& entry) { return entry.second == id; }));
+    _entries.erase(
+        std::find_if(entries.first, entries.second, [id](const auto& entry) { return entry.second == id; }));
     _byID.erase(found);
 }
 

@@ -2,9 +2,9 @@
 
 #include "kaAnimationTypes.h"
 
-#include <unordered_map>
 #include <memory>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 /// Which registered curves name which field, whether or not there is such a field. Made for many fields with

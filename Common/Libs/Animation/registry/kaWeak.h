@@ -4,12 +4,12 @@
 
 #include <vector>
 
-/// A reference to an object or a field that does not keep it: null once that has been freed, whatever id it had
-/// and whatever stands at its address then. Followed by itself, not by id. 8 bytes, copied as a number.
+/// A reference to an object or a field that does not keep it: null once that has been freed, whatever id it
+/// had and whatever stands at its address then. Followed by itself, not by id. 8 bytes, copied as a number.
 ///
-/// After a call out to the host, and while objects are gone through that may free each other, this is what tells
-/// what is left. Cost: a compare; the first reference to an object takes it a slot (`kaWeakSlots`), which needs
-/// memory once.
+/// After a call out to the host, and while objects are gone through that may free each other, this is what
+/// tells what is left. Cost: a compare; the first reference to an object takes it a slot (`kaWeakSlots`),
+/// which needs memory once.
 template <class Object>
 class kaWeak {
   public:
@@ -21,7 +21,9 @@ class kaWeak {
     }
 
     /// The object; null when it has been freed, and for a reference to nothing.
-    Object* get() const { return static_cast<Object*>(Object::fromWeakSlot(kaWeakSlots::find(_slot, _generation))); }
+    Object* get() const {
+        return static_cast<Object*>(Object::fromWeakSlot(kaWeakSlots::find(_slot, _generation)));
+    }
     explicit operator bool() const { return kaWeakSlots::find(_slot, _generation) != nullptr; }
 
   private:
@@ -29,8 +31,8 @@ class kaWeak {
     std::uint32_t _generation = 0;
 };
 
-/// Objects to be gone through while any of them may be freed, by the going through itself or by a host that is
-/// told of it.
+/// Objects to be gone through while any of them may be freed, by the going through itself or by a host that
+/// is told of it.
 template <class Object>
 class kaWeakList {
   public:

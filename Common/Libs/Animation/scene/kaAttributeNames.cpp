@@ -8,7 +8,7 @@ kaAttributeNames& kaAttributeNames::the() {
 }
 
 bool kaAttributeNames::contains(const std::string& name) const {
-    return _known.contains(name);
+    return _known.count(name) > 0;
 }
 
 void kaAttributeNames::add(const std::string& name) {
@@ -33,5 +33,6 @@ void kaAttributeNames::addAll(const std::string& names) {
 
 void kaAttributeNames::remove(const std::string& name) {
     if (_known.erase(name) > 0)
-        _names.erase(std::find(_names.rbegin(), _names.rend(), name).base() - 1); // `name` may be the very entry
+        _names.erase(std::find(_names.rbegin(), _names.rend(), name).base() -
+                     1); // `name` may be the very entry
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <unordered_set>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 /// Names of scene fields that the host treats as animatable: field discovery offers these. Names are compared

@@ -1,6 +1,5 @@
 #include "kaNodeFields.h"
 
-#include "kaWeak.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationUnit.h"
@@ -12,6 +11,7 @@
 #include "kaObjectClass.h"
 #include "kaSceneAccess.h"
 #include "kaSceneNodes.h"
+#include "kaWeak.h"
 
 #include <OpenSG/OSGMaterialGroup.h>
 #include <algorithm>
@@ -108,8 +108,7 @@ std::vector<kaAnimationField*> kaNodeFields::remake(const osg::NodePtr& node) {
         return {};
     const osg::UInt32 nodeID = kaSceneNodes::idOf(node);
     std::printf("Recreating animation fields for node %i\n", static_cast<int>(nodeID));
-    const auto attachment =
-        attachmentWithFields(node);
+    const auto attachment = attachmentWithFields(node);
     if (attachment == osg::NullFC)
         return {};
     for (const osg::UInt64 id : attachment->getFieldIDs())
