@@ -74,6 +74,20 @@ double Table::counter(const std::string& name, const std::string& counter) const
     return found->second.counters.at(counter);
 }
 
+/// Frames before which something is edited, against frames before which nothing is.
+void Table::addUnrelatedEdits(std::vector<Row>& rows) const {
+    for (const auto& [name, edit] :
+         {std::pair("selected", "unrelatedSelected"), std::pair("switched", "unrelatedSwitched"),
+          std::pair("renamed", "unrelatedRenamed"), std::pair("moved", "unrelatedMoved"),
+          std::pair("made and destroyed", "unrelatedMade")})
+        rows.push_back({std::string("a frame after an unrelated block was ") + name + ", against none",
+                        time(edit) / time("unedited"), 1.1, 1.0, "x"});
+    rows.push_back({"128 blocks played, one key dragged, against none",
+                    time("blocksPlayedOneDragged/128") / time("blocksPlayed/128"), 1.1, 1.0, "x"});
+    rows.push_back({"128 blocks played against 60, a block",
+                    time("blocksPlayed/128") / 128 / (time("blocksPlayed/60") / 60), 1.1, 1.0, "x"});
+}
+
 /// Each kind of handle against the plain formula of the same segments.
 void Table::addSampleKinds(std::vector<Row>& rows) const {
     for (const std::string order : {"InOrder", "Random"})
@@ -138,6 +152,7 @@ bool Table::print() const {
         {"names in the attribute list: 100 000 against 10 000", growth("nameAttributes", 10000), 20.0, NoAim,
          "x"},
     };
+    addUnrelatedEdits(rows);
     addSampleKinds(rows);
     std::printf("\nreference segment: %.1f ns a sample\n\n", reference);
     std::printf("| %-62s | %-14s | %-6s | %-6s | %-4s |\n|---|---|---|---|---|\n", "what", "measured", "must",

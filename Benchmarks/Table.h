@@ -31,6 +31,7 @@ class Table : public benchmark::ConsoleReporter {
 
     double time(const std::string& name) const;
     double counter(const std::string& name, const std::string& counter) const;
+    void addUnrelatedEdits(std::vector<Row>& rows) const;
     void addSampleKinds(std::vector<Row>& rows) const;
 
     std::map<std::string, Result> _results;

@@ -144,9 +144,9 @@ class Without {
             const scmp_filter_ctx filter = seccomp_init(SCMP_ACT_ALLOW);
             for (const int call : _calls)
                 seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), call, 0);
+            const scmp_arg_cmp asksForFilter{0, SCMP_CMP_EQ, PR_SET_SECCOMP, 0};
             if (_prctl)
-                seccomp_rule_add(filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1,
-                                 SCMP_A0(SCMP_CMP_EQ, PR_SET_SECCOMP));
+                seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EINVAL), SCMP_SYS(prctl), 1, &asksForFilter);
             if (seccomp_load(filter) != 0)
                 _exit(99);
         });

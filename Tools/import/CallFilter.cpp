@@ -80,15 +80,24 @@ bool addSanitizersCalls(const Filter& filter) {
            add(filter, SCMP_ACT_ALLOW, SCMP_SYS(write));
 }
 
+/// That an argument equals a value.
+scmp_arg_cmp equals(unsigned int argument, scmp_datum_t value) {
+    return {argument, SCMP_CMP_EQ, value, 0};
+}
+
+/// That of an argument's bits in `mask` those of `value` are set.
+scmp_arg_cmp has(unsigned int argument, scmp_datum_t mask, scmp_datum_t value) {
+    return {argument, SCMP_CMP_MASKED_EQ, mask, value};
+}
+
 bool addConditions(const Filter& filter, int answer) {
-    const auto own = static_cast<scmp_datum_t>(getpid());
-    return allow(filter, SCMP_SYS(write), SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(answer))) &&
-           allow(filter, SCMP_SYS(openat), SCMP_A2(SCMP_CMP_MASKED_EQ, openingForMore, O_RDONLY)) &&
-           allow(filter, SCMP_SYS(mmap), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)) &&
-           allow(filter, SCMP_SYS(mmap2), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)) &&
-           allow(filter, SCMP_SYS(mprotect), SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)) &&
-           // By these the C library ends a process that has found itself broken.
-           allow(filter, SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_EQ, own));
+    const scmp_arg_cmp notExecutable = has(2, PROT_EXEC, 0);
+    return allow(filter, SCMP_SYS(write), equals(0, static_cast<scmp_datum_t>(answer))) &&
+           allow(filter, SCMP_SYS(openat), has(2, openingForMore, O_RDONLY)) &&
+           allow(filter, SCMP_SYS(mmap), notExecutable) && allow(filter, SCMP_SYS(mmap2), notExecutable) &&
+           allow(filter, SCMP_SYS(mprotect), notExecutable) &&
+           // By this the C library ends a process that has found itself broken.
+           allow(filter, SCMP_SYS(tgkill), equals(0, static_cast<scmp_datum_t>(getpid())));
 }
 
 } // namespace
