@@ -1,4 +1,5 @@
 // The smallest host: a node of the scene, a curve for its rotation, a player on the host's own clock.
+#include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <kaAnimationController.h>
@@ -8,7 +9,8 @@
 
 static double seconds = 0.0; // the host's clock; it starts near zero because frames are floats
 
-int main() {
+int main(int argc, char** argv) {
+    osg::osgInit(argc, argv);
     osg::NodePtr door = osg::Node::create();
     osg::addRefCP(door);
     door->setCore(osg::Transform3D::create());

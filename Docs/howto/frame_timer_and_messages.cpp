@@ -1,6 +1,7 @@
 // A frame timer that drives both playback modes, and a listener that keeps the host's time line in step.
 #include "require.h"
 
+#include <OpenSG/OSGBaseFunctions.h>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
@@ -19,7 +20,8 @@ void onFrameTimer() {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    osg::osgInit(argc, argv);
     kaAnimationManager* manager = kaAnimationManager::the();
     manager->init(nullptr);
     kaAnimationController::setTimeCB([] { return seconds; });

@@ -1,6 +1,7 @@
 // Which animation belongs to which node: the attachment, the node's fields, copying to another node.
 #include "require.h"
 
+#include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransform3D.h>
@@ -21,7 +22,8 @@ osg::NodePtr addTransform(const osg::NodePtr& parent) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    osg::osgInit(argc, argv);
     kaAnimationManager* manager = kaAnimationManager::the();
     manager->init(nullptr);
     osg::NodePtr root = osg::Node::create();

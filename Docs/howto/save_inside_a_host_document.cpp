@@ -1,6 +1,7 @@
 // The animation as part of a larger document of the host, and back from there.
 #include "require.h"
 
+#include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <QDomDocument>
@@ -8,7 +9,8 @@
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 
-int main() {
+int main(int argc, char** argv) {
+    osg::osgInit(argc, argv);
     kaAnimationManager* manager = kaAnimationManager::the();
     manager->init(nullptr);
     osg::NodePtr node = osg::Node::create();

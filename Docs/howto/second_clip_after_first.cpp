@@ -2,6 +2,7 @@
 // clock of its own and listens for the frame that its time line shows.
 #include "require.h"
 
+#include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <algorithm>
@@ -48,7 +49,8 @@ osg::Vec3f rotationOf(const osg::NodePtr& node) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
+    osg::osgInit(argc, argv);
     osg::NodePtr door = osg::Node::create();
     osg::addRefCP(door);
     door->setCore(osg::Transform3D::create());

@@ -2,6 +2,7 @@
 #include "TrackPicture.h"
 #include "draw/Canvas.h"
 
+#include <OpenSG/OSGBaseFunctions.h>
 #include <cstdio>
 #include <string>
 
@@ -22,6 +23,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: ka-docs-pictures FOLDER\n");
         return 2;
     }
+    osg::osgInit(argc, argv);
     ka::tools::startDrawing();
     const std::string folder = argv[1];
     const bool saved = save(drawTangentTypes(), folder + "/tangent-types.png") &&

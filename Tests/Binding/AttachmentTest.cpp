@@ -56,7 +56,7 @@ TEST_F(AnimationAttachment, IsNullUntilMade) {
 }
 
 TEST_F(AnimationAttachment, AnotherTypeUnderItsGroupCountsAsNone) {
-    ASSERT_EQ(Impostor::getClassGroupId(), osg::AnimAttachment::getClassGroupId());
+    ASSERT_EQ(Impostor::getClassType().getGroupId(), osg::AnimAttachment::getClassType().getGroupId());
     node->addAttachment(Impostor::create());
     EXPECT_EQ(kaAnimationUtils::getAnimationAttachment(node), osg::NullFC);
 }

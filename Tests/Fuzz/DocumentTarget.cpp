@@ -1,3 +1,4 @@
+#include <OpenSG/OSGBaseFunctions.h>
 #include <QTemporaryFile>
 #include <algorithm>
 #include <cstdint>
@@ -56,8 +57,8 @@ bool loadAsFile(const std::uint8_t* data, std::size_t size) {
 
 /// Whatever loads is sound, saves, and from its first reload on saves the same text for ever.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const bool quiet = std::freopen("/dev/null", "w", stdout) != nullptr;
-    (void)quiet;
+    static const bool started = osg::osgInit() && std::freopen("/dev/null", "w", stdout) != nullptr;
+    (void)started;
     clearRegistry();
     const bool asFile = size > 0 && (data[size - 1] & 1U) != 0;
     const bool loaded =

@@ -1,3 +1,4 @@
+#include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGSceneFileHandler.h>
@@ -27,6 +28,8 @@ osg::NodePtr readFrom(const std::string& text) {
 
 /// Whatever can be read can be written and read again.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool started = osg::osgInit();
+    (void)started;
     osg::NodePtr first = readFrom(std::string(reinterpret_cast<const char*>(data), size));
     if (first == osg::NullFC)
         return 0;

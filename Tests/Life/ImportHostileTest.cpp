@@ -43,8 +43,8 @@ TEST_F(ImportHostile, ARingThroughClipsAndTracksIsImportedOnceAround) {
     const osg::AnimationClipPtr inner = ka_older::makeClip("inner", {innerTrack});
     const osg::AnimationTrackPtr outerTrack = ka_older::makeTrack({});
     const osg::AnimationClipPtr outer = ka_older::makeClip("outer", {outerTrack});
-    outerTrack->getEntries().push_back(inner);
-    innerTrack->getEntries().push_back(outer);
+    outerTrack->addEntry(inner);
+    innerTrack->addEntry(outer); // a ring that counts itself: it stays until the library ends
     importWith(outer);
     EXPECT_EQ(countOf(KA_TYPE_STRIP), 2U);
     EXPECT_EQ(countOf(KA_TYPE_STREAK), 2U);

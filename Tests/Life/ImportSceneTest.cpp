@@ -1,4 +1,5 @@
 #include "CapturedOutput.h"
+#include "ContainerLife.h"
 #include "ImportFixture.h"
 
 #include <OpenSG/OSGCameraSetting.h>
@@ -283,13 +284,14 @@ class ImportWithRestlessHost : public ImportScene {
 
 TEST_F(ImportWithRestlessHost, ADestroyedNodeIsPassedOver) {
     victim = last;
+    const ContainerLife lastLife(last);
     whenProgressing = [] {
         if (victim != osg::NullFC)
             current->destroy(victim);
         victim = osg::NodePtr();
     };
     import();
-    EXPECT_EQ(last, osg::NullFC);
+    EXPECT_TRUE(lastLife.isOver());
     EXPECT_THAT(all<kaAnimationUnit>(KA_TYPE_UNIT), SizeIs(1));
     EXPECT_THAT(progress, SizeIs(3));
 }

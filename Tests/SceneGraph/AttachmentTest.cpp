@@ -1,3 +1,4 @@
+#include "ContainerLife.h"
 #include "HostType.h"
 
 #include <OpenSG/OSGAnimAttachment.h>
@@ -32,41 +33,46 @@ TEST_F(Attachments, AreFoundByGroup) {
 
 TEST_F(Attachments, AreCountedAndKnowTheirParents) {
     const osg::AnimAttachmentPtr anim = osg::AnimAttachment::create();
+    const ka_test::ContainerLife animLife(anim);
     _node->addAttachment(anim);
     EXPECT_EQ(1, anim.getRefCount());
     ASSERT_EQ(1U, anim->getParents().size());
     EXPECT_TRUE(anim->getParents()[0] == _node.get());
     _node->subAttachment(anim);
-    EXPECT_TRUE(anim == osg::NullFC);
+    EXPECT_TRUE(animLife.isOver());
     EXPECT_TRUE(_node->getAttachments().empty());
 }
 
 TEST_F(Attachments, OfTheSameGroupReplaceOneAnother) {
     const osg::AnimAttachmentPtr first = osg::AnimAttachment::create();
+    const ka_test::ContainerLife firstLife(first);
     const osg::AnimAttachmentPtr second = osg::AnimAttachment::create();
     _node->addAttachment(first);
     _node->addAttachment(first);
     EXPECT_EQ(1, first.getRefCount()) << "adding it again is no second reference";
     _node->addAttachment(second);
-    EXPECT_TRUE(first == osg::NullFC);
+    EXPECT_TRUE(firstLife.isOver());
     EXPECT_TRUE(_node->findAttachment(osg::AnimAttachment::getClassType()) == second);
     EXPECT_EQ(1U, _node->getAttachments().size());
 }
 
 TEST_F(Attachments, OfDifferentBindingsStandSideBySide) {
     const osg::AnimAttachmentPtr first = osg::AnimAttachment::create();
+    const ka_test::ContainerLife firstLife(first);
     const osg::AnimAttachmentPtr second = osg::AnimAttachment::create();
+    const ka_test::ContainerLife secondLife(second);
     _node->addAttachment(first);
     _node->addAttachment(second, 3);
     EXPECT_TRUE(_node->findAttachment(osg::AnimAttachment::getClassType()) == first);
     EXPECT_TRUE(_node->findAttachment(osg::AnimAttachment::getClassType(), 3) == second);
     _node->subAttachment(first, 3);
-    EXPECT_TRUE(second == osg::NullFC) << "whatever sits under the group and binding is removed";
-    EXPECT_TRUE(first != osg::NullFC);
+    EXPECT_TRUE(secondLife.isOver()) << "whatever sits under the group and binding is removed";
+    EXPECT_FALSE(firstLife.isOver());
 }
 
 TEST_F(Attachments, MayBeSharedAndGoWithTheLastParent) {
     const osg::AnimAttachmentPtr anim = osg::AnimAttachment::create();
+    const ka_test::ContainerLife animLife(anim);
     osg::NodeRefPtr other = osg::Node::create();
     _node->addAttachment(anim);
     other->addAttachment(anim);
@@ -75,7 +81,7 @@ TEST_F(Attachments, MayBeSharedAndGoWithTheLastParent) {
     EXPECT_EQ(1, anim.getRefCount());
     EXPECT_EQ(1U, anim->getParents().size());
     _node = osg::NullFC;
-    EXPECT_TRUE(anim == osg::NullFC);
+    EXPECT_TRUE(animLife.isOver());
 }
 
 TEST_F(Attachments, AreSharedWithAShallowCopy) {
@@ -90,11 +96,12 @@ TEST_F(Attachments, AreSharedWithAShallowCopy) {
 
 TEST_F(Attachments, DestroyedUnderTheirParentLeaveNothingBehind) {
     const osg::AnimAttachmentPtr anim = osg::AnimAttachment::create();
+    const ka_test::ContainerLife animLife(anim);
     _node->addAttachment(anim);
     _node->addAttachment(anim, 1);
     osg::releaseRefCP(anim);
     osg::releaseRefCP(anim);
-    EXPECT_TRUE(anim == osg::NullFC);
+    EXPECT_TRUE(animLife.isOver());
     EXPECT_TRUE(_node->getAttachments().empty());
     EXPECT_TRUE(_node->findAttachment(osg::AnimAttachment::getClassType()) == osg::NullFC);
 }

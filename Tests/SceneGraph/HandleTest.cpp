@@ -1,3 +1,5 @@
+#include "ContainerLife.h"
+
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGGroup.h>
@@ -56,6 +58,51 @@ TEST(Handle, CastDownGivesTheSameContainerOrNull) {
     osg::subRefCP(container);
 }
 
+#ifdef KA_STRICT_HANDLES
+
+TEST(StrictHandle, OfADestroyedContainerIsItsAddressStill) {
+    osg::NodePtr node = osg::Node::create();
+    const osg::NodePtr copy = node;
+    const osg::Node* address = node.getCPtr();
+    const osg::UInt32 id = node.getFieldContainerId();
+    osg::subRefCP(node);
+    EXPECT_TRUE(node == osg::NullFC) << "the handle itself was made null";
+    EXPECT_TRUE(copy != osg::NullFC) << "a copy does not know";
+    EXPECT_FALSE(copy == osg::NodePtr());
+    EXPECT_EQ(address, copy.getCPtr());
+    EXPECT_TRUE(osg::NullFC < copy);
+    EXPECT_TRUE(factory()->getContainer(id) == osg::NullFC) << "the store knows";
+}
+
+TEST(StrictHandleDeathTest, EndsTheProgramWhenReadAfterItsContainerOrNull) {
+    osg::NodePtr node = osg::Node::create();
+    const osg::NodePtr copy = node;
+    osg::subRefCP(node);
+    const char* const gone = "is read whose container is gone|use-after-free";
+    EXPECT_DEATH(copy.getFieldContainerId(), gone);
+    EXPECT_DEATH(copy.getRefCount(), gone);
+    EXPECT_DEATH(copy->getTravMask(), gone);
+    EXPECT_DEATH(osg::NodePtr::dcast(copy), gone);
+    EXPECT_DEATH(osg::addRefCP(copy), gone);
+    EXPECT_DEATH(osg::releaseRefCP(copy), gone);
+    EXPECT_DEATH(osg::NodePtr().getFieldContainerId(), "a null handle is read");
+}
+
+TEST(StrictHandle, OrdersByAddress) {
+    const osg::NodePtr first = osg::Node::create();
+    const osg::NodePtr second = osg::Node::create();
+    EXPECT_EQ(std::less<>()(first.getCPtr(), second.getCPtr()), first < second);
+    EXPECT_EQ(std::less<>()(second.getCPtr(), first.getCPtr()), second < first);
+    osg::releaseRefCP(first);
+    osg::releaseRefCP(second);
+}
+
+TEST(StrictHandle, GivesTheGroupOfAllContainersForEveryClass) {
+    EXPECT_EQ(osg::FieldContainer::getClassType().getGroupId(), osg::Transform::getClassGroupId());
+}
+
+#else
+
 TEST(Handle, OfADestroyedContainerIsNullInEveryTest) {
     osg::NodePtr node = osg::Node::create();
     const osg::NodePtr copy = node;
@@ -88,6 +135,18 @@ TEST(Handle, OfADestroyedContainerNeverMeansALaterOne) {
     osg::releaseRefCP(alive);
 }
 
+TEST(Handle, IgnoresCountingWhenItsContainerIsGone) {
+    osg::NodePtr gone = osg::Node::create();
+    const osg::NodePtr copy = gone;
+    osg::subRefCP(gone);
+    osg::addRefCP(copy);
+    osg::releaseRefCP(copy);
+    osg::endEditCP(copy);
+    EXPECT_TRUE(copy == osg::NullFC);
+}
+
+#endif
+
 TEST(Handle, CanBeMadeFromTheContainer) {
     const osg::NodePtr node = osg::Node::create();
     EXPECT_TRUE(osg::NodePtr(*node) == node);
@@ -107,51 +166,51 @@ TEST(Handle, OfANodeGivesTheAddressOfItsCore) {
 
 TEST(Counting, DestroysAtZeroAndBelow) {
     osg::NodePtr counted = osg::Node::create();
+    const ka_test::ContainerLife countedLife(counted);
     EXPECT_EQ(0, counted.getRefCount());
     osg::addRefCP(counted);
     osg::addRefCP(counted);
     EXPECT_EQ(2, osg::getRefCount(counted));
     osg::releaseRefCP(counted);
-    EXPECT_TRUE(counted != osg::NullFC);
+    EXPECT_FALSE(countedLife.isOver());
     osg::releaseRefCP(counted);
-    EXPECT_TRUE(counted == osg::NullFC);
+    EXPECT_TRUE(countedLife.isOver());
 
     osg::NodePtr uncounted = osg::Node::create();
+    const ka_test::ContainerLife uncountedLife(uncounted);
     osg::releaseRefCP(uncounted);
-    EXPECT_TRUE(uncounted == osg::NullFC) << "a count of 0 falls below";
+    EXPECT_TRUE(uncountedLife.isOver()) << "a count of 0 falls below";
 }
 
-TEST(Counting, IgnoresNullAndWhatIsGone) {
+TEST(Counting, IgnoresNull) {
     osg::NodePtr null;
     osg::addRefCP(null);
     osg::subRefCP(null);
-    osg::NodePtr gone = osg::Node::create();
-    const osg::NodePtr copy = gone;
-    osg::subRefCP(gone);
-    osg::addRefCP(copy);
-    osg::releaseRefCP(copy);
-    osg::endEditCP(copy);
-    EXPECT_TRUE(copy == osg::NullFC);
+    osg::endEditCP(null);
+    EXPECT_TRUE(null == osg::NullFC);
 }
 
 TEST(Counting, SetRefdCountsTheNewUpAndTheOldDown) {
     osg::NodePtr first = osg::Node::create();
+    const ka_test::ContainerLife firstLife(first);
     osg::NodePtr second = osg::Node::create();
+    const ka_test::ContainerLife secondLife(second);
     osg::NodePtr slot;
     osg::setRefdCP(slot, first);
     EXPECT_EQ(1, first.getRefCount());
     osg::setRefdCP(slot, first);
     EXPECT_EQ(1, first.getRefCount()) << "the same again does not destroy it";
     osg::setRefdCP(slot, second);
-    EXPECT_TRUE(first == osg::NullFC);
+    EXPECT_TRUE(firstLife.isOver());
     EXPECT_EQ(1, second.getRefCount());
     osg::clearRefCP(slot);
     EXPECT_TRUE(slot == osg::NullFC);
-    EXPECT_TRUE(second == osg::NullFC);
+    EXPECT_TRUE(secondLife.isOver());
 }
 
 TEST(Counting, RefPtrKeepsItsContainer) {
     osg::NodePtr node = osg::Node::create();
+    const ka_test::ContainerLife nodeLife(node);
     {
         osg::NodeRefPtr kept = node;
         osg::NodeRefPtr copy = kept;
@@ -165,11 +224,12 @@ TEST(Counting, RefPtrKeepsItsContainer) {
         EXPECT_EQ(2, node.getRefCount());
         EXPECT_EQ(node->getTravMask(), kept->getTravMask());
     }
-    EXPECT_TRUE(node == osg::NullFC);
+    EXPECT_TRUE(nodeLife.isOver());
 }
 
 TEST(Counting, TheSettersThatKeepAHandleCountIt) {
     osg::SimpleMaterialPtr material = osg::SimpleMaterial::create();
+    const ka_test::ContainerLife materialLife(material);
     osg::MaterialGroupPtr group = osg::MaterialGroup::create();
     group->setMaterial(material);
     EXPECT_EQ(1, material.getRefCount());
@@ -179,14 +239,15 @@ TEST(Counting, TheSettersThatKeepAHandleCountIt) {
     EXPECT_EQ(1, material.getRefCount());
 
     osg::NodePtr beacon = osg::Node::create();
+    const ka_test::ContainerLife beaconLife(beacon);
     osg::PointLightPtr light = osg::PointLight::create();
     light->setBeacon(beacon);
     EXPECT_EQ(1, beacon.getRefCount());
 
     osg::subRefCP(group);
     osg::subRefCP(light);
-    EXPECT_TRUE(material == osg::NullFC);
-    EXPECT_TRUE(beacon == osg::NullFC);
+    EXPECT_TRUE(materialLife.isOver());
+    EXPECT_TRUE(beaconLife.isOver());
 }
 
 TEST(Store, SlotZeroIsNullAndIdsAreIndices) {
@@ -229,11 +290,12 @@ TEST(Store, AppliesTheMapperOnlyWhenAsked) {
 TEST(Library, ExitDestroysAllButThePrototypesAndCanBeUsedAgain) {
     ASSERT_TRUE(osg::osgInit(0, nullptr));
     const osg::NodePtr node = osg::Node::create();
+    const ka_test::ContainerLife nodeLife(node);
     node->setCore(osg::Group::create());
     node->addChild(osg::Node::create());
     const osg::UInt32 id = node.getFieldContainerId();
     EXPECT_TRUE(osg::osgExit());
-    EXPECT_TRUE(node == osg::NullFC);
+    EXPECT_TRUE(nodeLife.isOver());
     EXPECT_TRUE(osg::Node::getClassType().getPrototype() != osg::NullFC);
     osg::NodePtr later = osg::Node::create();
     EXPECT_LT(id, later.getFieldContainerId());

@@ -1,3 +1,5 @@
+#include "ContainerLife.h"
+
 #include <OpenSG/OSGCoredNodePtr.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGGeometry.h>
@@ -75,12 +77,14 @@ TEST_F(Tree, MovesAChildThatIsAddedAgainToTheEnd) {
 
 TEST_F(Tree, DestroysARemovedChildThatNobodyCountsOn) {
     const osg::NodePtr child = named("x");
+    const ka_test::ContainerLife childLife(child);
     const osg::NodePtr grandchild = named("y");
+    const ka_test::ContainerLife grandchildLife(grandchild);
     _root->addChild(child);
     child->addChild(grandchild);
     _root->subChild(child);
-    EXPECT_TRUE(child == osg::NullFC);
-    EXPECT_TRUE(grandchild == osg::NullFC);
+    EXPECT_TRUE(childLife.isOver());
+    EXPECT_TRUE(grandchildLife.isOver());
     EXPECT_EQ(0U, _root->getNChildren());
 
     _root->addChild(_a);
@@ -107,13 +111,16 @@ TEST_F(Tree, RefusesNullItselfAndAncestors) {
 
 TEST_F(Tree, ReplacesChildrenInPlace) {
     const osg::NodePtr x = named("x");
+    const ka_test::ContainerLife xLife(x);
     _root->addChild(_a);
     _root->addChild(x);
     _root->addChild(_c);
     EXPECT_TRUE(_root->replaceChildBy(x, _b));
     EXPECT_EQ("abc", children(_root));
-    EXPECT_TRUE(x == osg::NullFC);
-    EXPECT_FALSE(_root->replaceChildBy(x, _b)) << "not there any more";
+    EXPECT_TRUE(xLife.isOver());
+    const osg::NodePtr stranger = named("y");
+    EXPECT_FALSE(_root->replaceChildBy(stranger, _b)) << "not a child";
+    osg::releaseRefCP(stranger);
     EXPECT_FALSE(_root->replaceChildBy(_a, osg::NullFC));
     EXPECT_FALSE(_root->replaceChildBy(_a, _root));
     EXPECT_TRUE(_root->replaceChildBy(_a, _a));
@@ -126,15 +133,17 @@ TEST_F(Tree, ReplacesChildrenInPlace) {
 
 TEST_F(Tree, ForgetsAChildThatIsDestroyedElsewhere) {
     const osg::NodePtr child = named("x");
+    const ka_test::ContainerLife childLife(child);
     _root->addChild(child);
     _root->addChild(_a);
     osg::releaseRefCP(child);
-    EXPECT_TRUE(child == osg::NullFC);
+    EXPECT_TRUE(childLife.isOver());
     EXPECT_EQ("a", children(_root));
 }
 
 TEST_F(Tree, CountsCoresAndSharesThem) {
     const osg::GroupPtr core = osg::Group::create();
+    const ka_test::ContainerLife coreLife(core);
     _a->setCore(core);
     _b->setCore(core);
     _b->setCore(_b->getCore());
@@ -145,7 +154,7 @@ TEST_F(Tree, CountsCoresAndSharesThem) {
     ASSERT_EQ(1U, core->getParents().size());
     EXPECT_TRUE(core->getParents()[0] == _b.get());
     _b->setCore(osg::NullFC);
-    EXPECT_TRUE(core == osg::NullFC);
+    EXPECT_TRUE(coreLife.isOver());
     EXPECT_TRUE(_b->getCore() == osg::NullFC);
 }
 
@@ -241,14 +250,16 @@ TEST_F(Tree, SharesOneCoreAmongManyNodesAndIsDestroyedQuickly) {
 
 TEST(CoredNode, CarriesNodeAndCore) {
     osg::NodePtr node;
+    osg::UInt32 id = 0;
     {
         osg::TransformNodePtr transform = osg::TransformNodePtr::create();
         transform->editMatrix().setTranslate(1.0F, 2.0F, 3.0F);
         node = transform.node();
+        id = node.getFieldContainerId();
         EXPECT_TRUE(node->getCore() == transform.core());
         EXPECT_EQ(osg::Vec4f(1.0F, 2.0F, 3.0F, 1.0F), node->getToWorld()[3]);
     }
-    EXPECT_TRUE(node == osg::NullFC);
+    EXPECT_TRUE(ka_test::isGone(id));
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "ContainerLife.h"
 #include "DecimalComma.h"
 #include "SceneFiles.h"
 
@@ -282,19 +283,19 @@ TEST(SceneFile, ReplacesAValueThatComesAgain) {
 
 TEST(Loader, KeepsItsSceneUntilItIsTaken) {
     osg::NodePtr kept;
-    osg::NodePtr dropped;
     {
         osg::OSGLoader loader;
         std::istringstream first("#OSG V1.0 \nNode { }");
         EXPECT_TRUE(loader.scanStream(first));
-        dropped = loader.getRootNode();
+        const osg::NodePtr dropped = loader.getRootNode();
+        const ka_test::ContainerLife droppedLife(dropped);
         std::istringstream second("#OSG V1.0 \nNode { }");
         EXPECT_TRUE(loader.scanStream(second));
-        EXPECT_TRUE(dropped == osg::NullFC);
+        EXPECT_TRUE(droppedLife.isOver());
         kept = loader.takeRootNode();
         EXPECT_TRUE(loader.getRootNode() == osg::NullFC);
     }
-    EXPECT_TRUE(kept != osg::NullFC);
+    EXPECT_FALSE(ka_test::isGone(kept.getFieldContainerId()));
     osg::subRefCP(kept);
 }
 

@@ -1,3 +1,4 @@
+#include "ContainerLife.h"
 #include "HostType.h"
 #include "SceneDump.h"
 #include "SceneFiles.h"
@@ -213,12 +214,14 @@ TEST_F(RoundTrip, CountsSharedContainersAsTheOriginalsWere) {
     group->setMaterial(shared);
     ReadScene read = readScene(writeScene(_root));
     const osg::NodeCorePtr core = read.only()->getCore();
+    const ka_test::ContainerLife coreLife(core);
     const osg::MaterialPtr material = osg::MaterialGroupPtr::dcast(core)->getMaterial();
+    const ka_test::ContainerLife materialLife(material);
     EXPECT_EQ(1, core.getRefCount());
     EXPECT_EQ(1, material.getRefCount());
     read.root = osg::NullFC;
-    EXPECT_TRUE(core == osg::NullFC);
-    EXPECT_TRUE(material == osg::NullFC);
+    EXPECT_TRUE(coreLife.isOver());
+    EXPECT_TRUE(materialLife.isOver());
 }
 
 TEST_F(RoundTrip, KeepsABeaconBeforeAndBehindTheLight) {
@@ -236,9 +239,10 @@ TEST_F(RoundTrip, KeepsABeaconBeforeAndBehindTheLight) {
     expectNothingLost();
     ReadScene read = readScene(writeScene(_root));
     const osg::NodePtr node = read.only();
+    const ka_test::ContainerLife nodeLife(node);
     EXPECT_EQ(1, node.getRefCount()) << "a beacon does not keep its node";
     read.root = osg::NullFC;
-    EXPECT_TRUE(node == osg::NullFC);
+    EXPECT_TRUE(nodeLife.isOver());
 }
 
 TEST_F(RoundTrip, KeepsABeaconThatStandsNowhereElse) {
@@ -250,9 +254,10 @@ TEST_F(RoundTrip, KeepsABeaconThatStandsNowhereElse) {
     expectNothingLost();
     ReadScene read = readScene(writeScene(_root));
     const osg::NodePtr back = osg::PointLightPtr::dcast(read.only()->getCore())->getBeacon();
+    const ka_test::ContainerLife backLife(back);
     EXPECT_STREQ("free", osg::getName(back));
     read.root = osg::NullFC;
-    EXPECT_TRUE(back == osg::NullFC) << "it goes with the light that it was written in";
+    EXPECT_TRUE(backLife.isOver()) << "it goes with the light that it was written in";
 }
 
 TEST_F(RoundTrip, LeavesOutANodeOfALargerTree) {
@@ -328,8 +333,9 @@ TEST_F(RoundTrip, KeepsTheOlderAnimationContainers) {
     const osg::AttachmentPtr back =
         read.only()->getChild(0)->findAttachment(osg::AnimationAttachment::getClassType());
     const osg::AnimationBlockPtr backBlock = osg::AnimationAttachmentPtr::dcast(back)->getBlocks()[0];
+    const ka_test::ContainerLife backBlockLife(backBlock);
     read.root = osg::NullFC;
-    EXPECT_TRUE(backBlock == osg::NullFC) << "all of it goes with the scene";
+    EXPECT_TRUE(backBlockLife.isOver()) << "all of it goes with the scene";
 }
 
 TEST_F(RoundTrip, KeepsCyclesAmongTheOlderContainers) {

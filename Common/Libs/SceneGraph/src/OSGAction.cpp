@@ -16,7 +16,7 @@ class Traversal {
         while (!_waiting.empty()) {
             const Waiting next = _waiting.back();
             _waiting.pop_back();
-            if (next.node == NullFC)
+            if (ContainerAccess::isGone(next.node))
                 continue;
             if (next.isLeaving)
                 leave(next.node);
@@ -36,7 +36,7 @@ class Traversal {
     Action::ResultE visit(NodePtr node) {
         const NodePtr visited = node;
         const Action::ResultE answer = _enter(node);
-        if (visited == NullFC)
+        if (ContainerAccess::isGone(visited))
             return answer == Action::Quit ? Action::Quit : Action::Continue;
         if (_leave != nullptr)
             _waiting.push_back({visited, NodePtr(), true});

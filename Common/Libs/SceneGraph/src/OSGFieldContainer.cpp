@@ -1,5 +1,6 @@
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGThread.h>
+#include <cstring>
 #include <exception>
 #include <utility>
 #include <vector>
@@ -110,11 +111,35 @@ void attempt(Step&& step) {
 } // namespace
 
 void FieldContainer::announceParents(const FieldContainerPtr& container, BitVector mask) {
+    if (ContainerAccess::isGone(container))
+        return;
     if (isDestroying)
         attempt([&] { endEditCP(container, mask); });
     else
         endEditCP(container, mask);
 }
+
+#ifdef KA_STRICT_HANDLES
+#if defined(__SANITIZE_ADDRESS__)
+#define KA_ADDRESS_SANITIZER
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KA_ADDRESS_SANITIZER
+#endif
+#endif
+
+void* FieldContainer::operator new(std::size_t size) {
+    return ::operator new(size);
+}
+
+void FieldContainer::operator delete(void* memory, [[maybe_unused]] std::size_t size) {
+#ifdef KA_ADDRESS_SANITIZER
+    ::operator delete(memory);
+#else
+    std::memset(memory, 0xDD, size);
+#endif
+}
+#endif
 
 void FieldContainer::destroy(FieldContainer* container) {
     // What is owned goes after its owner and not within its destruction: a deep tree needs no deep stack.

@@ -1,7 +1,10 @@
 #include "LibraryTypes.h"
+#include "Lifetime.h"
 
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGNode.h>
+#include <cstdio>
+#include <cstdlib>
 
 namespace osg {
 
@@ -18,6 +21,13 @@ FieldContainerFactory* FieldContainerFactory::the() {
         return &registry();
     }();
     return factory;
+}
+
+void FieldContainerFactory::refuseBeforeStart() {
+    if (isStarted)
+        return;
+    std::fputs("scene graph: a container is looked up before osgInit\n", stderr);
+    std::abort();
 }
 
 FieldContainerPtr FieldContainerFactory::getMappedContainer(UInt32 id) const {

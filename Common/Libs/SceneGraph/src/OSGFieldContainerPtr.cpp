@@ -1,6 +1,10 @@
+#include "Lifetime.h"
+
 #include <OpenSG/OSGFieldContainer.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGThread.h>
+#include <cstdio>
+#include <cstdlib>
 #include <limits>
 
 namespace osg {
@@ -28,24 +32,59 @@ UInt32 FieldContainerStore::add(FieldContainer* container) {
 FieldContainerPtrBase::FieldContainerPtrBase(FieldContainer* container)
     : _container(container), _id(container == nullptr ? 0 : container->_id) {}
 
+#ifdef KA_STRICT_HANDLES
+UInt32 FieldContainerPtrBase::getFieldContainerId() const {
+    return readable()->_id;
+}
+
+FieldContainer* FieldContainerPtrBase::readable() const {
+    const char* fault = nullptr;
+    if (_container == nullptr)
+        fault = "a null handle is read";
+    else if (_container->_id != _id) // the memory of what is gone is kept, and overwritten
+        fault = "a handle is read whose container is gone";
+    if (fault != nullptr) {
+        std::fprintf(stderr, "scene graph: %s (container %u)\n", fault, static_cast<unsigned int>(_id));
+        std::abort();
+    }
+    return _container;
+}
+
+Int32 FieldContainerPtrBase::getRefCount() const {
+    return isNull() ? 0 : readable()->_refCount;
+}
+#else
 Int32 FieldContainerPtrBase::getRefCount() const {
     return isNull() ? 0 : _container->_refCount;
 }
+#endif
 
 NodePtr::NodePtr(Node& node) : AttachmentContainerPtr(node) {}
 
 NodePtr::NodePtr(Node* node) : AttachmentContainerPtr(node) {}
 
 NodePtr NodePtr::dcast(const FieldContainerPtr& handle) {
-    return NodePtr(dynamic_cast<Node*>(handle.getCPtr()));
+    return NodePtr(dynamic_cast<Node*>(handle.castable()));
 }
 
 NodeCore* NodePtr::getCore() const {
     return (*this)->getCore().getCPtr();
 }
 
+namespace {
+
+/// Whether counting `handle` down means anything: what is being destroyed already is past it, and osgExit
+/// destroys in any order.
+bool isCounted(const FieldContainerPtr& handle) {
+    if (!isExiting)
+        (void)*handle;
+    return !ContainerAccess::isGone(handle);
+}
+
+} // namespace
+
 void addRefCP(const FieldContainerPtr& handle) {
-    if (handle.isNull())
+    if (handle == NullFC)
         return;
     ++handle->_refCount;
     if (ChangeList* changes = PThreadBase::getCurrentChangeList())
@@ -53,7 +92,7 @@ void addRefCP(const FieldContainerPtr& handle) {
 }
 
 void releaseRefCP(const FieldContainerPtr& handle) {
-    if (handle.isNull())
+    if (handle == NullFC || !isCounted(handle))
         return;
     if (ChangeList* changes = PThreadBase::getCurrentChangeList())
         changes->addSubRefd(handle);

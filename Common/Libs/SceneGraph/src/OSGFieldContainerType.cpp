@@ -1,3 +1,5 @@
+#include "Lifetime.h"
+
 #include <OpenSG/OSGContainer.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGNode.h>
@@ -65,6 +67,10 @@ FieldContainerPtr FieldContainerType::createFieldContainer() {
 }
 
 FieldContainerPtr FieldContainerType::createEmptyFieldContainer() {
+#ifdef KA_STRICT_HANDLES
+    if (!isStarted)
+        return FieldContainerPtr();
+#endif
     return isAbstract() ? FieldContainerPtr() : FieldContainerPtr(_makers.create());
 }
 

@@ -28,7 +28,7 @@ OSGLoader::~OSGLoader() {
 }
 
 void OSGLoader::dropScene() {
-    if (_root != NullFC && _root.getRefCount() == 0)
+    if (!ContainerAccess::isGone(_root) && _root.getRefCount() == 0)
         releaseRefCP(_root);
     _root = NullFC;
 }

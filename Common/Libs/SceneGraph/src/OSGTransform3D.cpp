@@ -52,7 +52,7 @@ Matrix Transform3D::compose(const Vec3f& translation, const Vec3f& degrees, cons
 }
 
 bool Transform3D::getLocalMatrix(const Node& node, Matrix& result) const {
-    static const UInt16 groupId = TransformAttachment::getClassGroupId();
+    static const UInt16 groupId = TransformAttachment::getClassType().getGroupId();
     const AttachmentPtr attachment = node.findAttachment(groupId);
     Vec3f degrees;
     if (attachment != NullFC)

@@ -54,8 +54,12 @@ std::vector<SceneFileLink> linksOf(const FieldContainer& container, const FieldD
     const bool isTree = isNode && (description.getFieldId() == Node::ChildrenFieldId ||
                                    description.getFieldId() == Node::CoreFieldId);
     links.reserve(field->getSize());
-    for (UInt32 i = 0; i < field->getSize(); ++i)
-        links.push_back({field->getPointer(i), 0, isTree || description.isOwning()});
+    for (UInt32 i = 0; i < field->getSize(); ++i) {
+        const FieldContainerPtr target = field->getPointer(i);
+        // A field that does not own may refer to what is gone.
+        links.push_back({ContainerAccess::isGone(target) ? FieldContainerPtr() : target, 0,
+                         isTree || description.isOwning()});
+    }
     return links;
 }
 
@@ -152,8 +156,10 @@ const std::string& SceneFilePlan::nameOf(const FieldContainerPtr& container) con
 
 SceneFilePlan::Form SceneFilePlan::formOf(const FieldContainerPtr& owner, const FieldDescription& field,
                                           const SceneFileLink& link) {
+    if (link.target == NullFC)
+        return Form::Null;
     const UInt32 id = link.target.getFieldContainerId();
-    if (link.target == NullFC || _names.count(id) == 0)
+    if (_names.count(id) == 0)
         return Form::Null;
     const auto home = _homes.find(id);
     const bool isHome = home == _homes.end()

@@ -39,12 +39,21 @@ class KA_SCENEGRAPH_API Container : public ParentT {
     FieldContainerType& getType() override { return Self::getClassType(); }
     const FieldContainerType& getType() const override { return Self::getClassType(); }
     static UInt32 getClassTypeId() { return Self::getClassType().getId(); }
-    static UInt16 getClassGroupId() { return Self::getClassType().getGroupId(); }
+#ifndef KA_STRICT_HANDLES // then only FieldContainer has it, and answers with its own group whatever the
+                          // class
+    static UInt16 getClassGroupId() {
+        return Self::getClassType().getGroupId();
+    }
+#endif
 
     /// A copy of the prototype; null for an abstract type. Nobody counts it yet: hand it to an owner, or
     /// count it.
-    static Ptr create() { return Ptr::dcast(Self::getClassType().createFieldContainer()); }
-    static Ptr createEmpty() { return Ptr::dcast(Self::getClassType().createEmptyFieldContainer()); }
+    static Ptr create() {
+        return Ptr::dcast(Self::getClassType().createFieldContainer());
+    }
+    static Ptr createEmpty() {
+        return Ptr::dcast(Self::getClassType().createEmptyFieldContainer());
+    }
 
   protected:
     Container() = default;

@@ -31,14 +31,33 @@ class KA_SCENEGRAPH_API FieldContainer {
     FieldContainer& operator=(const FieldContainer&) = delete;
 
     static FieldContainerType& getClassType();
+#ifdef KA_STRICT_HANDLES
+    static UInt16 getClassGroupId() {
+        return getClassType().getGroupId();
+    }
+    /// Overwrites the memory and keeps it for good, so that whoever reads a container that is gone is found
+    /// out; a sanitized build leaves both to the sanitizer.
+    static void operator delete(void* memory, std::size_t size);
+    static void* operator new(std::size_t size);
+#endif
     virtual FieldContainerType& getType() = 0;
     virtual const FieldContainerType& getType() const = 0;
-    UInt32 getTypeId() const { return getType().getId(); }
-    UInt16 getGroupId() const { return getType().getGroupId(); }
-    const Char8* getTypeName() const { return getType().getCName(); }
+    UInt32 getTypeId() const {
+        return getType().getId();
+    }
+    UInt16 getGroupId() const {
+        return getType().getGroupId();
+    }
+    const Char8* getTypeName() const {
+        return getType().getCName();
+    }
 
-    UInt32 getFieldContainerId() const { return _id; }
-    Int32 getRefCount() const { return _refCount; }
+    UInt32 getFieldContainerId() const {
+        return _id;
+    }
+    Int32 getRefCount() const {
+        return _refCount;
+    }
 
     /// The field with that name or id; null if there is none. Its address stays the same as long as the
     /// container lives.
@@ -102,14 +121,15 @@ class KA_SCENEGRAPH_API FieldContainer {
 /// information.
 template <class BasePtrT, class ContainerT>
 FCPtr<BasePtrT, ContainerT> FCPtr<BasePtrT, ContainerT>::dcast(const FieldContainerPtr& handle) {
-    FieldContainer* container = handle.getCPtr();
+    FieldContainer* container = handle.castable();
     if (container == nullptr ||
         !std::as_const(*container).getType().isDerivedFrom(ContainerT::getClassType()))
         return {};
     return FCPtr(static_cast<ContainerT*>(container));
 }
 
-/// Lets the declaration of a type reach the constructors of its class; see declareType.
+/// Lets the declaration of a type reach the constructors of its class (see declareType), and the library ask
+/// for more than its users can.
 struct ContainerAccess {
     template <class Self>
     static FieldContainer* create() {
@@ -122,6 +142,7 @@ struct ContainerAccess {
         return made;
     }
     static void destroy(FieldContainer* container) { FieldContainer::destroy(container); }
+    static bool isGone(const FieldContainerPtrBase& handle) { return handle.isGone(); }
 };
 
 } // namespace osg

@@ -3,6 +3,7 @@
 #include <OpenSG/OSGFieldContainerBase.h>
 #include <cassert>
 #include <cstddef>
+#include <functional>
 #include <vector>
 
 /// @file
@@ -28,27 +29,47 @@ inline constexpr NullFieldContainerPtr NullFC{};
 ///
 /// Handles compare equal when they mean the same container, whatever their types, or when both are null.
 /// `<` orders by id, that is, by age.
+///
+/// With KA_STRICT_HANDLES a handle is an address and nothing else, as it is in the published library: tests
+/// for null, `==` and `<` compare addresses, so a handle whose container is gone is not null; its id and its
+/// count are read from the container. To read a null handle or one whose container is gone ends the program.
 class KA_SCENEGRAPH_API FieldContainerPtrBase {
   public:
     /// The id; 0 for a default-constructed handle. Of a container that is gone, the id that it had.
-    UInt32 getFieldContainerId() const { return _id; }
+#ifdef KA_STRICT_HANDLES
+    UInt32 getFieldContainerId() const;
+#else
+    UInt32 getFieldContainerId() const {
+        return _id;
+    }
+#endif
 
     /// The number of references that are counted (see addRefCP); 0 for null.
     Int32 getRefCount() const;
 
-    /// True when the handle is null or its container is gone.
-    inline bool isNull() const;
-    explicit operator bool() const { return !isNull(); }
-    bool operator!() const { return isNull(); }
+    explicit operator bool() const {
+        return !isNull();
+    }
+    bool operator!() const {
+        return isNull();
+    }
 
     friend bool operator==(const FieldContainerPtrBase& a, const FieldContainerPtrBase& b) {
+#ifdef KA_STRICT_HANDLES
+        return a._container == b._container;
+#else
         return a._id == b._id || (a.isNull() && b.isNull());
+#endif
     }
     friend bool operator!=(const FieldContainerPtrBase& a, const FieldContainerPtrBase& b) {
         return !(a == b);
     }
     friend bool operator<(const FieldContainerPtrBase& a, const FieldContainerPtrBase& b) {
+#ifdef KA_STRICT_HANDLES
+        return std::less<>()(a._container, b._container);
+#else
         return a._id < b._id;
+#endif
     }
     friend bool operator==(const FieldContainerPtrBase& a, const NullFieldContainerPtr&) {
         return a.isNull();
@@ -62,11 +83,26 @@ class KA_SCENEGRAPH_API FieldContainerPtrBase {
     friend bool operator!=(const NullFieldContainerPtr&, const FieldContainerPtrBase& b) {
         return !b.isNull();
     }
-    friend bool operator<(const FieldContainerPtrBase&, const NullFieldContainerPtr&) { return false; }
+    friend bool operator<(const FieldContainerPtrBase&, const NullFieldContainerPtr&) {
+        return false;
+    }
+    friend bool operator<(const NullFieldContainerPtr&, const FieldContainerPtrBase& b) {
+        return !b.isNull();
+    }
 
   protected:
+    friend struct ContainerAccess;
     FieldContainerPtrBase() = default;
     explicit FieldContainerPtrBase(FieldContainer* container);
+
+    /// True when the handle is null or, unless handles are strict, its container is gone.
+    inline bool isNull() const;
+    /// True when the handle is null or its container is gone, or about to be (FieldContainer::onDestroy).
+    inline bool isGone() const;
+#ifdef KA_STRICT_HANDLES
+    /// The container, whose memory is there; anything else ends the program with a message.
+    FieldContainer* readable() const;
+#endif
 
     FieldContainer* _container = nullptr;
     UInt32 _id = 0;
@@ -87,7 +123,7 @@ class KA_SCENEGRAPH_API FieldContainerPtr : public FieldContainerPtrBase {
     FieldContainer* operator->() const { return checked(); }
     FieldContainer& operator*() const { return *checked(); }
 
-    /// The container's address; null when the handle is null or the container is gone.
+    /// The container's address; null when the handle is null or (see isNull) the container is gone.
     FieldContainer* getCPtr() const { return isNull() ? nullptr : _container; }
 
     /// The host sets this while it makes changes that nobody is to be told of. The library itself does not
@@ -96,12 +132,23 @@ class KA_SCENEGRAPH_API FieldContainerPtr : public FieldContainerPtrBase {
 
   protected:
     FieldContainer* checked() const {
+#ifdef KA_STRICT_HANDLES
+        return readable();
+#else
         assert(!isNull() && "the handle is null or its container is gone");
         return _container;
+#endif
+    }
+    /// What a cast may look at: the container, null for a null handle.
+    FieldContainer* castable() const {
+        return isNull() ? nullptr : checked();
     }
 
   private:
     friend class FieldContainerStore;
+    friend class NodePtr;
+    template <class BasePtrT, class ContainerT>
+    friend class FCPtr;
 };
 
 /// All containers by id: slot 0 is null, each new container takes the next slot, and a container that goes
@@ -132,8 +179,16 @@ class KA_SCENEGRAPH_API FieldContainerStore {
     std::vector<FieldContainerPtr> _slots;
 };
 
-inline bool FieldContainerPtrBase::isNull() const {
+inline bool FieldContainerPtrBase::isGone() const {
     return _container == nullptr || !FieldContainerStore::the().isAlive(_id);
+}
+
+inline bool FieldContainerPtrBase::isNull() const {
+#ifdef KA_STRICT_HANDLES
+    return _container == nullptr;
+#else
+    return isGone();
+#endif
 }
 
 /// Handle of a container of type `ContainerT`; `BasePtrT` is the handle of the type that it derives from, so
@@ -160,7 +215,8 @@ class KA_SCENEGRAPH_API FCPtr : public BasePtrT {
 
 /// @name Counting references
 /// A new container has count 0. Who keeps a handle for long counts it up; the count that falls to 0 or below
-/// destroys the container at once. All ignore null, and handles whose container is gone.
+/// destroys the container at once. All ignore null, and (unless handles are strict) those whose container is
+/// gone.
 /// @{
 KA_SCENEGRAPH_API void addRefCP(const FieldContainerPtr& handle);
 
@@ -206,7 +262,7 @@ inline Int32 getRefCount(const FieldContainerPtr& handle) {
 
 /// The id; 0 for null and for a container that is gone.
 inline UInt32 getContainerId(const FieldContainerPtr& handle) {
-    return handle.isNull() ? 0 : handle.getFieldContainerId();
+    return handle == NullFC ? 0 : handle.getFieldContainerId();
 }
 
 template <class HandleT>

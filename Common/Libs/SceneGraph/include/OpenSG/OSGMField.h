@@ -104,7 +104,7 @@ class KA_SCENEGRAPH_API MField : public Field {
     bool pushPointer(const FieldContainerPtr& handle) override {
         if constexpr (Traits::IsPointer) {
             const T value = dynamic_pointer_cast<T>(handle);
-            if (value.isNull() != handle.isNull())
+            if ((value == NullFC) != (handle == NullFC))
                 return false;
             _values.push_back(value);
             return true;

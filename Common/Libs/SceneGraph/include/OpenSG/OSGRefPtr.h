@@ -37,13 +37,13 @@ class RefPtr {
     const HandleT& get() const { return _handle; }
     auto* operator->() const { return _handle.operator->(); }
     auto& operator*() const { return *_handle; }
-    explicit operator bool() const { return !_handle.isNull(); }
-    bool operator!() const { return _handle.isNull(); }
+    explicit operator bool() const { return _handle != NullFC; }
+    bool operator!() const { return _handle == NullFC; }
 
     friend bool operator==(const RefPtr& a, const RefPtr& b) { return a._handle == b._handle; }
     friend bool operator!=(const RefPtr& a, const RefPtr& b) { return a._handle != b._handle; }
-    friend bool operator==(const RefPtr& a, const NullFieldContainerPtr&) { return a._handle.isNull(); }
-    friend bool operator!=(const RefPtr& a, const NullFieldContainerPtr&) { return !a._handle.isNull(); }
+    friend bool operator==(const RefPtr& a, const NullFieldContainerPtr&) { return a._handle == NullFC; }
+    friend bool operator!=(const RefPtr& a, const NullFieldContainerPtr&) { return a._handle != NullFC; }
     friend bool operator<(const RefPtr& a, const RefPtr& b) { return a._handle < b._handle; }
 
   private:

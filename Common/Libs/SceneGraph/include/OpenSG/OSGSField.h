@@ -51,7 +51,7 @@ class KA_SCENEGRAPH_API SField : public Field {
     bool pushPointer(const FieldContainerPtr& handle) override {
         if constexpr (Traits::IsPointer) {
             const T value = dynamic_pointer_cast<T>(handle);
-            if (value.isNull() != handle.isNull())
+            if ((value == NullFC) != (handle == NullFC))
                 return false;
             _value = value;
             return true;
