@@ -5,8 +5,10 @@
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGSFBaseTypes.h>
 #include <cmath>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <random>
 
 namespace {
 
@@ -221,6 +223,115 @@ TEST(MultiField, HasTheFaceOfAVector) {
     EXPECT_EQ(2U, field.size());
     field.clear();
     EXPECT_EQ(0U, field.getSize());
+}
+
+/// Whatever is done to it, and whenever the vector itself is looked at.
+template <class Field>
+void editAtRandom(Field field, bool showVector) {
+    using T = typename Field::value_type;
+    std::mt19937 random(7);
+    std::vector<T> expected;
+    std::vector<T>* shown = nullptr;
+    const auto value = [](std::uint32_t number) {
+        if constexpr (std::is_same_v<T, std::string>)
+            return std::to_string(number);
+        else
+            return static_cast<T>(number);
+    };
+    for (std::uint32_t step = 0; step < 4000; ++step) {
+        const auto place = static_cast<std::ptrdiff_t>(expected.empty() ? 0 : random() % expected.size());
+        switch (random() % (step / 500 % 2 == 0 ? 6 : 10)) {
+        case 0:
+            field.insert(field.begin() + place, value(step));
+            expected.insert(expected.begin() + place, value(step));
+            break;
+        case 1:
+            field.resize(static_cast<std::size_t>(place), value(step));
+            expected.resize(static_cast<std::size_t>(place), value(step));
+            break;
+        case 2:
+        case 3:
+        case 4:
+        case 5:
+            for (std::uint32_t i = 0; i < 5; ++i) {
+                field.push_back(value(step + i));
+                expected.push_back(value(step + i));
+            }
+            break;
+        case 6:
+            if (!expected.empty()) {
+                const auto next = field.erase(field.begin() + place);
+                EXPECT_EQ(next - field.begin(), place);
+                expected.erase(expected.begin() + place);
+            }
+            break;
+        case 7:
+            field.erase(field.begin(), field.begin() + place);
+            expected.erase(expected.begin(), expected.begin() + place);
+            break;
+        default:
+            if (!expected.empty()) {
+                field.erase(field.begin());
+                expected.erase(expected.begin());
+            }
+        }
+        if (showVector && step == 2000)
+            shown = &field.getValues();
+        if (shown) {
+            ASSERT_EQ(*shown, expected) << step;
+        }
+        ASSERT_EQ(std::vector<T>(field.begin(), field.end()), expected) << step;
+        ASSERT_EQ(std::vector<T>(field.rbegin(), field.rend()),
+                  std::vector<T>(expected.rbegin(), expected.rend()));
+        ASSERT_EQ(field.size(), expected.size());
+        ASSERT_EQ(field.getSize(), expected.size());
+        ASSERT_EQ(field.isEmpty(), expected.empty());
+        if (!expected.empty()) {
+            ASSERT_EQ(field.front(), expected.front());
+            ASSERT_EQ(field.back(), expected.back());
+            ASSERT_EQ(field[static_cast<std::size_t>(place) % expected.size()],
+                      expected[static_cast<std::size_t>(place) % expected.size()]);
+        }
+        Field copy = field;
+        ASSERT_EQ(copy.getValues(), expected);
+        Field assigned;
+        assigned.push_back(value(1));
+        assigned.setAbstrValue(field);
+        ASSERT_EQ(std::as_const(assigned).getValues(), expected);
+    }
+}
+
+TEST(MultiField, HoldsWhatAVectorHoldsAfterAnyEdits) {
+    editAtRandom(osg::MFUInt64(), false);
+    editAtRandom(osg::MFUInt64(), true);
+    editAtRandom(osg::MFString(), true);
+}
+
+TEST(MultiField, KeepsItsValuesWhenItIsSwappedOrCopiedOntoItself) {
+    osg::MFInt32 one;
+    osg::MFInt32 other;
+    for (osg::Int32 i = 0; i < 9; ++i)
+        one.push_back(i);
+    one.erase(one.begin());
+    const std::vector<osg::Int32>& shown = other.getValues();
+    one.swap(other);
+    EXPECT_TRUE(one.empty());
+    EXPECT_EQ(shown, (std::vector<osg::Int32>{1, 2, 3, 4, 5, 6, 7, 8}));
+    other.erase(other.begin());
+    EXPECT_EQ(shown.size(), 7U);
+    other.setValues(other);
+    other.setValues(other.getValues());
+    EXPECT_EQ(shown, (std::vector<osg::Int32>{2, 3, 4, 5, 6, 7, 8}));
+    one.pushValueByStr("5");
+    one.pushValueByStr("6");
+    one.pushValueByStr("7");
+    one.erase(one.begin());
+    std::string text;
+    EXPECT_EQ(one.getValueByStr(text), "6, 7");
+    text.clear();
+    EXPECT_EQ(one.getValueByStr(text, 1), "7");
+    text.clear();
+    EXPECT_EQ(one.getValueByStr(text, 2), "");
 }
 
 TEST(Field, KnowsItsTypes) {

@@ -8,8 +8,12 @@
 #include <OpenSG/OSGRefPtr.h>
 #include <OpenSG/OSGSimpleAttachments.h>
 #include <OpenSG/OSGTransform.h>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <map>
+#include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -107,6 +111,56 @@ TEST_F(Tree, RefusesNullItselfAndAncestors) {
     EXPECT_EQ("b", children(_a));
     EXPECT_EQ("", children(_b));
     EXPECT_TRUE(_root->getParent() == osg::NullFC);
+}
+
+/// Against a climb through all ancestors; chains deeper than one looks from one side alone.
+TEST_F(Tree, RefusesAncestorsHoweverFarAway) {
+    std::mt19937 random(9);
+    std::vector<osg::NodePtr> nodes;
+    for (int i = 0; i < 120; ++i) {
+        nodes.push_back(osg::Node::create());
+        osg::addRefCP(nodes.back());
+    }
+    std::size_t deepest = 0;
+    int refused = 0;
+    for (int step = 0; step < 20000; ++step) {
+        const osg::NodePtr parent = nodes[random() % nodes.size()];
+        const osg::NodePtr child = nodes[random() % nodes.size()];
+        if (random() % 8 == 0 && child->getParent() != osg::NullFC)
+            child->getParent()->subChild(child);
+        bool isAncestor = false;
+        std::size_t depth = 0;
+        for (osg::NodePtr above = parent; above != osg::NullFC; above = above->getParent(), ++depth)
+            isAncestor = isAncestor || above == child;
+        deepest = std::max(deepest, depth);
+        refused += isAncestor ? 1 : 0;
+        const osg::NodePtr before = child->getParent();
+        parent->addChild(child);
+        ASSERT_EQ(child->getParent(), isAncestor ? before : parent) << "step " << step;
+    }
+    EXPECT_GT(deepest, 30U);
+    EXPECT_GT(refused, 100);
+    for (osg::NodePtr node : nodes)
+        osg::subRefCP(node);
+}
+
+TEST_F(Tree, LosesChildrenByHandleInAnyOrder) {
+    for (const char* order : {"abcdefg", "gfedcba", "dacgfbe"}) {
+        std::string left = "abcdefg";
+        std::map<char, osg::NodePtr> byName;
+        for (char name : left) {
+            const std::string text(1, name);
+            byName[name] = named(text.c_str());
+            _root->addChild(byName[name]);
+        }
+        while (_root->getNChildren() > left.size())
+            _root->subChild(0U);
+        for (const char* name = order; *name != 0; ++name) {
+            _root->subChild(byName.at(*name));
+            left.erase(left.find(*name), 1);
+            EXPECT_EQ(children(_root), left);
+        }
+    }
 }
 
 TEST_F(Tree, ReplacesChildrenInPlace) {

@@ -4,6 +4,48 @@
 
 namespace osg {
 
+namespace {
+
+/// Up to here climbing alone is cheaper than to look from both sides.
+constexpr int ShallowDepth = 16;
+
+/// The nodes below one, one after the other.
+class NodesBelow {
+  public:
+    explicit NodesBelow(const Node& top) : _top(top) {}
+
+    /// Null when all have been visited.
+    const Node* next() {
+        if (!_begun)
+            _path.push_back({&_top, 0});
+        _begun = true;
+        while (!_path.empty()) {
+            Place& place = _path.back();
+            if (place.next == place.node->getNChildren()) {
+                _path.pop_back();
+                continue;
+            }
+            const NodePtr child = place.node->getChild(place.next++);
+            if (child == NullFC)
+                continue;
+            _path.push_back({&*child, 0});
+            return &*child;
+        }
+        return nullptr;
+    }
+
+  private:
+    struct Place {
+        const Node* node;
+        UInt32 next; ///< the child to visit next
+    };
+    const Node& _top;
+    bool _begun = false;
+    std::vector<Place> _path; ///< from the top down to the last visited
+};
+
+} // namespace
+
 FieldContainerType& Node::getClassType() {
     static FieldContainerType& type = declareType<Node>({
         describe<&Node::_sfVolume>("volume"),
@@ -74,9 +116,19 @@ bool Node::canAdopt(const NodePtr& child) const {
         return false;
     if (child->_mfChildren.empty())
         return true;
+    // A deep place and a large child cost no more than the smaller of the two: what ends first answers.
+    NodesBelow below(*child);
+    int level = 0;
     for (NodePtr above = getParent(); above != NullFC; above = above->getParent()) {
         if (above == child)
             return false;
+        if (++level <= ShallowDepth)
+            continue;
+        const Node* node = below.next();
+        if (node == this)
+            return false;
+        if (!node)
+            return true;
     }
     return true;
 }
@@ -141,9 +193,14 @@ Int32 Node::findChild(const NodePtr& child) const {
 }
 
 void Node::subChild(const NodePtr& child) {
-    const Int32 index = findChild(child);
-    if (index >= 0)
-        abandon(static_cast<UInt32>(index));
+    // Children that leave in order, or in reverse, are met at once.
+    const UInt32 count = getNChildren();
+    for (UInt32 i = 0; 2 * i < count; ++i) {
+        if (_mfChildren[i] == child)
+            return abandon(i);
+        if (_mfChildren[count - 1 - i] == child)
+            return abandon(count - 1 - i);
+    }
 }
 
 void Node::subChild(UInt32 index) {
