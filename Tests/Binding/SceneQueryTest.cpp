@@ -7,6 +7,7 @@
 #include <OpenSG/OSGGroup.h>
 #include <memory>
 #include <random>
+#include <set>
 
 namespace {
 
@@ -98,6 +99,14 @@ class CurveEdits {
         for (int i = 0; i < 4; ++i)
             fields.push_back(manager.createField(0));
     }
+    CurveEdits(const CurveEdits&) = delete;
+    CurveEdits& operator=(const CurveEdits&) = delete;
+    /// Frees those that stand under no id: another took theirs, or they never had one.
+    ~CurveEdits() {
+        for (kaAnimationCurve2D* curve : _made)
+            if (_manager.getObject(curve->getId()) != curve)
+                delete curve;
+    }
 
     /// What a look at every curve tells.
     Curves curvesOf(kaUID field) const {
@@ -116,7 +125,7 @@ class CurveEdits {
             if (entry.second->getTypeID() == KA_TYPE_CURVE)
                 curves.push_back(static_cast<kaAnimationCurve2D*>(entry.second));
         if (curves.size() < 5)
-            _manager.createCurve2D(any(fields), "curve", 0, false);
+            make(0);
         else
             edit(*any(curves));
     }
@@ -142,12 +151,14 @@ class CurveEdits {
         case 4: // behind the registry's back
             return curve.setId(_random() % 50 + 1);
         case 5:
+            _made.erase(&curve);
             return _manager.destroyCurve2D(&curve);
         case 6:
+            _made.erase(&curve);
             delete &curve;
             return;
         case 7:
-            _manager.duplicateCurve2D(&curve);
+            _made.insert(_manager.duplicateCurve2D(&curve));
             return;
         case 8:
             return _manager.changeFieldReferences(any(fields), any(fields));
@@ -156,20 +167,19 @@ class CurveEdits {
         case 10: // the id may be taken: then the curve is not registered
             return createUnderAnyID();
         default:
-            _manager.createCurve2D(any(fields), "curve", 0, false);
+            make(0);
         }
     }
 
-    void createUnderAnyID() {
-        kaAnimationCurve2D* curve = _manager.createCurve2D(any(fields), "curve", _random() % 50 + 1, false);
-        curve->setAnimationField(any(fields));
-        if (_manager.getObject(curve->getId()) != curve)
-            _leftOut.emplace_back(curve);
+    kaAnimationCurve2D* make(kaUID id) {
+        return *_made.insert(_manager.createCurve2D(any(fields), "curve", id, false)).first;
     }
+
+    void createUnderAnyID() { make(_random() % 50 + 1)->setAnimationField(any(fields)); }
 
     kaAnimationManager& _manager;
     std::mt19937 _random{17};
-    std::vector<std::unique_ptr<kaAnimationCurve2D>> _leftOut;
+    std::set<kaAnimationCurve2D*> _made; ///< those that are still there
 };
 
 TEST_F(SceneQuery, ReferencedCurvesFollowEveryEditOfCurvesAndIds) {

@@ -151,6 +151,7 @@ TEST_F(DeepContainers, ThatAHostHasWrittenDeeperAreWalkedWithinBounds) {
         kaAnimationUnit* block = makeBlock(0.0F, 10.0F);
         EXPECT_EQ(levels.back()->addObject(block), nullptr);
         levels.back()->setChildIDs({block->getId()});
+        const kaUID blockID = block->getId();
         Object* top = levels.front();
         top->move(1.0F, true);
         top->moveBegin(-3.0F, true);
@@ -166,7 +167,7 @@ TEST_F(DeepContainers, ThatAHostHasWrittenDeeperAreWalkedWithinBounds) {
         EXPECT_EQ(manager->createStreak(0)->addObject(top), nullptr);
         manager->destroyObject(manager->duplicateObject(top));
         manager->destroyObject(top);
-        EXPECT_EQ(manager->getObject(block->getId()), nullptr);
+        EXPECT_EQ(manager->getObject(blockID), nullptr);
     });
 }
 

@@ -25,7 +25,8 @@ std::string capture(std::size_t frames, const std::function<int(std::size_t)>& v
 
 std::vector<std::size_t> framesKept(const std::string& text, KeyBudget budget) {
     std::vector<std::size_t> frames;
-    for (const MotionKey<3>& key : readBvh(text, "a.bvh", "a", budget).takes.at(0).tracks.at(0).angles.keys)
+    const Motion motion = readBvh(text, "a.bvh", "a", budget);
+    for (const MotionKey<3>& key : motion.takes.at(0).tracks.at(0).angles.keys)
         frames.push_back(static_cast<std::size_t>(key.time * 10 + 0.5));
     return frames;
 }

@@ -63,10 +63,15 @@ kaControlPoint2D::kaControlPoint2D(kaControlPoint2D& source)
 }
 
 kaControlPoint2D::~kaControlPoint2D() {
+    leaveHandles();
+}
+
+void kaControlPoint2D::leaveHandles() {
     if (_owner) {
         kaControlPoint2D*& slot = _owner->_inTangent == this ? _owner->_inTangent : _owner->_outTangent;
         slot = nullptr;
         _owner->noteChange(kaChange::Shape);
+        _owner = nullptr;
     }
     freeHandle(_inTangent);
     freeHandle(_outTangent);

@@ -97,6 +97,12 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void setTangentLengthMode(unsigned int mode) { _tangentLengthMode = mode; }
     /// @}
 
+    /// @cond INTERNAL
+    /// The first part of the key's end: frees its handles, and takes a handle off its key. A second time
+    /// nothing.
+    void leaveHandles();
+    /// @endcond
+
   private:
     /// Kept only by keys that an editor drags.
     struct Saved {

@@ -16,6 +16,7 @@ class KA_ANIMATION_API kaCurveSampling {
     /// One curve at many frames.
     /// @param curve    may be null; then no value is written.
     /// @param frames   `count` of them, in any order; those in ascending order cost least.
+    /// @param count    how many; 0 does nothing.
     /// @param values   room for `count`, in the field's unit; where there is no value the element is left
     /// alone.
     /// @param written  room for `count`: whether each value was written; null where nobody asks.
@@ -26,7 +27,12 @@ class KA_ANIMATION_API kaCurveSampling {
 
     /// Many curves at one frame, each as it is: neither held to its begin and end nor repeated.
     /// @param curves   `count` of them, null ones among them.
-    /// @param values   as above, one for each curve. @param written  as above. @return as above.
+    /// @param count    how many; 0 does nothing.
+    /// @param frame    any frame.
+    /// @param values   room for `count`, one for each curve; where there is no value the element is left
+    /// alone.
+    /// @param written  room for `count`: whether each value was written; null where nobody asks.
+    /// @return how many were written.
     /// Cost: O(1) a curve where frames follow each other, else O(log n) in its keys; no allocation.
     static std::size_t sample(kaAnimationCurve2D* const* curves, std::size_t count, float frame,
                               float* values, bool* written = nullptr);

@@ -17,9 +17,9 @@ struct KA_ANIMATION_API kaLoadReport {
 
     /// A child that stays outside, with the ids that both have in the registry.
     struct Link {
-        kaUID container;
-        kaUID child;
-        Reason reason;
+        kaUID container; ///< the one that did not take the child
+        kaUID child;     ///< the one that stays outside
+        Reason reason;   ///< why
     };
 
     /// Entries that `leftOut` keeps at most; `leftOutCount` counts on.
@@ -28,8 +28,8 @@ struct KA_ANIMATION_API kaLoadReport {
     /// That of the last `kaAnimationManager::loadAnimations` that was not refused. Valid until the next.
     static const kaLoadReport& last();
 
-    std::vector<Link> leftOut; ///< in the order of the document
-    std::size_t leftOutCount = 0;
+    std::vector<Link> leftOut;    ///< in the order of the document
+    std::size_t leftOutCount = 0; ///< all of them, listed or not
 
     /// @cond INTERNAL
     static void begin();

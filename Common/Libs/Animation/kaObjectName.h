@@ -23,7 +23,7 @@ class KA_ANIMATION_API kaObjectName {
     static constexpr std::size_t OwnNames = 5;
     /// Which of them this is, or a text is; none for any other.
     std::optional<std::size_t> ownName() const;
-    static std::optional<std::size_t> ownName(const std::string& text);
+    static std::optional<std::size_t> ownName(const std::string& text); ///< The same for a text.
 
   private:
     const std::string* _text;

@@ -138,6 +138,8 @@ void kaAnimationObject::destroyChildren() {
             kaObjectClass::of(*child).free(*child);
             continue;
         }
+        if (const auto beginEnd = kaObjectClass::of(*child).beginEnd)
+            beginEnd(*child);
         child->_group->above = level;
         child->_group->children.beginTaking();
         level = child;

@@ -29,6 +29,8 @@ struct kaObjectClass {
     void (*free)(kaAnimationObject& object);
     /// The id of the field that an object drives; null for classes whose objects drive none.
     kaUID (*field)(const kaAnimationObject& object) = nullptr;
+    /// What an object's end begins with, before that of its children; null for nothing.
+    void (*beginEnd)(kaAnimationObject& object) = nullptr;
 
     /// The class of an object.
     static const kaObjectClass& of(const kaAnimationObject& object);

@@ -40,10 +40,15 @@ kaUID fieldOfCurve(const kaAnimationObject& object) {
     return static_cast<const kaAnimationCurve2D&>(object).getField();
 }
 
+void leaveHandles(kaAnimationObject& object) {
+    static_cast<kaControlPoint2D&>(object).leaveHandles();
+}
+
 /// By type id.
 constexpr std::array classes{
     kaObjectClass{Level::None, false, noCopy, noCopy, freeNothing},
-    kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, noCopy, free<kaControlPoint2D>},
+    kaObjectClass{Level::Key, false, copy<kaControlPoint2D>, noCopy, free<kaControlPoint2D>, nullptr,
+                  leaveHandles},
     kaObjectClass{Level::Curve, false, copy<kaAnimationCurve2D>, noCopy, free<kaAnimationCurve2D>,
                   fieldOfCurve},
     kaObjectClass{Level::Block, true, copy<kaAnimationUnit>, noCopy, free<kaAnimationUnit>},
