@@ -51,7 +51,7 @@ FIRST = {
     "kaAnimationXml|kaXml|Documents": "documents",
     "kaSegment|kaLanes": "gallery",
     "Controller|Sequence|kaRunning|kaConnections|Triggers": "time",
-    "kaLegacy|Import|kaSceneSync|kaPaste|kaCopyBuffer": "life",
+    "kaLegacy|Import|kaSceneSync|kaPaste": "life",
 }
 
 

@@ -141,6 +141,40 @@ TEST_F(KeyMemory, GoesBackWithTheLastKey) {
     EXPECT_LE(resident(), before + Megabyte);
 }
 
+TEST_F(KeyMemory, OneKeyThatIsLeftKeepsLittleMoreThanItsOwnPage) {
+    constexpr std::size_t Megabyte = 1 << 20;
+    constexpr std::size_t Many = 3 * Keys; // 22 MB with their handles
+    for (const std::size_t survivor : {std::size_t{0}, Many / 2, Many - 1}) {
+        const std::size_t before = resident();
+        std::vector<kaControlPoint2D*> keys(Many);
+        std::generate(keys.begin(), keys.end(),
+                      [number = std::size_t{0}]() mutable { return make(number++); });
+        const std::size_t most = resident();
+        for (std::size_t i = 0; i < Many; ++i)
+            if (i != survivor)
+                kaAnimationManager::the()->destroyPoint2D(keys[i]);
+        expectToBe(*keys[survivor], survivor);
+        EXPECT_GE(most, resident() + 17 * Megabyte) << "key " << survivor;
+        EXPECT_LE(resident(), before + 10 * Megabyte) << "the index of objects included";
+        kaAnimationManager::the()->destroyPoint2D(keys[survivor]);
+    }
+}
+
+TEST_F(KeyMemory, TheIndexOfObjectsShrinksWithTheNextOneToCome) {
+    constexpr std::size_t Megabyte = 1 << 20;
+    std::vector<kaControlPoint2D*> keys(5 * Keys); // 300 000 entries with their handles
+    std::generate(keys.begin(), keys.end(), [number = std::size_t{0}]() mutable { return make(number++); });
+    for (kaControlPoint2D* key : keys)
+        kaAnimationManager::the()->destroyPoint2D(key);
+    const std::size_t wide = resident();
+    std::vector<kaControlPoint2D*> few;
+    for (std::size_t i = 0; i < 100; ++i)
+        few.push_back(make(i));
+    EXPECT_LE(resident() + 2 * Megabyte, wide);
+    for (std::size_t i = 0; i < few.size(); ++i)
+        expectToBe(*few[i], i);
+}
+
 #endif
 
 } // namespace

@@ -43,6 +43,44 @@ TEST_F(Forget, AnObjectWhoseIdWasChangedWhileItRanIsFoundAllTheSame) {
     EXPECT_THAT(controller->getRunningObjects(), IsEmpty());
 }
 
+TEST_F(Forget, WhatTakesTheIdOfADestroyedObjectRunsOnlyOnceItIsStarted) {
+    kaAnimationUnit* block = makeBlock(0.0F, 100.0F);
+    kaAnimationUnit* other = makeBlock(0.0F, 100.0F);
+    const auto id = block->getId();
+    start(block);
+    manager->destroyUnit(block);
+    kaAnimationUnit* heir = manager->createUnit(id);
+    ASSERT_EQ(heir->getId(), id);
+    EXPECT_THAT(controller->getRunningObjects(), IsEmpty());
+    start(heir);
+    start(other);
+    ASSERT_EQ(controller->getRunningObjects().size(), 2U);
+    EXPECT_EQ(controller->getRunningObjects().at(id), heir);
+}
+
+TEST_F(Forget, AnObjectThatStartsWhileThePlaceOfItsIdWasNotLookedAtTakesIt) {
+    kaAnimationUnit* block = makeBlock(0.0F, 100.0F);
+    const auto id = block->getId();
+    start(block);
+    loopAt(0.0);
+    manager->destroyUnit(block);
+    kaAnimationUnit* heir = manager->createUnit(id);
+    controller->addWaitingObject(heir);
+    controller->enqueueWaitingObjects(); // without a look at what runs
+    EXPECT_EQ(controller->getRunningObjects().at(id), heir);
+    manager->destroyUnit(heir);
+    EXPECT_THAT(controller->getRunningObjects(), IsEmpty());
+}
+
+TEST_F(Forget, NullsOfAJumpStayWhereTheyStand) {
+    kaAnimationUnit* block = makeBlock(0.0F, 10.0F);
+    kaAnimationUnit* other = makeBlock(20.0F, 30.0F);
+    kaAnimationCurve2D* left = curveOf(other);
+    controller->gotoGlobalBegin({nullptr, curveOf(block), left, left, nullptr});
+    manager->destroyUnit(block);
+    EXPECT_THAT(Controller::getCurves(), ElementsAre(nullptr, left, left, nullptr));
+}
+
 TEST_F(Forget, ADestroyedObjectWaitsNoMore) {
     kaAnimationUnit* block = makeBlock(0.0F, 100.0F);
     kaAnimationUnit* other = makeBlock(0.0F, 100.0F);

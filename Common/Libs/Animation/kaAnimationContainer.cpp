@@ -4,7 +4,6 @@
 #include "kaDescent.h"
 #include "kaObjectClass.h"
 #include "kaObjectStore.h"
-#include "kaSnapshot.h"
 #include "kaWeak.h"
 
 #include <algorithm>
@@ -387,7 +386,7 @@ void kaAnimationContainer::flip() {
 /// its children are looked up before each turn.
 void kaAnimationContainer::triggerLoop(float frame) {
     struct Level {
-        std::unique_ptr<kaSnapshot<kaAnimationObject>> children;
+        kaWeakList<kaAnimationObject> children;
         std::size_t next = 0;
     };
     kaDescent<kaAnimationContainer, Level> walk(triggerPath());
@@ -397,13 +396,12 @@ void kaAnimationContainer::triggerLoop(float frame) {
         const kaWeak<kaAnimationObject> self(container);
         container.fireTriggers(frame);
         if (self)
-            walk.level().children =
-                std::make_unique<kaSnapshot<kaAnimationObject>>(container.reachedChildren());
+            walk.level().children = kaWeakList<kaAnimationObject>(container.reachedChildren());
     };
     enter(*this);
     while (!walk.isDone()) {
         Level& level = walk.level();
-        kaAnimationObject* child = level.children ? level.children->next(level.next) : nullptr;
+        kaAnimationObject* child = level.children.next(level.next);
         if (!child)
             walk.leave();
         else if (child->getTypeID() == KA_TYPE_STREAK || child->getTypeID() == KA_TYPE_STRIP)

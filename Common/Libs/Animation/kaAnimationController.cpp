@@ -10,7 +10,6 @@
 #include "kaObjectStore.h"
 #include "kaPlayedObjects.h"
 #include "kaSceneObjects.h"
-#include "kaSnapshot.h"
 #include "kaWeak.h"
 
 #include <chrono>
@@ -39,7 +38,6 @@ bool kaAnimationController::_playing = false;
 bool kaAnimationController::_repeat = false;
 bool kaAnimationController::_reverse = false;
 bool kaAnimationController::_forcePlayLoopFullFrame = false;
-kaAnimationController* kaAnimationController::_instance = nullptr;
 
 kaAnimationController* kaAnimationController::the() {
     static kaAnimationController instance;
@@ -51,19 +49,9 @@ kaAnimationController::kaAnimationController()
           std::make_unique<kaEvaluation>([](const std::vector<kaAnimationSequence*>& sequences, float frame) {
               the()->evaluateSequences(sequences, frame);
           })),
-      _played(std::make_unique<kaPlayedObjects>()) {
-    _instance = this;
-    kaObjectStore::addForgetter(&forget);
-}
+      _played(std::make_unique<kaPlayedObjects>()) {}
 
-kaAnimationController::~kaAnimationController() {
-    _instance = nullptr;
-}
-
-void kaAnimationController::forget(kaAnimationObject& object) {
-    if (_instance)
-        _instance->_played->forget(&object);
-}
+kaAnimationController::~kaAnimationController() = default;
 
 const std::vector<kaAnimationCurve2D*>& kaAnimationController::getCurves() {
     return the()->_played->curves.objects();
@@ -83,7 +71,7 @@ const std::vector<kaAnimationObject*>& kaAnimationController::getWaitingObjects(
 
 void kaAnimationController::addWaitingObject(kaAnimationObject* object) {
     if (object)
-        _played->waiting.append(object);
+        _played->waiting.append(*object);
 }
 
 void kaAnimationController::subRunningObject(unsigned long long id) {
@@ -133,7 +121,7 @@ void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSeque
     const kaNesting level(_played->sequenceFiring);
     if (!level)
         return;
-    const kaSnapshot<kaAnimationSequence> present(sequences);
+    const kaWeakList<kaAnimationSequence> present(sequences);
     const bool switchedOff = _isSimEnableCB && _isSimEnableCB() && _enableSimCB;
     if (switchedOff)
         _enableSimCB(false);
@@ -152,7 +140,7 @@ void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSeque
 }
 
 unsigned int kaAnimationController::updateAnimationFields(std::vector<kaAnimationField*> fields) {
-    return kaSnapshot<kaAnimationField>(fields).visit(
+    return kaWeakList<kaAnimationField>(fields).visit(
         [](kaAnimationField& field) { kaAnimationUtils::setOSGFieldValue(&field); });
 }
 
@@ -178,7 +166,7 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
         evaluateCurves(std::move(curves), frame, motionBlurOnly);
     }
     if (evalActiveUnits)
-        kaSnapshot<kaAnimationUnit>(kaActiveSceneObjects<kaAnimationUnit>())
+        kaWeakList<kaAnimationUnit>(kaActiveSceneObjects<kaAnimationUnit>())
             .visit([&](kaAnimationUnit& unit) { evaluateObject(&unit, frame, motionBlurOnly); });
 }
 
@@ -189,17 +177,21 @@ void kaAnimationController::loop() {
     if (_pausing || !tick)
         return;
     const double time = now();
-    _played->finished.clear();
     std::vector<kaUID> finished;
+    // The objects themselves, too: what ended may have been taken out of the running ones since.
+    kaWeakList<kaAnimationObject> ended;
     for (kaUID id : _played->running.ids()) {
         kaAnimationObject* object = _played->running.find(id);
-        if (object && object->isActive() && !object->isPausing() && playOn(*object, time))
-            finished.push_back(id);
+        if (!object || !object->isActive() || object->isPausing())
+            continue;
+        const kaWeak<kaAnimationObject> alive(*object);
+        if (!playOn(*object, time))
+            continue;
+        finished.push_back(id);
+        if (alive)
+            ended.append(*object);
     }
-    // The objects themselves are remembered: what ended may have been taken out of the table since.
-    for (kaAnimationObject* object : _played->finished.objects())
-        object->setUseCustomRange(false);
-    _played->finished.clear();
+    ended.visit([](kaAnimationObject& object) { object.setUseCustomRange(false); });
     for (kaUID id : finished)
         _played->running.erase(id);
     enqueueWaitingObjects();
@@ -220,8 +212,6 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
     _currentFrame = frame;
     const kaWeak<kaAnimationObject> alive(object);
     const bool finished = evaluateObject(&object, frame, false);
-    if (finished && alive)
-        _played->finished.append(&object);
     if (alive)
         object.triggerLoop(frame);
     return finished;

@@ -241,10 +241,6 @@ class KA_ANIMATION_API kaAnimationController {
   private:
     kaAnimationController();
 
-    /// Drops every pointer to an object that is about to be freed. Cost: nothing while nothing plays or was
-    /// jumped to, else a look-up each.
-    static void forget(kaAnimationObject& object);
-
     static double now();
     static float nowAsFloat() { return static_cast<float>(now()); }
 
@@ -259,7 +255,6 @@ class KA_ANIMATION_API kaAnimationController {
     static bool blurredFrame(float sample, const char* operation, float& frame);
 
     /// The instance while there is one: objects may be freed before and after.
-    static kaAnimationController* _instance;
     static float _fps;
     static float _currentFrame;
     static float _fullFrame;

@@ -2,6 +2,7 @@
 
 #include "kaObjectRegistry.h"
 #include "kaWatchedMemory.h"
+#include "kaWeakSlots.h"
 
 #include <memory_resource>
 
@@ -46,4 +47,12 @@ kaAnimationField::kaAnimationField(kaAnimationField& source)
       attribute(source.attribute),
       dirty(source.dirty) {}
 
-kaAnimationField::~kaAnimationField() = default;
+kaAnimationField::~kaAnimationField() {
+    kaWeakSlots::giveBack(_weakSlot);
+}
+
+std::uint32_t kaAnimationField::weakSlot() const {
+    if (_weakSlot == 0)
+        _weakSlot = kaWeakSlots::take(const_cast<kaAnimationField*>(this));
+    return _weakSlot;
+}

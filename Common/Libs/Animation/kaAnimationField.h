@@ -4,6 +4,7 @@
 #include "kaAnimationTypes.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -50,4 +51,13 @@ class KA_ANIMATION_API kaAnimationField {
     /// The animated attribute: the field's name with a component letter, or a special attribute.
     std::string attribute;
     bool dirty = true; ///< kept and saved for the host; evaluation neither reads nor changes it
+
+    /// @cond INTERNAL
+    // For `kaWeak`.
+    std::uint32_t weakSlot() const;
+    static kaAnimationField* fromWeakSlot(void* field) { return static_cast<kaAnimationField*>(field); }
+    /// @endcond
+
+  private:
+    mutable std::uint32_t _weakSlot = 0; ///< 0 while nobody has asked
 };

@@ -10,7 +10,6 @@
 #include "kaAttachments.h"
 #include "kaConnections.h"
 #include "kaControlPoint2D.h"
-#include "kaCopyBuffer.h"
 #include "kaFieldStore.h"
 #include "kaNodeFields.h"
 #include "kaObjectStore.h"
@@ -57,12 +56,11 @@ kaAnimationManager* kaAnimationManager::the() {
 kaAnimationManager::kaAnimationManager()
     : _sceneSync(std::make_unique<kaSceneSync>()),
       _connections(std::make_unique<kaConnections>()),
-      _copyBuffer(std::make_unique<kaCopyBuffer>()) {
+      _copyBuffer(std::make_unique<kaWeakList<kaAnimationObject>>()) {
     kaObjectRegistry::the(); // made first, it outlives this
     managerAlive = true;
     kaObjectStore::hooks = {
         &leaveNode, [](const std::vector<kaUID>& connections) { the()->executeTriggers(connections); }};
-    kaObjectStore::addForgetter(&forget);
 }
 
 kaAnimationManager::~kaAnimationManager() {
@@ -82,13 +80,6 @@ void kaAnimationManager::init(QWidget* /*parent*/) {
 
 void kaAnimationManager::terminate() {
     clearCopyBuffer(true);
-}
-
-void kaAnimationManager::forget(kaAnimationObject& object) {
-    if (!managerAlive)
-        return;
-    the()->_connections->forget(&object);
-    the()->_copyBuffer->forget(&object);
 }
 
 // Ids.

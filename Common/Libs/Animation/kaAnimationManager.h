@@ -34,8 +34,9 @@ class kaAnimationUnit;
 class kaAnimationXmlOutput;
 class kaConnections;
 class kaControlPoint2D;
-class kaCopyBuffer;
 class kaSceneSync;
+template <class Object>
+class kaWeakList;
 struct kaImportReport;
 
 /// The one registry and factory of the module: makes, finds, duplicates and frees every object and field by
@@ -470,7 +471,6 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     kaAnimationManager();
 
     unsigned long long createConnectionID();
-    static void forget(kaAnimationObject& object);
     unsigned long long freshIDFor(unsigned long long taken, bool isField);
 
     static ShowCurves _showCurvesFP;
@@ -483,5 +483,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     unsigned long long _changeToID = 0;
     std::unique_ptr<kaSceneSync> _sceneSync;
     std::unique_ptr<kaConnections> _connections;
-    std::unique_ptr<kaCopyBuffer> _copyBuffer;
+    /// The duplicates that wait to be pasted, in the order they were copied; the registry owns them. Counts
+    /// as filled until it is pasted or cleared, whatever is freed meanwhile: the host hears of it just then.
+    std::unique_ptr<kaWeakList<kaAnimationObject>> _copyBuffer;
 };

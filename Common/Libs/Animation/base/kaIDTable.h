@@ -31,8 +31,8 @@ class kaIDTable {
         std::size_t slot = slotOf(id);
         if (_slots[slot].object)
             return false;
-        if (4 * (_size + 1) > 3 * _slots.size()) {
-            resize(2 * _slots.size());
+        if (4 * (_size + 1) > 3 * _slots.size() || isOversized()) {
+            resize(isOversized() ? _slots.size() / 4 : 2 * _slots.size());
             slot = slotOf(id);
         }
         _slots[slot] = {id, &object};
@@ -71,6 +71,12 @@ class kaIDTable {
         Object* object = nullptr; ///< null for a free slot
     };
     using Slots = std::vector<Slot, kaHugePages::Allocator<Slot>>;
+
+    /// Whether most of the memory has been given up by entries that went. Taken back when the next one comes:
+    /// what takes entries away allocates nothing.
+    bool isOversized() const {
+        return 16 * (_size + 1) < _slots.size() && _slots.size() * sizeof(Slot) > kaHugePages::Size;
+    }
 
     std::size_t mask() const { return _slots.size() - 1; }
     std::size_t next(std::size_t slot) const { return (slot + 1) & mask(); }

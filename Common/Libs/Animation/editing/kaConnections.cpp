@@ -4,17 +4,14 @@
 #include "kaAnimationObject.h"
 
 void kaConnections::add(kaUID id, kaAnimationObject& target, AnimationAction action) {
-    if (_objects.emplace(id, std::make_pair(&target, action)).second)
-        _byTarget[&target].push_back(id);
+    _objects.emplace(id, std::make_pair(kaWeak<kaAnimationObject>(target), action));
 }
 
-void kaConnections::disconnect(kaAnimationObject* target) {
-    const auto found = _byTarget.find(target);
-    if (found == _byTarget.end())
-        return;
-    for (kaUID id : found->second)
-        _objects.at(id).first = nullptr;
-    _byTarget.erase(found);
+kaConnections::ObjectMap kaConnections::objects() const {
+    ObjectMap objects;
+    for (const auto& [id, connection] : _objects)
+        objects.emplace_hint(objects.end(), id, std::make_pair(connection.first.get(), connection.second));
+    return objects;
 }
 
 void kaConnections::execute(const std::vector<kaUID>& ids) {
@@ -24,8 +21,8 @@ void kaConnections::execute(const std::vector<kaUID>& ids) {
     for (kaUID id : ids) {
         const auto object = _objects.find(id);
         if (object != _objects.end()) {
-            if (object->second.first)
-                act(*object->second.first, object->second.second);
+            if (kaAnimationObject* target = object->second.first.get())
+                act(*target, object->second.second);
             continue;
         }
         const auto function = _functions.find(id);

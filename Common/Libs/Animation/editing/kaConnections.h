@@ -2,9 +2,9 @@
 
 #include "kaAnimationTypes.h"
 #include "kaNesting.h"
+#include "kaWeak.h"
 
 #include <map>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -32,22 +32,13 @@ class kaConnections : public kaConnectionTypes {
     /// and so on, are followed as far as `kaNesting` allows; what fires deeper does nothing.
     void execute(const std::vector<kaUID>& ids);
 
-    const ObjectMap& objects() const { return _objects; }
+    ObjectMap objects() const; ///< With null for a target that has been freed.
     const FunctionMap& functions() const { return _functions; }
 
-    /// Called for every object that is about to be freed. Cost: nothing while there are no targets, else one
-    /// look-up.
-    void forget(kaAnimationObject* object) {
-        if (!_byTarget.empty())
-            disconnect(object);
-    }
-
   private:
-    void disconnect(kaAnimationObject* target);
     static void act(kaAnimationObject& target, AnimationAction action);
 
-    ObjectMap _objects;
+    std::map<kaUID, std::pair<kaWeak<kaAnimationObject>, AnimationAction>> _objects;
     FunctionMap _functions;
-    std::unordered_map<kaAnimationObject*, std::vector<kaUID>> _byTarget;
     kaNesting::Depth _depth;
 };

@@ -1,11 +1,12 @@
 #include "kaAnimationManager.h"
 #include "kaAnimationObject.h"
 #include "kaAnimationUtils.h"
-#include "kaCopyBuffer.h"
 #include "kaObjectStore.h"
 #include "kaSceneNodes.h"
 #include "kaSceneSync.h"
 #include "kaWeak.h"
+
+#include <utility>
 
 // Scene synchronisation.
 
@@ -32,11 +33,10 @@ void kaAnimationManager::destroyNodeObjects(const osg::NodePtr& node, bool recur
 namespace {
 
 /// Emptied before anything is destroyed: destroying announces changes, and what the host copies then stays.
-void empty(kaCopyBuffer& buffer, bool destroy) {
-    const kaWeakList<kaAnimationObject> held(buffer.objects());
-    buffer.clear();
+void empty(kaWeakList<kaAnimationObject>& buffer, bool destroy) {
+    const kaWeakList<kaAnimationObject> copies = std::exchange(buffer, {});
     if (destroy)
-        held.visit([](kaAnimationObject& object) { kaObjectStore::destroy(&object); });
+        copies.visit([](kaAnimationObject& object) { kaObjectStore::destroy(&object); });
 }
 
 } // namespace
@@ -85,9 +85,8 @@ bool kaAnimationManager::paste(const osg::NodePtr& node, bool force) {
     if (_copyBuffer->empty())
         return true;
     const osg::UInt32 nodeID = kaSceneNodes::idOf(node);
-    const kaWeakList<kaAnimationObject> held(_copyBuffer->objects());
-    _copyBuffer->clear();
-    held.visit([nodeID](kaAnimationObject& object) {
+    const kaWeakList<kaAnimationObject> copies = std::exchange(*_copyBuffer, {});
+    copies.visit([nodeID](kaAnimationObject& object) {
         const osg::NodePtr target = kaSceneNodes::find(nodeID);
         if (target == osg::NullFC)
             return;

@@ -108,7 +108,6 @@ kaAnimationObject::~kaAnimationObject() {
         _home->list->childLost(*this);
     if (_registered && kaObjectRegistry::isAlive())
         kaObjectStore::drop(*this);
-    kaObjectStore::forget(*this);
     kaWeakSlots::giveBack(_weakSlot);
 }
 

@@ -72,8 +72,6 @@ bool kaCurveView::mend(const kaChildList& keys) {
         if (const auto* previous = static_cast<const kaControlPoint2D*>(beside.first)) {
             ordered = ordered && previous->getPosition()[0] < x;
             _segments[place - 1] = segmentBetween(*previous, point);
-        } else {
-            _firstValue = point.getPosition()[1];
         }
         if (const auto* next = static_cast<const kaControlPoint2D*>(beside.second)) {
             ordered = ordered && x < next->getPosition()[0];

@@ -20,30 +20,20 @@ Links& linksByObject() {
     return links;
 }
 
-/// By dependent the objects that it was entered for, so that leaving looks at no others.
-using Entered = std::unordered_map<const kaDependent*, std::vector<const kaAnimationObject*>>;
-Entered& objectsByDependent() {
-    static auto& entered = *new Entered;
-    return entered;
-}
-
 } // namespace
 
 void kaDependents::enter(const kaAnimationObject& object, kaDependent& dependent, std::uint32_t place) {
     // Whatever of this fails for want of memory, an object with an entry says so when it goes, and one object
     // too many to be left does no harm.
-    objectsByDependent()[&dependent].push_back(&object);
+    dependent._enteredFor.push_back(&object);
     std::vector<Link>& links = linksByObject()[&object];
     object._hasDependents = true;
     links.push_back({&dependent, place});
 }
 
 void kaDependents::leave(kaDependent& dependent) noexcept {
-    const auto entered = objectsByDependent().find(&dependent);
-    if (entered == objectsByDependent().end())
-        return;
     const auto isIts = [&dependent](const Link& link) { return link.dependent == &dependent; };
-    for (const kaAnimationObject* object : entered->second) {
+    for (const kaAnimationObject* object : dependent._enteredFor) {
         const auto found = linksByObject().find(object);
         if (found == linksByObject().end())
             continue; // the object has gone
@@ -54,7 +44,7 @@ void kaDependents::leave(kaDependent& dependent) noexcept {
             linksByObject().erase(found);
         }
     }
-    objectsByDependent().erase(entered);
+    dependent._enteredFor.clear();
 }
 
 void kaDependents::tell(const kaAnimationObject& object, kaChange change) noexcept {

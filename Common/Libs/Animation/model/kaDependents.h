@@ -3,6 +3,7 @@
 #include "kaChange.h"
 
 #include <cstdint>
+#include <vector>
 
 class kaAnimationObject;
 
@@ -16,6 +17,11 @@ class kaDependent {
 
   protected:
     ~kaDependent() = default;
+
+  private:
+    friend class kaDependents;
+    std::vector<const kaAnimationObject*>
+        _enteredFor; ///< what it is told of, so that leaving looks at no others
 };
 
 /// Who depends on which object.

@@ -1,50 +1,102 @@
 #include "kaKeyMemory.h"
 
 #include <algorithm>
+#include <functional>
 #include <new>
-#include <utility>
 
 kaKeyMemory& kaKeyMemory::the() {
     static kaKeyMemory& memory = *new kaKeyMemory;
     return memory;
 }
 
-/// Each twice the one before, up to a huge page.
-void kaKeyMemory::addSlab() {
+bool kaKeyMemory::Slab::contains(const Block* block) const {
+    return !std::less<>()(block, blocks.data()) && std::less<>()(block, blocks.data() + blocks.size());
+}
+
+/// As large as all others together, up to a huge page.
+kaKeyMemory::Slab& kaKeyMemory::addSlab() {
     constexpr std::size_t Smallest = 32;
     constexpr std::size_t Largest = kaHugePages::Size / BlockSize;
-    Slab slab;
-    slab.reserve(_slabs.empty() ? Smallest : std::min(2 * _slabs.back().capacity(), Largest));
-    kaWatchedMemory::forbid(slab.data(), slab.capacity() * BlockSize);
-    _slabs.push_back(std::move(slab));
+    std::size_t blocks = 0;
+    for (const auto& slab : _slabs)
+        blocks += slab->blocks.capacity();
+    auto slab = std::make_unique<Slab>();
+    slab->blocks.reserve(std::clamp(blocks, Smallest, Largest));
+    _withRoom.reserve(_slabs.size() + 1);
+    const auto place = std::find_if(_slabs.begin(), _slabs.end(), [&slab](const auto& other) {
+        return std::less<>()(slab->blocks.data(), other->blocks.data());
+    });
+    Slab& added = **_slabs.insert(place, std::move(slab));
+    kaWatchedMemory::forbid(added.blocks.data(), added.blocks.capacity() * BlockSize);
+    _withRoom.push_back(&added);
+    return added;
 }
 
 void* kaKeyMemory::take() {
-    Block* block = _givenBack;
+    Slab& slab = _withRoom.empty() ? addSlab() : *_withRoom.back();
+    Block* block = slab.free;
     if (block) {
         kaWatchedMemory::take(block, BlockSize);
-        _givenBack = block->next;
+        slab.free = block->next;
     } else {
-        if (_slabs.empty() || _slabs.back().size() == _slabs.back().capacity())
-            addSlab();
-        Slab& slab = _slabs.back();
-        kaWatchedMemory::take(slab.data() + slab.size(), BlockSize);
-        block = &slab.emplace_back();
+        kaWatchedMemory::take(slab.blocks.data() + slab.blocks.size(), BlockSize);
+        block = &slab.blocks.emplace_back();
     }
+    ++slab.inUse;
+    if (slab.isFull())
+        _withRoom.pop_back();
+    if (_empty == &slab)
+        _empty = nullptr;
     ++_taken;
     return block;
 }
 
+kaKeyMemory::Slab& kaKeyMemory::slabOf(const Block* block) {
+    if (!_recent || !_recent->contains(block)) {
+        const auto behind =
+            std::upper_bound(_slabs.begin(), _slabs.end(), block, [](const Block* wanted, const auto& slab) {
+                return std::less<>()(wanted, slab->blocks.data());
+            });
+        _recent = std::prev(behind)->get();
+    }
+    return *_recent;
+}
+
 void kaKeyMemory::giveBack(void* memory) noexcept {
     kaWatchedMemory::forbid(memory, BlockSize);
-    if (void* free = _quarantine.exchange(memory)) {
-        kaWatchedMemory::allow(free, BlockSize);
-        _givenBack = new (free) Block{_givenBack};
-        kaWatchedMemory::shut(free, BlockSize);
-    }
+    void* leaving = _quarantine.exchange(memory);
     if (--_taken == 0) {
-        _givenBack = nullptr;
-        _quarantine.clear();
-        _slabs.clear();
+        clear();
+        return;
     }
+    if (!leaving)
+        return;
+    auto* block = static_cast<Block*>(leaving);
+    Slab& slab = slabOf(block);
+    if (slab.isFull())
+        _withRoom.push_back(&slab);
+    kaWatchedMemory::allow(block, BlockSize);
+    slab.free = new (block) Block{slab.free};
+    kaWatchedMemory::shut(block, BlockSize);
+    if (--slab.inUse > 0)
+        return;
+    if (_empty)
+        release(*_empty);
+    _empty = &slab;
+}
+
+void kaKeyMemory::release(Slab& slab) noexcept {
+    _withRoom.erase(std::find(_withRoom.begin(), _withRoom.end(), &slab));
+    if (_recent == &slab)
+        _recent = nullptr;
+    _slabs.erase(std::find_if(_slabs.begin(), _slabs.end(),
+                              [&slab](const auto& other) { return other.get() == &slab; }));
+}
+
+void kaKeyMemory::clear() noexcept {
+    _quarantine.clear();
+    _withRoom.clear();
+    _slabs.clear();
+    _recent = nullptr;
+    _empty = nullptr;
 }

@@ -3,30 +3,9 @@
 #include "kaAnimationObject.h"
 #include "kaChildList.h"
 
-#include <array>
 #include <optional>
 
 kaObjectStore::Hooks kaObjectStore::hooks;
-
-namespace {
-
-std::array<void (*)(kaAnimationObject& object), 4> forgetters{};
-
-} // namespace
-
-void kaObjectStore::addForgetter(void (*forget)(kaAnimationObject& object)) {
-    for (auto& place : forgetters)
-        if (!place || place == forget) {
-            place = forget;
-            return;
-        }
-}
-
-void kaObjectStore::forget(kaAnimationObject& object) {
-    for (auto* forgetter : forgetters)
-        if (forgetter)
-            forgetter(object);
-}
 
 // Entries.
 

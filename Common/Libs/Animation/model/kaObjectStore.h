@@ -26,12 +26,6 @@ class kaObjectStore {
     };
     static Hooks hooks;
 
-    /// Has `forget` called for every object that is about to be freed, so that nothing keeps a pointer to it.
-    /// It allocates nothing and lasts as long as the process.
-    static void addForgetter(void (*forget)(kaAnimationObject& object));
-    /// The object is about to be freed.
-    static void forget(kaAnimationObject& object);
-
     /// @name Entries
     /// @{
 

@@ -2,51 +2,54 @@
 
 #include "kaAnimationObject.h"
 
-#include <algorithm>
+const kaRunningObjects::Map& kaRunningObjects::map() const {
+    if (_departures == kaWeakSlots::departures())
+        return _objects;
+    for (auto entry = _references.begin(); entry != _references.end();) {
+        const auto current = entry++;
+        if (!current->second) {
+            _objects.erase(current->first);
+            _references.erase(current);
+        }
+    }
+    _departures = kaWeakSlots::departures();
+    return _objects;
+}
 
 std::vector<kaUID> kaRunningObjects::ids() const {
     std::vector<kaUID> result;
-    result.reserve(_byID.size());
-    for (const auto& entry : _byID)
+    result.reserve(map().size());
+    for (const auto& entry : map())
         result.push_back(entry.first);
     return result;
 }
 
+/// Looks at one entry only: asked for each object of a tick in which others are freed.
 kaAnimationObject* kaRunningObjects::find(kaUID id) const {
-    const auto found = _byID.find(id);
-    return found != _byID.end() ? found->second : nullptr;
+    const auto found = _references.find(id);
+    return found != _references.end() ? found->second.get() : nullptr;
 }
 
 void kaRunningObjects::insert(kaAnimationObject& object) {
-    const auto [entry, isNew] = _byID.emplace(object.getId(), &object);
-    if (!isNew)
+    const kaUID id = object.getId();
+    if (find(id))
         return;
+    erase(id); // what stood there has been freed
+    const auto entry = _objects.emplace(id, &object).first;
     try {
-        _entries.emplace(&object, object.getId());
+        _references.emplace(id, object);
     } catch (...) {
-        _byID.erase(entry);
+        _objects.erase(entry);
         throw;
     }
 }
 
 void kaRunningObjects::erase(kaUID id) {
-    const auto found = _byID.find(id);
-    if (found == _byID.end())
-        return;
-    const auto entries = _entries.equal_range(found->second);
-    _entries.erase(
-        std::find_if(entries.first, entries.second, [id](const auto& entry) { return entry.second == id; }));
-    _byID.erase(found);
+    _objects.erase(id);
+    _references.erase(id);
 }
 
 void kaRunningObjects::clear() {
-    _byID.clear();
-    _entries = Entries(); // a table is cleared over its capacity
-}
-
-void kaRunningObjects::drop(const kaAnimationObject* object) {
-    const auto entries = _entries.equal_range(object);
-    for (auto entry = entries.first; entry != entries.second; ++entry)
-        _byID.erase(entry->second);
-    _entries.erase(entries.first, entries.second);
+    _objects.clear();
+    _references.clear();
 }

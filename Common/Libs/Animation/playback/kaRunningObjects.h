@@ -1,38 +1,32 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
+#include "kaWeak.h"
 
+#include <cstdint>
 #include <map>
-#include <unordered_map>
 #include <vector>
 
 class kaAnimationObject;
 
-/// The objects that play one by one, each under the id it had when it started. Objects that are freed leave.
+/// The objects that play one by one, each under the id it had when it started. An object that has been freed
+/// is in it no more.
 class kaRunningObjects {
   public:
     using Map = std::map<kaUID, kaAnimationObject*>;
 
-    const Map& map() const { return _byID; }
+    /// Cost: a compare while nothing that had a weak reference has gone, else one for each object.
+    const Map& map() const;
     std::vector<kaUID> ids() const;
-    kaAnimationObject* find(kaUID id) const;
+    kaAnimationObject* find(kaUID id) const; ///< Null when none plays under that id.
 
-    /// Enters an object under its id; an id that has an entry keeps it.
+    /// Enters an object under its id; an id that has an object keeps it.
     void insert(kaAnimationObject& object);
     void erase(kaUID id);
     void clear();
 
-    /// Called for every object that is about to be freed. Cost: nothing while none runs, else one look-up.
-    void forget(const kaAnimationObject* object) {
-        if (!_entries.empty())
-            drop(object);
-    }
-
   private:
-    void drop(const kaAnimationObject* object);
-
-    Map _byID;
-    /// Under which ids each object runs: mostly its own, but also one that it had when it started.
-    using Entries = std::unordered_multimap<const kaAnimationObject*, kaUID>;
-    Entries _entries;
+    mutable Map _objects;
+    mutable std::map<kaUID, kaWeak<kaAnimationObject>> _references; ///< under the same ids
+    mutable std::uint64_t _departures = 0; ///< at the last look for what has been freed
 };

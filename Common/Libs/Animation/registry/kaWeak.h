@@ -2,6 +2,7 @@
 
 #include "kaWeakSlots.h"
 
+#include <cstddef>
 #include <vector>
 
 /// A reference to an object or a field that does not keep it: null once that has been freed, whatever id it
@@ -31,11 +32,12 @@ class kaWeak {
     std::uint32_t _generation = 0;
 };
 
-/// Objects to be gone through while any of them may be freed, by the going through itself or by a host that
-/// is told of it.
+/// Objects or fields in order, any of which may be freed: by what visits them, by a host that is told of it,
+/// or later.
 template <class Object>
 class kaWeakList {
   public:
+    kaWeakList() = default;
     /// Nulls are left out; an object that stands there twice is visited twice.
     template <class Base>
     explicit kaWeakList(const std::vector<Base*>& objects) {
@@ -45,19 +47,38 @@ class kaWeakList {
                 _objects.emplace_back(*object);
     }
 
-    /// Calls `visit(Object&)` for every object that is still there when its turn comes, in order.
+    void append(Object& object) { _objects.emplace_back(object); }
+    void clear() { _objects.clear(); }
+    /// Whether nothing has been put in. A list of objects that have all been freed is not empty.
+    bool empty() const { return _objects.empty(); }
+
+    /// The objects that are still there.
+    std::vector<Object*> objects() const {
+        std::vector<Object*> present;
+        present.reserve(_objects.size());
+        visit([&present](Object& object) { present.push_back(&object); });
+        return present;
+    }
+
+    /// Calls `visit(Object&)` for every object that is still there when its turn comes, in order. `visit`
+    /// must not edit the list.
     /// @return how many were visited.
     template <class Visit>
     unsigned int visit(Visit&& visit) const {
         unsigned int count = 0;
-        for (const kaWeak<Object>& entry : _objects) {
-            Object* object = entry.get();
-            if (!object)
-                continue;
+        for (std::size_t place = 0; Object* object = next(place);) {
             visit(*object);
             ++count;
         }
         return count;
+    }
+
+    /// The first from `place` on that is still there, and moves `place` behind it; null at the end.
+    Object* next(std::size_t& place) const {
+        while (place < _objects.size())
+            if (Object* object = _objects[place++].get())
+                return object;
+        return nullptr;
     }
 
   private:
