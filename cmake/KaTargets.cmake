@@ -48,13 +48,16 @@ function(ka_target_defaults target)
   endif()
 endfunction()
 
-# ka_add_library(<target> EXPORT <name> SYMBOLS <prefix>... SOURCES ... HEADERS ... [HEADER_BASE <folder>])
-#   a shared library lib<target>.so, alias ka::<name>. HEADERS are those that hosts include: found, and installed, by
+# ka_add_library(<target> EXPORT <name> [PACKAGE <name>] SYMBOLS <prefix>... SOURCES ... HEADERS ... [HEADER_BASE <folder>])
+#   a shared library lib<target>.so, alias ka::<name>, of the CMake package named, else kaAnimation. HEADERS are those that hosts include: found, and installed, by
 #   their path below HEADER_BASE, which is the current folder unless given. What is marked for export and whose name
 #   begins with a prefix, which is part of a mangled name, is exported.
 function(ka_add_library target)
-  cmake_parse_arguments(arg "" "EXPORT;HEADER_BASE" "SYMBOLS;SOURCES;HEADERS" ${ARGN})
-  set(headers_at ${CMAKE_INSTALL_INCLUDEDIR}/kaAnimation)
+  cmake_parse_arguments(arg "" "EXPORT;HEADER_BASE;PACKAGE" "SYMBOLS;SOURCES;HEADERS" ${ARGN})
+  if(NOT arg_PACKAGE)
+    set(arg_PACKAGE kaAnimation)
+  endif()
+  set(headers_at ${CMAKE_INSTALL_INCLUDEDIR}/${arg_PACKAGE})
   add_library(${target} SHARED ${arg_SOURCES})
   add_library(ka::${arg_EXPORT} ALIAS ${target})
   ka_target_defaults(${target})
@@ -77,7 +80,7 @@ function(ka_add_library target)
     INSTALL_RPATH "$<$<BOOL:${KA_RELOCATABLE}>:$ORIGIN>"
     VERSION ${PROJECT_VERSION}
     SOVERSION ${PROJECT_VERSION_MAJOR})
-  install(TARGETS ${target} EXPORT kaAnimation
+  install(TARGETS ${target} EXPORT ${arg_PACKAGE}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_COMPONENT development
     FILE_SET HEADERS DESTINATION ${headers_at} COMPONENT development
     INCLUDES DESTINATION ${headers_at})

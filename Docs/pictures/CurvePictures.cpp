@@ -1,20 +1,19 @@
 #include "CurvePictures.h"
 
-#include "draw/Canvas.h"
-#include "draw/CurvePlot.h"
-
 #include <array>
 #include <cmath>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
+#include <kaMotion/Canvas.h>
+#include <kaMotion/CurvePlot.h>
 #include <limits>
 #include <utility>
 
 namespace {
 
-using ka::tools::PlotCurve;
-using ka::tools::PlotPanel;
+using ka::motion::PlotCurve;
+using ka::motion::PlotPanel;
 
 /// Keys at uneven distances, up and down, so that every rule shows.
 kaAnimationCurve2D* makeCurve(unsigned int type, unsigned int mode) {
@@ -63,10 +62,10 @@ QImage drawChoices(const QString& title, const Choices& choices, Make&& make) {
     for (std::size_t i = 0; i < choices.size(); ++i) {
         kaAnimationCurve2D* curve = make(choices[i].second);
         const QString name = QString::fromLatin1(choices[i].first);
-        panels.push_back({name, "value", {plotOf(*curve, name, ka::tools::distinctColor(i))}});
+        panels.push_back({name, "value", {plotOf(*curve, name, ka::motion::distinctColor(i))}});
         kaAnimationManager::the()->destroyCurve2D(curve);
     }
-    return ka::tools::drawPlot(title, panels, 0.0, QSize(1200, 140 + 240 * static_cast<int>(panels.size())));
+    return ka::motion::drawPlot(title, panels, 0.0, QSize(1200, 140 + 240 * static_cast<int>(panels.size())));
 }
 
 } // namespace

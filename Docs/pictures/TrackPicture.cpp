@@ -1,7 +1,5 @@
 #include "TrackPicture.h"
 
-#include "draw/Canvas.h"
-
 #include <QPainter>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
@@ -9,6 +7,7 @@
 #include <kaAnimationStreak.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUnit.h>
+#include <kaMotion/Canvas.h>
 #include <string>
 
 namespace {
@@ -51,11 +50,11 @@ kaAnimationStrip* exampleClip() {
 QColor colorOf(const kaAnimationObject& object) {
     switch (object.getTypeID()) {
     case KA_TYPE_STRIP:
-        return ka::tools::distinctColor(2);
+        return ka::motion::distinctColor(2);
     case KA_TYPE_SEQUENCE:
-        return ka::tools::distinctColor(1);
+        return ka::motion::distinctColor(1);
     default:
-        return ka::tools::distinctColor(0);
+        return ka::motion::distinctColor(0);
     }
 }
 
@@ -100,11 +99,11 @@ QImage drawTracks() {
     image.fill(Qt::white);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setFont(ka::tools::pictureFont(20, true));
+    painter.setFont(ka::motion::pictureFont(20, true));
     painter.drawText(QRectF(0, 14, Width, 36), Qt::AlignCenter,
                      "Clip \"" + QString::fromStdString(clip->getName()) +
                          "\": blocks, a sequence, a nested clip");
-    painter.setFont(ka::tools::pictureFont(15));
+    painter.setFont(ka::motion::pictureFont(15));
     drawRuler(painter, bottom);
     int top = Top;
     for (const auto& entry : tracks) {

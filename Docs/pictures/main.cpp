@@ -1,9 +1,9 @@
 #include "CurvePictures.h"
 #include "TrackPicture.h"
-#include "draw/Canvas.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
 #include <cstdio>
+#include <kaMotion/Canvas.h>
 #include <string>
 
 namespace {
@@ -24,7 +24,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     osg::osgInit(argc, argv);
-    ka::tools::startDrawing();
+    ka::motion::startDrawing();
     const std::string folder = argv[1];
     const bool saved = save(drawTangentTypes(), folder + "/tangent-types.png") &&
                        save(drawLengthModes(), folder + "/length-modes.png") &&

@@ -13,7 +13,7 @@ trap 'rm -f "$words"' EXIT
 } | sort -u >"$words"
 
 failed=0
-for library in kaSceneGraph kaHostUtils kaAnimation; do
+for library in kaSceneGraph kaHostUtils kaAnimation kaMotion; do
     symbols=$(nm -DC --defined-only "$libraries/lib$library.so" | cut -c18- | grep -v ' KA_[0-9.]*$')
     unversioned=$(grep -v '@@KA_' <<<"$symbols" || true)
     # Of "T a::b::c(d)@@KA_1.0" the words a, b and c; of "V vtable for a::b" those of a::b. What stands between <> is taken

@@ -1,5 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 #include "commands/Program.h"
 #include "manual/CommandLineParts.h"
 
@@ -8,6 +8,8 @@
 #include <map>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

@@ -1,15 +1,18 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "base/Text.h"
-#include "scene/Pose.h"
-#include "scene/Project.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <kaMotion/Pose.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/Text.h>
 #include <nlohmann/json.hpp>
 #include <regex>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

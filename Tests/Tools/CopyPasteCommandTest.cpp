@@ -1,7 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "scene/NodeChoice.h"
-#include "scene/Project.h"
 
 #include <gmock/gmock.h>
 #include <kaAnimationCurve2D.h>
@@ -9,8 +7,13 @@
 #include <kaAnimationManager.h>
 #include <kaAnimationUnit.h>
 #include <kaAnimationUtils.h>
+#include <kaMotion/NodeChoice.h>
+#include <kaMotion/Project.h>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

@@ -1,15 +1,18 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "compare/Comparison.h"
-#include "scene/Project.h"
 
 #include <gmock/gmock.h>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
+#include <kaMotion/Comparison.h>
+#include <kaMotion/Project.h>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

@@ -1,14 +1,17 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 #include "check/WrittenCheck.h"
-#include "scene/Project.h"
 
 #include <gmock/gmock.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationXmlOutput.h>
+#include <kaMotion/Project.h>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

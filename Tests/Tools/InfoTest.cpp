@@ -1,11 +1,14 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "base/Columns.h"
 
 #include <gmock/gmock.h>
+#include <kaMotion/Columns.h>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

@@ -1,12 +1,13 @@
-#include "import/KeyBudget.h"
-
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "import/BvhReader.h"
+#include "readers/BvhReader.h"
 
 #include <gmock/gmock.h>
+#include <kaMotion/KeyBudget.h>
 
 namespace ka::tools {
+
+using namespace motion;
 namespace {
 
 using ::testing::ElementsAre;

@@ -1,5 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 #include "commands/Program.h"
 #include "manual/CommandLineParts.h"
 #include "manual/Completion.h"
@@ -10,6 +10,8 @@
 #include <sstream>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 using ::testing::ElementsAre;

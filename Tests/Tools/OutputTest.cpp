@@ -1,21 +1,23 @@
 #include "cli/Output.h"
 
-#include "ToolsTesting.h"
-#include "base/Failure.h"
+#include "MotionTesting.h"
 
 #include <csignal>
 #include <gmock/gmock.h>
+#include <kaMotion/Failure.h>
 #include <unistd.h>
 
 namespace ka::tools {
+
+using namespace motion;
 namespace {
 
 using ::testing::HasSubstr;
 
 TEST(ReplaceFile, WritesAWholeFileOrSaysWhyNot) {
-    const testing::TemporaryFolder folder;
+    const motion::testing::TemporaryFolder folder;
     replaceFile(folder.at("a.txt"), "text");
-    EXPECT_EQ(testing::contentOf(folder.at("a.txt")), "text");
+    EXPECT_EQ(motion::testing::contentOf(folder.at("a.txt")), "text");
     try {
         replaceFile(folder.at("none/a.txt"), "text");
         FAIL();

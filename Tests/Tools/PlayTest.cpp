@@ -1,6 +1,6 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
 #include "RunningProgram.h"
-#include "ToolsTesting.h"
 #include "play/PlayClock.h"
 
 #include <algorithm>
@@ -11,6 +11,8 @@
 #include <sstream>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 using nlohmann::json;

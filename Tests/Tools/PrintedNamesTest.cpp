@@ -1,5 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 
 #include <QString>
 #include <QVector>
@@ -7,6 +7,8 @@
 #include <sstream>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

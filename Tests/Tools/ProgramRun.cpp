@@ -1,6 +1,6 @@
 #include "ProgramRun.h"
 
-#include "ToolsTesting.h"
+#include "MotionTesting.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 
 namespace {
 

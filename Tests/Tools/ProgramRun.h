@@ -1,10 +1,14 @@
 #pragma once
 
+#include "MotionTesting.h"
+
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 
 /// What a run of `ka-anim` gave.
 struct ProgramRun {

@@ -1,7 +1,7 @@
 #include "commands/Program.h"
 
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -10,6 +10,8 @@
 #include <sstream>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 using ::testing::EndsWith;

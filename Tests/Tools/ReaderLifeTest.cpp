@@ -1,9 +1,8 @@
 // A reader's process from outside: how it ends, where it finds itself, and what the program says of it.
 
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "import/ConfinedFolder.h"
-#include "import/ReaderProcess.h"
+#include "readers/ConfinedFolder.h"
 
 #include <cerrno>
 #include <chrono>
@@ -11,6 +10,7 @@
 #include <fstream>
 #include <future>
 #include <gmock/gmock.h>
+#include <kaMotion/ReaderProcess.h>
 #include <pthread.h>
 #include <seccomp.h>
 #include <sys/prctl.h>
@@ -19,6 +19,8 @@
 #include <unistd.h>
 
 namespace ka::tools {
+
+using namespace motion;
 namespace {
 
 using ::testing::HasSubstr;

@@ -1,5 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
 
 #include <filesystem>
 #include <gmock/gmock.h>
@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 namespace fs = std::filesystem;

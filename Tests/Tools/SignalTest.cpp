@@ -1,4 +1,4 @@
-#include "ToolsTesting.h"
+#include "MotionTesting.h"
 
 #include <chrono>
 #include <csignal>
@@ -16,6 +16,8 @@
 #include <unistd.h>
 
 namespace ka::tools::testing {
+
+using namespace motion::testing;
 namespace {
 
 namespace fs = std::filesystem;

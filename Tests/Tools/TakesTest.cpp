@@ -1,7 +1,5 @@
+#include "MotionTesting.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "scene/Pose.h"
-#include "scene/Project.h"
 
 #include <QByteArray>
 #include <gmock/gmock.h>
@@ -9,10 +7,14 @@
 #include <kaAnimationStreak.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUnit.h>
+#include <kaMotion/Pose.h>
+#include <kaMotion/Project.h>
 #include <map>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools {
+
+using namespace motion;
 namespace {
 
 using nlohmann::json;

@@ -1,10 +1,7 @@
+#include "MotionTesting.h"
 #include "OlderAnimation.h"
 #include "OlderScene.h"
 #include "ProgramRun.h"
-#include "ToolsTesting.h"
-#include "scene/NodeChoice.h"
-#include "scene/Project.h"
-#include "scene/SceneFiles.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGSceneFileHandler.h>
@@ -13,11 +10,17 @@
 #include <kaAnimationManager.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUtils.h>
+#include <kaMotion/NodeChoice.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/SceneFiles.h>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools::testing {
+
+using namespace motion;
+using namespace motion::testing;
 namespace {
 
 using ::testing::HasSubstr;

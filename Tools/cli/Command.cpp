@@ -1,13 +1,14 @@
 #include "cli/Command.h"
 
-#include "base/Text.h"
-
 #include <CLI/CLI.hpp>
 #include <cmath>
+#include <kaMotion/Text.h>
 #include <limits>
 #include <map>
 
 namespace ka::tools {
+
+using namespace motion;
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "base/Failure.h"
 #include "cli/Output.h"
 
 #include <cstddef>
 #include <functional>
+#include <kaMotion/Failure.h>
 #include <optional>
 #include <string>
 #include <utility>
@@ -16,6 +16,8 @@ class Option;
 } // namespace CLI
 
 namespace ka::tools {
+
+using namespace motion;
 
 /// What the chosen command does once the whole command line has been read. It throws a Failure, or gives the
 /// code to end with.

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "cli/Command.h"
-#include "scene/Project.h"
-#include "scene/Saving.h"
 
+#include <kaMotion/Project.h>
+#include <kaMotion/Saving.h>
 #include <string>
 
 namespace ka::tools {
+
+using namespace motion;
 
 /// Options that several commands share, so that each is spelled, explained and checked in one place.
 

@@ -1,6 +1,5 @@
 #include "cli/Output.h"
 
-#include "base/Failure.h"
 #include "cli/Progress.h"
 
 #include <cerrno>
@@ -8,9 +7,12 @@
 #include <cstring>
 #include <fcntl.h>
 #include <kaFile.h>
+#include <kaMotion/Failure.h>
 #include <unistd.h>
 
 namespace ka::tools {
+
+using namespace motion;
 
 namespace {
 

@@ -1,12 +1,13 @@
 #include "cli/Progress.h"
 
-#include "base/Text.h"
-
 #include <algorithm>
 #include <cstdio>
+#include <kaMotion/Text.h>
 #include <unistd.h>
 
 namespace ka::tools {
+
+using namespace motion;
 
 namespace {
 
@@ -35,6 +36,20 @@ void Progress::setPercent(unsigned int percent) {
     const auto filled = static_cast<std::size_t>(whole * barWidth / 100);
     toStandardError("\r" + _what + " [" + std::string(filled, '=') + std::string(barWidth - filled, ' ') +
                     "] " + std::to_string(whole) + " %\033[K");
+}
+
+bool Terminal::progress(const std::string& what, std::size_t done, std::size_t total) {
+    if (!_bar || what != _what)
+        _bar.emplace(_what = what);
+    _bar->set(done, total);
+    if (done >= total)
+        _bar.reset();
+    return true;
+}
+
+void Terminal::note(const std::string& line) {
+    _bar.reset();
+    say(line);
 }
 
 void toStandardError(const std::string& text) {

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <kaMotion/Listener.h>
+#include <optional>
 #include <string>
 
 namespace ka::tools {
+
+using namespace motion;
 
 /// A bar on standard error while something takes long; nothing at all where that is no terminal. It goes when
 /// the object does.
@@ -21,6 +25,17 @@ class Progress {
     std::string _what;
     bool _isShown;
     int _percent = -1;
+};
+
+/// Shows the progress of the library's work as a bar, one for each text, and says its notes.
+class Terminal : public Listener {
+  public:
+    bool progress(const std::string& what, std::size_t done, std::size_t total) override;
+    void note(const std::string& line) override;
+
+  private:
+    std::string _what;
+    std::optional<Progress> _bar;
 };
 
 /// Puts a text on standard error at once, as it is.

@@ -1,12 +1,12 @@
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 #include "commands/Faults.h"
-#include "scene/Project.h"
-#include "scene/Saving.h"
 
 #include <kaAnimationManager.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/Saving.h>
+#include <kaMotion/Text.h>
 #include <memory>
 
 namespace ka::tools {
@@ -28,11 +28,12 @@ void check(const SavedFiles& saved) {
 
 ExitCode convert(const ConvertOptions& options) {
     check(options.saved);
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     for (const std::string& note : project.report().notes)
         say(note);
     const std::vector<std::string> faults =
-        allFaults(project.report().faults, save(project.root(), options.saved));
+        allFaults(project.report().faults, save(project.root(), options.saved, terminal));
     for (const std::string& name : {options.saved.scene, options.saved.animation})
         if (!name.empty())
             say("wrote " + name);

@@ -1,12 +1,11 @@
-#include "scene/CopyPaste.h"
-
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 #include "commands/Faults.h"
-#include "scene/NodeChoice.h"
 
+#include <kaMotion/CopyPaste.h>
+#include <kaMotion/NodeChoice.h>
+#include <kaMotion/Text.h>
 #include <memory>
 
 namespace ka::tools {
@@ -43,28 +42,30 @@ std::string describe(const CopiedAnimation& animation) {
 
 ExitCode copy(const CopyOptions& options) {
     checkNames(options.outputs);
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     sayNotes(project);
     {
         const osg::NodePtr from = chosenNode(project.root(), options.from);
         const CopiedAnimation animation(from);
         sayPasted(paste(animation, project.root(), options.to, from), describe(animation));
     }
-    return sayFaults(save(project.root(), options.outputs));
+    return sayFaults(save(project.root(), options.outputs, terminal));
 }
 
 ExitCode pasteFromOther(const PasteOptions& options) {
     checkNames(options.outputs);
-    Project project(options.source);
+    Terminal terminal;
+    Project project(options.source, terminal);
     sayNotes(project);
     {
         CopiedAnimation animation(chosenNode(project.root(), options.from));
         animation.detach();
-        project.exchangeScene(options.files);
+        project.exchangeScene(options.files, terminal);
         sayNotes(project);
         sayPasted(paste(animation, project.root(), options.to, osg::NodePtr()), describe(animation));
     }
-    return sayFaults(save(project.root(), options.outputs));
+    return sayFaults(save(project.root(), options.outputs, terminal));
 }
 
 void addNodeOptions(Command& command, std::string& from, std::string& to) {

@@ -1,12 +1,12 @@
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "draw/Canvas.h"
-#include "scene/Pictures.h"
 
 #include <chrono>
 #include <filesystem>
+#include <kaMotion/Canvas.h>
+#include <kaMotion/Pictures.h>
+#include <kaMotion/Text.h>
 #include <memory>
 
 namespace ka::tools {
@@ -61,7 +61,8 @@ void write(const std::filesystem::path& path, const QImage& image) {
 }
 
 ExitCode demo(const DemoOptions& options, Output& output) {
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     const auto objects = project.playable("");
     const Playback playback = playThrough(objects);
     const double fps = options.files.import.framesPerSecond;

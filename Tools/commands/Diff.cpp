@@ -1,11 +1,11 @@
-#include "base/Columns.h"
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "compare/Comparison.h"
 
 #include <cmath>
+#include <kaMotion/Columns.h>
+#include <kaMotion/Comparison.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -100,7 +100,8 @@ void saySummary(const DiffOptions& options, const Comparison& comparison) {
 }
 
 ProjectSummary summaryOf(const ProjectFiles& files) {
-    const Project project(files);
+    Terminal terminal;
+    const Project project(files, terminal);
     return summarize(project);
 }
 

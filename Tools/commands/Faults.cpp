@@ -1,9 +1,9 @@
 #include "commands/Faults.h"
 
-#include "base/Text.h"
 #include "cli/Progress.h"
 
 #include <algorithm>
+#include <kaMotion/Text.h>
 
 namespace ka::tools {
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "base/Failure.h"
-
+#include <kaMotion/Failure.h>
 #include <string>
 #include <vector>
 
 namespace ka::tools {
+
+using namespace motion;
 
 /// The faults of an import and those found once it had been saved, each line once.
 std::vector<std::string> allFaults(std::vector<std::string> imported, const std::vector<std::string>& saved);

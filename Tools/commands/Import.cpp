@@ -1,10 +1,10 @@
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 #include "commands/Faults.h"
-#include "scene/Saving.h"
 
+#include <kaMotion/Saving.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -59,10 +59,11 @@ ExitCode import(const ImportCommandOptions& options, Output& output) {
     const bool isKept = !options.outputs.scene.empty();
     if (isKept)
         checkNames(options.outputs);
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     std::vector<std::string> faults = project.report().faults;
     if (isKept)
-        faults = allFaults(std::move(faults), save(project.root(), options.outputs));
+        faults = allFaults(std::move(faults), save(project.root(), options.outputs, terminal));
     sayReport(project.report());
     const ExitCode found = sayFaults(faults);
     if (options.asJson)

@@ -1,10 +1,11 @@
-#include "base/Columns.h"
-#include "base/Text.h"
 #include "cli/Options.h"
+#include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "scene/Summary.h"
 
 #include <algorithm>
+#include <kaMotion/Columns.h>
+#include <kaMotion/Summary.h>
+#include <kaMotion/Text.h>
 #include <limits>
 #include <map>
 #include <memory>
@@ -276,7 +277,8 @@ std::string asJson(const InfoOptions& options, const ProjectSummary& summary) {
 }
 
 ExitCode info(const InfoOptions& options, Output& output) {
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     const ProjectSummary summary = summarize(project);
     output.write(options.format == TextFormat::Json ? asJson(options, summary) : asText(options, summary));
     return ExitCode::Fine;

@@ -1,15 +1,14 @@
-#include "scene/Pictures.h"
-
-#include "base/Failure.h"
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "draw/Canvas.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <kaAnimationCurve2D.h>
+#include <kaMotion/Canvas.h>
+#include <kaMotion/Failure.h>
+#include <kaMotion/Pictures.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <optional>
 
@@ -65,7 +64,8 @@ QString titleOf(const PictureOptions& options) {
 
 ExitCode plot(const PictureOptions& options) {
     check(options);
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     const auto objects = project.playable(options.object);
     CurveList curves = curvesBelow(objects);
     curves = options.curves.empty() ? tellingCurves(curves) : chooseCurves(curves, options.curves);
@@ -83,7 +83,8 @@ ExitCode plot(const PictureOptions& options) {
 
 ExitCode render(const PictureOptions& options) {
     check(options);
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     const auto objects = project.playable(options.object);
     const QSize size(options.width,
                      options.height > 0 ? options.height : sheetHeight(options.width, options.count));

@@ -1,4 +1,3 @@
-#include "base/Text.h"
 #include "cli/Interrupt.h"
 #include "cli/LiveLine.h"
 #include "cli/Options.h"
@@ -11,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <kaAnimationObject.h>
+#include <kaMotion/Text.h>
 #include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -180,7 +180,8 @@ std::string playThrough(const PlayOptions& options, const PlayPlan& plan, Output
 }
 
 ExitCode play(const PlayOptions& options, Output& output) {
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     const PlayPlan plan = planOf(options, project);
     const std::string summary = playThrough(options, plan, output);
     output.finish(); // so that the last word comes last on a terminal

@@ -1,9 +1,9 @@
-#include "scene/Pose.h"
-
-#include "base/Text.h"
 #include "cli/Options.h"
+#include "cli/Progress.h"
 #include "commands/Commands.h"
 
+#include <kaMotion/Pose.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -61,7 +61,8 @@ std::string asCsv(double frame, const std::vector<NodePose>& poses) {
 }
 
 ExitCode pose(const PoseOptions& options, Output& output) {
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     evaluate(project.playable(options.object), static_cast<float>(options.frame));
     const std::vector<NodePose> poses = readPose(project.placedNodes());
     output.write(options.format == Format::Json ? asJson(options.frame, poses) : asCsv(options.frame, poses));

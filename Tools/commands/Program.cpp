@@ -1,10 +1,10 @@
 #include "commands/Program.h"
 
-#include "base/Text.h"
 #include "cli/Progress.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <kaMotion/Text.h>
 #include <sstream>
 
 namespace ka::tools {

@@ -1,11 +1,12 @@
-#include "base/Text.h"
 #include "cli/Options.h"
+#include "cli/Progress.h"
 #include "commands/Commands.h"
-#include "scene/CurveChoice.h"
 
 #include <cmath>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
+#include <kaMotion/CurveChoice.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <optional>
 
@@ -70,7 +71,8 @@ void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, Sample
 }
 
 ExitCode sample(const SampleOptions& options, Output& output) {
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     CurveList curves = curvesBelow(project.playable(options.object));
     // A document may hold curves that nothing plays.
     if (curves.empty() && options.object.empty())

@@ -1,12 +1,12 @@
-#include "base/Text.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 #include "commands/Faults.h"
-#include "scene/NodeChoice.h"
-#include "scene/SceneFiles.h"
-#include "scene/SceneUpgrade.h"
 
+#include <kaMotion/NodeChoice.h>
+#include <kaMotion/SceneFiles.h>
+#include <kaMotion/SceneUpgrade.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -101,13 +101,14 @@ ExitCode upgrade(const UpgradeOptions& options, Output& output) {
     checkNames(options.outputs);
     if (!isScene(options.files.file))
         throw unreadable(options.files.file, "not a scene (.osg)");
-    const Project project(options.files);
+    Terminal terminal;
+    const Project project(options.files, terminal);
     for (const std::string& note : project.report().notes)
         say(note);
     const osg::NodePtr top = topOf(project.root());
     const osg::NodePtr camera = options.camera.empty() ? firstCamera(top) : chosenNode(top, options.camera);
-    const UpgradeReport report = upgradeScene(top, camera);
-    const std::vector<std::string> faults = save(project.root(), options.outputs);
+    const UpgradeReport report = upgradeScene(top, camera, terminal);
+    const std::vector<std::string> faults = save(project.root(), options.outputs, terminal);
     output.write(options.format == TextFormat::Json ? reportAsJson(report) : reportAsText(report));
     if (report.found.nodes == 0)
         say(options.files.file + " carries no older animation: there was nothing to convert");

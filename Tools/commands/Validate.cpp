@@ -1,13 +1,13 @@
-#include "base/Text.h"
-#include "check/CurveCheck.h"
-#include "check/DocumentReader.h"
-#include "check/ReferenceCheck.h"
-#include "check/SceneCheck.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 
 #include <algorithm>
+#include <kaMotion/CurveCheck.h>
+#include <kaMotion/DocumentReader.h>
+#include <kaMotion/ReferenceCheck.h>
+#include <kaMotion/SceneCheck.h>
+#include <kaMotion/Text.h>
 #include <memory>
 #include <nlohmann/json.hpp>
 

@@ -1,10 +1,11 @@
 #include "manual/ManPage.h"
 
-#include "base/Text.h"
-
+#include <kaMotion/Text.h>
 #include <sstream>
 
 namespace ka::tools {
+
+using namespace motion;
 
 namespace {
 

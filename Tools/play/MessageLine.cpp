@@ -1,13 +1,14 @@
 #include "play/MessageLine.h"
 
-#include "base/Text.h"
-
 #include <cmath>
 #include <kaAnimationController.h>
 #include <kaMessage.h>
+#include <kaMotion/Text.h>
 #include <nlohmann/json.hpp>
 
 namespace ka::tools {
+
+using namespace motion;
 
 namespace {
 

@@ -1,12 +1,13 @@
 #include "play/Player.h"
 
-#include "base/Text.h"
-
 #include <kaAnimationController.h>
 #include <kaAnimationObject.h>
+#include <kaMotion/Text.h>
 #include <kaOpenSGUtils.h>
 
 namespace ka::tools {
+
+using namespace motion;
 
 Player* Player::_current = nullptr;
 

@@ -1,0 +1,10 @@
+#include <kaMotion/Listener.h>
+
+namespace ka::motion {
+
+Listener& Listener::none() {
+    static Listener listener;
+    return listener;
+}
+
+} // namespace ka::motion

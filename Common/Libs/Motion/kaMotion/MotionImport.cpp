@@ -1,0 +1,223 @@
+#include "check/Deviation.h"
+
+#include <OpenSG/OSGSimpleAttachments.h>
+#include <OpenSG/OSGTransform3D.h>
+#include <algorithm>
+#include <cmath>
+#include <kaAnimationCurve2D.h>
+#include <kaAnimationManager.h>
+#include <kaAnimationStrip.h>
+#include <kaAnimationUnit.h>
+#include <kaAnimationUtils.h>
+#include <kaControlPoint2D.h>
+#include <kaMotion/CurveChoice.h>
+#include <kaMotion/DocumentNumber.h>
+#include <kaMotion/MotionImport.h>
+#include <kaMotion/RotationSource.h>
+#include <kaMotion/Text.h>
+#include <kaNodeUtils.h>
+
+namespace ka::motion {
+
+namespace {
+
+osg::Vec3f single(const Vec3& v) {
+    return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
+}
+
+kaControlPoint2D* makeKey(const BezierKey& key) {
+    kaControlPoint2D* point = kaAnimationManager::the()->createPoint2D(key.frame, key.value, 0);
+    // The handles are the source's; nothing may place them anew.
+    point->setTangentType(kaControlPoint2D::TANGENT_USER);
+    point->getInTangent()->setPosition(key.inFrame, key.inValue);
+    point->getOutTangent()->setPosition(key.outFrame, key.outValue);
+    return point;
+}
+
+/// What the keys of a source give at a frame, held outside of their span.
+class SourceCurve {
+  public:
+    SourceCurve(const std::vector<CurveKey>& keys, double framesPerSecond)
+        : _keys(keys), _framesPerSecond(framesPerSecond) {}
+
+    double at(double frame) {
+        const double time = frame / _framesPerSecond;
+        // From where it was asked last it is seldom far.
+        while (_segment > 0 && time < _keys[_segment].time)
+            --_segment;
+        while (_segment + 1 < _keys.size() && time >= _keys[_segment + 1].time)
+            ++_segment;
+        const CurveKey& from = _keys[_segment];
+        if (time <= from.time || _segment + 1 == _keys.size())
+            return from.value;
+        const CurveKey& to = _keys[_segment + 1];
+        return segmentValue(from, to, (time - from.time) / (to.time - from.time));
+    }
+
+  private:
+    const std::vector<CurveKey>& _keys;
+    double _framesPerSecond;
+    std::size_t _segment = 0;
+};
+
+class MotionImporter {
+  public:
+    MotionImporter(const Motion& motion, const ImportOptions& options) : _motion(motion), _options(options) {
+        _report.notes = motion.notes;
+        _report.rotationTolerance = options.rotationTolerance;
+    }
+
+    ImportReport run(const osg::NodePtr& root) {
+        addAttributes();
+        buildNodes(root);
+        for (const MotionTake& take : _motion.takes)
+            buildTake(take);
+        if (_lossyNames)
+            _report.notes.emplace_back("names with characters outside Latin-1 got a '?' in their place");
+        if (_report.mergedKeys > 0)
+            _report.notes.push_back(counted(_report.mergedKeys, "key") +
+                                    " left out because a document cannot tell their frames apart");
+        return std::move(_report);
+    }
+
+  private:
+    static void addAttributes() {
+        kaAnimationManager* manager = kaAnimationManager::the();
+        for (const char* name : {"translation", "scale", "fieldOfView"})
+            if (!manager->isAnimationAttribute(name))
+                manager->addAnimationAttribute(name);
+    }
+
+    void buildNodes(const osg::NodePtr& root) {
+        for (const MotionNode& source : _motion.nodes) {
+            const osg::NodePtr parent = source.parent == MotionNode::noParent
+                                            ? root
+                                            : _nodes[static_cast<std::size_t>(source.parent)];
+            _nodes.push_back(buildNode(source));
+            osg::beginEditCP(parent, osg::Node::ChildrenFieldMask);
+            parent->addChild(_nodes.back());
+            osg::endEditCP(parent, osg::Node::ChildrenFieldMask);
+        }
+        _report.nodes = _nodes.size();
+    }
+
+    osg::NodePtr buildNode(const MotionNode& source) {
+        const osg::Transform3DPtr core = osg::Transform3D::create();
+        osg::beginEditCP(core);
+        core->setTranslation(single(source.translation));
+        core->setScale(single(source.scale));
+        osg::endEditCP(core);
+        osg::NodePtr node = osg::Node::create();
+        osg::beginEditCP(node);
+        node->setCore(core);
+        osg::setName(node, latin1FromUtf8(source.name, _lossyNames));
+        osg::endEditCP(node);
+        const Vec3 angles = sceneAngles(matrixFromQuaternion(normalized(source.rotation)), {0, 0, 0});
+        const osg::Vec3f rotation = single(angles);
+        kaNodeUtils::setTransformNodeRotation(node, rotation[0], rotation[1], rotation[2], -1);
+        return node;
+    }
+
+    void buildTake(const MotionTake& take) {
+        kaAnimationManager* manager = kaAnimationManager::the();
+        _take = _motion.takes.size() > 1 ? " of '" + oneLine(take.name) + "'" : "";
+        kaAnimationStrip* clip = manager->createStrip(latin1FromUtf8(take.name, _lossyNames), 0);
+        for (const MotionTrack& track : take.tracks) {
+            kaAnimationUnit* block = buildBlock(track);
+            kaAnimationUtils::addAnimationObject(_nodes[track.node], block);
+            clip->insertObject(block);
+            ++_report.blocks;
+        }
+        ++_report.clips;
+    }
+
+    kaAnimationUnit* buildBlock(const MotionTrack& track) {
+        const MotionNode& source = _motion.nodes[track.node];
+        kaAnimationUnit* block =
+            kaAnimationManager::the()->createUnit(latin1FromUtf8(source.name, _lossyNames), 0);
+        addCurves(block, track.node, curvesOf(track.translation), 'T');
+        if (!track.angles.keys.empty())
+            addRotation(block, track.node, RotationSource(track.angles, source.order));
+        else
+            addRotation(block, track.node, RotationSource(track.quaternion));
+        addCurves(block, track.node, curvesOf(track.scale), 'S');
+        return block;
+    }
+
+    void addRotation(kaAnimationUnit* block, std::uint32_t node, const RotationSource& source) {
+        // Splitting ends well above the distance at which floats run together, and far below a frame.
+        const FitOptions options{_options.rotationTolerance, 0.02 / _options.framesPerSecond,
+                                 (_options.budget.most() - _report.keys) / 3};
+        const RotationFit fit = fitRotation(source, options);
+        _report.addedKeys += 3 * fit.addedKeys;
+        _report.unreachedSegments += fit.unreached;
+        _report.worstRotation = std::max(_report.worstRotation, fit.worst);
+        if (fit.unreached > 0)
+            _report.faults.push_back(
+                "rotation of '" + oneLine(_motion.nodes[node].name) + "'" + _take + ": up to " +
+                formatNumber(fit.worst, 3) + " degrees off, worst at frame " +
+                formatNumber(fit.worstTime * _options.framesPerSecond, 6) + ", because " +
+                counted(fit.unreached, "segment") + " cannot be split further");
+        addCurves(block, node, fit.curves, 'R');
+    }
+
+    /// @param kind  the letter of the interchange's attribute names: "TransformTX" and so on.
+    void addCurves(kaAnimationUnit* block, std::uint32_t node, const CurveTriple& curves, char kind) {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            if (curves[axis].empty())
+                continue;
+            const BezierCurve laidOut = layOutCurve(curves[axis], _options.framesPerSecond);
+            if (laidOut.keys.size() > _options.budget.most() - _report.keys)
+                _options.budget.refuse(_report.keys + laidOut.keys.size());
+            std::vector<kaControlPoint2D*> points;
+            points.reserve(laidOut.keys.size());
+            for (const BezierKey& key : laidOut.keys)
+                points.push_back(makeKey(key));
+            const std::string attribute = std::string("Transform") + kind + "XYZ"[axis];
+            kaAnimationCurve2D* curve =
+                kaAnimationManager::the()->createCurve2D(_nodes[node], attribute, points, 0, false);
+            block->addObject(curve);
+            compareWithSource(*curve, curves[axis]);
+            ++_report.curves;
+            _report.keys += points.size();
+            _report.mergedKeys += laidOut.merged;
+        }
+    }
+
+    void compareWithSource(const kaAnimationCurve2D& curve, const std::vector<CurveKey>& keys) {
+        SourceCurve source(keys, _options.framesPerSecond);
+        const CurveJudgement judgement =
+            judge(plainKeys(curve), [&source](double frame) { return source.at(frame); });
+        if (!judgement.fault && judgement.worst == 0.0)
+            return;
+        const std::string name = "'" + oneLine(curveLabel(&curve)) + "'" + _take;
+        if (judgement.fault)
+            _report.faults.push_back("curve " + name + ": " + judgement.fault->text());
+        const double range =
+            static_cast<double>(curve.getMaximum()) - static_cast<double>(curve.getMinimum());
+        // Between keys at one value there is no range; the value stands in for it.
+        const double part =
+            judgement.worst /
+            std::max({range, std::abs(static_cast<double>(curve.getMaximum())), documentStep});
+        if (part > _report.worstDifference) {
+            _report.worstDifference = part;
+            _report.worstCurve = name;
+            _report.worstFrame = static_cast<double>(judgement.worstFrame);
+        }
+    }
+
+    const Motion& _motion;
+    const ImportOptions& _options;
+    std::string _take; ///< which one, where there are several, as a part of messages
+    std::vector<osg::NodePtr> _nodes;
+    ImportReport _report;
+    bool _lossyNames = false;
+};
+
+} // namespace
+
+ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options) {
+    return MotionImporter(motion, options).run(root);
+}
+
+} // namespace ka::motion

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <OpenSG/OSGNode.h>
+#include <kaMotion/CurveFit.h>
+#include <kaMotion/ImportReport.h>
+#include <kaMotion/KeyBudget.h>
+#include <kaMotion/Motion.h>
+
+#pragma GCC visibility push(default)
+namespace ka::motion {
+
+/// How a motion becomes curves.
+struct ImportOptions {
+    double framesPerSecond = 25.0;   ///< frames of the scene for a second of the source
+    double rotationTolerance = 0.01; ///< degrees that a converted rotation may be off between keys
+    KeyBudget budget;                ///< keys that may be built, those that rotations need included
+};
+
+/// Builds a motion, already checked, into the scene and the animation registry.
+///
+/// Every node becomes a scene node with a Transform3D below `root`. Every take becomes a clip with one block
+/// for each node that it moves, on as many tracks as they need; curves are made through the module's
+/// interchange and listed, with their block, on their node. Names become Latin-1. Every curve is then
+/// sampled against the source.
+/// @throws Failure (Unreadable), its text without a file's name, when there would be more keys than allowed;
+/// what was built until then stays.
+ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options);
+
+} // namespace ka::motion
+#pragma GCC visibility pop
