@@ -116,7 +116,9 @@ class Row {
                 expect({written[i], values[i]}, formula[i], i, "side by side");
         }
         std::fill(values, values + ROW, Answer().value);
-        kaSegmentIteration::sampleMany(segments[0], framesOfFirst, ROW - 1, values, written);
+        const kaSegment* first[ROW];
+        std::fill(first, first + ROW, &segments[0]);
+        kaSegmentIteration::sampleEach(first, framesOfFirst, ROW - 1, values, written);
         for (std::size_t i = 0; i < ROW - 1; ++i)
             expect({written[i], values[i]}, formulaOfFirst[i], 0, "one of many");
     }

@@ -12,7 +12,7 @@
 /// and order of roots; where that loses its digits, with the coefficient of t^3 below 1e-5, the one root
 /// inside the segment to full double precision. `kaSegmentFormula` takes these steps.
 ///
-/// Nearly always the same float is had without them. Three steps of an iteration that costs the same for
+/// Nearly always the same float is had without them. A few steps of an iteration that costs the same for
 /// every kind of handle give a value with a proven bound on its distance from what the formula gives, the
 /// formula's own error included. Where all numbers within the bound are one float, that is the sample. The
 /// bound needs a time that never runs backwards.

@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -83,9 +86,14 @@ class FormulaError {
         return 2.0 * error + 40.0 * U * (_reach + _root);
     }
 
-    /// What the short pi lowers t by, where there is but one root for each frame.
-    double bias() const {
-        return isTurnedTwice() && hasThreeRootsSomewhere() && !hasOneRootSomewhere() ? turned() : 0.0;
+    /// What the short pi lowers t by, from and to. The roots tried second and third are turned by one and two
+    /// such angles. Where A is positive the time rises at the outer ones of three, tried first and second:
+    /// the latter lies higher for it. Where A is negative it rises at the middle one, tried last.
+    std::pair<double, double> lowered() const {
+        const double turned = hasThreeRootsSomewhere() ? 2.0 * _root * TurnError : 0.0;
+        if (_a > 0.0)
+            return {-turned, 0.0};
+        return {hasOneRootSomewhere() ? 0.0 : 2.0 * turned * (1.0 - turnedSpread()), 2.0 * turned};
     }
 
   private:
@@ -112,14 +120,10 @@ class FormulaError {
     double ofThreeRoots() const {
         const double p = 11.0 * U * _p;
         const double q = 20.0 * U * _q + 40.0 * U * _root * _p;
-        return std::fabs(_a) * (p * _reach + q) + 4.0 * turned() * (bias() > 0.0 ? turnedSpread() : 1.0);
+        return std::fabs(_a) * (p * _reach + q);
     }
 
-    /// Of t, at most: the root tried second is turned by one such angle, the third by two.
-    double turned() const { return 2.0 * _root * TurnError * (isTurnedTwice() ? 2.0 : 1.0); }
-    /// Where A is negative the time rises at the middle one of three roots, which is tried last.
-    bool isTurnedTwice() const { return _a < 0.0; }
-    /// The sine of its angle is between this less than -1 and -1.
+    /// The sine of the middle root's angle is between this less than -1 and -1.
     double turnedSpread() const {
         const double r = 2.0 * _third * _root;
         const double h = std::max(std::fabs(_cubic.q), std::fabs(_cubic.q - 1.0 / _a));
@@ -148,6 +152,40 @@ float above(double x) {
     return static_cast<float>(x * 1.000001);
 }
 
+/// At least the largest derivative of the time, in Bernstein form.
+double fastest(double left, double right) {
+    return std::max({left, right, 3.0 - left - right}) * 1.000001;
+}
+
+/// Two numbers in one: the first to seven bits, whatever the second is; the upper half of the second.
+float packed(float first, float second) {
+    const auto bitsOf = [](float x) {
+        std::uint32_t bits = 0;
+        std::memcpy(&bits, &x, sizeof(bits));
+        return bits;
+    };
+    const std::uint32_t bits = (bitsOf(first) & 0xFFFF0000U) | bitsOf(second) >> 16U;
+    float both = 0.0F;
+    std::memcpy(&both, &bits, sizeof(both));
+    return both;
+}
+
+/// `kaSegmentBounds::lowered`.
+float packedRange(const std::pair<double, double>& range) {
+    const double middle = (range.first + range.second) / 2.0;
+    const double off = (range.second - range.first) / 2.0 + std::fabs(middle) / 128.0;
+    return packed(static_cast<float>(middle), static_cast<float>(off * 1.01));
+}
+
+/// `kaSegmentBounds::inverseSlopes`: a start does best with less than vertical slopes, smoothly from 0.9 down
+/// to half of that.
+float startingSlopes(float left, float right) {
+    const auto lessSteep = [](float slope) {
+        return slope > 0.9F ? slope : 0.45F + slope * slope * (0.25F / 0.45F);
+    };
+    return packed(1.0F / lessSteep(left), 1.0F / lessSteep(right));
+}
+
 /// Of blending the values, here and in the formula.
 double roundingOf(const kaSegmentPoints& points) {
     double sum = 0.0;
@@ -167,22 +205,23 @@ kaSegmentBounds::kaSegmentBounds(const kaSegmentPoints& points) : doubtFrom(-Inf
     if (!runsForwards(formula.c(), right))
         return;
     double missed = 512.0 * U; // of the polynomial itself, whose coefficients are below 13
-    double lowered = 0.0;
+    std::pair<double, double> shift;
     Hull doubtful;
     if (!formula.isNearlyParabolic()) {
         const FormulaError error(formula);
         missed += error.bound();
-        lowered = error.bias();
+        shift = error.lowered();
         doubtful = error.doubtful();
         // Beside a vertical handle the formula may take a root from before the key.
         if (formula.c() < 1e-5 * (std::fabs(formula.a()) + std::fabs(formula.b())))
             doubtful.add(-1.0, 1e-9 + 2.0 * missed);
     }
-    if (!(missed < 1e-7))
+    // Else hardly any t would be known well enough.
+    if (!(missed < 2e-9 * fastest(formula.c(), right)))
         return;
     perFrame = static_cast<float>(1.0 / length);
     slack = above(missed * length);
-    bias = static_cast<float>(lowered);
+    lowered = packedRange(shift);
     doubtFrom = doubtful.from < doubtful.to ? static_cast<float>(doubtful.from) : Infinity;
     doubtTo = static_cast<float>(std::min(doubtful.to, 2.0));
     const auto bending = [](double p, double q, double r) { return 6.0 * std::fabs(p - 2.0 * q + r); };
@@ -193,6 +232,11 @@ kaSegmentBounds::kaSegmentBounds(const kaSegmentPoints& points) : doubtFrom(-Inf
     };
     const double steepest =
         3.05 * std::max({step(points.y0, points.y1), step(points.y1, points.y2), step(points.y2, points.y3)});
-    slope = above(1.2 * steepest);
-    rounding = above(roundingOf(points) + steepest * 2.0 * static_cast<double>(Settled));
+    // Of a value that hardly changes more than it does, lest its roundings be much of that.
+    const double rounding = roundingOf(points);
+    slope = above(std::max(1.2 * steepest, rounding * 0x1p40));
+    if (slope > 0.0F)
+        slack = above(missed * length +
+                      rounding / static_cast<double>(slope) * fastest(formula.c(), right) * length);
+    inverseSlopes = startingSlopes(static_cast<float>(formula.c()), static_cast<float>(right));
 }

@@ -3,10 +3,10 @@
 #include "kaSegmentPoints.h"
 
 /// What the iteration needs to know of a segment as a whole; t runs from 0 to 1 along it.
+///
+/// Where two numbers are packed in one the first is that number, whose lower 16 bits do not matter, and the
+/// second has these for its upper ones.
 struct kaSegmentBounds {
-    /// Of t: what the last step of the iteration may leave.
-    static constexpr float Settled = 1e-11F;
-
     explicit kaSegmentBounds(const kaSegmentPoints& points);
 
     /// Whether the iteration is of any use: neither for steps nor where the time runs backwards.
@@ -16,11 +16,14 @@ struct kaSegmentBounds {
     /// Parts of the length between which the formula may take its roots from elsewhere.
     float doubtFrom = 0.0F;
     float doubtTo = 0.0F;
-    /// Of t, by which the formula's roots lie lower than true ones: its angles are converted with a pi of
-    /// 12 digits.
-    float bias = 0.0F;
-    float slack = 0.0F;    ///< of the time, in frames, by which formula and iteration may miss a root
-    float bend = 0.0F;     ///< of the time's second derivative by t, in frames
-    float slope = 0.0F;    ///< of the value's derivative by t
-    float rounding = 0.0F; ///< of what blending the values rounds off, and the last step's own error leaves
+    /// Of t, by which the formula's roots lie lower than true ones, for its angles are converted with a pi of
+    /// 12 digits; packed with how far off that may be.
+    float lowered = 0.0F;
+    /// Of the time, in frames, by which formula and iteration may miss a root; what blending the values
+    /// rounds off is in it.
+    float slack = 0.0F;
+    float bend = 0.0F;  ///< of the time's second derivative by t, in frames
+    float slope = 0.0F; ///< of the value's derivative by t
+    /// For a start: the inverse slopes of the time at both keys, of vertical ones less; packed.
+    float inverseSlopes = 0.0F;
 };

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-/// The iteration that gives most samples: `kaSegment::sample` of one segment or of many, in vector registers
+/// The iteration that gives most samples: of one segment or of many, in vector registers
 /// as wide as the processor's, for which the code is chosen when the program runs.
 ///
 /// The environment variable `KA_VECTOR_TARGET` names the instruction set to use instead (`targetNames`);
@@ -18,13 +18,9 @@ bool sample(const kaSegment& segment, float frame, float& value);
 /// The same where the iteration leaves no doubt. @return whether `value` was written.
 bool sampleWithoutFormula(const kaSegment& segment, float frame, float& value);
 
-/// `count` samples, of `segments[i]` at `frames[i]`. @param written whether each was, as of
-/// `kaSegment::sample`.
+/// `count` samples, of `segments[i]` at `frames[i]`: segments of any kind, many of them the same or none.
+/// Where nothing is written the value is left alone. @param written whether each was, as of `sample`.
 void sampleEach(const kaSegment* const* segments, const float* frames, std::size_t count, float* values,
-                bool* written);
-
-/// `count` samples of one segment.
-void sampleMany(const kaSegment& segment, const float* frames, std::size_t count, float* values,
                 bool* written);
 
 /// The instruction sets that this processor and this build have, the best one first, separated by blanks.
