@@ -2,8 +2,24 @@
 #include "commands/Program.h"
 
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/// Whoever starts the program may have closed its standard streams. A file opened later would take their
+/// numbers, and what is printed would go into it: they stay taken, by something that can be neither read nor
+/// written.
+void occupyStandardDescriptors() {
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (fcntl(standard, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", standard == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
+    occupyStandardDescriptors();
     // A reader that goes away shows as a failed write, which is reported like any other.
     std::signal(SIGPIPE, SIG_IGN);
     ka::tools::endCleanlyOnSignals();

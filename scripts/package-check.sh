@@ -35,14 +35,15 @@ lintian --allow-root --fail-on error --tag-display-limit 0 --suppress-tags bogus
 echo "== hardening"
 unpacked=$work/unpacked
 rm -rf "$unpacked"
-for package in "$packages"/libkaanimation[0-9]_*.deb "$packages"/libkaanimation-dev_*.deb "$packages"/ka-anim_*.deb; do
+for package in "$packages"/libkaanimation[0-9]_*.deb "$packages"/libkaanimation-dev_*.deb "$packages"/libkamotion1_*.deb \
+    "$packages"/libkamotion-dev_*.deb "$packages"/ka-anim_*.deb; do
     dpkg-deb -x "$package" "$unpacked"
 done
 mapfile -t binaries < <(find "$unpacked/usr/bin" "$unpacked/usr/lib" -type f \( -name 'ka-anim' -o -name '*.so.*' \))
 hardening-check --nofortify "${binaries[@]}" # what a library never calls cannot be fortified in it
 
 echo "== versions of symbols, and what they ask for"
-dpkg-deb --info "$packages"/ka-anim_*.deb control | grep -E '^Depends:.*libkaanimation1 \(>= [0-9.]+\)'
+dpkg-deb --info "$packages"/ka-anim_*.deb control | grep -E '^Depends:.*libkaanimation1 \(>= [0-9.]+\).*libkamotion1 \(>= [0-9.]+\)'
 "$here/Tests/Install/exported-symbols.sh" "$(dirname "$(find "$unpacked" -name 'libkaAnimation.so.*' -type f)")" \
     "$unpacked/usr/include"
 
@@ -73,7 +74,7 @@ installInside() { inside apt-get -q install -y --no-install-recommends "$@"; }
 inside apt-get -q update
 
 echo "== the tool alone"
-installInside ./packages/libkaanimation[0-9]_*.deb ./packages/ka-anim_*.deb man-db
+installInside ./packages/libkaanimation[0-9]_*.deb ./packages/libkamotion[0-9]_*.deb ./packages/ka-anim_*.deb man-db
 inside ka-anim --version
 inside ka-anim --help >/dev/null
 inside man ka-anim | grep -A 1 '^NAME$'
@@ -88,8 +89,11 @@ inside cmake -G Ninja -S /consumer -B /build
 inside cmake --build /build
 inside /build/consumer
 inside bash /consumer/build-by-pkg-config.sh "$(inside pkg-config --variable=libdir kaAnimation)" g++ /by-pkg-config
+installInside ./packages/libkamotion-dev_*.deb
+inside env KA_PACKAGE=kaMotion bash /consumer/build-by-pkg-config.sh "$(inside pkg-config --variable=libdir kaMotion)" g++ \
+    /motion-by-pkg-config
 
 echo "== gone without a trace"
-inside apt-get -q remove -y ka-anim libkaanimation-dev 'libkaanimation[0-9]*'
-inside sh -c '! command -v ka-anim && ! ls -d /usr/include/kaAnimation'
+inside apt-get -q remove -y ka-anim libkamotion-dev 'libkamotion[0-9]*' libkaanimation-dev 'libkaanimation[0-9]*'
+inside sh -c '! command -v ka-anim && ! ls -d /usr/include/kaAnimation /usr/include/kaMotion'
 echo "package-check: all packages install, work and leave"

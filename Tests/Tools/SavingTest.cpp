@@ -53,6 +53,17 @@ TEST_F(Saving, RefusesASceneAndADocumentThatLeadToOneFile) {
     EXPECT_FALSE(fs::exists(_folder.at("folder/new.osg")));
 }
 
+TEST_F(Saving, KeepsWhatIsPrintedOutOfItsFilesThoughTheStandardStreamsAreClosed) {
+    ASSERT_EQ(convertTo("open.osg", "open.xml").code, 0);
+    for (const char* closed : {">&-", "2>&-", "<&- >&- 2>&-"}) {
+        const ProgramRun run =
+            runShell(std::string("ka-anim convert walk.bvh -o closed.osg --animation closed.xml ") + closed,
+                     _folder.at(""));
+        EXPECT_EQ(contentOf(_folder.at("closed.osg")), contentOf(_folder.at("open.osg"))) << closed;
+        EXPECT_EQ(contentOf(_folder.at("closed.xml")), contentOf(_folder.at("open.xml"))) << closed;
+    }
+}
+
 TEST_F(Saving, SaysWhatAFileCouldNotKeep) {
     _folder.put("walk.osg", "old");
     ASSERT_EQ(::chmod(_folder.at("walk.osg").c_str(), 04755), 0);

@@ -11,7 +11,7 @@ class ConfinedFolder;
 
 /// What a reader may use up before it is stopped, and when it may read at all.
 struct ReaderLimits {
-    std::size_t megabytes = 1024; ///< of memory
+    std::size_t megabytes = 2048; ///< of memory: about 3.3 million keys
     double seconds = 30.0;        ///< of time, whether it computes or waits
     /// To read even where the system cannot take from the reader what it could do harm with.
     bool unconfined = false;
