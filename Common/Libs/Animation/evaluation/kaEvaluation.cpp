@@ -89,7 +89,7 @@ void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame
         frame, motionBlurOnly, [&](Part part, float key, float at, const kaEvaluationPlan::Leaf& leaf) {
             auto& target = part == Part::Finished ? finished : (part == Part::Running ? running : upcoming);
             for (std::size_t i = leaf.first; i < leaf.first + leaf.count; ++i)
-                if (!motionBlurOnly || plan.curves[i].motionBlur)
+                if (!motionBlurOnly || plan.isMotionBlur(i))
                     target.emplace(key, std::make_pair(plan.objects[i], at));
         });
 }

@@ -7,43 +7,12 @@
 #include "kaEvaluationPlan.h"
 #include "kaFieldAccess.h"
 #include "kaObjectRegistry.h"
+#include "kaSceneAccess.h"
 #include "kaSegment.h"
 #include "kaSegmentIteration.h"
 
 #include <algorithm>
 #include <cstring>
-
-/// Gathers steps until there are as many as are sampled at a time.
-class kaEvaluationPass::SideBySide {
-  public:
-    void add(const kaSegment& segment, Step& step) {
-        _segments[_count] = &segment;
-        _frames[_count] = step.number;
-        _steps[_count] = &step;
-        if (++_count == Side)
-            finish();
-    }
-
-    void finish() {
-        float values[Side];
-        bool written[Side];
-        kaSegmentIteration::sampleEach(_segments, _frames, _count, values, written);
-        for (std::size_t i = 0; i < _count; ++i) {
-            _steps[i]->number = values[i];
-            if (!written[i])
-                _steps[i]->curve = NoCurve;
-        }
-        _count = 0;
-    }
-
-  private:
-    static constexpr std::size_t Side = 8;
-
-    const kaSegment* _segments[Side];
-    float _frames[Side];
-    Step* _steps[Side];
-    std::size_t _count = 0;
-};
 
 namespace {
 
@@ -61,6 +30,7 @@ void kaEvaluationPass::clear() {
     _running.clear();
     _upcoming.clear();
     _inBlock = 0;
+    _waiting = 0;
     _written.clear();
 }
 
@@ -85,67 +55,62 @@ void kaEvaluationPass::sample(kaEvaluationPlan& plan, float frame, bool motionBl
     arrange(plan, frame, motionBlurOnly);
     for (auto run = _upcoming.rbegin(); run != _upcoming.rend(); ++run)
         for (std::size_t i = run->count; i > 0; --i)
-            add(plan, run->first + i - 1, run->frame);
+            sampleCurve(plan, run->first + i - 1, run->frame);
     for (const std::vector<Run>* runs : {&_finished, &_running})
         for (const Run& run : *runs)
             for (std::size_t i = 0; i < run.count; ++i)
-                add(plan, run.first + i, run.frame);
+                sampleCurve(plan, run.first + i, run.frame);
     flush(plan);
 }
 
-inline void kaEvaluationPass::add(kaEvaluationPlan& plan, std::size_t curve, float frame) {
-    _block[_inBlock] = {static_cast<std::uint32_t>(curve), frame};
-    if (++_inBlock == _block.size())
+/// Samples, or finds the segment to be sampled with others, and asks for the memory of what is looked at when
+/// the value is stored.
+inline void kaEvaluationPass::sampleCurve(kaEvaluationPlan& plan, std::size_t curve, float frame) {
+    const kaEvaluationPlan::Curve& planned = plan.curves[curve];
+    if (!planned.field || (_motionBlurOnly && !plan.isMotionBlur(curve)))
+        return;
+    __builtin_prefetch(planned.field, 1);
+    planned.glance.fetchNumber();
+    Sampled& sampled = _block[_inBlock];
+    sampled.curve = static_cast<std::uint32_t>(curve);
+    if (const kaSegment* segment = planned.isInside(frame) ? plan.segmentAt(curve, frame) : nullptr) {
+        _segments[_waiting] = segment;
+        _frames[_waiting] = frame;
+        _places[_waiting] = static_cast<std::uint32_t>(_inBlock);
+        ++_waiting;
+    } else if (!plan.sample(curve, frame, sampled.value)) {
+        return;
+    }
+    if (++_inBlock == Block)
         flush(plan);
 }
 
 void kaEvaluationPass::flush(kaEvaluationPlan& plan) {
-    sampleBlock(plan);
+    std::array<float, Block> values;
+    std::array<bool, Block> written;
+    kaSegmentIteration::sampleEach(_segments.data(), _frames.data(), _waiting, values.data(), written.data());
+    for (std::size_t i = 0; i < _waiting; ++i) {
+        Sampled& sampled = _block[_places[i]];
+        sampled.value = values[i];
+        if (!written[i])
+            sampled.curve = NoCurve;
+    }
+    _waiting = 0;
+    const osg::FieldContainerStore& containers = kaSceneAccess::store();
     for (std::size_t i = 0; i < _inBlock; ++i)
         if (_block[i].curve != NoCurve)
-            store(plan, _block[i]);
+            store(plan, _block[i], containers);
     _inBlock = 0;
 }
 
-/// Asks for the memory of the whole block before it touches any.
-void kaEvaluationPass::sampleBlock(kaEvaluationPlan& plan) {
-    const bool comparing = _written.empty();
-    for (std::size_t i = 0; i < _inBlock; ++i) {
-        Step& step = _block[i];
-        const kaEvaluationPlan::Curve& curve = plan.curves[step.curve];
-        if (!curve.active || !curve.field || (_motionBlurOnly && !curve.motionBlur)) {
-            step.curve = NoCurve;
-            continue;
-        }
-        __builtin_prefetch(curve.field, 1);
-        if (comparing)
-            curve.glance.fetchNumber();
-        if (curve.isInside(step.number))
-            plan.fetchSegment(step.curve, step.number);
-    }
-    SideBySide sides;
-    for (std::size_t i = 0; i < _inBlock; ++i)
-        if (_block[i].curve != NoCurve)
-            sample(plan, _block[i], sides);
-    sides.finish();
-}
-
-inline void kaEvaluationPass::sample(kaEvaluationPlan& plan, Step& step, SideBySide& sides) {
-    const kaSegment* segment =
-        plan.curves[step.curve].isInside(step.number) ? plan.segmentAt(step.curve, step.number) : nullptr;
-    if (segment && segment->isIterated())
-        sides.add(*segment, step);
-    else if (!plan.sample(step.curve, step.number, step.number))
-        step.curve = NoCurve;
-}
-
-inline void kaEvaluationPass::store(kaEvaluationPlan& plan, const Step& step) {
-    kaEvaluationPlan::Curve& curve = plan.curves[step.curve];
+inline void kaEvaluationPass::store(kaEvaluationPlan& plan, const Sampled& sampled,
+                                    const osg::FieldContainerStore& containers) {
+    kaEvaluationPlan::Curve& curve = plan.curves[sampled.curve];
     kaAnimationField& field = *curve.field;
-    if (!sameBits(field.value, step.number)) // memory that stays clean need not be written back
-        field.value = step.number;
-    if (!_written.empty() || !curve.glance.serves(field) || curve.glance.differs(field))
-        _written.push_back({field.getId(), &field, step.curve});
+    if (!sameBits(field.value, sampled.value)) // memory that stays clean need not be written back
+        field.value = sampled.value;
+    if (!_written.empty() || !curve.glance.serves(field, containers) || curve.glance.differs(field))
+        _written.push_back({field.getId(), &field, sampled.curve});
 }
 
 void kaEvaluationPass::sample(kaAnimationCurve2D& curve, float frame) {
@@ -172,6 +137,7 @@ inline void kaEvaluationPass::fetch(const kaEvaluationPlan& plan, std::size_t pl
 /// plan is left alone and fields are found by id.
 void kaEvaluationPass::write(kaEvaluationPlan* plan) {
     const kaObjectRegistry& registry = kaObjectRegistry::the();
+    const osg::FieldContainerStore& containers = kaSceneAccess::store();
     const std::uint64_t edits = kaEdits::count;
     for (std::size_t i = 0; i < _written.size(); ++i) {
         const Written written = _written[i];
@@ -183,8 +149,8 @@ void kaEvaluationPass::write(kaEvaluationPlan* plan) {
         if (plan)
             fetch(*plan, i);
         kaFieldGlance* glance = written.curve != NoCurve ? &plan->curves[written.curve].glance : nullptr;
-        if (glance && glance->serves(*written.field))
-            glance->write(*written.field);
+        if (glance && glance->serves(*written.field, containers))
+            glance->write(*written.field, containers);
         else
             kaFieldAccess::write(*written.field);
     }

@@ -2,6 +2,7 @@
 
 #include "kaAnimationTypes.h"
 
+#include <OpenSG/OSGFieldContainerPtr.h>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,7 @@
 class kaAnimationCurve2D;
 class kaAnimationField;
 class kaEvaluationPlan;
+class kaSegment;
 
 /// One evaluation on its way from frames to values in the scene, with buffers that are kept for the next.
 ///
@@ -36,32 +38,35 @@ class kaEvaluationPass {
         std::size_t first;
         std::size_t count;
     };
-    /// One curve of the plan at one frame; once sampled its value, or no curve where there is none.
-    struct Step {
+    /// One curve of the plan and its value.
+    struct Sampled {
         std::uint32_t curve;
-        float number;
+        float value;
     };
     struct Written {
         kaUID id;
         kaAnimationField* field;
         std::uint32_t curve; ///< of the plan, or none
     };
-    class SideBySide;
 
     void arrange(const kaEvaluationPlan& plan, float frame, bool motionBlurOnly);
-    void add(kaEvaluationPlan& plan, std::size_t curve, float frame);
+    void sampleCurve(kaEvaluationPlan& plan, std::size_t curve, float frame);
     void flush(kaEvaluationPlan& plan);
-    void sampleBlock(kaEvaluationPlan& plan);
-    static void sample(kaEvaluationPlan& plan, Step& step, SideBySide& sides);
-    void store(kaEvaluationPlan& plan, const Step& step);
+    void store(kaEvaluationPlan& plan, const Sampled& sampled, const osg::FieldContainerStore& containers);
     void fetch(const kaEvaluationPlan& plan, std::size_t place) const;
 
     std::vector<Run> _finished;
     std::vector<Run> _running;
     std::vector<Run> _upcoming;
+    static constexpr std::size_t Block = 64;
     /// What is sampled before it is stored: the fields come from memory meanwhile.
-    std::array<Step, 64> _block;
+    std::array<Sampled, Block> _block;
     std::size_t _inBlock = 0;
+    /// What of that is still to be sampled, side by side, and its places in the block.
+    std::array<const kaSegment*, Block> _segments;
+    std::array<float, Block> _frames;
+    std::array<std::uint32_t, Block> _places;
+    std::size_t _waiting = 0;
     bool _motionBlurOnly = false;
     /// From the first value on that the scene did not hold when it was stored.
     std::vector<Written> _written;

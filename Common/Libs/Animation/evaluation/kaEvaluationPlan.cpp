@@ -92,11 +92,14 @@ void kaEvaluationPlan::readAgain() {
 void kaEvaluationPlan::readCurve(std::size_t curve) {
     const kaAnimationCurve2D& object = *objects[curve];
     Curve& read = curves[curve];
-    read.field = object.resolvedField();
+    readField(curve);
     read.begin = object.isRepeating() ? -Infinity : object.getBegin();
     read.end = object.isRepeating() ? Infinity : object.getEnd();
-    read.active = object.isActive();
-    read.motionBlur = object.isMotionBlur();
+    _blurred[curve] = object.isMotionBlur();
+}
+
+void kaEvaluationPlan::readField(std::size_t curve) {
+    curves[curve].field = objects[curve]->isActive() ? objects[curve]->resolvedField() : nullptr;
 }
 
 void kaEvaluationPlan::readLeaf(Leaf& leaf) const {
@@ -114,7 +117,7 @@ void kaEvaluationPlan::forgetKeys(std::size_t curve) {
 /// A field has come or gone.
 void kaEvaluationPlan::readFields() {
     for (std::size_t i = 0; i < curves.size(); ++i)
-        curves[i].field = objects[i]->resolvedField();
+        readField(i);
     _fields = kaObjectRegistry::the().fieldEpoch();
 }
 
@@ -160,6 +163,7 @@ void kaEvaluationPlan::addLeaf(const kaAnimationObject& object) {
     readLeaf(leaves.back());
     objects.insert(objects.end(), below.begin(), below.end());
     curves.resize(objects.size());
+    _blurred.resize(objects.size());
     for (std::size_t i = objects.size() - below.size(); i < objects.size(); ++i)
         readCurve(i);
 }

@@ -42,12 +42,11 @@ class kaEvaluationPlan final : public kaDependent {
     struct alignas(64) Curve {
         bool isInside(float frame) const { return !(frame < begin || frame > end); }
 
-        kaAnimationField* field; ///< null when the curve's field is not registered
+        /// Null where nothing is sampled: the curve is switched off, or its field is not registered.
+        kaAnimationField* field;
         kaFieldGlance glance;
         float begin; ///< where the curve is held; of a repeating one minus infinity
         float end;   ///< and plus infinity
-        bool active;
-        bool motionBlur;
     };
 
     /// Brings the plan up to date. Cost: a few compares; after edits of curves and blocks in their places
@@ -63,17 +62,11 @@ class kaEvaluationPlan final : public kaDependent {
     template <class Visit>
     void forEachPart(float frame, bool motionBlurOnly, Visit&& visit) const;
 
-    /// The segment of a curve that holds `frame`; null where none does and `sample` is to be asked. The
-    /// pointer is good until the next call for that curve.
+    /// The segment of a curve that holds `frame`, which is inside its extent; null where none does and
+    /// `sample` is to be asked. The pointer is good until the next call for that curve.
     const kaSegment* segmentAt(std::size_t curve, float frame) {
         kaSegment& current = _segments[curve];
         return current.holds(frame) ? &current : findSegment(curve, frame);
-    }
-    /// Starts fetching from memory what `segmentAt` is likely to touch.
-    void fetchSegment(std::size_t curve, float frame) const {
-        const kaSegment* former = _places[curve].segment;
-        if (former && !_segments[curve].holds(frame))
-            __builtin_prefetch(former + 1);
     }
 
     /// Samples a curve at a frame that is held to its extent unless it repeats. @return whether `value` was
@@ -88,6 +81,9 @@ class kaEvaluationPlan final : public kaDependent {
         value = held.value;
         return held.state == Held::State::Value;
     }
+
+    /// Whether a curve is sampled for motion blur.
+    bool isMotionBlur(std::size_t curve) const { return _blurred[curve]; }
 
     std::vector<Leaf> leaves;
     std::vector<Curve> curves;
@@ -116,6 +112,7 @@ class kaEvaluationPlan final : public kaDependent {
     void readAgain();
     void readCurve(std::size_t curve);
     void readLeaf(Leaf& leaf) const;
+    void readField(std::size_t curve);
     void forgetKeys(std::size_t curve);
     void readFields();
     kaCurveView& viewOf(std::size_t curve);
@@ -125,6 +122,7 @@ class kaEvaluationPlan final : public kaDependent {
     bool sampleInside(std::size_t curve, float frame, float& value);
     void hold(std::size_t curve, float frame, Held& held);
 
+    std::vector<bool> _blurred;       ///< of each curve
     std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
     std::vector<Place> _places;
     std::vector<Held> _held; ///< of each curve at the begin and at the end

@@ -72,6 +72,14 @@ struct kaFieldBinding {
     /// A record's value as the scene holds it: angles in radians.
     static float storedForm(bool isAngle, float value);
 
+    /// Characters that are compared at once.
+    static constexpr std::size_t Word = sizeof(std::uint64_t);
+    static std::uint64_t wordAt(const char* text) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text, sizeof(word));
+        return word;
+    }
+
     /// `a == b` in place: a call for the few words of a name would be most of a check's cost.
     static bool sameText(std::string_view a, const std::string& b) {
         const std::size_t size = a.size();
@@ -138,11 +146,5 @@ struct kaFieldBinding {
     bool standsFor(const kaAnimationField& field) const {
         return fcID == static_cast<osg::UInt32>(field.fcID) && sameText(name, field.name) &&
                (!attribute.data() || sameText(attribute, field.attribute));
-    }
-
-    static std::uint64_t wordAt(const char* text) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text, sizeof(word));
-        return word;
     }
 };

@@ -13,15 +13,21 @@ bool kaFieldGlance::adopt(const kaAnimationField& field) {
     _containerID = binding->fcID;
     _address = kaSceneAccess::findContainer(_containerID).getCPtr();
     _nameLength = static_cast<std::uint8_t>(binding->name.size());
+    if (binding->name.size() >= kaFieldBinding::Word) {
+        _firstWord = kaFieldBinding::wordAt(binding->name.data());
+        _lastWord =
+            kaFieldBinding::wordAt(binding->name.data() + binding->name.size() - kaFieldBinding::Word);
+    }
     _count = static_cast<std::uint8_t>(binding->componentCount);
     _isAngle = binding->isAngle;
     return true;
 }
 
-void kaFieldGlance::write(const kaAnimationField& field) const {
+void kaFieldGlance::write(const kaAnimationField& field, const osg::FieldContainerStore& store) const {
     if (!differs(field))
         return;
     _floats[kaFieldBinding::componentAt(field.valuePos, _count)] =
         kaFieldBinding::storedForm(_isAngle, field.value);
-    kaOpenSGUtils::announceChange(kaSceneAccess::findContainer(_containerID), _description->getFieldMask());
+    const osg::FieldContainerPtr container = store[_containerID]; // the store may grow meanwhile
+    kaOpenSGUtils::announceChange(container, _description->getFieldMask());
 }

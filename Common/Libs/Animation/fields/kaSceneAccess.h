@@ -17,10 +17,17 @@ inline osg::FieldContainerPtr findContainer(kaUID id) {
     return osg::FieldContainerFactory::the()->getContainer(static_cast<osg::UInt32>(id));
 }
 
-/// Whether that container is there. The store itself is asked, which takes no lock whatever the scene graph.
-inline bool isThere(osg::UInt32 id) {
-    const auto& store = *osg::FieldContainerFactory::the()->getFieldContainerStore();
+/// All containers by id. It stays where it is; a look at it takes no lock whatever the scene graph.
+inline const osg::FieldContainerStore& store() {
+    return *osg::FieldContainerFactory::the()->getFieldContainerStore();
+}
+
+/// Whether that container is there.
+inline bool isThere(osg::UInt32 id, const osg::FieldContainerStore& store) {
     return id < store.size() && store[id] != osg::NullFC;
+}
+inline bool isThere(osg::UInt32 id) {
+    return isThere(id, store());
 }
 
 /// The node's core; null for a null node or one without.
