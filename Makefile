@@ -13,7 +13,7 @@ OUT ?= out
 export CCACHE_BASEDIR ?= $(CURDIR)
 export CCACHE_NOHASHDIR ?= 1
 
-sources = find $(wildcard Common Tools Tests Benchmarks Docs) -name "*.h" -o -name "*.cpp"
+sources = find $(wildcard Common Tools Studio Tests Benchmarks Docs) -name "*.h" -o -name "*.cpp"
 
 .PHONY: help
 help: ## list the commands
@@ -25,8 +25,18 @@ demo: setup ## import a real motion, play it and draw it into out/
 	cmake --build --preset release --target ka-anim
 	build/release/bin/ka-anim demo -o $(OUT)
 
+# Without a display the window opens on one in memory, for three seconds.
+STUDIO_FILE ?= /usr/share/assimp/models/BVH/01_01.bvh
+.PHONY: studio
+studio: setup setup-studio ## build the studio and open it on a real motion
+	@test -f build/release/build.ninja || cmake --preset release
+	cmake --build --preset release --target ka-studio
+	@if [ -n "$${DISPLAY:-}$${WAYLAND_DISPLAY:-}" ]; then build/release/bin/ka-studio $(STUDIO_FILE); \
+	else echo "no display: opened for three seconds on one in memory"; \
+		xvfb-run -a build/release/bin/ka-studio --quit-after 3 $(STUDIO_FILE); fi
+
 .PHONY: test
-test: test-release ## build everything, optimised, and run all tests
+test: setup-studio test-release ## build everything, optimised, and run all tests
 
 # Seconds for each fuzzer.
 FUZZ_SECONDS ?= 60

@@ -1,0 +1,270 @@
+#include "MainWindow.h"
+
+#include "views/ChannelTree.h"
+#include "views/KeyFields.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QSettings>
+#include <QStatusBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <kaAnimationObject.h>
+#include <kaMotion/Project.h>
+
+namespace ka::studio {
+
+namespace {
+
+const char RecentKey[] = "recentFiles";
+constexpr int RecentCount = 10;
+constexpr int LayoutVersion = 1; ///< Raised when docks are added, so that an older layout does not hide them.
+
+} // namespace
+
+MainWindow::MainWindow() : _transport(_head) {
+    setObjectName(QStringLiteral("mainWindow"));
+    setAcceptDrops(true);
+    setDockNestingEnabled(true);
+    resize(1400, 900);
+    buildViews();
+    buildFileMenu();
+    buildEditMenu();
+    buildCurveMenu();
+    buildViewMenu();
+    buildTransport();
+    buildHelpMenu();
+    connect(&_session, &Session::opened, this, &MainWindow::onOpened);
+    connect(&_session, &Session::saved, this, &MainWindow::refreshTitle);
+    connect(&_session, &Session::progress, this, [this](const QString& what, int percent) {
+        _progress->setFormat(what + QStringLiteral(" %p%"));
+        _progress->setRange(0, 100);
+        _progress->setValue(percent);
+        _progress->setVisible(percent < 100);
+        _progress->repaint();
+    });
+    connect(&_session.document().history(), &QUndoStack::cleanChanged, this, &MainWindow::refreshTitle);
+    connect(&_session.document(), &Document::changed, this, [this] { _transport.evaluate(); });
+    connect(&_importer, &Importer::finished, this,
+            [this](const QString& model, const QString& scene, const QString& animation,
+                   const QStringList& report) {
+                _progress->hide();
+                _giveUp->hide();
+                openFiles({scene, animation, model}, true, report);
+            });
+    connect(&_importer, &Importer::failed, this, [this](const QString& model, const QString& why) {
+        _progress->hide();
+        _giveUp->hide();
+        if (why.isEmpty())
+            say(tr("The import of %1 was given up; what was open stays").arg(QFileInfo(model).fileName()));
+        else
+            tell(tr("%1\n\nWhat was open stays.").arg(why));
+    });
+    restoreLayout();
+    refreshTitle();
+}
+
+MainWindow::~MainWindow() {
+    _transport.setObjects({});
+}
+
+void MainWindow::say(const QString& text) {
+    _hint->setText(text);
+}
+
+void MainWindow::tell(const QString& text) {
+    if (_answers.message)
+        _answers.message(text);
+    else
+        QMessageBox::warning(this, tr("ka-studio"), text);
+}
+
+void MainWindow::refreshTitle() {
+    const QString name = _session.files().shownName();
+    setWindowTitle(name.isEmpty() ? tr("ka-studio") : tr("%1[*] - ka-studio").arg(name));
+    setWindowModified(_session.isOpen() && _session.isModified());
+}
+
+void MainWindow::openPath(const QString& path) {
+    const QFileInfo file(path);
+    if (!file.isFile()) {
+        tell(tr("%1 is not there, or no file. Choose another one.\n\nWhat was open stays.").arg(path));
+        return;
+    }
+    if (!mayClose())
+        return;
+    const QString suffix = file.suffix().toLower();
+    if (suffix == QLatin1String("osg") || suffix == QLatin1String("xml")) {
+        openFiles(Session::filesOf(path), false, {});
+        return;
+    }
+    _progress->setRange(0, 0); // how long is not known
+    _progress->setFormat(tr("Importing %1").arg(file.fileName()));
+    _progress->show();
+    _giveUp->show();
+    say(tr("Importing %1 in the background").arg(file.fileName()));
+    _importer.start(path);
+}
+
+void MainWindow::openFiles(const SessionFiles& files, bool isForeign, const QStringList& report) {
+    _transport.setObjects({});
+    const QString fault = _session.open(files, isForeign, report);
+    _progress->hide();
+    if (!fault.isEmpty()) {
+        tell(tr("%1\n\nWhat was open stays. Check the file, or choose another one.").arg(fault));
+        return;
+    }
+    rememberRecent(files.source.isEmpty() ? (files.scene.isEmpty() ? files.animation : files.scene)
+                                          : files.source);
+}
+
+/// What is new is shown at once: all of it played, the first block's curves in the editor.
+void MainWindow::onOpened() {
+    _keys.clear();
+    std::vector<kaUID> played;
+    if (_session.isOpen())
+        for (const kaAnimationObject* object : _session.project().playable(""))
+            played.push_back(object->getId());
+    _transport.setObjects(played);
+    _head.scrub(_transport.begin());
+    if (_channels->model().rowCount() > 0)
+        _channels->choose({_channels->model().index(0, 0).data(ChannelModel::IdRole).toULongLong()});
+    showCurves();
+    _curves->frameAll();
+    refreshTitle();
+    const int lines = _session.report().size();
+    say(lines == 0 ? tr("Opened %1").arg(_session.files().shownName())
+                   : tr("Opened %1; %n line(s) in the report (File, Report)", nullptr, lines)
+                         .arg(_session.files().shownName()));
+}
+
+void MainWindow::showCurves() {
+    _curves->setLocked(_channels->lockedCurves());
+    _curves->setCurves(_channels->shownCurves());
+}
+
+bool MainWindow::save() {
+    if (!_session.hasOwnFiles())
+        return saveAs();
+    const auto ask = [this] {
+        return QMessageBox::question(this, tr("Changed meanwhile"),
+                                     tr("Another program has changed %1 since it was opened. Write over it?")
+                                         .arg(_session.files().shownName())) == QMessageBox::Yes;
+    };
+    if (_session.isChangedOnDisk() && !(_answers.overwrite ? _answers.overwrite() : ask()))
+        return false;
+    const QString fault = _session.saveTo(_session.files());
+    if (!fault.isEmpty())
+        tell(tr("%1\n\nNothing was written over. Save under another name, or make room.").arg(fault));
+    else
+        say(tr("Saved %1").arg(_session.files().shownName()));
+    return fault.isEmpty();
+}
+
+bool MainWindow::saveAs() {
+    if (!_session.isOpen())
+        return false;
+    const auto ask = [this] {
+        const QString start =
+            QFileInfo(_session.files().shownName()).completeBaseName() + QLatin1String(".osg");
+        return QFileDialog::getSaveFileName(
+            this, tr("Save as"), start, tr("Scene with its animation (*.osg);;Animation document (*.xml)"));
+    };
+    const QString chosen = _answers.saveName ? _answers.saveName() : ask();
+    if (chosen.isEmpty())
+        return false;
+    const SessionFiles files = Session::filesFor(chosen);
+    const QString fault = _session.saveTo(files);
+    if (!fault.isEmpty()) {
+        tell(tr("%1\n\nNothing was written over. Choose another place.").arg(fault));
+        return false;
+    }
+    rememberRecent(files.scene.isEmpty() ? files.animation : files.scene);
+    say(tr("Saved %1").arg(_session.files().shownName()));
+    return true;
+}
+
+bool MainWindow::mayClose() {
+    if (!_session.isOpen() || !_session.isModified())
+        return true;
+    const auto ask = [this] {
+        return static_cast<int>(QMessageBox::question(
+            this, tr("Unsaved changes"), tr("Save the changes of %1?").arg(_session.files().shownName()),
+            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel));
+    };
+    const int answer = _answers.unsavedChanges ? _answers.unsavedChanges() : ask();
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && save());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!mayClose()) {
+        event->ignore();
+        return;
+    }
+    _transport.pause();
+    keepLayout();
+    event->accept();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile()) {
+            openPath(url.toLocalFile());
+            return;
+        }
+}
+
+void MainWindow::rememberRecent(const QString& path) {
+    QSettings settings;
+    QStringList recent = settings.value(RecentKey).toStringList();
+    recent.removeAll(path);
+    recent.prepend(path);
+    settings.setValue(RecentKey, QStringList(recent.mid(0, RecentCount)));
+}
+
+void MainWindow::fillRecent(QMenu* menu) {
+    menu->clear();
+    for (const QString& path : QSettings().value(RecentKey).toStringList())
+        connect(menu->addAction(path), &QAction::triggered, this, [this, path] { openPath(path); });
+    if (menu->isEmpty())
+        menu->addAction(tr("None yet"))->setEnabled(false);
+}
+
+void MainWindow::showReport() {
+    auto* window = new QWidget(this, Qt::Window);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setWindowTitle(tr("What was left out or found"));
+    auto* text = new QPlainTextEdit(_session.report().join(QLatin1Char('\n')), window);
+    text->setReadOnly(true);
+    text->setPlaceholderText(tr("Nothing: all of it is here."));
+    (new QVBoxLayout(window))->addWidget(text);
+    window->resize(700, 400);
+    window->show();
+}
+
+void MainWindow::keepLayout() {
+    QSettings settings;
+    settings.setValue("geometry", saveGeometry());
+    settings.setValue("layout", saveState(LayoutVersion));
+}
+
+void MainWindow::restoreLayout() {
+    const QSettings settings;
+    restoreGeometry(settings.value("geometry").toByteArray());
+    restoreState(settings.value("layout").toByteArray(), LayoutVersion);
+}
+
+} // namespace ka::studio

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "Importer.h"
+#include "document/KeyEdits.h"
+#include "document/Session.h"
+#include "playback/Transport.h"
+#include "timebased/IdSelection.h"
+#include "timebased/TimeAxis.h"
+#include "views/CurveEditor.h"
+
+#include <QMainWindow>
+#include <functional>
+
+class QLabel;
+class QProgressBar;
+class QToolButton;
+
+namespace ka::studio {
+
+class ChannelTree;
+class KeyFields;
+
+/// The studio's window: the views on what is open, and every action in a menu.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    MainWindow();
+    ~MainWindow() override;
+
+    Session& session() { return _session; }
+    Transport& transport() { return _transport; }
+    CurveEditor& curveEditor() { return *_curves; }
+    ChannelTree& channels() { return *_channels; }
+    KeyFields& keyFields() { return *_keyFields; }
+    IdSelection& keySelection() { return _keys; }
+    TimeAxis& axis() { return _axis; }
+    PlayHead& head() { return _head; }
+    Importer& importer() { return _importer; }
+
+    /// Opens what a path names: a scene, a document, or a model, which is imported in the background. What
+    /// could not be opened is told to the user, and what was open stays.
+    void openPath(const QString& path);
+    bool save();     ///< @return false where nothing was saved, the user's wish included.
+    bool saveAs();   ///< The same; asks where to.
+    bool mayClose(); ///< Asks what to do with changes; @return false to stay.
+    QAction* action(const QString& name) const; ///< By its object name; null when there is none.
+
+    /// Stands in for the questions that the window asks, for runs without a user.
+    struct Answers {
+        std::function<QString()> saveName;           ///< Where to save; an empty text for nowhere.
+        std::function<int()> unsavedChanges;         ///< A `QMessageBox::StandardButton`.
+        std::function<void(const QString&)> message; ///< Instead of a box with this text.
+        std::function<bool()> overwrite; ///< Whether a file that has changed meanwhile is written over.
+    };
+    void setAnswers(const Answers& answers) { _answers = answers; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    QAction* addAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
+                       const QString& tip, const std::function<void()>& run);
+    void buildViews();
+    void buildFileMenu();
+    void buildEditMenu();
+    void buildCurveMenu();
+    void buildViewMenu();
+    void buildTransport();
+    void buildHelpMenu();
+    void fillRecent(QMenu* menu);
+    void rememberRecent(const QString& path);
+    void openFiles(const SessionFiles& files, bool isForeign, const QStringList& report);
+    void onOpened();
+    void showCurves();
+    void goToKey(bool next);
+    void copyKeysOfSelection();
+    void pasteKeysAtHead(const QString& name);
+    void refreshTitle();
+    void say(const QString& text);
+    void tell(const QString& text);
+    void showReport();
+    void keepLayout();
+    void restoreLayout();
+
+    Session _session;
+    TimeAxis _axis;
+    PlayHead _head;
+    IdSelection _keys;
+    Transport _transport;
+    Importer _importer;
+    CopiedKeys _copied;
+    Answers _answers;
+
+    CurveEditor* _curves = nullptr;
+    ChannelTree* _channels = nullptr;
+    KeyFields* _keyFields = nullptr;
+    QLabel* _hint = nullptr;
+    QLabel* _rate = nullptr;
+    QProgressBar* _progress = nullptr;
+    QToolButton* _giveUp = nullptr;
+    QMenu* _viewMenu = nullptr;
+};
+
+} // namespace ka::studio

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "KeyEdits.h"
+
+/// What the edits of keys share; for them only.
+namespace ka::studio {
+
+/// Has a curve and all above it take in that keys have moved.
+void takeInChange(kaAnimationCurve2D& curve);
+
+/// Recomputes the handles of a key and of its neighbours.
+void computeTangentsAround(kaControlPoint2D& key, kaAnimationCurve2D& curve);
+
+/// Stores one number of a key: a frame between its neighbours' facing handles, a handle between its key and
+/// the neighbour. What lies beyond is brought to the limit.
+void setNumber(kaControlPoint2D& key, kaAnimationCurve2D& curve, KeyNumber number, float value);
+
+} // namespace ka::studio
