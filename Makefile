@@ -56,6 +56,10 @@ bench: build-release ## measure the hot operations as ratios to a plain referenc
 		--benchmark_min_time=0.1 --benchmark_enable_random_interleaving=true \
 		--benchmark_out=$(OUT)/bench.json --benchmark_out_format=json
 
+.PHONY: round-trips
+round-trips: setup-round-trips build-release ## import, export and import all test models; glTF past its public validator (network)
+	scripts/round-trips.sh build/release/bin/ka-round-trip
+
 .PHONY: docs
 docs: setup-docs build-release ## API pages into out/docs/, and the pictures of the pages in Docs/
 	scripts/docs.sh build/release $(OUT)

@@ -60,7 +60,7 @@ class CommandLineTest : public ::testing::Test {
     }
 
     static std::string outputFor(const OptionParts& option) {
-        for (const char* extension : {".osg", ".xml", ".png"})
+        for (const char* extension : {".osg", ".xml", ".glb", ".png"})
             if (option.description.find(extension) != std::string::npos)
                 return std::string("result") + extension;
         return "result.png";

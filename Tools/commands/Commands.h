@@ -9,6 +9,7 @@ namespace ka::tools {
 
 void addImportCommand(CLI::App& program, Action& action);
 void addConvertCommand(CLI::App& program, Action& action);
+void addExportCommand(CLI::App& program, Action& action);
 void addDiffCommand(CLI::App& program, Action& action);
 void addInfoCommand(CLI::App& program, Action& action);
 void addValidateCommand(CLI::App& program, Action& action);

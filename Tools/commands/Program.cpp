@@ -14,6 +14,7 @@ namespace {
 void addCommands(CLI::App& program, Action& action) {
     addImportCommand(program, action);
     addConvertCommand(program, action);
+    addExportCommand(program, action);
     addDiffCommand(program, action);
     addInfoCommand(program, action);
     addValidateCommand(program, action);

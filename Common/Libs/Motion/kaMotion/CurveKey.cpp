@@ -129,6 +129,15 @@ double segmentValue(const CurveKey& a, const CurveKey& b, double u) {
            span * (v * v * u * a.outSlope - u * u * v * b.inSlope);
 }
 
+void snapToFrames(std::vector<CurveKey>& keys, double fps) {
+    constexpr double digits = std::numeric_limits<float>::epsilon();
+    for (CurveKey& key : keys) {
+        const double whole = std::round(key.time * fps);
+        if (std::abs(key.time * fps - whole) <= digits * std::abs(whole))
+            key.time = whole / fps;
+    }
+}
+
 BezierCurve layOutCurve(const std::vector<CurveKey>& keys, double fps) {
     BezierCurve curve;
     for (std::size_t i = 0; i < keys.size(); ++i) {

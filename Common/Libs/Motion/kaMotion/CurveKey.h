@@ -26,6 +26,10 @@ struct CurveKey {
 /// The value at `u` in [0, 1] of the segment from `a` to `b`.
 double segmentValue(const CurveKey& a, const CurveKey& b, double u);
 
+/// Moves keys onto the whole frame that their time stands for where single precision, in which most model
+/// files store times, cannot tell the two apart.
+void snapToFrames(std::vector<CurveKey>& keys, double fps);
+
 /// A key with both handles as the animation stores it: frames and values in single precision, each of them a
 /// float that a document gives back as it is.
 struct BezierKey {

@@ -162,10 +162,11 @@ class MotionImporter {
     }
 
     /// @param kind  the letter of the interchange's attribute names: "TransformTX" and so on.
-    void addCurves(kaAnimationUnit* block, std::uint32_t node, const CurveTriple& curves, char kind) {
+    void addCurves(kaAnimationUnit* block, std::uint32_t node, CurveTriple curves, char kind) {
         for (std::size_t axis = 0; axis < 3; ++axis) {
             if (curves[axis].empty())
                 continue;
+            snapToFrames(curves[axis], _options.framesPerSecond);
             const BezierCurve laidOut = layOutCurve(curves[axis], _options.framesPerSecond);
             if (laidOut.keys.size() > _options.budget.most() - _report.keys)
                 _options.budget.refuse(_report.keys + laidOut.keys.size());
