@@ -89,7 +89,8 @@ TEST_F(RandomSegments, NearTheThirdsStayByTheBisectionInLongDouble) {
         const Sample actual = module.sample(segment);
         ASSERT_TRUE(actual.written) << segment;
         ++counted;
-        // Of a value near 10, as far from 0 as these go, a float leaves 4.8e-7; below 1e-6 it is written as 0.
+        // Of a value near 10, as far from 0 as these go, a float leaves 4.8e-7; below 1e-6 it is written as
+        // 0.
         const double error =
             errorAgainst(trueValues(segment.left, segment.right, segment.frame), actual.value);
         if (actual.value == 0.0F && error < 1e-6)
