@@ -470,6 +470,9 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
   private:
     kaAnimationManager();
 
+    friend class kaAnimationScene;
+    /// `loadAnimations`, which calls `begin` once the document is known to be one, before it makes anything.
+    bool load(const QString& source, bool isFile, const std::function<void()>& begin);
     unsigned long long createConnectionID();
     unsigned long long freshIDFor(unsigned long long taken, bool isField);
 

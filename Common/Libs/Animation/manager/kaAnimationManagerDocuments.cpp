@@ -231,6 +231,10 @@ void kaAnimationManager::setAskFileNameCB(AskFileName callback) {
 }
 
 bool kaAnimationManager::loadAnimations(const QString& source, bool isFile) {
+    return load(source, isFile, [] {});
+}
+
+bool kaAnimationManager::load(const QString& source, bool isFile, const std::function<void()>& begin) {
     loadFault = {};
     if (source.isEmpty()) {
         loadFault.message = isFile ? "no file is named" : "the text is empty";
@@ -241,6 +245,7 @@ bool kaAnimationManager::loadAnimations(const QString& source, bool isFile) {
                : kaXmlPreflight::readText(source, &loadFault);
     if (!record)
         return false;
+    begin();
     makeObjects(*this, *record);
     loadFault = {}; // whatever a callback loaded meanwhile
     return true;
