@@ -30,8 +30,7 @@ kaDescentPath& triggerPath() {
 constexpr std::size_t MaxStretchedByEnds = 6;
 
 bool isContainer(const kaAnimationObject& object) {
-    const unsigned int type = object.getTypeID();
-    return type == KA_TYPE_UNIT || type == KA_TYPE_STREAK || type == KA_TYPE_STRIP;
+    return kaObjectClass::of(object).isContainer();
 }
 
 kaAnimationContainer& asContainer(kaAnimationObject& object) {
@@ -123,10 +122,7 @@ void kaAnimationContainer::addCopies(const kaAnimationContainer& source) {
 
 kaAnimationContainer::UnfinishedCopy
 kaAnimationContainer::copyWithoutChildren(kaAnimationObject& child) const {
-    const bool holdsBoth = getTypeID() == KA_TYPE_STREAK;
-    const bool isCopied = child.getTypeID() == KA_TYPE_STREAK ||
-                          (holdsBoth && kaObjectClass::of(child).level == kaObjectClass::Level::Container);
-    if (!isCopied || getTypeID() == KA_TYPE_UNIT)
+    if (!copiesBelow(child))
         return nullptr;
     return UnfinishedCopy(static_cast<kaAnimationContainer*>(kaObjectClass::of(child).copyAlone(child)));
 }
@@ -163,8 +159,11 @@ kaAnimationObject* kaAnimationContainer::release(kaAnimationObject& child, bool 
 }
 
 bool kaAnimationContainer::isLaidOut(const kaAnimationObject& object) {
-    const unsigned int type = object.getTypeID();
-    return type == KA_TYPE_UNIT || type == KA_TYPE_STRIP || type == KA_TYPE_SEQUENCE;
+    return kaObjectClass::of(object).isLaidOut;
+}
+
+bool kaAnimationContainer::copiesBelow(const kaAnimationObject& /*child*/) const {
+    return false;
 }
 
 bool kaAnimationContainer::reaches(const kaAnimationObject& /*child*/) const {
@@ -316,7 +315,8 @@ void kaAnimationContainer::stretch(float begin, float end) {
         walk.level().to = {container.getBegin(), container.getEnd(), toBegin, toEnd};
         container.setBegin(toBegin);
         container.setEnd(toEnd);
-        const bool isRefused = container.getTypeID() == KA_TYPE_UNIT && !beginsBefore(toBegin, toEnd);
+        const bool isBlock = kaObjectClass::of(container).level == kaObjectClass::Level::Block;
+        const bool isRefused = isBlock && !beginsBefore(toBegin, toEnd);
         if (!isRefused && std::isfinite(walk.level().to.factor()))
             walk.level().children.list = container.reachedChildren();
     };
@@ -404,7 +404,7 @@ void kaAnimationContainer::triggerLoop(float frame) {
         kaAnimationObject* child = level.children.next(level.next);
         if (!child)
             walk.leave();
-        else if (child->getTypeID() == KA_TYPE_STREAK || child->getTypeID() == KA_TYPE_STRIP)
+        else if (kaObjectClass::of(*child).level == kaObjectClass::Level::Container)
             enter(asContainer(*child));
         else
             child->triggerLoop(frame);

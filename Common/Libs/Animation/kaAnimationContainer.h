@@ -65,6 +65,8 @@ class KA_ANIMATION_API kaAnimationContainer : public kaAnimationObject {
     virtual bool reaches(const kaAnimationObject& child) const;
     std::vector<kaAnimationObject*> reachedChildren() const;
 
+    /// Whether a copy of this object has a copy of that track or clip, made level by level.
+    virtual bool copiesBelow(const kaAnimationObject& child) const;
     /// A registered copy of a child that is neither track nor clip; null where none is made.
     virtual kaAnimationObject* copyOf(kaAnimationObject& child) const = 0;
     /// Frees a copy that was never handed over, with what stands below it.

@@ -182,14 +182,8 @@ void kaAnimationController::loop() {
     kaWeakList<kaAnimationObject> ended;
     for (kaUID id : _played->running.ids()) {
         kaAnimationObject* object = _played->running.find(id);
-        if (!object || !object->isActive() || object->isPausing())
-            continue;
-        const kaWeak<kaAnimationObject> alive(*object);
-        if (!playOn(*object, time))
-            continue;
-        finished.push_back(id);
-        if (alive)
-            ended.append(*object);
+        if (object && object->isActive() && !object->isPausing() && playOn(*object, time, ended))
+            finished.push_back(id);
     }
     ended.visit([](kaAnimationObject& object) { object.setUseCustomRange(false); });
     for (kaUID id : finished)
@@ -197,8 +191,9 @@ void kaAnimationController::loop() {
     enqueueWaitingObjects();
 }
 
-/// @return whether the object has run past its end.
-bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
+/// @return whether the object has run past its end; then it is entered among the `ended`, unless it has gone.
+bool kaAnimationController::playOn(kaAnimationObject& object, double time,
+                                   kaWeakList<kaAnimationObject>& ended) {
     const float begin = object.getPlayBegin();
     if (!object.isPlaying()) {
         const auto duration = static_cast<double>((object.getPlayEnd() - begin) / _fps);
@@ -212,6 +207,8 @@ bool kaAnimationController::playOn(kaAnimationObject& object, double time) {
     _currentFrame = frame;
     const kaWeak<kaAnimationObject> alive(object);
     const bool finished = evaluateObject(&object, frame, false);
+    if (finished && alive)
+        ended.append(object);
     if (alive)
         object.triggerLoop(frame);
     return finished;

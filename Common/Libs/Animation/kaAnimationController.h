@@ -16,6 +16,8 @@ class kaAnimationObject;
 class kaAnimationSequence;
 class kaEvaluation;
 struct kaPlayedObjects;
+template <class Object>
+class kaWeakList;
 
 /// The playback engine: plays objects one by one (`loop`) or the global timeline (`playLoop`), evaluates
 /// objects at a frame and writes the values into the scene, and tells the host by messages and callbacks.
@@ -244,7 +246,7 @@ class KA_ANIMATION_API kaAnimationController {
     static double now();
     static float nowAsFloat() { return static_cast<float>(now()); }
 
-    bool playOn(kaAnimationObject& object, double time);
+    bool playOn(kaAnimationObject& object, double time, kaWeakList<kaAnimationObject>& ended);
     void leavePlayback(kaAnimationObject& object, float frame, bool rewound);
     void setGlobalRange();
     static float globalFrame();

@@ -18,8 +18,7 @@
 namespace {
 
 kaControlPoint2D* asPoint(kaAnimationObject* object) {
-    const bool isPoint = object && object->getTypeID() == KA_TYPE_POINT;
-    return isPoint ? static_cast<kaControlPoint2D*>(object) : nullptr;
+    return kaObjectCast<kaControlPoint2D>(object);
 }
 
 /// A child of `keys`, itself unseen where all of them are known to be keys.

@@ -36,6 +36,10 @@ kaAnimationStreak::kaAnimationStreak(kaAnimationStreak& source)
 kaAnimationStreak::kaAnimationStreak(const kaAnimationStreak& source, WithoutChildren /*unused*/)
     : kaAnimationContainer(source), _index(source._index) {}
 
+bool kaAnimationStreak::copiesBelow(const kaAnimationObject& child) const {
+    return kaObjectClass::of(child).level == kaObjectClass::Level::Container;
+}
+
 kaAnimationObject* kaAnimationStreak::copyOf(kaAnimationObject& child) const {
     return kaObjectStore::duplicateAny(&child);
 }

@@ -45,6 +45,7 @@ class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
     void setIndex(unsigned int index) { _index = index; }
 
   private:
+    bool copiesBelow(const kaAnimationObject& child) const override;
     kaAnimationObject* copyOf(kaAnimationObject& child) const override;
     bool hasRoomFor(const kaAnimationObject& object) const;
     template <class Object>

@@ -8,7 +8,7 @@
 namespace {
 
 bool isTrack(const kaAnimationObject& object) {
-    return object.getTypeID() == KA_TYPE_STREAK;
+    return kaObjectCast<const kaAnimationStreak>(&object) != nullptr;
 }
 
 } // namespace
@@ -23,6 +23,10 @@ kaAnimationStrip::kaAnimationStrip(const kaAnimationStrip& source, WithoutChildr
     : kaAnimationContainer(source) {}
 
 /// A clip copies its tracks alone.
+bool kaAnimationStrip::copiesBelow(const kaAnimationObject& child) const {
+    return isTrack(child);
+}
+
 kaAnimationObject* kaAnimationStrip::copyOf(kaAnimationObject& /*child*/) const {
     return nullptr;
 }

@@ -48,6 +48,7 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
     void destroyEmptyStreaksAtEnd();
 
   private:
+    bool copiesBelow(const kaAnimationObject& child) const override;
     kaAnimationObject* copyOf(kaAnimationObject& child) const override;
     bool reaches(const kaAnimationObject& child) const override;
     std::vector<kaAnimationStreak*> tracks() const;

@@ -6,7 +6,7 @@
 /// Unique id of an object, a field or a connection: one id space for all three; 0 means "none".
 using kaUID = unsigned long long;
 
-/// The values that `getTypeID()` returns; registry, controller and documents switch on them.
+/// The values that `getTypeID()` returns. What follows from a class stands in `kaObjectClass`.
 enum kaAnimationTypeID : unsigned int {
     KA_TYPE_OBJECT = 0,
     KA_TYPE_POINT = 1,

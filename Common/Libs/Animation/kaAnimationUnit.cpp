@@ -8,7 +8,7 @@
 namespace {
 
 bool isCurve(const kaAnimationObject* object) {
-    return object && object->getTypeID() == KA_TYPE_CURVE;
+    return kaObjectCast<const kaAnimationCurve2D>(object) != nullptr;
 }
 
 } // namespace

@@ -32,8 +32,9 @@ int typeOf(const kaAnimationXmlElement& element) {
     return parse(element[Key::TypeID], FieldTypeID);
 }
 
-bool isOfType(const kaAnimationXmlElement& element, unsigned int type) {
-    return typeOf(element) == static_cast<int>(type);
+template <class Object>
+bool isA(const kaAnimationXmlElement& element) {
+    return typeOf(element) == static_cast<int>(Object::_typeID);
 }
 
 kaUID idOf(const kaAnimationXmlElement& element) {
@@ -64,29 +65,14 @@ osg::Pnt2f place(const kaAnimationXmlElement& element, kaXmlTag tag) {
     return place;
 }
 
-/// Whether the container takes children of that type at all.
-bool takesType(const kaAnimationObject& container, unsigned int type) {
-    switch (container.getTypeID()) {
-    case KA_TYPE_CURVE:
-        return type == KA_TYPE_POINT;
-    case KA_TYPE_UNIT:
-        return type == KA_TYPE_CURVE;
-    case KA_TYPE_STREAK:
-        return true;
-    case KA_TYPE_STRIP:
-        return type != KA_TYPE_POINT && type != KA_TYPE_CURVE;
-    default:
-        return false;
-    }
-}
-
 /// Whether the child may stand below the container. In a clip anything but a track gets a track of its own,
 /// one level more.
 bool hasRoom(const kaAnimationObject& container, const kaAnimationObject& child) {
-    const unsigned int type = container.getTypeID();
-    if (type != KA_TYPE_STREAK && type != KA_TYPE_STRIP)
+    if (kaObjectClass::of(container).level != kaObjectClass::Level::Container)
         return true;
-    return container.mayAdopt(child, type == KA_TYPE_STRIP && child.getTypeID() != KA_TYPE_STREAK ? 1 : 0);
+    const bool getsTrack =
+        kaObjectCast<const kaAnimationStrip>(&container) && !kaObjectCast<const kaAnimationStreak>(&child);
+    return container.mayAdopt(child, getsTrack ? 1 : 0);
 }
 
 kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimationObject& child) {
@@ -100,11 +86,15 @@ kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimatio
 } // namespace
 
 void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
+    const int type = typeOf(element);
     if (element[Key::TypeID].empty())
         return;
-    switch (typeOf(element)) {
-    case FieldTypeID:
+    if (type == FieldTypeID)
         field(element);
+    if (type < 0 || type >= static_cast<int>(KA_TYPE_COUNT))
+        return;
+    switch (static_cast<kaAnimationTypeID>(type)) { // without default: a class that is added is missed here
+    case KA_TYPE_OBJECT:
         break;
     case KA_TYPE_POINT:
         point(element);
@@ -123,8 +113,6 @@ void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
         break;
     case KA_TYPE_SEQUENCE:
         sequence(element);
-        break;
-    default:
         break;
     }
 }
@@ -154,7 +142,7 @@ kaAnimationField* kaAnimationXmlReader::field(const kaAnimationXmlElement& eleme
 }
 
 kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_POINT))
+    if (!isA<kaControlPoint2D>(element))
         return nullptr;
     const osg::Pnt2f position = place(element, kaXmlTag::Position);
     kaControlPoint2D* point = kaObjectStore::make<kaControlPoint2D>(position[0], position[1], "Point",
@@ -179,7 +167,7 @@ Container* kaAnimationXmlReader::withFlags(Container* container, const kaAnimati
 }
 
 kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_CURVE))
+    if (!isA<kaAnimationCurve2D>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     const std::string name = text(element[Key::Name]);
@@ -192,28 +180,28 @@ kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& ele
 }
 
 kaAnimationUnit* kaAnimationXmlReader::block(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_UNIT))
+    if (!isA<kaAnimationUnit>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationUnit>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationStreak* kaAnimationXmlReader::track(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_STREAK))
+    if (!isA<kaAnimationStreak>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationStreak>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationStrip* kaAnimationXmlReader::clip(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_STRIP))
+    if (!isA<kaAnimationStrip>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationStrip>(text(element[Key::Name]), id), element);
 }
 
 kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement& element) {
-    if (!isOfType(element, KA_TYPE_SEQUENCE))
+    if (!isA<kaAnimationSequence>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     kaAnimationSequence* sequence = kaObjectStore::make<kaAnimationSequence>(text(element[Key::Name]), id);
@@ -229,7 +217,7 @@ void kaAnimationXmlReader::connect(const kaAnimationXmlElement& element) {
     kaAnimationObject* object = kaObjectStore::find(idOf(element));
     if (!object || element[Key::TypeID].empty())
         return;
-    if (isOfType(element, KA_TYPE_CURVE)) {
+    if (isA<kaAnimationCurve2D>(element)) {
         if (kaAnimationCurve2D* curve = kaObjectStore::find<kaAnimationCurve2D>(object->getId()))
             connectCurve(*curve, element);
         return;
@@ -253,7 +241,7 @@ void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnima
         if (!point || !taken.insert(point->getId()).second)
             continue;
         kaAnimationObject* holder = point->getParentObject();
-        if (holder && holder->getTypeID() != KA_TYPE_CURVE)
+        if (holder && !kaObjectCast<kaAnimationCurve2D>(holder))
             holder->subObject(point, false);
         points.push_back(point);
     }
@@ -263,7 +251,8 @@ void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnima
 /// One that is refused stays where it is. The former container is left before the new one is joined: where
 /// both have an ancestor in common it loses the ids below the child and then gets them back.
 void kaAnimationXmlReader::adopt(kaAnimationObject& container, kaAnimationObject& child) {
-    if (!takesType(container, child.getTypeID()) || container.hasChild(child.getId()))
+    if (!kaObjectClass::of(container).links(kaObjectClass::of(child).level) ||
+        container.hasChild(child.getId()))
         return;
     if (!hasRoom(container, child)) {
         kaLoadReport::leaveOut({container.getId(), child.getId(), whyNot(container, child)});

@@ -152,34 +152,37 @@ void kaAnimationXmlWriter::sequence(const kaAnimationSequence* sequence) {
     });
 }
 
+/// The order of the document.
 void kaAnimationXmlWriter::pool() {
+    static_assert(KA_TYPE_COUNT == 7,
+                  "every class is written: six, and the base, of which no object is made");
     const kaObjectRegistry& registry = kaObjectRegistry::the();
     element(_output, "AnimationPool", [&] {
         _output.attribute("objects", Text(static_cast<kaUID>(registry.size() + registry.fieldCount())));
         for (const auto& entry : registry.fields())
             field(entry.second);
-        for (const auto& entry : registry.ofType(KA_TYPE_POINT))
+        for (const auto& entry : registry.ofType(kaControlPoint2D::_typeID))
             point(static_cast<const kaControlPoint2D*>(entry.second));
-        for (const auto& entry : registry.byType(KA_TYPE_CURVE))
+        for (const auto& entry : registry.byType(kaAnimationCurve2D::_typeID))
             curve(static_cast<const kaAnimationCurve2D*>(entry.second));
         blocks();
-        for (const auto& entry : registry.byType(KA_TYPE_SEQUENCE))
+        for (const auto& entry : registry.byType(kaAnimationSequence::_typeID))
             sequence(static_cast<const kaAnimationSequence*>(entry.second));
         clips(true);
-        for (const auto& entry : registry.byType(KA_TYPE_STREAK))
+        for (const auto& entry : registry.byType(kaAnimationStreak::_typeID))
             track(static_cast<const kaAnimationStreak*>(entry.second));
         clips(false);
     });
 }
 
 void kaAnimationXmlWriter::blocks() {
-    for (const auto& entry : kaObjectRegistry::the().byType(KA_TYPE_UNIT))
+    for (const auto& entry : kaObjectRegistry::the().byType(kaAnimationUnit::_typeID))
         if (!entry.second->isInternal())
             block(static_cast<const kaAnimationUnit*>(entry.second));
 }
 
 void kaAnimationXmlWriter::clips(bool nested) {
-    for (const auto& entry : kaObjectRegistry::the().byType(KA_TYPE_STRIP))
+    for (const auto& entry : kaObjectRegistry::the().byType(kaAnimationStrip::_typeID))
         if ((entry.second->getParentObject() != nullptr) == nested)
             clip(static_cast<const kaAnimationStrip*>(entry.second));
 }

@@ -5,6 +5,7 @@
 #include "kaCurveView.h"
 #include "kaDescent.h"
 #include "kaEdits.h"
+#include "kaObjectClass.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -123,10 +124,7 @@ void kaEvaluationPlan::readFields() {
 
 /// Containers down to the objects that hold curves.
 void kaEvaluationPlan::visit(const kaAnimationObject& top) {
-    const auto holdsCurves = [](const kaAnimationObject& object) {
-        return object.getTypeID() <= KA_TYPE_UNIT;
-    };
-    if (holdsCurves(top)) {
+    if (kaObjectClass::of(top).isPlayedAsOne()) {
         addLeaf(top);
         return;
     }
@@ -144,7 +142,7 @@ void kaEvaluationPlan::visit(const kaAnimationObject& top) {
         const kaAnimationObject* child = walk.level().takeNext();
         if (!child)
             walk.leave();
-        else if (holdsCurves(*child))
+        else if (kaObjectClass::of(*child).isPlayedAsOne())
             addLeaf(*child);
         else
             enter(*child);

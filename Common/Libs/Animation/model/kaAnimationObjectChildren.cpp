@@ -36,28 +36,11 @@ const std::set<kaUID>& noIDs() {
     return none;
 }
 
-/// Levels that an object takes which holds no containers: curves, keys and sequences hold none.
-unsigned int heightOfLeaf(unsigned int type) {
-    switch (type) {
-    case KA_TYPE_CURVE:
-        return 2;
-    case KA_TYPE_UNIT:
-        return 3;
-    default:
-        return 1;
-    }
-}
-
-bool holdsContainers(const kaAnimationObject& object) {
-    const unsigned int type = object.getTypeID();
-    return type == KA_TYPE_OBJECT || type == KA_TYPE_STREAK || type == KA_TYPE_STRIP;
-}
-
 /// Levels below `object` down to a leaf, itself included; counted no further than one too many. Goes down one
 /// level at a time, through tracks and clips, each of which is met once and stands in `seen` then.
 unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen) {
-    if (!holdsContainers(object))
-        return heightOfLeaf(object.getTypeID());
+    if (const unsigned int known = kaObjectClass::of(object).height())
+        return known;
     unsigned int height = 1;
     std::vector<const kaAnimationObject*> level{&object};
     std::vector<const kaAnimationObject*> below;
@@ -66,8 +49,8 @@ unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const 
         height = std::max(height, above);
         for (const kaAnimationObject* container : level)
             for (const kaAnimationObject* child : container->getObjects()) {
-                if (!holdsContainers(*child))
-                    height = std::max(height, above + heightOfLeaf(child->getTypeID()));
+                if (const unsigned int known = kaObjectClass::of(*child).height())
+                    height = std::max(height, above + known);
                 else if (seen.insert(child).second)
                     below.push_back(child);
             }
@@ -194,8 +177,10 @@ void kaAnimationObject::noteChange(kaChange change) {
 
 void kaAnimationObject::noteChangeBelow() {
     kaEdits::note();
-    if (_hasDependents)
-        kaDependents::tell(*this, getTypeID() == KA_TYPE_CURVE ? kaChange::Shape : kaChange::Structure);
+    if (!_hasDependents)
+        return;
+    const bool isCurve = kaObjectClass::of(*this).level == kaObjectClass::Level::Curve;
+    kaDependents::tell(*this, isCurve ? kaChange::Shape : kaChange::Structure);
 }
 
 void kaAnimationObject::storeExtent(const kaExtent& extent) {
@@ -448,7 +433,7 @@ void kaAnimationObject::updateBounds() {
     }
     kaExtent extent;
     if (const kaAnimationObject* self = find(_id))
-        if (self->hasChildren() || self->getTypeID() == KA_TYPE_SEQUENCE)
+        if (self->hasChildren() || kaObjectClass::of(*self).hasOwnExtent())
             extent = {self->getBegin(), self->getEnd(), self->getMaximum(), self->getMinimum()};
     storeExtent(extent);
 }

@@ -1,14 +1,15 @@
 #include "kaChildEntry.h"
 
 #include "kaAnimationObject.h"
+#include "kaObjectClass.h"
 
 kaChildEntry::kaChildEntry(kaAnimationObject& child)
     : _object(&child), _begin(child.getBegin()), _value(child.getMaximum()) {
     static_assert(alignof(kaAnimationObject) >= 8, "three flags stand in what its alignment leaves free");
-    const unsigned int type = child.getTypeID();
-    const std::size_t counts = child.hasChildren() || type == KA_TYPE_SEQUENCE ? Counts : 0;
+    const kaObjectClass& itsClass = kaObjectClass::of(child);
+    const std::size_t counts = child.hasChildren() || itsClass.hasOwnExtent() ? Counts : 0;
     const std::size_t selected = child.isSelected() ? Selected : 0;
-    const std::size_t key = type == KA_TYPE_POINT ? Key : 0;
+    const std::size_t key = itsClass.isKey() ? Key : 0;
     Tagged::set_bits(_object, counts | selected | key);
 }
 

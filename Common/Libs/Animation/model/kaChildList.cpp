@@ -2,6 +2,7 @@
 
 #include "kaAnimationObject.h"
 #include "kaChange.h"
+#include "kaObjectClass.h"
 #include "kaObjectRegistry.h"
 
 #include <algorithm>
@@ -365,7 +366,7 @@ void kaChildList::childReshaped(const kaAnimationObject& child) {
     if (_ending)
         return;
     _changes.note(child, ++_revision);
-    if (child.getTypeID() == KA_TYPE_POINT)
+    if (kaObjectClass::of(child).isKey())
         _owner->noteChangeBelow();
 }
 

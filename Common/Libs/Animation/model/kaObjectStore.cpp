@@ -22,7 +22,7 @@ bool kaObjectStore::enter(kaAnimationObject& object) {
 void kaObjectStore::insert(kaUID id, kaAnimationObject& object) {
     kaObjectRegistry& registry = kaObjectRegistry::the();
     const unsigned int type = object.getTypeID();
-    const bool isKey = type == KA_TYPE_POINT;
+    const bool isKey = kaObjectClass::of(object).isKey();
     registry.insert(id, type, object);
     bool isNamed = false;
     try {
@@ -50,7 +50,7 @@ void kaObjectStore::erase(kaUID id) {
     kaObjectRegistry& registry = kaObjectRegistry::the();
     if (const auto field = kaObjectClass::of(*object).field)
         registry.fieldUses().erase(field(*object), id);
-    registry.names().erase(object->_name, object->getTypeID() == KA_TYPE_POINT, id);
+    registry.names().erase(object->_name, kaObjectClass::of(*object).isKey(), id);
     registry.erase(id, object->getTypeID());
 }
 
@@ -101,7 +101,7 @@ kaAnimationObject* kaObjectStore::findByName(const std::string& name) {
     kaObjectRegistry& registry = kaObjectRegistry::the();
     const auto id = registry.names().smallest(name, [&registry](const std::string& text) {
         const kaAnimationObject* key = registry.smallestID([&text](const kaAnimationObject& object) {
-            return object.getTypeID() == KA_TYPE_POINT && object.getName() == text;
+            return kaObjectClass::of(object).isKey() && object.getName() == text;
         });
         return key ? std::optional(registry.keyOf(*key, key->getId())) : std::nullopt;
     });
@@ -113,7 +113,7 @@ void kaObjectStore::changeName(const kaAnimationObject& object, const kaObjectNa
         return;
     kaObjectRegistry& registry = kaObjectRegistry::the();
     const kaUID id = registry.keyOf(object, object.getId());
-    const bool isKey = object.getTypeID() == KA_TYPE_POINT;
+    const bool isKey = kaObjectClass::of(object).isKey();
     registry.names().insert(name, isKey, id);
     registry.names().erase(object._name, isKey, id);
 }

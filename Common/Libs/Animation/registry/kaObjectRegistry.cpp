@@ -50,7 +50,7 @@ kaUID kaObjectRegistry::createUID() const {
 bool kaObjectRegistry::insert(kaUID id, unsigned int type, kaAnimationObject& object) {
     if (find(id))
         return false;
-    if (type != KA_TYPE_POINT)
+    if (type != UnlistedType)
         _byType[type].emplace(id, &object);
     try {
         _index.insert(id, object);
@@ -59,7 +59,7 @@ bool kaObjectRegistry::insert(kaUID id, unsigned int type, kaAnimationObject& ob
         throw;
     }
     kaEdits::note();
-    _epoch += type != KA_TYPE_POINT ? 1 : 0;
+    _epoch += type != UnlistedType ? 1 : 0;
     return true;
 }
 
@@ -67,7 +67,7 @@ void kaObjectRegistry::erase(kaUID id, unsigned int type) {
     if (!_index.erase(id))
         return;
     kaEdits::note();
-    if (type == KA_TYPE_POINT)
+    if (type == UnlistedType)
         return;
     _byType[type].erase(id);
     ++_epoch;
@@ -137,7 +137,7 @@ std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ordered() const {
 
 /// Keys stand in no map: they are what stands in the index and in none.
 std::vector<kaObjectRegistry::Entry> kaObjectRegistry::ofType(unsigned int type) const {
-    if (type != KA_TYPE_POINT)
+    if (type != UnlistedType)
         return {_byType[type].begin(), _byType[type].end()};
     std::vector<Entry> others;
     for (const auto& objects : _byType)

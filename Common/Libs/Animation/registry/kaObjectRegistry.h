@@ -23,6 +23,9 @@ class kaObjectRegistry {
   public:
     using Entry = std::pair<kaUID, kaAnimationObject*>;
 
+    /// The type whose objects stand in no map: that of keys.
+    static constexpr unsigned int UnlistedType = KA_TYPE_POINT;
+
     /// The one registry of the process, made on first use.
     static kaObjectRegistry& the();
     /// Whether there is one: false before the first `the()` and once process exit has destroyed it.
