@@ -49,7 +49,7 @@ SUITES = [
 # The suite that is asked first about sources whose names match, until it turns out which one notices.
 FIRST = {
     "kaAnimationXml|kaXml|Documents": "documents",
-    "kaSegment|kaLanes": "gallery",
+    "kaSegment": "gallery",
     "Controller|Sequence|kaRunning|kaConnections|Triggers": "time",
     "kaLegacy|Import|kaSceneSync|kaPaste": "life",
 }

@@ -8,6 +8,7 @@
 #include <OpenSG/OSGAttachment.h>
 #include <OpenSG/OSGCameraSetting.h>
 #include <OpenSG/OSGChangeList.h>
+#include <OpenSG/OSGFieldContainerFactory.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGSceneFileHandler.h>

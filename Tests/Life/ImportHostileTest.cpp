@@ -1,4 +1,5 @@
 #include "ImportFixture.h"
+#include "SmallStack.h"
 
 namespace {
 
@@ -164,6 +165,18 @@ TEST_F(ImportHostile, ClipsNestedBeyondAllMeasureAreImportedAsDeepAsObjectsMayBe
     EXPECT_EQ(manager().getSceneStrips().front()->getName(), std::to_string(Levels - 1));
     for (kaAnimationStreak* track : all<kaAnimationStreak>(KA_TYPE_STREAK))
         EXPECT_FALSE(isTopLevel(*track));
+}
+
+/// Importing is recursive, as far as objects may be deep.
+TEST_F(ImportHostile, TheDeepestClipsAreImportedOnAStackOfAMegabyte) {
+    osg::AnimationClipPtr clip = ka_older::makeClip("0", {});
+    for (unsigned int level = 1; level < KA_MAX_DEPTH; ++level) {
+        const osg::AnimationTrackPtr track = ka_older::makeTrack({});
+        track->addEntry(clip);
+        clip = ka_older::makeClip(std::to_string(level), {track});
+    }
+    onSmallStack([&] { importWith(clip); }, std::size_t{1} << 20);
+    EXPECT_EQ(countOf(KA_TYPE_STRIP), KA_MAX_DEPTH / 2);
 }
 
 /// Directly nested clips stand two levels apart: each gets a track of its own.

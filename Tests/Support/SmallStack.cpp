@@ -7,8 +7,6 @@ namespace ka_test {
 
 namespace {
 
-constexpr std::size_t StackBytes = 256 * 1024;
-
 void* run(void* work) {
     (*static_cast<const std::function<void()>*>(work))();
     return nullptr;
@@ -16,10 +14,10 @@ void* run(void* work) {
 
 } // namespace
 
-void onSmallStack(const std::function<void()>& work) {
+void onSmallStack(const std::function<void()>& work, std::size_t bytes) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, StackBytes);
+    pthread_attr_setstacksize(&attributes, bytes);
     pthread_t thread{};
     void* argument = const_cast<std::function<void()>*>(&work);
     const int failed = pthread_create(&thread, &attributes, &run, argument);

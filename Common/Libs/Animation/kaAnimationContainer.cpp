@@ -1,9 +1,9 @@
 #include "kaAnimationContainer.h"
 
 #include "kaChildList.h"
-#include "kaDescent.h"
 #include "kaObjectClass.h"
 #include "kaObjectStore.h"
+#include "kaTreeWalk.h"
 #include "kaWeak.h"
 
 #include <algorithm>
@@ -14,13 +14,13 @@
 namespace {
 
 /// Editing never leads out to the host, so all kinds of edits share one path.
-kaDescentPath& editPath() {
-    static kaDescentPath path;
+kaWalkPath& editPath() {
+    static kaWalkPath path;
     return path;
 }
 
-kaDescentPath& triggerPath() {
-    static kaDescentPath path;
+kaWalkPath& triggerPath() {
+    static kaWalkPath path;
     return path;
 }
 
@@ -91,9 +91,9 @@ void kaAnimationContainer::addCopies(const kaAnimationContainer& source) {
     struct Level {
         kaAnimationContainer* copy = nullptr;
         UnfinishedCopy own; ///< the same where it was made on the way
-        kaDescentChildren<> children;
+        kaWalkChildren<> children;
     };
-    kaDescent<const kaAnimationContainer, Level> walk(editPath());
+    kaTreeWalk<const kaAnimationContainer, Level> walk(editPath());
     if (!walk.enter(source))
         return;
     walk.level().copy = this;
@@ -183,7 +183,7 @@ std::vector<kaAnimationObject*> kaAnimationContainer::reachedChildren() const {
 /// `set` for every child that is no container, `store` for every container after its children.
 template <class Set, class Store>
 void kaAnimationContainer::setBelow(Set&& set, Store&& store) {
-    kaDescent<kaAnimationContainer, kaDescentChildren<>> walk(editPath());
+    kaTreeWalk<kaAnimationContainer, kaWalkChildren<>> walk(editPath());
     if (!walk.enter(*this)) {
         store(*this);
         return;
@@ -226,7 +226,7 @@ void kaAnimationContainer::setMotionBlur(bool motionBlur) {
 // Editing in time.
 
 void kaAnimationContainer::move(float offset, bool tellParent) {
-    kaDescent<kaAnimationContainer, kaDescentChildren<>> walk(editPath());
+    kaTreeWalk<kaAnimationContainer, kaWalkChildren<>> walk(editPath());
     const auto enter = [&walk](kaAnimationContainer& container) {
         if (container.hasChildren() && walk.enter(container))
             walk.level().list = container.reachedChildren();
@@ -237,7 +237,7 @@ void kaAnimationContainer::move(float offset, bool tellParent) {
         kaAnimationObject* child = walk.level().takeNext();
         if (!child) {
             walk.leave();
-            container.children().settle();
+            container.children().recheckOrder();
             container.updateBy(&container, MOVE_OBJECT, tellParent && walk.isDone());
         } else if (isContainer(*child)) {
             enter(asContainer(*child));
@@ -251,12 +251,12 @@ template <class Edit>
 void kaAnimationContainer::editChildren(Edit&& edit) {
     for (kaAnimationObject* child : reachedChildren())
         edit(*child);
-    children().settle();
+    children().recheckOrder();
 }
 
 /// A factor that is no number, as a span of zero gives, would leave none to the children either.
 void kaAnimationContainer::moveBegin(float begin, bool tellParent) {
-    const kaDescentStep step(editPath(), *this);
+    const kaWalkLevel step(editPath(), *this);
     if (!hasChildren() || !step)
         return;
     const float end = getEnd();
@@ -279,7 +279,7 @@ void kaAnimationContainer::moveBegin(float begin, bool tellParent) {
 }
 
 void kaAnimationContainer::moveEnd(float end, bool tellParent) {
-    const kaDescentStep step(editPath(), *this);
+    const kaWalkLevel step(editPath(), *this);
     if (!hasChildren() || !step)
         return;
     const float begin = getBegin();
@@ -305,10 +305,10 @@ void kaAnimationContainer::moveEnd(float end, bool tellParent) {
 /// with single ends, a block whose span would be none keeps its curves, and a span of zero is not stretched.
 void kaAnimationContainer::stretch(float begin, float end) {
     struct Level {
-        kaDescentChildren<> children;
+        kaWalkChildren<> children;
         Stretching to;
     };
-    kaDescent<kaAnimationContainer, Level> walk(editPath());
+    kaTreeWalk<kaAnimationContainer, Level> walk(editPath());
     const auto enter = [&walk](kaAnimationContainer& container, float toBegin, float toEnd) {
         if (!container.hasChildren() || !walk.enter(container))
             return;
@@ -324,7 +324,7 @@ void kaAnimationContainer::stretch(float begin, float end) {
     while (!walk.isDone()) {
         kaAnimationObject* child = walk.level().children.takeNext();
         if (!child) {
-            walk.object().children().settle();
+            walk.object().children().recheckOrder();
             walk.leave();
             continue;
         }
@@ -343,7 +343,7 @@ void kaAnimationContainer::trimEnd(float /*end*/, bool /*tellParent*/) {}
 
 void kaAnimationContainer::flip() {
     struct Level {
-        kaDescentChildren<> children;
+        kaWalkChildren<> children;
         float begin = 0.0F;
         float end = 0.0F;
         /// Takes a child that has been flipped itself to its mirror place.
@@ -351,7 +351,7 @@ void kaAnimationContainer::flip() {
             child.move((end - child.getEnd()) + begin - child.getBegin(), false);
         }
     };
-    kaDescent<kaAnimationContainer, Level> walk(editPath());
+    kaTreeWalk<kaAnimationContainer, Level> walk(editPath());
     const auto enter = [&walk](kaAnimationContainer& container) {
         if (!container.hasChildren() || !walk.enter(container))
             return false;
@@ -366,7 +366,7 @@ void kaAnimationContainer::flip() {
         if (!child) {
             kaAnimationContainer& container = walk.object();
             walk.leave();
-            container.children().settle();
+            container.children().recheckOrder();
             container._flipped = !container._flipped;
             container.updateBy(&container, MOVE_OBJECT, false);
             if (!walk.isDone())
@@ -389,7 +389,7 @@ void kaAnimationContainer::triggerLoop(float frame) {
         kaWeakList<kaAnimationObject> children;
         std::size_t next = 0;
     };
-    kaDescent<kaAnimationContainer, Level> walk(triggerPath());
+    kaTreeWalk<kaAnimationContainer, Level> walk(triggerPath());
     const auto enter = [&walk, frame](kaAnimationContainer& container) {
         if (!container.hasChildren() || !walk.enter(container))
             return;

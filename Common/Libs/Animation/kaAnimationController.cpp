@@ -6,9 +6,9 @@
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
 #include "kaEvaluation.h"
-#include "kaNesting.h"
 #include "kaObjectStore.h"
 #include "kaPlayedObjects.h"
+#include "kaReentryGuard.h"
 #include "kaSceneObjects.h"
 #include "kaWeak.h"
 
@@ -61,7 +61,7 @@ const std::vector<kaAnimationSequence*>& kaAnimationController::getSeqs() {
     return the()->_played->sequences.objects();
 }
 
-const std::map<unsigned long long, kaAnimationObject*>& kaAnimationController::getRunningObjects() const {
+const std::map<kaUID, kaAnimationObject*>& kaAnimationController::getRunningObjects() const {
     return _played->running.map();
 }
 
@@ -74,7 +74,7 @@ void kaAnimationController::addWaitingObject(kaAnimationObject* object) {
         _played->waiting.append(*object);
 }
 
-void kaAnimationController::subRunningObject(unsigned long long id) {
+void kaAnimationController::subRunningObject(kaUID id) {
     _played->running.erase(id);
 }
 
@@ -118,7 +118,7 @@ void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curv
 
 void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSequence*>& sequences,
                                               float frame) {
-    const kaNesting level(_played->sequenceFiring);
+    const kaReentryGuard level(_played->sequenceFiring);
     if (!level)
         return;
     const kaWeakList<kaAnimationSequence> present(sequences);
@@ -160,7 +160,7 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
         evaluateObject(kaObjectStore::find(_objectID), frame, motionBlurOnly);
     if (evalCurves && !_curveIDs.empty()) {
         std::vector<kaAnimationCurve2D*> curves;
-        for (unsigned long long id : _curveIDs)
+        for (kaUID id : _curveIDs)
             if (kaAnimationCurve2D* curve = kaObjectStore::find<kaAnimationCurve2D>(id))
                 curves.push_back(curve);
         evaluateCurves(std::move(curves), frame, motionBlurOnly);
@@ -173,7 +173,7 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
 // Object playback.
 
 void kaAnimationController::loop() {
-    const kaNesting tick(_played->loop, 1);
+    const kaReentryGuard tick(_played->loop, 1);
     if (_pausing || !tick)
         return;
     const double time = now();
@@ -254,7 +254,7 @@ void kaAnimationController::stop() {
 }
 
 void kaAnimationController::reset() {
-    const kaNesting level(_played->reset, 1);
+    const kaReentryGuard level(_played->reset, 1);
     if (!level)
         return;
     for (kaUID id : _played->running.ids()) {

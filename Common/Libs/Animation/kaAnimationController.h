@@ -53,15 +53,12 @@ class KA_ANIMATION_API kaAnimationController {
     /// @param curve may be null. @param frame any frame, whole or not.
     /// @param value in the field's unit; untouched where nothing is written.
     /// @return whether the curve has a value: false for null, fewer than two keys, or no root in [0, 1]. For
-    /// a
-    ///         segment of zero length (all keys at one frame) whether the first key's value differs from 0,
-    ///         with `value` untouched.
+    /// a segment of zero length (all keys at one frame) whether the first key's value differs from 0, with
+    /// `value` untouched.
     /// Edges: before the first key the *second* key's value; at or after the last key the last key's; handles
-    /// lying
-    ///        on their keys hold the left value; results below 1e-6 in magnitude become 0.
+    /// lying on their keys hold the left value; results below 1e-6 in magnitude become 0.
     /// Cost: O(log n) in keys, constant for frames in order; no allocation once the curve was sampled since
-    /// its last
-    ///       edit.
+    /// its last edit.
     bool computeCurveValue(kaAnimationCurve2D* curve, float frame, float& value);
 
     /// Gathers the curves that `object` reaches at `frame`: ended before it, running, or beginning after it.
@@ -82,9 +79,10 @@ class KA_ANIMATION_API kaAnimationController {
 
     /// Hands the names of the active sequences that fire at `frame` to the host, with the host's simulation
     /// off meanwhile. A sequence fires while the frame is in its span, and once armed as soon as the frame
-    /// has reached its begin; then it is disarmed. Edges: a host whose sequence callback evaluates objects
-    /// has their sequences fire too, a hundred levels deep; what is reached deeper does not fire. Where each
-    /// call makes several, those below the fourth level are followed 65 536 times in all.
+    /// has reached its begin; then it is disarmed.
+    /// Edges: a host whose sequence callback evaluates objects has their sequences fire too, a hundred levels
+    /// deep; what is reached deeper does not fire. Where each call makes several, those below the fourth
+    /// level are followed 65 536 times in all.
     void evaluateSequences(const std::vector<kaAnimationSequence*>& sequences, float frame);
 
     /// Writes every field into the scene, in order. Nulls and fields that are destroyed meanwhile are passed
@@ -101,10 +99,10 @@ class KA_ANIMATION_API kaAnimationController {
 
     /// Plays the global timeline on to the clock's time. Sends "currentFrameChanged" at every tick,
     /// "currentFullFrameChanged" at every whole frame and "finishedPlayingGlobal" when the frame leaves the
-    /// range. Edges: a listener or callback that stops global playback ends it with this tick, without the
-    /// last message; one
-    ///        that jumps or starts anew has taken the timeline over, and nothing more of the tick is done.
-    ///        Folding into a range of length zero gives its begin.
+    /// range.
+    /// Edges: a listener or callback that stops global playback ends it with this tick, without the last
+    /// message; one that jumps or starts anew has taken the timeline over, and nothing more of the tick is
+    /// done. Folding into a range of length zero gives its begin.
     void playLoop();
 
     /// Starts the waiting objects. One that is running already goes on.
@@ -140,10 +138,10 @@ class KA_ANIMATION_API kaAnimationController {
     /// @param ids what to play; ids that nobody knows are passed over. @param reverse backwards from `end`.
     /// @param repeat folded into the range, without end. @param begin,end,start frames. All three 0: the
     /// joint range of the objects, from the current frame on.
-    void playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat, float begin,
-                    float end, float start);
+    void playGlobal(const std::vector<kaUID>& ids, bool reverse, bool repeat, float begin, float end,
+                    float start);
     /// The same for one object; id 0 does nothing.
-    void playGlobal(unsigned long long id, bool reverse, bool repeat, float begin, float end, float start);
+    void playGlobal(kaUID id, bool reverse, bool repeat, float begin, float end, float start);
     /// Stops the global timeline without a message and forgets the objects of the last jump.
     void stopGlobal();
     /// Stops the global timeline, evaluates an object at its begin or end and tells the host's time line,
@@ -193,7 +191,7 @@ class KA_ANIMATION_API kaAnimationController {
     static bool isCallWidgets() { return _callWidgets; }
     static void setCallWidgets(bool callWidgets) { _callWidgets = callWidgets; }
     /// What global playback evaluates.
-    static const std::vector<unsigned long long>& getPlayingObjects() { return the()->_playingObjects; }
+    static const std::vector<kaUID>& getPlayingObjects() { return the()->_playingObjects; }
     /// Curves and sequences of the last global jump. Valid until the next jump or destruction.
     static const std::vector<kaAnimationCurve2D*>& getCurves();
     static const std::vector<kaAnimationSequence*>& getSeqs();
@@ -220,22 +218,22 @@ class KA_ANIMATION_API kaAnimationController {
     /// @}
 
     /// What `loop` plays, by id. Valid until the next change or destruction.
-    const std::map<unsigned long long, kaAnimationObject*>& getRunningObjects() const;
+    const std::map<kaUID, kaAnimationObject*>& getRunningObjects() const;
     /// Valid until the next change or destruction.
     const std::vector<kaAnimationObject*>& getWaitingObjects() const;
     /// Queues an object to start at the end of the next `loop()`; null is ignored.
     void addWaitingObject(kaAnimationObject* object);
     /// Takes an object out of the running ones.
-    void subRunningObject(unsigned long long id);
+    void subRunningObject(kaUID id);
 
     /// @name What `evaluate` evaluates
     /// @{
 
     /// Ids that the host edits, and whether the scene's active blocks are evaluated too.
-    unsigned long long getObjectID() const { return _objectID; }
-    void setObjectID(unsigned long long id) { _objectID = id; }
-    const std::vector<unsigned long long>& getCurveIDs() const { return _curveIDs; }
-    void setCurveIDs(const std::vector<unsigned long long>& ids) { _curveIDs = ids; }
+    kaUID getObjectID() const { return _objectID; }
+    void setObjectID(kaUID id) { _objectID = id; }
+    const std::vector<kaUID>& getCurveIDs() const { return _curveIDs; }
+    void setCurveIDs(const std::vector<kaUID>& ids) { _curveIDs = ids; }
     bool isEvalActiveUnits() const { return _evalActiveUnits; }
     void setEvalActiveUnits(bool evalActiveUnits) { _evalActiveUnits = evalActiveUnits; }
     /// @}
@@ -282,9 +280,9 @@ class KA_ANIMATION_API kaAnimationController {
     static bool _reverse;
     static bool _forcePlayLoopFullFrame;
 
-    std::vector<unsigned long long> _playingObjects;
-    unsigned long long _objectID = 0;
-    std::vector<unsigned long long> _curveIDs;
+    std::vector<kaUID> _playingObjects;
+    kaUID _objectID = 0;
+    std::vector<kaUID> _curveIDs;
     bool _evalActiveUnits = false;
     std::unique_ptr<kaEvaluation> _evaluation;
     std::unique_ptr<kaPlayedObjects> _played;

@@ -9,9 +9,9 @@
 #include "kaObjectStore.h"
 #include "kaPlainOutput.h"
 #include "kaRounding.h"
+#include "kaSceneNodes.h"
 #include "kaWeak.h"
 
-#include <OpenSG/OSGFieldContainerFactory.h>
 #include <cmath>
 #include <ios>
 
@@ -23,7 +23,7 @@ kaControlPoint2D* asPoint(kaAnimationObject* object) {
 
 /// A child of `keys`, itself unseen where all of them are known to be keys.
 kaControlPoint2D* asPoint(const kaChildList& keys, kaAnimationObject* child) {
-    return keys.holdsKeysAlone() ? static_cast<kaControlPoint2D*>(child) : asPoint(child);
+    return keys.hasKeysOnly() ? static_cast<kaControlPoint2D*>(child) : asPoint(child);
 }
 
 osg::Pnt2f moved(const osg::Pnt2f& point, float dx, float dy) {
@@ -164,8 +164,7 @@ osg::NodePtr kaAnimationCurve2D::getParentOSGNode() const {
     const kaAnimationField* field = resolvedField();
     if (!field || field->nodeID == 0)
         return osg::NullFC;
-    const auto id = static_cast<osg::UInt32>(field->nodeID);
-    return osg::NodePtr::dcast(osg::FieldContainerFactory::the()->getContainer(id));
+    return kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID));
 }
 
 kaAnimationField* kaAnimationCurve2D::resolvedField() const {
@@ -428,7 +427,7 @@ void kaAnimationCurve2D::mapX(Map&& map) {
         for (kaControlPoint2D* part : {point->getInTangent(), point->getOutTangent(), point})
             if (part)
                 part->setPosition(map(part->getPosition()[0]), part->getPosition()[1]);
-    children().settle();
+    children().recheckOrder();
 }
 
 void kaAnimationCurve2D::move(float offset, bool tellParent) {

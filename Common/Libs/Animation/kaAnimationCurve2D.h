@@ -83,8 +83,7 @@ class KA_ANIMATION_API kaAnimationCurve2D final : public kaAnimationObject {
     void setPoints(const std::vector<kaControlPoint2D*>& points);
     /// Removes and destroys the selected keys.
     /// @return the curve, or null when it was destroyed because `destroyIfEmpty` is set and no key remains
-    /// (also
-    ///         when it had none to begin with).
+    /// (also when it had none to begin with).
     kaAnimationCurve2D* deleteSelectedPoints(bool tellParent, bool destroyIfEmpty);
     /// The same for all keys; a curve without keys is returned untouched.
     kaAnimationCurve2D* deletePoints(bool tellParent, bool destroyIfEmpty);

@@ -21,8 +21,8 @@ class KA_ANIMATION_API kaAnimationField {
     kaAnimationField& operator=(const kaAnimationField&) = delete;
     ~kaAnimationField();
 
-    /// Records made one after the other lie side by side, wherever else memory went meanwhile: every frame
-    /// walks through them. The memory of freed ones is kept for others.
+    /// From a pool: every frame walks through the records, so that those made in a row are neighbours in memory.
+    /// The memory of freed records is kept for later ones.
     static void* operator new(std::size_t size);
     static void operator delete(void* record, std::size_t size) noexcept; ///< Takes what `new` gave.
 

@@ -21,8 +21,7 @@
 #include <ctime>
 
 // Ids, lookup, creation, duplication and destruction. The other operations stand in
-// kaAnimationManagerScene.cpp,
-// ...Sync.cpp, ...Connections.cpp, ...Documents.cpp and ...Import.cpp.
+// kaAnimationManagerScene.cpp, ...Sync.cpp, ...Connections.cpp, ...Documents.cpp and ...Import.cpp.
 
 namespace {
 
@@ -88,17 +87,17 @@ unsigned long long kaAnimationManager::random(unsigned long long seed) {
     return kaObjectRegistry::random(seed);
 }
 
-unsigned long long kaAnimationManager::createUID() {
+kaUID kaAnimationManager::createUID() {
     return kaObjectRegistry::the().createUID();
 }
 
-bool kaAnimationManager::isIDUnique(unsigned long long id) const {
+bool kaAnimationManager::isIDUnique(kaUID id) const {
     return kaObjectRegistry::the().isIDUnique(id);
 }
 
 // Lookup.
 
-kaAnimationObject* kaAnimationManager::getObject(unsigned long long id) const {
+kaAnimationObject* kaAnimationManager::getObject(kaUID id) const {
     return kaObjectRegistry::the().find(id);
 }
 
@@ -110,40 +109,40 @@ bool kaAnimationManager::isObjectNameUnique(const std::string& name) const {
     return !name.empty() && !kaObjectRegistry::the().names().contains(name);
 }
 
-kaControlPoint2D* kaAnimationManager::getPoint2D(unsigned long long id) const {
+kaControlPoint2D* kaAnimationManager::getPoint2D(kaUID id) const {
     return kaObjectStore::find<kaControlPoint2D>(id);
 }
 
-kaAnimationCurve2D* kaAnimationManager::getCurve2D(unsigned long long id) const {
+kaAnimationCurve2D* kaAnimationManager::getCurve2D(kaUID id) const {
     return kaObjectStore::find<kaAnimationCurve2D>(id);
 }
 
-kaAnimationUnit* kaAnimationManager::getUnit(unsigned long long id) const {
+kaAnimationUnit* kaAnimationManager::getUnit(kaUID id) const {
     return kaObjectStore::find<kaAnimationUnit>(id);
 }
 
-kaAnimationStreak* kaAnimationManager::getStreak(unsigned long long id) const {
+kaAnimationStreak* kaAnimationManager::getStreak(kaUID id) const {
     return kaObjectStore::find<kaAnimationStreak>(id);
 }
 
-kaAnimationStrip* kaAnimationManager::getStrip(unsigned long long id) const {
+kaAnimationStrip* kaAnimationManager::getStrip(kaUID id) const {
     return kaObjectStore::find<kaAnimationStrip>(id);
 }
 
-kaAnimationSequence* kaAnimationManager::getSequence(unsigned long long id) const {
+kaAnimationSequence* kaAnimationManager::getSequence(kaUID id) const {
     return kaObjectStore::find<kaAnimationSequence>(id);
 }
 
-kaAnimationField* kaAnimationManager::getField(unsigned long long id) const {
+kaAnimationField* kaAnimationManager::getField(kaUID id) const {
     return kaObjectRegistry::the().findField(id);
 }
 
-std::map<unsigned long long, kaAnimationObject*> kaAnimationManager::getObjects() const {
+std::map<kaUID, kaAnimationObject*> kaAnimationManager::getObjects() const {
     const auto entries = kaObjectRegistry::the().ordered();
     return {entries.begin(), entries.end()};
 }
 
-std::map<unsigned long long, kaAnimationField*> kaAnimationManager::getFields() const {
+std::map<kaUID, kaAnimationField*> kaAnimationManager::getFields() const {
     return kaObjectRegistry::the().fields();
 }
 
@@ -168,47 +167,47 @@ std::size_t kaAnimationManager::getFieldCount() const {
 
 // Creation.
 
-kaControlPoint2D* kaAnimationManager::createPoint2D(unsigned long long id) {
+kaControlPoint2D* kaAnimationManager::createPoint2D(kaUID id) {
     return kaObjectStore::make<kaControlPoint2D>("Point", id, false);
 }
 
-kaControlPoint2D* kaAnimationManager::createPoint2D(float x, float y, unsigned long long id) {
+kaControlPoint2D* kaAnimationManager::createPoint2D(float x, float y, kaUID id) {
     return kaObjectStore::make<kaControlPoint2D>(x, y, "Point", id, false);
 }
 
-kaAnimationCurve2D* kaAnimationManager::createCurve2D(unsigned long long id) {
+kaAnimationCurve2D* kaAnimationManager::createCurve2D(kaUID id) {
     return kaObjectStore::make<kaAnimationCurve2D>("Curve", id);
 }
 
-kaAnimationUnit* kaAnimationManager::createUnit(unsigned long long id) {
+kaAnimationUnit* kaAnimationManager::createUnit(kaUID id) {
     return createUnit("Block", id);
 }
 
-kaAnimationUnit* kaAnimationManager::createUnit(const std::string& name, unsigned long long id) {
+kaAnimationUnit* kaAnimationManager::createUnit(const std::string& name, kaUID id) {
     return kaObjectStore::make<kaAnimationUnit>(name, id);
 }
 
-kaAnimationStreak* kaAnimationManager::createStreak(unsigned long long id) {
+kaAnimationStreak* kaAnimationManager::createStreak(kaUID id) {
     return createStreak("Track", id);
 }
 
-kaAnimationStreak* kaAnimationManager::createStreak(const std::string& name, unsigned long long id) {
+kaAnimationStreak* kaAnimationManager::createStreak(const std::string& name, kaUID id) {
     return kaObjectStore::make<kaAnimationStreak>(name, id);
 }
 
-kaAnimationStrip* kaAnimationManager::createStrip(unsigned long long id) {
+kaAnimationStrip* kaAnimationManager::createStrip(kaUID id) {
     return createStrip("Clip", id);
 }
 
-kaAnimationStrip* kaAnimationManager::createStrip(const std::string& name, unsigned long long id) {
+kaAnimationStrip* kaAnimationManager::createStrip(const std::string& name, kaUID id) {
     return kaObjectStore::make<kaAnimationStrip>(name, id);
 }
 
-kaAnimationSequence* kaAnimationManager::createSequence(const std::string& name, unsigned long long id) {
+kaAnimationSequence* kaAnimationManager::createSequence(const std::string& name, kaUID id) {
     return kaObjectStore::make<kaAnimationSequence>(name, id);
 }
 
-kaAnimationField* kaAnimationManager::createField(unsigned long long id) {
+kaAnimationField* kaAnimationManager::createField(kaUID id) {
     return kaFieldStore::make(id);
 }
 

@@ -69,14 +69,14 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// Seeds the process-wide generator unless `seed` is 0, then returns its next number.
     static unsigned long long random(unsigned long long seed);
     /// A fresh id: never 0, never one that a registered object or field has.
-    unsigned long long createUID();
+    kaUID createUID();
     /// Whether neither an object nor a field has this id; 0 is unique.
-    bool isIDUnique(unsigned long long id) const;
+    bool isIDUnique(kaUID id) const;
     /// Gives an object or field the id asked for, or a fresh one where that id is taken (its own included).
     /// Read the id back to learn which. Null does nothing.
-    void setID(unsigned long long id, kaAnimationObject* object);
-    /// @copydoc setID(unsigned long long, kaAnimationObject*)
-    void setID(unsigned long long id, kaAnimationField* field);
+    void setID(kaUID id, kaAnimationObject* object);
+    /// @copydoc setID(kaUID, kaAnimationObject*)
+    void setID(kaUID id, kaAnimationField* field);
 
     /// The object with the smallest id whose name is `name`; null for an empty name. Cost: a walk of the
     /// registry.
@@ -89,17 +89,17 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
 
     /// The registered object or field with that id; null when there is none, or when it is of another type.
     /// The registry keeps owning it. Cost: constant.
-    kaAnimationObject* getObject(unsigned long long id) const;
-    kaControlPoint2D* getPoint2D(unsigned long long id) const;
-    kaAnimationCurve2D* getCurve2D(unsigned long long id) const;
-    kaAnimationUnit* getUnit(unsigned long long id) const;
-    kaAnimationStreak* getStreak(unsigned long long id) const;
-    kaAnimationStrip* getStrip(unsigned long long id) const;
-    kaAnimationSequence* getSequence(unsigned long long id) const;
-    kaAnimationField* getField(unsigned long long id) const;
+    kaAnimationObject* getObject(kaUID id) const;
+    kaControlPoint2D* getPoint2D(kaUID id) const;
+    kaAnimationCurve2D* getCurve2D(kaUID id) const;
+    kaAnimationUnit* getUnit(kaUID id) const;
+    kaAnimationStreak* getStreak(kaUID id) const;
+    kaAnimationStrip* getStrip(kaUID id) const;
+    kaAnimationSequence* getSequence(kaUID id) const;
+    kaAnimationField* getField(kaUID id) const;
     /// @}
-    std::map<unsigned long long, kaAnimationObject*> getObjects() const; ///< A copy: O(n log n).
-    std::map<unsigned long long, kaAnimationField*> getFields() const;   ///< A copy: O(n).
+    std::map<kaUID, kaAnimationObject*> getObjects() const; ///< A copy: O(n log n).
+    std::map<kaUID, kaAnimationField*> getFields() const;   ///< A copy: O(n).
     /// The registered objects of one type (`KA_TYPE_...`) in ascending id order; none for another number.
     /// Cost: O(n of that type); for keys O(n log n).
     std::vector<kaAnimationObject*> getObjects(unsigned int type) const;
@@ -112,11 +112,11 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// A new object or field with the defaults of its class, owned by the registry. Id 0 draws a fresh id. An
     /// id that is already registered keeps its entry: the new object is returned but not registered. Cost: a
     /// constant number of allocations.
-    kaControlPoint2D* createPoint2D(unsigned long long id);
-    kaControlPoint2D* createPoint2D(float x, float y, unsigned long long id);
-    kaAnimationCurve2D* createCurve2D(unsigned long long id);
+    kaControlPoint2D* createPoint2D(kaUID id);
+    kaControlPoint2D* createPoint2D(float x, float y, kaUID id);
+    kaAnimationCurve2D* createCurve2D(kaUID id);
     /// A curve bound to `field`; with `attach` it is listed on the field's scene node.
-    kaAnimationCurve2D* createCurve2D(kaAnimationField* field, const std::string& name, unsigned long long id,
+    kaAnimationCurve2D* createCurve2D(kaAnimationField* field, const std::string& name, kaUID id,
                                       bool attach);
     /// A curve for the node's field of that attribute, named after the attribute; null when there is no such
     /// field.
@@ -125,19 +125,18 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// ...). Prints one line and gives null for an attribute that is unknown or that the node has no field
     /// for.
     kaAnimationCurve2D* createCurve2D(const osg::NodePtr& node, std::string attribute,
-                                      const std::vector<kaControlPoint2D*>& points, unsigned long long id,
-                                      bool attach);
-    kaAnimationUnit* createUnit(unsigned long long id);
-    kaAnimationUnit* createUnit(const std::string& name, unsigned long long id);
+                                      const std::vector<kaControlPoint2D*>& points, kaUID id, bool attach);
+    kaAnimationUnit* createUnit(kaUID id);
+    kaAnimationUnit* createUnit(const std::string& name, kaUID id);
     /// A block around the given curves; with `attach` it is listed on the node that the curves decide.
     kaAnimationUnit* createUnit(const std::vector<kaAnimationCurve2D*>& curves, const std::string& name,
-                                unsigned long long id, bool attach);
-    kaAnimationStreak* createStreak(unsigned long long id);
-    kaAnimationStreak* createStreak(const std::string& name, unsigned long long id);
-    kaAnimationStrip* createStrip(unsigned long long id);
-    kaAnimationStrip* createStrip(const std::string& name, unsigned long long id);
-    kaAnimationSequence* createSequence(const std::string& name, unsigned long long id);
-    kaAnimationField* createField(unsigned long long id);
+                                kaUID id, bool attach);
+    kaAnimationStreak* createStreak(kaUID id);
+    kaAnimationStreak* createStreak(const std::string& name, kaUID id);
+    kaAnimationStrip* createStrip(kaUID id);
+    kaAnimationStrip* createStrip(const std::string& name, kaUID id);
+    kaAnimationSequence* createSequence(const std::string& name, kaUID id);
+    kaAnimationField* createField(kaUID id);
     /// @}
 
     /// @name Duplication
@@ -193,9 +192,9 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     static const osg::NodePtr& getSceneRootNode(); ///< Null while there is none.
     /// With a scene root, notes that an id gave way to another. The lists that nodes hold are left as they
     /// are: what a node lists after a load that met taken ids is what it listed before, and hosts rely on it.
-    void changeAnimAttachmentIDs(unsigned long long from, unsigned long long to);
+    void changeAnimAttachmentIDs(kaUID from, kaUID to);
     /// The same for ids of fields.
-    void changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to);
+    void changeAnimAttachmentFieldIDs(kaUID from, kaUID to);
     /// The visitor of the same; it changes nothing and goes on.
     static osg::Action::ResultE changeSceneAnimAttachmentIDs(const osg::NodePtr& node);
     /// The visitor of the same; it changes nothing and goes on.
@@ -213,7 +212,7 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// ids.
     std::vector<kaAnimationField*> getReferencedFields(unsigned int fcID) const;
     /// The curves that animate a registered field, in ascending id order.
-    std::vector<kaAnimationCurve2D*> getReferencedCurves(unsigned long long fieldID) const;
+    std::vector<kaAnimationCurve2D*> getReferencedCurves(kaUID fieldID) const;
     /// Switches every other block that is listed on the block's node off. The block's own flag stays.
     void setExclusiveActiveNodeUnit(kaAnimationUnit* unit);
 
@@ -302,10 +301,10 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// controller's next `loop()`, stopping takes the target out of the running objects and leaves its flags
     /// alone. Unknown ids are passed over. Functions that fire triggers again are followed a hundred
     /// levels deep; where each fires several, those below the fourth level 65 536 times in all.
-    void executeTriggers(std::vector<unsigned long long> connectionIDs);
+    void executeTriggers(std::vector<kaUID> connectionIDs);
     /// Connection id to (target, action); a destroyed target leaves a null here.
-    std::map<unsigned long long, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
-    std::map<unsigned long long, void (*)()> getCallbackConnections() const; ///< Connection id to function.
+    std::map<kaUID, std::pair<kaAnimationObject*, AnimationAction>> getObjectConnections() const;
+    std::map<kaUID, void (*)()> getCallbackConnections() const; ///< Connection id to function.
     /// Moves an object from its track to another, where it may overlap others.
     /// @return false, with nothing changed, for null, for an object that is on no track or for a track below
     /// it.
@@ -391,11 +390,9 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     /// @param source file name or document.
     /// @param isFile whether `source` is a file name or the text itself.
     /// @return false, with nothing changed, for an empty source, a file that cannot be opened or is too
-    /// large, and
-    ///         text that is not well-formed, declares entities or nests elements deeper than 256.
-    /// Cost: O(n log n); about half the time of `QDomDocument::setContent` and a tenth of its memory, the
-    /// objects
-    ///       aside.
+    /// large, and text that is not well-formed, declares entities or nests elements deeper than 256.
+    /// Cost:  O(n log n); about half the time of `QDomDocument::setContent` and a tenth of its memory, the
+    /// objects aside.
     bool loadAnimations(const QString& source, bool isFile);
     bool loadAnimations(QWidget* parent); ///< Asks for the file.
     /// Why the last `loadAnimations` gave false, and where; an empty message after one that gave true.
@@ -473,8 +470,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     friend class kaAnimationScene;
     /// `loadAnimations`, which calls `begin` once the document is known to be one, before it makes anything.
     bool load(const QString& source, bool isFile, const std::function<void()>& begin);
-    unsigned long long createConnectionID();
-    unsigned long long freshIDFor(unsigned long long taken, bool isField);
+    kaUID createConnectionID();
+    kaUID freshIDFor(kaUID taken, bool isField);
 
     static ShowCurves _showCurvesFP;
     static FileIOProgress _progressFP;
@@ -482,8 +479,8 @@ class KA_ANIMATION_API kaAnimationManager : public QObject, public kaConnectionT
     static unsigned int _importNodeCount;
     static unsigned int _nodeCounter;
 
-    unsigned long long _changeFromID = 0;
-    unsigned long long _changeToID = 0;
+    kaUID _changeFromID = 0;
+    kaUID _changeToID = 0;
     std::unique_ptr<kaSceneSync> _sceneSync;
     std::unique_ptr<kaConnections> _connections;
     /// The duplicates that wait to be pasted, in the order they were copied; the registry owns them. Counts

@@ -1,8 +1,8 @@
 #include "kaAnimationObject.h"
 
 #include "kaChange.h"
-#include "kaDescent.h"
 #include "kaObjectRegistry.h"
+#include "kaTreeWalk.h"
 
 // What an object is by itself. What it has below it and whom it tells of changes stands in
 // kaAnimationObjectChildren.cpp, the curves and sequences below it in kaAnimationObjectCurves.cpp, what it
@@ -34,8 +34,8 @@ void kaAnimationObject::setMinimum(float minimum) {
 /// curves ever name each other.
 void kaAnimationObject::setActive(bool active) {
     constexpr std::size_t MostNamings = 24;
-    static kaDescentPath path;
-    const kaDescentStep step(path, *this);
+    static kaWalkPath path;
+    const kaWalkLevel step(path, *this);
     if (step && path.size() <= MostNamings) {
         std::vector<kaUID> below(getCurveIDs().begin(), getCurveIDs().end());
         below.insert(below.end(), getSequenceIDs().begin(), getSequenceIDs().end());

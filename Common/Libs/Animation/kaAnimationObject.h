@@ -303,7 +303,7 @@ class KA_ANIMATION_API kaAnimationObject {
     static void sortChildren(kaChildList& children, Operation operation);
     void destroyChildren();
 
-    kaChildChunk* _home = nullptr; ///< the place in the one list that mirrors this object, if any
+    kaChildChunk* _home = nullptr; ///< its chunk in the list that is linked to it, if any
     std::unique_ptr<Group> _group;
     kaObjectName _name;
 

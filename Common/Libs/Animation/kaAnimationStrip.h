@@ -28,8 +28,7 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
     /// Removes a track, or removes another object from the first track that holds it; that track stays, even
     /// empty.
     /// @return the track that was removed or that gave the object up; null when a track was destroyed or none
-    /// holds
-    ///         the object.
+    /// holds the object.
     kaAnimationObject* subObject(kaAnimationObject* object, bool destroy) override;
 
     /// Puts a block, clip or sequence on the first track, by begin, that has room, else on a new one.

@@ -78,7 +78,7 @@ std::string kaAnimationUtils::fullAttributeName(const std::string& attribute) {
     return kaFieldInfo::fullAttributeName(attribute);
 }
 
-void kaAnimationUtils::computeAnimationFieldAttributes(unsigned long long nodeID, const std::string& input,
+void kaAnimationUtils::computeAnimationFieldAttributes(kaUID nodeID, const std::string& input,
                                                        unsigned int& fcID, std::string& attribute,
                                                        std::string& name, unsigned int& valuePos) {
     const osg::NodePtr node = kaSceneNodes::find(static_cast<osg::UInt32>(nodeID));

@@ -45,8 +45,8 @@ class KA_ANIMATION_API kaAnimationUtils {
     /// Derives a field record's addressing from a node and an attribute as the host spells it. All outputs
     /// stay unchanged when `nodeID` is no node or `input` is empty. Kept exactly: the name is cut by the
     /// length of `input`, so that "translateX" gives the attribute "translationX" and the name "translati".
-    static void computeAnimationFieldAttributes(unsigned long long nodeID, const std::string& input,
-                                                unsigned int& fcID, std::string& attribute, std::string& name,
+    static void computeAnimationFieldAttributes(kaUID nodeID, const std::string& input, unsigned int& fcID,
+                                                std::string& attribute, std::string& name,
                                                 unsigned int& valuePos);
     /// Recomputes a field's `fcID` from its `nodeID` and `attribute`.
     static void computeCoreTypeID(kaAnimationField* field);

@@ -78,7 +78,7 @@ void kaControlPoint2D::leaveHandles() {
 }
 
 void* kaControlPoint2D::operator new(std::size_t /*size*/) {
-    static_assert(sizeof(kaControlPoint2D) <= kaKeyMemory::BlockSize, "two lines of the cache");
+    static_assert(sizeof(kaControlPoint2D) <= kaKeyMemory::BlockSize, "two cache lines");
     return kaKeyMemory::the().take();
 }
 

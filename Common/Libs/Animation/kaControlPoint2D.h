@@ -62,8 +62,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     /// Places both handles according to tangent type and length mode. Handles are written directly: no extent
     /// is recomputed and no parent told.
     /// @return false, with nothing changed, when a handle is missing, the parent is not a registered curve,
-    /// the type
-    ///         is `TANGENT_USER`, the curve has no key at exactly this x, or the key has no neighbour.
+    /// the type is `TANGENT_USER`, the curve has no key at exactly this x, or the key has no neighbour.
     /// Edges: neighbours at the same x give infinite or undefined slopes, which are used as they come.
     /// Cost: O(log n) in the curve's keys while they are in order.
     bool computeTangents();
@@ -117,7 +116,7 @@ class KA_ANIMATION_API kaControlPoint2D final : public kaAnimationObject {
     void own(kaControlPoint2D*& slot, kaControlPoint2D* handle);
     void freeHandle(kaControlPoint2D*& slot);
 
-    // What is read of a key's neighbours stands in one line of the cache.
+    // What is read of a key's neighbours fills one cache line.
     osg::Pnt2f _position{0.0F, 0.0F};
     unsigned int _tangentType = TANGENT_SMOOTH;
     unsigned int _tangentLengthMode = LENGTH_HALF;

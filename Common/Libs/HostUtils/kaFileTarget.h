@@ -10,9 +10,8 @@
 class kaFileTarget {
   public:
     /// @return false, with the reason in getError(), for an empty name, one with a zero byte in it, a folder,
-    /// a link
-    ///         that leads round in a circle, and a path that cannot be followed. A file that does not exist
-    ///         is no failure.
+    /// a link that leads round in a circle, and a path that cannot be followed. A file that does not exist is
+    /// no failure.
     bool resolve(const std::string& name);
 
     const std::filesystem::path& getPath() const { return _path; }

@@ -21,9 +21,8 @@ namespace kaOpenSGUtils {
 /// @param name     which listeners are called; compared byte by byte.
 /// @param message  handed on as it is.
 /// @param flags  handed on to the listeners as it is.
-/// Edges:  messages nested deeper than 64 are dropped. What a listener throws comes through, and those after
-/// it miss
-///         the message.
+/// Edges: messages nested deeper than 64 are dropped. What a listener throws comes through, and those after
+/// it miss the message.
 /// Cost:   without listeners one look-up by name and no allocation; otherwise the same plus the listeners.
 KA_HOSTUTILS_API void call(std::string_view name, const kaMessage& message, int flags);
 

@@ -16,9 +16,8 @@ namespace kaString {
 /// scene value keeps its place in the list.
 ///
 /// Edges:  a word that is not wholly a number ("TRUE", "12px", "0x1F") is skipped. A number that no float can
-/// hold
-///         becomes the largest float of its sign, one too small becomes 0 of its sign. An empty text gives an
-///         empty list.
+/// hold becomes the largest float of its sign, one too small becomes 0 of its sign. An empty text gives an
+/// empty list.
 /// Cost:   linear in the text, one allocation pattern of a growing vector.
 KA_HOSTUTILS_API std::vector<float> getValuesFromString(std::string_view text);
 

@@ -2,11 +2,9 @@
 
 #include <cstdint>
 
-/// How often anything that evaluation reads of the object model has changed: an object or a field came or
-/// went, or a member of one was written that a setter guards. For what is read anew after any edit at all:
-/// key lists that do not know their keys, and a walk that led out to the host. All else follows the objects
-/// that it was made of
-/// (`kaDependents`).
+/// Counts every change of what evaluation reads: objects and fields made or destroyed, members set. For the few
+/// caches that any edit invalidates: those of key lists that resolve their ids at each use, and a pass that has
+/// called the host. Every other cache is invalidated by the objects that it was made from (`kaDependents`).
 namespace kaEdits {
 
 inline std::uint64_t count = 1;

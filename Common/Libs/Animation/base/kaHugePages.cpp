@@ -16,8 +16,8 @@ bool isMapped(std::size_t bytes) {
     return bytes >= kaHugePages::Size;
 }
 
-/// Asks for one page more, to begin where a huge page may, and gives back what stands over on both sides: the
-/// heap would keep it.
+/// Maps one huge page more than asked for, so that an aligned range lies in it, and unmaps what is left over on
+/// both sides: the heap would keep it.
 void* map(std::size_t bytes) {
     const std::size_t asked = bytes + kaHugePages::Size;
     if (bytes == 0 || asked < bytes)

@@ -4,8 +4,8 @@
 #include <limits>
 #include <new>
 
-/// Memory for arrays that are read at random places, in huge pages once it fills one: of small pages a
-/// processor remembers where a few MB lie, and looks up the place of everything else at each read.
+/// Memory for large arrays with random access, in huge pages (2 MB) from that size on: the TLB covers a few MB
+/// of 4 KB pages only, and each read beyond them would take a page walk.
 namespace kaHugePages {
 
 constexpr std::size_t Size = std::size_t{2} << 20; ///< of one huge page, in bytes

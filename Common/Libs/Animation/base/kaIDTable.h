@@ -7,13 +7,12 @@
 #include <random>
 #include <vector>
 
-/// Pointers by id, in no order, for an index that is asked far oftener than it changes: a search mostly reads
-/// one line of memory, where a table with its marks apart from its entries reads two. Does not own what it
-/// points to.
+/// Hash table from ids to pointers, unordered, not owning. Made for look-ups: one mostly touches one cache line,
+/// where tables that keep control bytes apart from the entries touch two.
 ///
-/// Open addressing, linear probing, at most three quarters full; an entry that goes has those behind it move
-/// up. Where an id stands is drawn anew in each process, so that nobody can write a document whose ids all
-/// belong in one place. Sources: D. E. Knuth, The Art of Computer Programming 3, 6.4, algorithms L and R;
+/// Open addressing with linear probing, load at most 3/4, backward-shift deletion. The hash has a random factor
+/// in each process, so that no document can be written whose ids all collide. Sources: D. E. Knuth, The Art of
+/// Computer Programming 3, 6.4, algorithms L and R;
 /// M. Dietzfelbinger et al., A Reliable Randomized Algorithm for the Closest-Pair Problem (multiply-shift).
 template <class Object>
 class kaIDTable {

@@ -5,14 +5,15 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Which few things have changed last, so that what was made of many need not be made anew for one of them.
+/// The last eight things that have changed, each with the revision at which it did: whoever has cached
+/// something made from many things updates it for those alone that are newer than its own revision.
 ///
-/// Changes are numbered by a count of the caller's that grows from one to the next. Remembers addresses and
-/// never looks behind them; a thing that has gone stays listed until it is forgotten.
+/// The caller numbers the changes; the numbers grow. Keeps addresses and never dereferences them: a thing that
+/// has been freed stays listed until newer changes displace it.
 template <class Thing>
 class kaRecentChanges {
   public:
-    /// The thing's change has the number `change`. What has to be forgotten for it is longest ago.
+    /// Enters a change of `thing` under the number `change`; the oldest entry is displaced.
     void note(const Thing& thing, std::uint64_t change) {
         Entry* entry = &_entries[_last];
         if (entry->thing != &thing) {
@@ -32,7 +33,7 @@ class kaRecentChanges {
         *entry = {&thing, change};
     }
 
-    /// More has changed than can be named, up to the number `change`.
+    /// Everything may have changed, up to the number `change`.
     void noteAll(std::uint64_t change) { _from = change; }
 
     /// Calls `visit(const Thing&)`, in no order, for each thing that has changed since `change`. @return

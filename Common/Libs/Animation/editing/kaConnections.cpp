@@ -15,7 +15,7 @@ kaConnections::ObjectMap kaConnections::objects() const {
 }
 
 void kaConnections::execute(const std::vector<kaUID>& ids) {
-    const kaNesting level(_depth);
+    const kaReentryGuard level(_calls);
     if (!level)
         return;
     for (kaUID id : ids) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kaAnimationTypes.h"
-#include "kaNesting.h"
+#include "kaReentryGuard.h"
 #include "kaWeak.h"
 
 #include <map>
@@ -28,8 +28,9 @@ class kaConnections : public kaConnectionTypes {
     void add(kaUID id, Function function) { _functions.emplace(id, function); }
 
     /// Carries out connections in the order given; ids that nobody has are passed over. A function may do
-    /// anything, even make connections. Edges: functions that fire triggers whose functions fire triggers,
-    /// and so on, are followed as far as `kaNesting` allows; what fires deeper does nothing.
+    /// anything, even make connections.
+    /// Edges: functions that fire triggers whose functions fire triggers, and so on, are followed as far as
+    /// `kaReentryGuard` allows; what fires deeper does nothing.
     void execute(const std::vector<kaUID>& ids);
 
     ObjectMap objects() const; ///< With null for a target that has been freed.
@@ -40,5 +41,5 @@ class kaConnections : public kaConnectionTypes {
 
     std::map<kaUID, std::pair<kaWeak<kaAnimationObject>, AnimationAction>> _objects;
     FunctionMap _functions;
-    kaNesting::Depth _depth;
+    kaReentryGuard::Calls _calls;
 };

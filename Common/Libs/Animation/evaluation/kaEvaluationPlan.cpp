@@ -3,10 +3,10 @@
 #include "kaAnimationCurve2D.h"
 #include "kaChildList.h"
 #include "kaCurveView.h"
-#include "kaDescent.h"
 #include "kaEdits.h"
 #include "kaObjectClass.h"
 #include "kaObjectRegistry.h"
+#include "kaTreeWalk.h"
 
 #include <algorithm>
 #include <limits>
@@ -128,8 +128,8 @@ void kaEvaluationPlan::visit(const kaAnimationObject& top) {
         addLeaf(top);
         return;
     }
-    kaDescentPath path;
-    kaDescent<const kaAnimationObject, kaDescentChildren<const kaAnimationObject>> walk(path);
+    kaWalkPath path;
+    kaTreeWalk<const kaAnimationObject, kaWalkChildren<const kaAnimationObject>> walk(path);
     const auto enter = [this, &walk](const kaAnimationObject& object) {
         kaDependents::enter(object, *this, NoPlace);
         const kaChildList* children = object.childrenOrNull();

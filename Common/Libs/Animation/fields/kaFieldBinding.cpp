@@ -107,7 +107,7 @@ float kaFieldBinding::storedForm(bool isAngle, float value) {
     return isAngle ? value * 2.0F * PI / 360.0F : value;
 }
 
-kaFieldBinding& kaFieldBinding::renewed(kaAnimationField& field, const osg::FieldContainerPtr& container) {
+kaFieldBinding& kaFieldBinding::updated(kaAnimationField& field, const osg::FieldContainerPtr& container) {
     if (!field._binding)
         field._binding.reset(new kaFieldBinding);
     field._binding->resolve(field, container);

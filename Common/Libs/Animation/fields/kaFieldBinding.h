@@ -53,7 +53,7 @@ struct kaFieldBinding {
     /// Cost: a few compares while nothing changed; else a walk of the container type's fields.
     static kaFieldBinding& of(kaAnimationField& field, const osg::FieldContainerPtr& container) {
         kaFieldBinding* binding = field._binding.get();
-        return binding && binding->standsFor(field) ? *binding : renewed(field, container);
+        return binding && binding->standsFor(field) ? *binding : updated(field, container);
     }
 
     /// The binding that the record's last use left if it still stands for the record, else null. Whether the
@@ -137,7 +137,7 @@ struct kaFieldBinding {
     std::string ownNames[2];                ///< name and attribute where no lasting text equals them
 
   private:
-    static kaFieldBinding& renewed(kaAnimationField& field, const osg::FieldContainerPtr& container);
+    static kaFieldBinding& updated(kaAnimationField& field, const osg::FieldContainerPtr& container);
     void resolve(const kaAnimationField& field, const osg::FieldContainerPtr& container);
     void resolveSceneField(osg::Field& sceneField);
     void resolveAttribute(const kaAnimationField& field);

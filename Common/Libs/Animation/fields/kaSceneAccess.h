@@ -36,13 +36,13 @@ osg::NodeCorePtr coreOf(const osg::NodePtr& node);
 /// The material that a material group holds; null for other cores and for a group without material.
 osg::FieldContainerPtr materialOf(const osg::NodeCorePtr& core);
 
-/// Records an edit of an attachment's id lists in the current change list. The container's own notification
-/// is left out: objects leave their node's list in the middle of being destroyed, where the host must not be
-/// called. For the same reason a list that finds no memory goes without the entry.
+/// Records an edit of an attachment's id lists in the current change list without calling the container's
+/// `changed`: objects leave their node's list while they are being destroyed, when the host must not be called
+/// and nothing may fail. When memory runs out the entry is left out.
 void recordChange(const osg::FieldContainerPtr& container, osg::BitVector mask) noexcept;
 
-/// Whether the container's own type is of the group of `Reference`: types that share the group count, derived
-/// types, each of a group of its own unless they say otherwise, do not.
+/// Whether the type of the container is in the same group as `Reference`. A derived type is in a group of its own
+/// unless it names its parent's.
 template <class Reference>
 bool isOfGroup(const osg::FieldContainerPtr& container) {
     return container->getType().getGroupId() == Reference::getClassType().getGroupId();

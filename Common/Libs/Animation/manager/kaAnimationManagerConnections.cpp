@@ -24,8 +24,8 @@ kaAnimationManager::UpdatePaste kaAnimationManager::_updatePasteFP = nullptr;
 
 // Connections.
 
-unsigned long long kaAnimationManager::createConnectionID() {
-    unsigned long long id = createUID();
+kaUID kaAnimationManager::createConnectionID() {
+    kaUID id = createUID();
     while (_connections->contains(id))
         id = createUID();
     return id;
@@ -35,7 +35,7 @@ bool kaAnimationManager::createConnection(kaAnimationObject* source, AnimationTr
                                           kaAnimationObject* target, AnimationAction action) {
     if (!source || !target)
         return false;
-    const unsigned long long id = createConnectionID();
+    const kaUID id = createConnectionID();
     source->addTrigger(trigger, id);
     _connections->add(id, *target, action);
     return true;
@@ -45,22 +45,22 @@ bool kaAnimationManager::createConnection(kaAnimationObject* source, AnimationTr
                                           void (*function)()) {
     if (!source || !function)
         return false;
-    const unsigned long long id = createConnectionID();
+    const kaUID id = createConnectionID();
     source->addTrigger(trigger, id);
     _connections->add(id, function);
     return true;
 }
 
-void kaAnimationManager::executeTriggers(std::vector<unsigned long long> connectionIDs) {
+void kaAnimationManager::executeTriggers(std::vector<kaUID> connectionIDs) {
     _connections->execute(connectionIDs);
 }
 
-std::map<unsigned long long, std::pair<kaAnimationObject*, kaAnimationManager::AnimationAction>>
+std::map<kaUID, std::pair<kaAnimationObject*, kaAnimationManager::AnimationAction>>
 kaAnimationManager::getObjectConnections() const {
     return _connections->objects();
 }
 
-std::map<unsigned long long, void (*)()> kaAnimationManager::getCallbackConnections() const {
+std::map<kaUID, void (*)()> kaAnimationManager::getCallbackConnections() const {
     return _connections->functions();
 }
 

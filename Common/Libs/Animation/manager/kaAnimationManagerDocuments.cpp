@@ -1,13 +1,13 @@
 #include "kaAnimationManager.h"
 #include "kaAnimationUtils.h"
+#include "kaAnimationXmlBuilder.h"
 #include "kaAnimationXmlNumber.h"
 #include "kaAnimationXmlOutput.h"
-#include "kaAnimationXmlReader.h"
 #include "kaAnimationXmlRecord.h"
 #include "kaAnimationXmlWriter.h"
 #include "kaFile.h"
 #include "kaLoadReport.h"
-#include "kaXmlPreflight.h"
+#include "kaXmlParser.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -77,14 +77,14 @@ QDomElement domElement(QDomDocument& document, Describe describe, const Object* 
 /// What one of the reader's operations makes of the element: null for a null element.
 template <class Result>
 Result* readElement(const QDomElement& element,
-                    Result* (kaAnimationXmlReader::*read)(const kaAnimationXmlElement&)) {
+                    Result* (kaAnimationXmlBuilder::*read)(const kaAnimationXmlElement&)) {
     Result* result = nullptr;
     if (element.isNull())
         return result;
     kaAnimationXmlRecord record;
     record.append(element);
     record.forEach([&](const kaAnimationXmlElement& recorded) {
-        result = (kaAnimationXmlReader(noteTakenID).*read)(recorded);
+        result = (kaAnimationXmlBuilder(noteTakenID).*read)(recorded);
     });
     return result;
 }
@@ -119,7 +119,7 @@ unsigned int announceLoading(const std::string& objects) {
 void makeObjects(kaAnimationManager& manager, const kaAnimationXmlRecord& record) {
     kaLoadReport::begin();
     Progress progress(manager, announceLoading(record.objects()));
-    kaAnimationXmlReader reader(noteTakenID);
+    kaAnimationXmlBuilder reader(noteTakenID);
     record.forEach([&](const kaAnimationXmlElement& element) {
         reader.create(element);
         progress.step();
@@ -241,8 +241,8 @@ bool kaAnimationManager::load(const QString& source, bool isFile, const std::fun
         return false;
     }
     const std::optional<kaAnimationXmlRecord> record =
-        isFile ? kaXmlPreflight::readFile(source, maximumFileSize, &loadFault)
-               : kaXmlPreflight::readText(source, &loadFault);
+        isFile ? kaXmlParser::readFile(source, maximumFileSize, &loadFault)
+               : kaXmlParser::readText(source, &loadFault);
     if (!record)
         return false;
     begin();
@@ -260,36 +260,36 @@ bool kaAnimationManager::loadAnimations(QWidget* parent) {
 }
 
 kaAnimationField* kaAnimationManager::readFieldDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::field);
+    return readElement(element, &kaAnimationXmlBuilder::field);
 }
 
 kaControlPoint2D* kaAnimationManager::readPointDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::point);
+    return readElement(element, &kaAnimationXmlBuilder::point);
 }
 
 kaAnimationCurve2D* kaAnimationManager::readCurveDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::curve);
+    return readElement(element, &kaAnimationXmlBuilder::curve);
 }
 
 kaAnimationUnit* kaAnimationManager::readBlockDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::block);
+    return readElement(element, &kaAnimationXmlBuilder::block);
 }
 
 kaAnimationStreak* kaAnimationManager::readTrackDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::track);
+    return readElement(element, &kaAnimationXmlBuilder::track);
 }
 
 kaAnimationStrip* kaAnimationManager::readClipDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::clip);
+    return readElement(element, &kaAnimationXmlBuilder::clip);
 }
 
 kaAnimationSequence* kaAnimationManager::readSequenceDomElement(const QDomElement& element) {
-    return readElement(element, &kaAnimationXmlReader::sequence);
+    return readElement(element, &kaAnimationXmlBuilder::sequence);
 }
 
 void kaAnimationManager::readChildren(const QDomElement& element) {
     kaAnimationXmlRecord record;
     record.append(element);
     record.forEach(
-        [](const kaAnimationXmlElement& recorded) { kaAnimationXmlReader(noteTakenID).connect(recorded); });
+        [](const kaAnimationXmlElement& recorded) { kaAnimationXmlBuilder(noteTakenID).connect(recorded); });
 }

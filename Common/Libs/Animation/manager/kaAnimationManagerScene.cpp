@@ -96,8 +96,8 @@ class PassedPoints {
 
 // Ids.
 
-unsigned long long kaAnimationManager::freshIDFor(unsigned long long taken, bool isField) {
-    const unsigned long long fresh = createUID();
+kaUID kaAnimationManager::freshIDFor(kaUID taken, bool isField) {
+    const kaUID fresh = createUID();
     if (isField)
         changeAnimAttachmentFieldIDs(taken, fresh);
     else
@@ -105,26 +105,26 @@ unsigned long long kaAnimationManager::freshIDFor(unsigned long long taken, bool
     return fresh;
 }
 
-void kaAnimationManager::setID(unsigned long long id, kaAnimationObject* object) {
+void kaAnimationManager::setID(kaUID id, kaAnimationObject* object) {
     if (object)
         kaObjectStore::rename(*object, isIDUnique(id) ? id : freshIDFor(id, false));
 }
 
-void kaAnimationManager::setID(unsigned long long id, kaAnimationField* field) {
+void kaAnimationManager::setID(kaUID id, kaAnimationField* field) {
     if (field)
         kaFieldStore::rename(*field, isIDUnique(id) ? id : freshIDFor(id, true));
 }
 
 /// Visiting the nodes would change none of them (the visitors never write back), and a document full of taken
 /// ids would walk the whole scene for each: the pair is kept, the walk is not made.
-void kaAnimationManager::changeAnimAttachmentIDs(unsigned long long from, unsigned long long to) {
+void kaAnimationManager::changeAnimAttachmentIDs(kaUID from, kaUID to) {
     if (getSceneRootNode() == osg::NullFC)
         return;
     _changeFromID = from;
     _changeToID = to;
 }
 
-void kaAnimationManager::changeAnimAttachmentFieldIDs(unsigned long long from, unsigned long long to) {
+void kaAnimationManager::changeAnimAttachmentFieldIDs(kaUID from, kaUID to) {
     changeAnimAttachmentIDs(from, to);
 }
 
@@ -172,7 +172,7 @@ std::vector<kaAnimationField*> kaAnimationManager::getReferencedFields(unsigned 
     return fields;
 }
 
-std::vector<kaAnimationCurve2D*> kaAnimationManager::getReferencedCurves(unsigned long long fieldID) const {
+std::vector<kaAnimationCurve2D*> kaAnimationManager::getReferencedCurves(kaUID fieldID) const {
     return getField(fieldID) ? kaFieldCurves::of(fieldID) : std::vector<kaAnimationCurve2D*>();
 }
 
@@ -246,7 +246,7 @@ const std::vector<std::string>& kaAnimationManager::getAnimationAttributes() con
 // Factories that start from a node.
 
 kaAnimationCurve2D* kaAnimationManager::createCurve2D(kaAnimationField* field, const std::string& name,
-                                                      unsigned long long id, bool attach) {
+                                                      kaUID id, bool attach) {
     auto* curve = kaObjectStore::make<kaAnimationCurve2D>(field, name, id);
     return attach && field ? listedOn(kaSceneNodes::find(static_cast<osg::UInt32>(field->nodeID)), curve)
                            : curve;
@@ -259,8 +259,8 @@ kaAnimationCurve2D* kaAnimationManager::createCurve2D(const osg::NodePtr& node,
 }
 
 kaAnimationCurve2D* kaAnimationManager::createCurve2D(const osg::NodePtr& node, std::string attribute,
-                                                      const std::vector<kaControlPoint2D*>& points,
-                                                      unsigned long long id, bool attach) {
+                                                      const std::vector<kaControlPoint2D*>& points, kaUID id,
+                                                      bool attach) {
     if (coreOf(node) == osg::NullFC)
         return nullptr;
     const osg::UInt32 nodeID = kaSceneNodes::idOf(node);
@@ -283,7 +283,7 @@ kaAnimationCurve2D* kaAnimationManager::createCurve2D(const osg::NodePtr& node, 
 }
 
 kaAnimationUnit* kaAnimationManager::createUnit(const std::vector<kaAnimationCurve2D*>& curves,
-                                                const std::string& name, unsigned long long id, bool attach) {
+                                                const std::string& name, kaUID id, bool attach) {
     kaAnimationUnit* unit = createUnit(name, id);
     for (kaAnimationCurve2D* curve : curves)
         unit->addObject(curve);

@@ -43,8 +43,8 @@ bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
 }
 
 std::vector<kaUID> kaChildList::ids() const {
-    if (!_mirrored)
-        return literal();
+    if (!_linked)
+        return idList();
     std::vector<kaUID> result;
     result.reserve(_size);
     for (const auto& chunk : _chunks)
@@ -71,28 +71,28 @@ void kaChildList::assign(std::vector<kaUID> ids) {
     release();
     _size = ids.size();
     _ids = std::move(ids);
-    _mirrored = false;
-    tryMirror();
+    _linked = false;
+    tryLink();
     if (wasEmpty != empty())
         _owner->noteChange(kaChange::Structure);
 }
 
 void kaChildList::append(kaAnimationObject& child) {
-    if (_mirrored) {
+    if (_linked) {
         if (resolve(child) == &child && adoptable(child.getId(), &child)) {
             appendEntry(Entry(child));
             sizeChanged(_size + 1);
             return;
         }
-        becomeLiteral();
+        unlink();
     }
-    literal().push_back(child.getId());
+    idList().push_back(child.getId());
     sizeChanged(_size + 1);
 }
 
 bool kaChildList::remove(const kaAnimationObject& child) {
-    if (!_mirrored)
-        return removeLiterally(child.getId());
+    if (!_linked)
+        return removeID(child.getId());
     const kaAnimationObject* object = resolve(child);
     if (!isHome(object))
         return false;
@@ -103,7 +103,7 @@ bool kaChildList::remove(const kaAnimationObject& child) {
 }
 
 /// Allocates nothing, whatever form the ids are in.
-bool kaChildList::removeLiterally(kaUID id) {
+bool kaChildList::removeID(kaUID id) {
     if (!removeReduced(id)) {
         const auto found = std::find(_ids.begin(), _ids.end(), id);
         if (found == _ids.end())
@@ -137,27 +137,27 @@ void kaChildList::release() {
     _firsts.clear();
     _ids.clear();
     _reduced.clear();
-    _strangers = 0;
+    _otherThanKeys = 0;
     _out = nullptr;
     _extent = kaExtent();
     _extentValid = true;
-    _mirrored = true;
+    _linked = true;
     _order = Order::Sorted;
     _size = 0;
     noteEdit();
 }
 
-void kaChildList::becomeLiteral() {
+void kaChildList::unlink() {
     std::vector<kaUID> all = ids();
     const std::size_t size = _size;
     release();
     _ids = std::move(all);
     _size = size;
-    _mirrored = false;
+    _linked = false;
 }
 
 /// The same without memory, for what happens while a child is destroyed: the chunks are kept for the ids.
-void kaChildList::becomeLiteralInPlace() {
+void kaChildList::unlinkInPlace() {
     const std::size_t size = _size;
     std::vector<std::unique_ptr<kaChildChunk>> chunks = std::move(_chunks);
     for (const auto& chunk : chunks) {
@@ -171,11 +171,11 @@ void kaChildList::becomeLiteralInPlace() {
     release();
     _reduced = std::move(chunks);
     _size = size;
-    _mirrored = false;
+    _linked = false;
 }
 
-/// The ids while the list is not mirrored.
-std::vector<kaUID>& kaChildList::literal() const {
+/// The ids while the list is not linked.
+std::vector<kaUID>& kaChildList::idList() const {
     if (!_reduced.empty()) {
         _ids.reserve(_size);
         for (const auto& chunk : _reduced)
@@ -188,7 +188,7 @@ std::vector<kaUID>& kaChildList::literal() const {
 
 void kaChildList::childLost(kaAnimationObject& child) {
     if (!_ending) {
-        becomeLiteralInPlace();
+        unlinkInPlace();
         return;
     }
     const Place place = find(child);
@@ -211,7 +211,7 @@ kaUID kaChildList::takeNext() {
     --_size;
     if (!_reduced.empty())
         return takeNextReduced();
-    if (!_mirrored) {
+    if (!_linked) {
         const kaUID id = _ids.back();
         _ids.pop_back();
         return id;
@@ -267,7 +267,7 @@ void kaChildList::splitChunk(std::size_t at) {
 
 void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
     chunk.selectedCount += entry.isSelected() ? 1U : 0U;
-    _strangers += entry.isKey() ? 0U : 1U;
+    _otherThanKeys += entry.isKey() ? 0U : 1U;
     if (!entry.counts())
         return;
     const kaExtent extent = entry.extent();
@@ -278,7 +278,7 @@ void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
 /// @param extent  what the entry's child may have widened the list's by.
 void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry, const kaExtent& extent) {
     chunk.selectedCount -= entry.isSelected() ? 1U : 0U;
-    _strangers -= entry.isKey() ? 0U : 1U;
+    _otherThanKeys -= entry.isKey() ? 0U : 1U;
     if (!entry.counts())
         return;
     if (touches(chunk.extent, extent))
@@ -381,7 +381,7 @@ void kaChildList::childChanged(kaChildChunk& chunk, kaAnimationObject& child, ka
     if (now.tellsTheSame(entry))
         return;
     if (std::isnan(now.begin())) {
-        becomeLiteral();
+        unlink();
         return;
     }
     const bool moved = now.begin() != entry.begin();
@@ -420,7 +420,7 @@ void kaChildList::recompute(kaChildChunk& chunk) {
 }
 
 kaExtent kaChildList::extent() {
-    if (!_mirrored) {
+    if (!_linked) {
         kaExtent result;
         forEach([&result](kaAnimationObject& child) {
             const Entry entry(child);

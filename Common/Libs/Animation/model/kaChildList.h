@@ -28,13 +28,13 @@ struct kaChildChunk {
 
 /// The ordered child ids of one object, with what the parent reads of each child kept beside them.
 ///
-/// In the usual case, *mirrored*, every id is registered, stands once, in this list only, and has a begin
-/// that is a number. Then the list holds the children themselves in chunks with their begin and extent, each
-/// child knows its chunk and tells it when something changes, and sorting, looking up and uniting extents
-/// touch only what changed. In any other case the list holds nothing but the ids and every operation resolves
-/// and walks them as stated; the next `sort` finds out whether the usual case has come back.
+/// Usually the list is *linked*: every id is registered, stands once, in this list only, and has a begin that is
+/// a number. Then the list keeps pointers to the children in chunks, with their begins and extents; each child
+/// points back to its chunk and reports its changes, and sorting, looking up and uniting extents touch only what
+/// has changed. Otherwise the list is the ids alone, which every operation resolves and walks; the next `sort`
+/// links it again if it can.
 ///
-/// Not for hosts. Costs are for the mirrored case with n children, c = n / ChunkSize.
+/// Not for hosts. Costs are for the linked case with n children, c = n / ChunkSize.
 class kaChildList {
   public:
     static constexpr std::size_t ChunkSize = 128;
@@ -101,7 +101,7 @@ class kaChildList {
 
     /// Finds out whether children that were all moved one by one are in order again. Cost: O(n) when they
     /// were not.
-    void settle();
+    void recheckOrder();
 
     /// The registered children whose selected flag is set, in list order. Cost: O(c) and the selected ones'
     /// chunks.
@@ -111,42 +111,42 @@ class kaChildList {
     /// list.
     template <class Visit>
     void forEach(Visit&& visit) const {
-        if (_mirrored) {
+        if (_linked) {
             for (const auto& chunk : _chunks)
                 for (const auto& entry : chunk->entries)
                     visit(*entry.object());
         } else {
-            for (kaUID id : literal())
+            for (kaUID id : idList())
                 if (kaAnimationObject* object = resolve(id))
                     visit(*object);
         }
     }
 
-    bool isMirrored() const { return _mirrored; }
+    bool isLinked() const { return _linked; }
     /// Whether all children are known to be keys, without a look at any.
-    bool holdsKeysAlone() const { return _mirrored && _strangers == 0; }
+    bool hasKeysOnly() const { return _linked && _otherThanKeys == 0; }
     /// Whether the children are known to be in ascending order of begin.
-    bool isSorted() const { return _mirrored && _order == Order::Sorted; }
-    /// Grows with every change of the list or of a mirrored child; says nothing while the list is not
-    /// mirrored.
+    bool isSorted() const { return _linked && _order == Order::Sorted; }
+    /// Grows with every change of the list or of a linked child; says nothing while the list is not
+    /// linked.
     std::uint64_t revision() const { return _revision; }
 
-    /// Calls `visit(const kaAnimationObject&)` for each mirrored child that has changed since `revision`, in
+    /// Calls `visit(const kaAnimationObject&)` for each linked child that has changed since `revision`, in
     /// no order, where all that has changed are a few children in their places. @return false, without a
     /// call, where more has: which children there are, their order, or more of them than are remembered.
     template <class Visit>
     bool forEachChanged(std::uint64_t revision, Visit&& visit) const {
-        return _mirrored && _changes.forEachSince(revision, visit);
+        return _linked && _changes.forEachSince(revision, visit);
     }
 
-    /// Position of a mirrored child. Cost: O(log ChunkSize + c).
+    /// Position of a linked child. Cost: O(log ChunkSize + c).
     std::size_t positionOf(const kaAnimationObject& child) const;
 
-    /// A mirrored child has changed.
+    /// A linked child has changed.
     void childChanged(kaChildChunk& chunk, kaAnimationObject& child, kaChange change);
     /// The same where nothing that the list keeps of the child is concerned: a handle of a key has moved.
     void childReshaped(const kaAnimationObject& child);
-    /// A mirrored child leaves the registry or changes its id while it is listed: its id stays, unknown.
+    /// A linked child leaves the registry or changes its id while it is listed: its id stays, unknown.
     void childLost(kaAnimationObject& child);
 
   private:
@@ -182,13 +182,13 @@ class kaChildList {
 
     void sortOne();
     void sortAll();
-    void sortLiterally();
+    void sortIDs();
     bool sortKnown();
-    bool tryMirror();
-    void becomeLiteral();
-    void becomeLiteralInPlace();
-    std::vector<kaUID>& literal() const;
-    bool removeLiterally(kaUID id);
+    bool tryLink();
+    void unlink();
+    void unlinkInPlace();
+    std::vector<kaUID>& idList() const;
+    bool removeID(kaUID id);
     bool removeReduced(kaUID id);
     kaUID takeNextReduced();
     void noteEdit();
@@ -207,18 +207,18 @@ class kaChildList {
     kaAnimationObject* _owner;
     std::vector<std::unique_ptr<kaChildChunk>> _chunks;
     std::vector<float> _firsts;      ///< begin of each chunk's first entry
-    mutable std::vector<kaUID> _ids; ///< the list while it is not mirrored (`literal`)
+    mutable std::vector<kaUID> _ids; ///< the list while it is not linked (`idList`)
     /// The same where a child's loss made it so: what had been chunks, with ids for entries.
     mutable std::vector<std::unique_ptr<kaChildChunk>> _reduced;
     std::size_t _size = 0;
-    std::size_t _strangers = 0; ///< mirrored children that are no keys
+    std::size_t _otherThanKeys = 0; ///< linked children that are no keys
     std::uint64_t _revision = 0;
     /// Children by revision. A key that is dragged changes, and so do the keys beside it, whose handles
     /// follow.
     kaRecentChanges<kaAnimationObject> _changes;
     kaExtent _extent;
     bool _extentValid = true;
-    bool _mirrored = true;
+    bool _linked = true;
     bool _ending = false; ///< `beginTaking` was called
     Order _order = Order::Sorted;
     const kaAnimationObject* _out = nullptr; ///< for `Order::OneOut`

@@ -72,8 +72,8 @@ kaChildList::Place kaChildList::upperBound(float begin) const {
 }
 
 std::pair<std::size_t, bool> kaChildList::position(kaUID id) const {
-    if (!_mirrored) {
-        const std::vector<kaUID>& ids = literal();
+    if (!_linked) {
+        const std::vector<kaUID>& ids = idList();
         const auto found = std::find(ids.begin(), ids.end(), id);
         return {static_cast<std::size_t>(found - ids.begin()), found != ids.end()};
     }
@@ -90,11 +90,11 @@ std::size_t kaChildList::positionOf(const kaAnimationObject& child) const {
 }
 
 std::pair<std::size_t, bool> kaChildList::position(float begin) const {
-    if (_mirrored) {
+    if (_linked) {
         const kaAnimationObject* object = firstAt(begin);
         return object ? position(object->getId()) : std::make_pair(_size, false);
     }
-    const std::vector<kaUID>& ids = literal();
+    const std::vector<kaUID>& ids = idList();
     for (std::size_t i = 0; i < ids.size(); ++i) {
         const kaAnimationObject* object = resolve(ids[i]);
         if (object && object->getBegin() == begin)
@@ -104,15 +104,15 @@ std::pair<std::size_t, bool> kaChildList::position(float begin) const {
 }
 
 bool kaChildList::contains(kaUID id) const {
-    if (!_mirrored) {
-        const std::vector<kaUID>& ids = literal();
+    if (!_linked) {
+        const std::vector<kaUID>& ids = idList();
         return std::find(ids.begin(), ids.end(), id) != ids.end();
     }
     return isHome(resolve(id));
 }
 
 bool kaChildList::contains(const kaAnimationObject& child) const {
-    return _mirrored ? isHome(resolve(child)) : contains(child.getId());
+    return _linked ? isHome(resolve(child)) : contains(child.getId());
 }
 
 kaAnimationObject* kaChildList::firstAt(float begin) const {
@@ -142,14 +142,14 @@ kaAnimationObject* kaChildList::firstAtPrefetching(float begin) const {
 }
 
 std::pair<kaAnimationObject*, kaAnimationObject*> kaChildList::beside(const kaAnimationObject& child) const {
-    if (_mirrored) {
+    if (_linked) {
         const Place place = find(*resolve(child));
         const Entry* previous = before(place);
         const Entry* next = at(normalized(place.chunk, place.index + 1));
         return {previous ? previous->object() : nullptr, next ? next->object() : nullptr};
     }
     std::pair<kaAnimationObject*, kaAnimationObject*> result;
-    const std::vector<kaUID>& ids = literal();
+    const std::vector<kaUID>& ids = idList();
     const auto place = std::find(ids.begin(), ids.end(), child.getId());
     for (auto it = std::make_reverse_iterator(place); it != ids.rend() && !result.first; ++it)
         result.first = resolve(*it);
@@ -224,7 +224,7 @@ kaChildList::Around kaChildList::firstNotBefore(float begin) const {
 
 std::vector<kaAnimationObject*> kaChildList::selected() const {
     std::vector<kaAnimationObject*> result;
-    if (_mirrored) {
+    if (_linked) {
         for (const auto& chunk : _chunks)
             if (chunk->selectedCount > 0)
                 for (const Entry& entry : chunk->entries)

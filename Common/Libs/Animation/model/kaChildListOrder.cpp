@@ -9,16 +9,16 @@
 // where not.
 
 void kaChildList::sort() {
-    if (!_mirrored)
-        sortLiterally();
+    if (!_linked)
+        sortIDs();
     else if (_order == Order::OneOut)
         sortOne();
     else if (_order == Order::Disturbed)
         sortAll();
 }
 
-void kaChildList::settle() {
-    if (!_mirrored || _order == Order::Sorted)
+void kaChildList::recheckOrder() {
+    if (!_linked || _order == Order::Sorted)
         return;
     const Entry* previous = nullptr;
     for (const auto& chunk : _chunks) {
@@ -89,15 +89,15 @@ void kaChildList::sortAll() {
 
 /// Where an id is unknown or a begin is no number the comparator is partial, and what comes out depends on
 /// the merge: that of a list.
-void kaChildList::sortLiterally() {
-    literal();
+void kaChildList::sortIDs() {
+    idList();
     if (!sortKnown()) {
         std::list<kaUID> sorted(_ids.begin(), _ids.end());
         sorted.sort(&kaAnimationObject::compareObjectsByBegin);
         _ids.assign(sorted.begin(), sorted.end());
     }
     noteEdit();
-    if (tryMirror())
+    if (tryLink())
         sort();
 }
 
@@ -121,14 +121,14 @@ bool kaChildList::sortKnown() {
 }
 
 /// Back to the usual case if every id is registered, stands once and in no other list.
-bool kaChildList::tryMirror() {
+bool kaChildList::tryLink() {
     std::vector<kaUID> all = std::move(_ids);
     const std::size_t size = _size;
     const auto giveUp = [&] {
         release();
         _ids = std::move(all);
         _size = size;
-        _mirrored = false;
+        _linked = false;
     };
     release();
     try {

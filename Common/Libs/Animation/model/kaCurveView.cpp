@@ -40,23 +40,23 @@ std::map<float, const kaControlPoint2D*> firstAtEach(const kaChildList& keys) {
 
 } // namespace
 
-void kaCurveView::renew(const kaChildList* keys) {
-    const bool mirrored = keys && keys->isMirrored();
-    if (!mirrored || !_packed || keys->revision() != _revision) {
+void kaCurveView::update(const kaChildList* keys) {
+    const bool linked = keys && keys->isLinked();
+    if (!linked || !_packed || keys->revision() != _revision) {
         const bool wasPacked = std::exchange(_packed, false); // unless this comes to its end
-        if (!wasPacked || !mirrored || !mend(*keys)) {
+        if (!wasPacked || !linked || !mend(*keys)) {
             pack(keys);
             divide();
         }
-        _packed = mirrored;
+        _packed = linked;
         _revision = keys ? keys->revision() : 0;
     }
-    _kept = mirrored || !keys;
+    _kept = linked || !keys;
     _edits = kaEdits::count;
 }
 
-/// Packs the segments beside the keys that have changed. @return false where that is not enough; what has
-/// been packed until then is good for nothing.
+/// Packs the segments next to the keys that have changed. @return false where everything has to be packed; the
+/// segments are invalid then.
 bool kaCurveView::mend(const kaChildList& keys) {
     if (!_inListOrder || _segments.empty())
         return false;
@@ -123,7 +123,7 @@ void kaCurveView::pack(const kaChildList* keys) {
         }
     }
     pack(points);
-    _inListOrder = ascending && keys && keys->isMirrored() && points.size() == keys->size();
+    _inListOrder = ascending && keys && keys->isLinked() && points.size() == keys->size();
 }
 
 void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {

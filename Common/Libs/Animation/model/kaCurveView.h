@@ -14,20 +14,19 @@ class kaControlPoint2D;
 /// What sampling reads of a curve: its registered keys and handles in ascending order of x, packed as
 /// segments.
 ///
-/// This class alone answers whether the packed form is still true: it is while the key list is mirrored and
-/// its revision stands, for every way in which a key, a handle or the list can change raises that revision.
-/// Of a few keys that have moved between their neighbours only the segments beside them are packed anew. A
-/// list that is not mirrored is packed anew for every sample.
+/// A cache with one rule: it is valid while the key list is linked and its revision is the one that was packed,
+/// since every change of a key, a handle or the list raises the revision. After a few keys have moved between
+/// their neighbours only the segments next to them are packed again. For a list that is not linked all is packed
+/// again for every sample.
 class kaCurveView {
   public:
     /// Packs the curve's keys unless that has been done since their last change.
     void refresh(const kaChildList* keys) {
         if (_edits != kaEdits::count)
-            renew(keys);
+            update(keys);
     }
 
-    /// Whether the packed form stays, unless `kaEdits` names the curve: not where the key list is packed anew
-    /// after each edit.
+    /// Whether the packed form is cached: false where the key list is packed again after any edit.
     bool isKept() const { return _kept; }
 
     /// Whether there are keys at two frames or more: without, no sample writes a value.
@@ -44,7 +43,7 @@ class kaCurveView {
     const kaSegment* segmentsEnd() const { return _segments.data() + _segments.size(); }
 
   private:
-    void renew(const kaChildList* keys);
+    void update(const kaChildList* keys);
     bool mend(const kaChildList& keys);
     bool staysInCell(std::size_t place, float frame) const;
     void pack(const kaChildList* keys);

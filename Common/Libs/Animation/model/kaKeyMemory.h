@@ -8,8 +8,8 @@
 #include <vector>
 
 /// Memory for keys and their handles, of which a scene has a hundred thousand: each has two cache lines to
-/// itself, one beside the other and, where there are many, in huge pages. A key that is looked up then costs
-/// one wait for memory, not two or three.
+/// itself, one beside the other and, where there are many, in huge pages. Looking a key up is one
+/// cache miss then, not two or three.
 ///
 /// Blocks come in slabs of up to a huge page. A block that is given back is the next to be taken; a slab goes
 /// back to the system with its last block, but for one that is kept for the next key, which goes with the

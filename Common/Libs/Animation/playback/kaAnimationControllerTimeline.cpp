@@ -3,10 +3,10 @@
 #include "kaAnimationSequence.h"
 #include "kaAnimationUtils.h"
 #include "kaFold.h"
-#include "kaNesting.h"
 #include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
 #include "kaPlayedObjects.h"
+#include "kaReentryGuard.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,8 +35,8 @@ float wholeFrameWithin(float frame, float begin, float end) {
 
 } // namespace
 
-void kaAnimationController::playGlobal(const std::vector<unsigned long long>& ids, bool reverse, bool repeat,
-                                       float begin, float end, float start) {
+void kaAnimationController::playGlobal(const std::vector<kaUID>& ids, bool reverse, bool repeat, float begin,
+                                       float end, float start) {
     ++_takeovers;
     _playingObjects = ids;
     _reverse = reverse;
@@ -53,7 +53,7 @@ void kaAnimationController::playGlobal(const std::vector<unsigned long long>& id
 
 void kaAnimationController::setGlobalRange() {
     kaExtent joint;
-    for (unsigned long long id : _playingObjects) {
+    for (kaUID id : _playingObjects) {
         const kaAnimationObject* object = kaObjectStore::find(id);
         if (object)
             joint.includeSpan(object->getBegin(), object->getEnd());
@@ -63,14 +63,14 @@ void kaAnimationController::setGlobalRange() {
     _start = _currentFrame;
 }
 
-void kaAnimationController::playGlobal(unsigned long long id, bool reverse, bool repeat, float begin,
-                                       float end, float start) {
+void kaAnimationController::playGlobal(kaUID id, bool reverse, bool repeat, float begin, float end,
+                                       float start) {
     if (id != 0)
-        playGlobal(std::vector<unsigned long long>{id}, reverse, repeat, begin, end, start);
+        playGlobal(std::vector<kaUID>{id}, reverse, repeat, begin, end, start);
 }
 
 void kaAnimationController::playLoop() {
-    const kaNesting tick(_played->playLoop, 1);
+    const kaReentryGuard tick(_played->playLoop, 1);
     if (!_playing || _pausing || !tick)
         return;
     const unsigned int takeovers = _takeovers;
@@ -80,7 +80,7 @@ void kaAnimationController::playLoop() {
         setCurrentFrame(frame, WidgetGlobalPlayback);
     if (!isTakenOver())
         announceFullFrame(frame);
-    const std::vector<unsigned long long> ids = _playingObjects;
+    const std::vector<kaUID> ids = _playingObjects;
     for (auto id = ids.begin(); id != ids.end() && !isTakenOver(); ++id)
         evaluateObject(kaObjectStore::find(*id), frame, false);
     const bool hasLeft = _reverse ? frame < _begin : frame > _end;
@@ -165,7 +165,7 @@ void kaAnimationController::jumpTo(const std::vector<kaAnimationCurve2D*>& curve
 }
 
 void kaAnimationController::notifyFrame(float frame) {
-    const kaNesting level(_played->notice);
+    const kaReentryGuard level(_played->notice);
     if (!level)
         return;
     if (_currentFrameTimeLineCB)

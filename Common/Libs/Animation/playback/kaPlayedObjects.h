@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kaLiveObjects.h"
-#include "kaNesting.h"
+#include "kaReentryGuard.h"
 #include "kaRunningObjects.h"
 
 class kaAnimationCurve2D;
@@ -15,5 +15,5 @@ struct kaPlayedObjects {
     kaLiveObjects<kaAnimationSequence> sequences; ///< of the last global jump
 
     /// Calls under way that may lead back into themselves.
-    kaNesting::Depth loop, playLoop, reset, sequenceFiring, notice;
+    kaReentryGuard::Calls loop, playLoop, reset, sequenceFiring, notice;
 };

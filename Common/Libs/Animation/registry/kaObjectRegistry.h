@@ -15,10 +15,10 @@
 class kaAnimationField;
 class kaAnimationObject;
 
-/// Objects and fields by id, and the source of fresh ids. Finding goes through an index; everything but the
-/// keys, which are few kinds of few objects, also stands in ordered maps by type, so that walks visit only
-/// what they ask for. Owns nothing and looks behind no pointer: what it has to know of an object or a field,
-/// its callers tell it (`kaObjectStore`, `kaFieldStore`).
+/// Objects and fields by id, and the source of fresh ids. Look-ups go through a hash table. Everything but keys
+/// and handles, which are nearly all of the objects, also stands in a map for each type, in ascending id order,
+/// so that walks by type visit no others. Owns nothing and dereferences no pointer: its callers (`kaObjectStore`,
+/// `kaFieldStore`) pass what it needs to know.
 class kaObjectRegistry {
   public:
     using Entry = std::pair<kaUID, kaAnimationObject*>;
@@ -47,7 +47,7 @@ class kaObjectRegistry {
     /// Enters an object of that type under an id. @return false, with nothing changed, when the id has an
     /// entry. @throws std::bad_alloc, with nothing changed.
     bool insert(kaUID id, unsigned int type, kaAnimationObject& object);
-    /// Takes the entry of an id away, which holds an object of that type. Nothing without an entry.
+    /// Takes the entry of an id away, which matches an object of that type. Nothing without an entry.
     void erase(kaUID id, unsigned int type);
     /// The same for an object that is all but gone, whose type cannot be asked any more.
     void eraseOfAnyType(kaUID id);
@@ -63,13 +63,13 @@ class kaObjectRegistry {
     std::size_t size() const { return _index.size(); }
     std::size_t fieldCount() const { return _fields.size(); }
 
-    /// Of the objects that `holds(const kaAnimationObject&)` accepts the one with the smallest id, or null.
+    /// Of the objects that `matches(const kaAnimationObject&)` accepts the one with the smallest id, or null.
     /// Cost: O(n).
-    template <class Holds>
-    kaAnimationObject* smallestID(Holds&& holds) const {
+    template <class Matches>
+    kaAnimationObject* smallestID(Matches&& matches) const {
         Entry best(0, nullptr);
-        _index.forEach([&best, &holds](kaUID id, kaAnimationObject& object) {
-            if ((!best.second || id < best.first) && holds(object))
+        _index.forEach([&best, &matches](kaUID id, kaAnimationObject& object) {
+            if ((!best.second || id < best.first) && matches(object))
                 best = Entry(id, &object);
         });
         return best.second;

@@ -7,8 +7,8 @@
 
 /// Answers whether something that was named once is still there: a table of slots, each with the address of
 /// one thing and a generation that grows when that thing goes. Whoever keeps a slot's number and its
-/// generation
-/// (`kaWeak`) never takes what came later, at the same address or in the same slot, for what was meant.
+/// generation (`kaWeak`) never takes what came later, at the same address or in the same slot, for what was
+/// meant.
 ///
 /// A thing gets its slot when it is first asked for one and gives it back when it is freed. Cost: 16 bytes a
 /// slot; asking and giving back are a few instructions, and giving back allocates nothing.

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <string>
 
-/// The iteration that gives most samples: of one segment or of many, in vector registers
-/// as wide as the processor's, for which the code is chosen when the program runs.
+/// The iteration that gives most samples: of one segment or of many, in vector registers as wide as the
+/// processor's, for which the code is chosen when the program runs.
 ///
 /// The environment variable `KA_VECTOR_TARGET` names the instruction set to use instead (`targetNames`);
 /// samples are the same floats with each.

@@ -20,8 +20,7 @@ class kaAnimationField;
 ///   named as a colour ("Color" in its name) is "I". An `osg::UberMaterial` is no exception: its colours are
 ///   such vectors, and the host decides by its list which of the other values it offers;
 /// - of a camera setting its distance, height, turn-table angle, f-stop and focal length, of any other
-/// transform the
-///   three rotation angles;
+/// transform the three rotation angles;
 /// - of every node its visibility.
 class kaFieldDiscovery {
   public:

@@ -12,8 +12,7 @@ namespace ka::motion {
 class ConfinedFolder {
   public:
     /// @param model  an existing file; its folder is the one its name resolves to, links followed: the user
-    /// named the
-    ///               model, so where it really stands is where its parts are looked for.
+    /// named the model, so where it really stands is where its parts are looked for.
     /// @throws Failure (Unreadable) when there is no such plain file.
     explicit ConfinedFolder(const std::string& model);
 

@@ -14,8 +14,7 @@ using RestMatrix = std::array<std::array<double, 4>, 3>;
 
 /// Splits a matrix into the translation, rotation and scale of a node.
 /// @return false when the matrix is sheared by more than a part in ten thousand, which the node then lacks. A
-/// mirrored
-///         matrix gets a negative X scale.
+/// mirrored matrix gets a negative X scale.
 bool setRestTransform(MotionNode& node, const RestMatrix& matrix);
 
 } // namespace ka::motion

@@ -1,5 +1,5 @@
 #include "Documents.h"
-#include "kaXmlPreflight.h"
+#include "kaXmlParser.h"
 
 #include <QBuffer>
 #include <QDomDocument>
@@ -58,16 +58,16 @@ std::string contentModel(int depth) {
 }
 
 bool accepts(const std::string& text) {
-    return kaXmlPreflight::readText(QString::fromLatin1(text.c_str())).has_value();
+    return kaXmlParser::readText(QString::fromLatin1(text.c_str())).has_value();
 }
 
 } // namespace
 
 // Agreement with a DOM.
 
-class PreflightAgrees : public testing::TestWithParam<const char*> {};
+class XmlParserAgrees : public testing::TestWithParam<const char*> {};
 
-TEST_P(PreflightAgrees, WithADom) {
+TEST_P(XmlParserAgrees, WithADom) {
     const QByteArray bytes(GetParam());
     const TemporaryFolder folder;
     const std::string file = folder.put("document.xml", bytes.toStdString());
@@ -75,7 +75,7 @@ TEST_P(PreflightAgrees, WithADom) {
     QBuffer buffer;
     buffer.setData(bytes);
     const bool accepted = document.setContent(&buffer);
-    const auto fromFile = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
+    const auto fromFile = kaXmlParser::readFile(QString::fromStdString(file), NoLimit);
     ASSERT_EQ(fromFile.has_value(), accepted);
     if (accepted) {
         EXPECT_EQ(textOf(*fromFile), textOf(document));
@@ -84,7 +84,7 @@ TEST_P(PreflightAgrees, WithADom) {
     QDomDocument textDocument;
     const QString text = QString::fromLatin1(bytes);
     const bool textAccepted = textDocument.setContent(text);
-    const auto fromText = kaXmlPreflight::readText(text);
+    const auto fromText = kaXmlParser::readText(text);
     ASSERT_EQ(fromText.has_value(), textAccepted);
     if (textAccepted) {
         EXPECT_EQ(textOf(*fromText), textOf(textDocument));
@@ -92,7 +92,7 @@ TEST_P(PreflightAgrees, WithADom) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Documents, PreflightAgrees,
+    Documents, XmlParserAgrees,
     testing::Values(
         "", " ", "text", "<a", "<a>", "<a></b>", "<a/><b/>", "<a/>text", "<a x=1/>", "<a x=\"1/>",
         "<a x='1'/>", "<a x=\"<\"/>", "<a x=\"&\"/>", "<a>&</a>", "<a>&lt;</a>", "<1/>",
@@ -117,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
         "<?xml version=\"1.0\" encoding=\"unheard-of\"?><a><b name=\"\xe9\"/></a>",
         "<?xml version=\"1.0\"?><a><b name=\"\xc3\xa9\"/></a>", "<a><b name=\"\xe2\x82\xac\"/></a>"));
 
-TEST(Preflight, AgreesWithADomOnMutatedDocuments) {
+TEST(XmlParser, AgreesWithADomOnMutatedDocuments) {
     const std::string original = contentOf(testFile("example.xml"));
     const std::string pieces = "<>/=\"'&;![]()-?# \n\t\x01xid1";
     std::mt19937 random(1);
@@ -132,7 +132,7 @@ TEST(Preflight, AgreesWithADomOnMutatedDocuments) {
         const QString source = QString::fromLatin1(text.c_str());
         QDomDocument document;
         const bool expected = document.setContent(source);
-        const auto record = kaXmlPreflight::readText(source);
+        const auto record = kaXmlParser::readText(source);
         ASSERT_EQ(record.has_value(), expected) << text;
         if (expected) {
             ++accepted;
@@ -144,10 +144,10 @@ TEST(Preflight, AgreesWithADomOnMutatedDocuments) {
 
 // Encodings.
 
-TEST(Preflight, AFileWithoutDeclarationThatIsNotUtf8IsLatin1) {
+TEST(XmlParser, AFileWithoutDeclarationThatIsNotUtf8IsLatin1) {
     const TemporaryFolder folder;
     const std::string file = folder.put("a.xml", "<a><b name=\"caf\xe9 \xc3\xa9\"/></a>");
-    const auto record = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
+    const auto record = kaXmlParser::readFile(QString::fromStdString(file), NoLimit);
     ASSERT_TRUE(record);
     record->forEach([](const kaAnimationXmlElement& element) {
         EXPECT_EQ(element[kaXmlAttribute::Name], "caf\xe9 \xc3\xa9");
@@ -166,8 +166,7 @@ TEST_P(Undeclared, LatinOneIsReadAsItWasWrittenAndUtf8AsUtf8) {
     const TemporaryFolder folder;
     const auto nameIn = [&](const std::string& bytes) {
         const std::string text = std::string(GetParam().prolog) + "<a><b name=\"" + bytes + "\"/></a>";
-        const auto record =
-            kaXmlPreflight::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
+        const auto record = kaXmlParser::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
         std::string name = "not well-formed";
         if (record)
             record->forEach([&name](const kaAnimationXmlElement& element) {
@@ -191,50 +190,49 @@ INSTANTIATE_TEST_SUITE_P(
                     UndeclaredRow{"an_instruction_of_a_longer_name", "<?xmlish encoding=\"UTF-8\"?>"}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST(Preflight, ADeclaredEncodingIsFollowedHoweverItIsSpelled) {
+TEST(XmlParser, ADeclaredEncodingIsFollowedHoweverItIsSpelled) {
     const TemporaryFolder folder;
     for (const char* declaration :
          {"<?xml version=\"1.0\" encoding=\"ISO-8859-15\"?>", "<?xml version='1.0' encoding='iso-8859-15'?>",
           "<?xml\tversion = '1.0'\nencoding\t=\n'ISO-8859-15' ?>",
           "<?xml version=\"1.0\" encoding=\"ISO-8859-15\" standalone=\"no\"?>"}) {
         const std::string text = std::string(declaration) + "<a><b name=\"\xa4\"/></a>";
-        const auto record =
-            kaXmlPreflight::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
+        const auto record = kaXmlParser::readFile(QString::fromStdString(folder.put("a.xml", text)), NoLimit);
         ASSERT_TRUE(record) << declaration;
         EXPECT_NE(textOf(*record).find("=?"), std::string::npos) << "the euro sign stands outside Latin-1";
     }
 }
 
-TEST(Preflight, AFileWithoutDeclarationThatIsUtf8IsUtf8) {
+TEST(XmlParser, AFileWithoutDeclarationThatIsUtf8IsUtf8) {
     const TemporaryFolder folder;
     const std::string file = folder.put("a.xml", "<a><b name=\"caf\xc3\xa9 \xe2\x82\xac\"/></a>");
-    const auto record = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
+    const auto record = kaXmlParser::readFile(QString::fromStdString(file), NoLimit);
     ASSERT_TRUE(record);
     record->forEach(
         [](const kaAnimationXmlElement& element) { EXPECT_EQ(element[kaXmlAttribute::Name], "caf\xe9 ?"); });
 }
 
-TEST(Preflight, AnUtf8CharacterMayLieAcrossAChunksEnd) {
+TEST(XmlParser, AnUtf8CharacterMayLieAcrossAChunksEnd) {
     const TemporaryFolder folder;
     for (std::size_t shift = 0; shift < 3; ++shift) {
         const std::string padding((1U << 16) - 20 + shift, ' ');
         const std::string file =
             folder.put("a.xml", padding + "<a><b name=\"\xc3\xa9\xc3\xa9\xc3\xa9\"/></a>");
-        const auto record = kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit);
+        const auto record = kaXmlParser::readFile(QString::fromStdString(file), NoLimit);
         ASSERT_TRUE(record);
         EXPECT_NE(textOf(*record).find("\xe9\xe9\xe9"), std::string::npos);
     }
 }
 
-TEST(Preflight, AnUtf8CharacterCutOffAtTheEndMakesItLatin1) {
+TEST(XmlParser, AnUtf8CharacterCutOffAtTheEndMakesItLatin1) {
     const TemporaryFolder folder;
     const std::string file = folder.put("a.xml", "<a><b name=\"\xc3\xa9\"/></a><!-- \xc3");
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readFile(QString::fromStdString(file), NoLimit, &fault));
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readFile(QString::fromStdString(file), NoLimit, &fault));
     EXPECT_GT(fault.line, 0);
 }
 
-TEST(Preflight, WideEncodingsAreReadByTheirByteOrderMark) {
+TEST(XmlParser, WideEncodingsAreReadByTheirByteOrderMark) {
     const QString text = "<a><b name=\"wide\"/></a>";
     const TemporaryFolder folder;
     for (const bool bigEndian : {false, true}) {
@@ -244,7 +242,7 @@ TEST(Preflight, WideEncodingsAreReadByTheirByteOrderMark) {
             bytes += bigEndian ? std::string{'\0', low} : std::string{low, '\0'};
         }
         const auto record =
-            kaXmlPreflight::readFile(QString::fromStdString(folder.put("a.xml", bytes)), NoLimit);
+            kaXmlParser::readFile(QString::fromStdString(folder.put("a.xml", bytes)), NoLimit);
         ASSERT_TRUE(record);
         EXPECT_NE(textOf(*record).find("=wide"), std::string::npos);
     }
@@ -252,79 +250,79 @@ TEST(Preflight, WideEncodingsAreReadByTheirByteOrderMark) {
 
 // Refusals.
 
-TEST(Preflight, EntityDeclarationsAreRefused) {
+TEST(XmlParser, EntityDeclarationsAreRefused) {
     for (const char* declaration : {"<!ENTITY a \"b\">", "<!ENTITY a SYSTEM \"/etc/passwd\">",
                                     "<!ENTITY % a \"b\">", "<!ENTITY % a SYSTEM \"a.dtd\">",
                                     "<!NOTATION n SYSTEM \"n\"><!ENTITY a SYSTEM \"a.gif\" NDATA n>"}) {
         const std::string text = std::string("<!DOCTYPE a [") + declaration + "]><a/>";
-        kaXmlPreflight::Fault fault;
-        EXPECT_FALSE(kaXmlPreflight::readText(QString::fromStdString(text), &fault)) << text;
+        kaXmlParser::Fault fault;
+        EXPECT_FALSE(kaXmlParser::readText(QString::fromStdString(text), &fault)) << text;
         EXPECT_EQ(fault.message, "the document type declares an entity") << text;
     }
 }
 
-TEST(Preflight, ElementsMayBeNested256DeepAndNoDeeper) {
+TEST(XmlParser, ElementsMayBeNested256DeepAndNoDeeper) {
     EXPECT_TRUE(accepts(nested(256)));
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readText(QString::fromStdString(nested(257)), &fault));
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readText(QString::fromStdString(nested(257)), &fault));
     EXPECT_EQ(fault.message, "elements are nested too deeply");
     EXPECT_FALSE(accepts(nested(1000000)));
 }
 
-TEST(Preflight, ContentModelsMayNotOverflowTheStack) {
+TEST(XmlParser, ContentModelsMayNotOverflowTheStack) {
     EXPECT_TRUE(accepts(contentModel(1000)));
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readText(QString::fromStdString(contentModel(1000000)), &fault));
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readText(QString::fromStdString(contentModel(1000000)), &fault));
     EXPECT_EQ(fault.message, "a content model is nested too deeply");
     const TemporaryFolder folder;
     const std::string declared = folder.put("a.xml", "<?xml version=\"1.0\"?>" + contentModel(1000000));
-    EXPECT_FALSE(kaXmlPreflight::readFile(QString::fromStdString(declared), NoLimit));
+    EXPECT_FALSE(kaXmlParser::readFile(QString::fromStdString(declared), NoLimit));
 }
 
-TEST(Preflight, BracketsBelowTheRootDoNotCount) {
+TEST(XmlParser, BracketsBelowTheRootDoNotCount) {
     EXPECT_TRUE(accepts("<a><b name=\"" + std::string(200000, '(') + "\"/></a>"));
 }
 
-TEST(Preflight, AFileMayBeAsLargeAsTheLimitAndNoLarger) {
+TEST(XmlParser, AFileMayBeAsLargeAsTheLimitAndNoLarger) {
     const TemporaryFolder folder;
     const std::string text = "<a/>";
     const QString file = QString::fromStdString(folder.put("a.xml", text));
-    EXPECT_TRUE(kaXmlPreflight::readFile(file, text.size()));
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readFile(file, text.size() - 1, &fault));
+    EXPECT_TRUE(kaXmlParser::readFile(file, text.size()));
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readFile(file, text.size() - 1, &fault));
     EXPECT_EQ(fault.message, "the file is larger than the limit of 3 bytes");
 }
 
-TEST(Preflight, AFaultSaysWhere) {
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readText("<a>\n<b>\n</c></a>", &fault));
+TEST(XmlParser, AFaultSaysWhere) {
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readText("<a>\n<b>\n</c></a>", &fault));
     EXPECT_EQ(fault.line, 3);
     EXPECT_FALSE(fault.message.empty());
 }
 
-TEST(Preflight, AMissingFileAndAFolderAreRefused) {
+TEST(XmlParser, AMissingFileAndAFolderAreRefused) {
     const TemporaryFolder folder;
-    kaXmlPreflight::Fault fault;
-    EXPECT_FALSE(kaXmlPreflight::readFile(QString::fromStdString(folder.at("none.xml")), NoLimit, &fault));
+    kaXmlParser::Fault fault;
+    EXPECT_FALSE(kaXmlParser::readFile(QString::fromStdString(folder.at("none.xml")), NoLimit, &fault));
     EXPECT_FALSE(fault.message.empty());
-    EXPECT_FALSE(kaXmlPreflight::readFile(QString::fromStdString(folder.path().string()), NoLimit));
+    EXPECT_FALSE(kaXmlParser::readFile(QString::fromStdString(folder.path().string()), NoLimit));
 }
 
-TEST(Preflight, APipeIsReadToItsEndOrToTheLimit) {
+TEST(XmlParser, APipeIsReadToItsEndOrToTheLimit) {
     const TemporaryFolder folder;
     const std::string pipe = folder.at("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     std::thread writer([&] { folder.put("pipe", "<a><b name=\"caf\xe9\"/></a>"); });
-    const auto record = kaXmlPreflight::readFile(QString::fromStdString(pipe), NoLimit);
+    const auto record = kaXmlParser::readFile(QString::fromStdString(pipe), NoLimit);
     writer.join();
     ASSERT_TRUE(record);
     EXPECT_NE(textOf(*record).find("caf\xe9"), std::string::npos);
-    EXPECT_FALSE(kaXmlPreflight::readFile("/dev/zero", 1000000));
+    EXPECT_FALSE(kaXmlParser::readFile("/dev/zero", 1000000));
 }
 
-TEST(Preflight, AnElementLargerThanABlockOfTheRecordIsKeptWhole) {
+TEST(XmlParser, AnElementLargerThanABlockOfTheRecordIsKeptWhole) {
     const std::string name(1U << 20, 'n');
-    const auto record = kaXmlPreflight::readText(
+    const auto record = kaXmlParser::readText(
         QString::fromStdString("<a><b id=\"1\"/><b name=\"" + name + "\"/><b id=\"2\"/></a>"));
     ASSERT_TRUE(record);
     std::vector<std::string> names;

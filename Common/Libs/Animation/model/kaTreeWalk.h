@@ -9,10 +9,10 @@
 
 class kaAnimationObject;
 
-/// The containers that one kind of walk down has open, from all calls under way: none is entered again, and
-/// none beyond `KA_MAX_DEPTH` levels, so that child lists that a host has bent into a ring or written deeper
-/// than containers accept are walked within bounds.
-class kaDescentPath {
+/// The containers that walks of one kind are inside of, over all calls under way. None is entered twice, and
+/// none beyond `KA_MAX_DEPTH` levels: that bounds walks through child lists that a host has made circular or
+/// deeper than containers accept.
+class kaWalkPath {
   public:
     bool enter(const kaAnimationObject& object) {
         return _open.size() < KA_MAX_DEPTH && _open.insert(&object).second;
@@ -25,14 +25,14 @@ class kaDescentPath {
     std::unordered_set<const kaAnimationObject*> _open;
 };
 
-/// One level of a walk that goes down by calling itself; lives on the stack. False where the path refuses.
-class kaDescentStep {
+/// One level of a walk by recursion; stands on the stack. False where the path refuses.
+class kaWalkLevel {
   public:
-    kaDescentStep(kaDescentPath& path, const kaAnimationObject& object)
+    kaWalkLevel(kaWalkPath& path, const kaAnimationObject& object)
         : _path(path), _object(object), _entered(path.enter(object)) {}
-    kaDescentStep(const kaDescentStep&) = delete;
-    kaDescentStep& operator=(const kaDescentStep&) = delete;
-    ~kaDescentStep() {
+    kaWalkLevel(const kaWalkLevel&) = delete;
+    kaWalkLevel& operator=(const kaWalkLevel&) = delete;
+    ~kaWalkLevel() {
         if (_entered)
             _path.leave(_object);
     }
@@ -40,23 +40,23 @@ class kaDescentStep {
     explicit operator bool() const { return _entered; }
 
   private:
-    kaDescentPath& _path;
+    kaWalkPath& _path;
     const kaAnimationObject& _object;
     bool _entered;
 };
 
-/// A walk down from container to container that keeps its levels in a list of its own, so that no depth is a
-/// matter of the stack. What is done on the way down, with each child and on the way up is the caller's.
+/// A depth-first walk from container to container without recursion. What is done on the way down, with each
+/// child and on the way up is the caller's.
 ///
-/// An object that several lists name, or one list twice, is walked as often as it is named down to `Repeated`
-/// levels; deeper than that each is entered once in a walk, as the ways to it may double with every level.
+/// An object that is named more than once is walked each time, down to `Repeated` levels; below these once in a
+/// walk, since the number of paths to it may double with every level.
 template <class Object, class Level>
-class kaDescent {
+class kaTreeWalk {
   public:
-    explicit kaDescent(kaDescentPath& path) : _path(path) {}
-    kaDescent(const kaDescent&) = delete;
-    kaDescent& operator=(const kaDescent&) = delete;
-    ~kaDescent() {
+    explicit kaTreeWalk(kaWalkPath& path) : _path(path) {}
+    kaTreeWalk(const kaTreeWalk&) = delete;
+    kaTreeWalk& operator=(const kaTreeWalk&) = delete;
+    ~kaTreeWalk() {
         while (!_levels.empty())
             leave();
     }
@@ -88,14 +88,14 @@ class kaDescent {
   private:
     static constexpr std::size_t Repeated = 24;
 
-    kaDescentPath& _path;
+    kaWalkPath& _path;
     std::vector<std::pair<Object*, Level>> _levels;
     std::unordered_set<const kaAnimationObject*> _seen;
 };
 
 /// Children of one level, to be gone through.
 template <class Child = kaAnimationObject>
-struct kaDescentChildren {
+struct kaWalkChildren {
     /// The next one; null after the last.
     Child* takeNext() { return next < list.size() ? list[next++] : nullptr; }
 

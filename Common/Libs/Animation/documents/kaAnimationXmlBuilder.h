@@ -17,12 +17,12 @@ struct kaAnimationXmlElement;
 /// A reader gives null when the element's "typeID" is not its own. A missing, empty or unfit attribute leaves
 /// the default in place. The new item takes the element's "id" where no object and no field has it, else a
 /// fresh one, while references inside the document go on to mean the item that had the id before.
-class kaAnimationXmlReader {
+class kaAnimationXmlBuilder {
   public:
     /// Is told that the id of a document gave way to a fresh one; may be null.
     using IDTaken = void (*)(kaUID from, kaUID to);
 
-    explicit kaAnimationXmlReader(IDTaken idTaken) : _idTaken(idTaken) {}
+    explicit kaAnimationXmlBuilder(IDTaken idTaken) : _idTaken(idTaken) {}
 
     /// Makes what the element's "typeID" asks for; nothing without one or for a type that does not exist.
     void create(const kaAnimationXmlElement& element);

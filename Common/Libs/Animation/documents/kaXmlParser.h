@@ -5,12 +5,11 @@
 
 #include <optional>
 
-/// The first look at a document: reads it from end to end without building a DOM and says whether it is one,
-/// so that nothing is created from a document that is not well-formed. What that means is said with
-/// kaDocumentParser.
+/// Parses a document from end to end into a record of its elements, without a DOM, before anything is made of
+/// it: a document that is not well-formed creates nothing. What well-formed means is said with kaDocumentParser.
 ///
 /// Cost: linear; about half the time of `QDomDocument::setContent`, memory for the record.
-class kaXmlPreflight {
+class kaXmlParser {
   public:
     using Fault = kaDocumentFault;
     using Visitor = kaDocumentParser::Visitor;

@@ -1,4 +1,4 @@
-#include "kaXmlPreflight.h"
+#include "kaXmlParser.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -74,7 +74,7 @@ class Source : public QXmlInputSource {
 /// Passes on what the parser reports and refuses what a DOM could not bear.
 class Handler : public QXmlDefaultHandler {
   public:
-    Handler(kaXmlPreflight::Visitor& visitor, Source& source, kaXmlPreflight::Fault& fault)
+    Handler(kaXmlParser::Visitor& visitor, Source& source, kaXmlParser::Fault& fault)
         : _visitor(visitor), _source(source), _fault(fault) {}
 
     void setDocumentLocator(QXmlLocator* locator) override { _locator = locator; }
@@ -82,7 +82,7 @@ class Handler : public QXmlDefaultHandler {
     bool startElement(const QString& /*uri*/, const QString& /*local*/, const QString& name,
                       const QXmlAttributes& attributes) override {
         _source.rootReached();
-        if (++_depth > kaXmlPreflight::MaximumDepth)
+        if (++_depth > kaXmlParser::MaximumDepth)
             return refuse("elements are nested too deeply");
         _visitor.beginElement(_depth, _locator ? _locator->lineNumber() : 0, name, attributes);
         return true;
@@ -124,16 +124,16 @@ class Handler : public QXmlDefaultHandler {
     }
     bool refuseEntity() { return refuse("the document type declares an entity"); }
 
-    kaXmlPreflight::Visitor& _visitor;
+    kaXmlParser::Visitor& _visitor;
     Source& _source;
-    kaXmlPreflight::Fault& _fault;
+    kaXmlParser::Fault& _fault;
     QXmlLocator* _locator = nullptr;
     const char* _refusal = nullptr;
     int _depth = 0;
 };
 
 /// Keeps what readers look at; children of the root are the elements, their children the references.
-class Recorder : public kaXmlPreflight::Visitor {
+class Recorder : public kaXmlParser::Visitor {
   public:
     explicit Recorder(kaAnimationXmlRecord& record) : _record(record) {}
 
@@ -189,7 +189,7 @@ class Recorder : public kaXmlPreflight::Visitor {
     bool _inPlace = false; ///< within an element that holds coordinates
 };
 
-bool visit(Source& source, kaXmlPreflight::Visitor& visitor, kaXmlPreflight::Fault& fault) {
+bool visit(Source& source, kaXmlParser::Visitor& visitor, kaXmlParser::Fault& fault) {
     Handler handler(visitor, source, fault);
     QXmlSimpleReader reader;
     // As QDomDocument::setContent sets them.
@@ -248,7 +248,7 @@ bool isUtf8(QIODevice& device) {
     return !decoder.failed() && !decoder.isCutOff();
 }
 
-bool visitDevice(QIODevice& device, kaXmlPreflight::Visitor& visitor, kaXmlPreflight::Fault& fault) {
+bool visitDevice(QIODevice& device, kaXmlParser::Visitor& visitor, kaXmlParser::Fault& fault) {
     if (saysEncoding(device.peek(HeadSize))) {
         Source source(device);
         return visit(source, visitor, fault);
@@ -261,7 +261,7 @@ bool visitDevice(QIODevice& device, kaXmlPreflight::Visitor& visitor, kaXmlPrefl
 
 } // namespace
 
-std::optional<kaAnimationXmlRecord> kaXmlPreflight::readText(const QString& text, Fault* fault) {
+std::optional<kaAnimationXmlRecord> kaXmlParser::readText(const QString& text, Fault* fault) {
     int at = 0;
     Source source([&text, &at](int size) {
         QString chunk = text.mid(at, size);
@@ -276,8 +276,8 @@ std::optional<kaAnimationXmlRecord> kaXmlPreflight::readText(const QString& text
     return record;
 }
 
-std::optional<kaAnimationXmlRecord> kaXmlPreflight::readFile(const QString& name,
-                                                             unsigned long long maximumSize, Fault* fault) {
+std::optional<kaAnimationXmlRecord> kaXmlParser::readFile(const QString& name, unsigned long long maximumSize,
+                                                          Fault* fault) {
     kaAnimationXmlRecord record;
     Recorder recorder(record);
     if (!kaDocumentParser::visitFile(name, maximumSize, recorder, fault))

@@ -1,4 +1,4 @@
-#include "kaAnimationXmlReader.h"
+#include "kaAnimationXmlBuilder.h"
 
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
@@ -85,7 +85,7 @@ kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimatio
 
 } // namespace
 
-void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
+void kaAnimationXmlBuilder::create(const kaAnimationXmlElement& element) {
     const int type = typeOf(element);
     if (element[Key::TypeID].empty())
         return;
@@ -118,7 +118,7 @@ void kaAnimationXmlReader::create(const kaAnimationXmlElement& element) {
 }
 
 /// The id wanted where it is free, else a fresh one.
-kaUID kaAnimationXmlReader::freeID(kaUID wanted) const {
+kaUID kaAnimationXmlBuilder::freeID(kaUID wanted) const {
     const kaObjectRegistry& registry = kaObjectRegistry::the();
     if (registry.isIDUnique(wanted))
         return wanted;
@@ -128,7 +128,7 @@ kaUID kaAnimationXmlReader::freeID(kaUID wanted) const {
     return fresh;
 }
 
-kaAnimationField* kaAnimationXmlReader::field(const kaAnimationXmlElement& element) {
+kaAnimationField* kaAnimationXmlBuilder::field(const kaAnimationXmlElement& element) {
     if (typeOf(element) != FieldTypeID)
         return nullptr;
     kaAnimationField* field = kaFieldStore::make(freeID(idOf(element)));
@@ -141,7 +141,7 @@ kaAnimationField* kaAnimationXmlReader::field(const kaAnimationXmlElement& eleme
     return field;
 }
 
-kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& element) {
+kaControlPoint2D* kaAnimationXmlBuilder::point(const kaAnimationXmlElement& element) {
     if (!isA<kaControlPoint2D>(element))
         return nullptr;
     const osg::Pnt2f position = place(element, kaXmlTag::Position);
@@ -158,7 +158,7 @@ kaControlPoint2D* kaAnimationXmlReader::point(const kaAnimationXmlElement& eleme
 
 /// The flags that curves, blocks, tracks and clips share.
 template <class Container>
-Container* kaAnimationXmlReader::withFlags(Container* container, const kaAnimationXmlElement& element) {
+Container* kaAnimationXmlBuilder::withFlags(Container* container, const kaAnimationXmlElement& element) {
     container->setActive(flag(element[Key::Active], true));
     container->setRepeating(flag(element[Key::Repeating], true));
     container->setFlipped(flag(element[Key::Flipped], true));
@@ -166,7 +166,7 @@ Container* kaAnimationXmlReader::withFlags(Container* container, const kaAnimati
     return container;
 }
 
-kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& element) {
+kaAnimationCurve2D* kaAnimationXmlBuilder::curve(const kaAnimationXmlElement& element) {
     if (!isA<kaAnimationCurve2D>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
@@ -179,28 +179,28 @@ kaAnimationCurve2D* kaAnimationXmlReader::curve(const kaAnimationXmlElement& ele
     return withFlags(curve, element);
 }
 
-kaAnimationUnit* kaAnimationXmlReader::block(const kaAnimationXmlElement& element) {
+kaAnimationUnit* kaAnimationXmlBuilder::block(const kaAnimationXmlElement& element) {
     if (!isA<kaAnimationUnit>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationUnit>(text(element[Key::Name]), id), element);
 }
 
-kaAnimationStreak* kaAnimationXmlReader::track(const kaAnimationXmlElement& element) {
+kaAnimationStreak* kaAnimationXmlBuilder::track(const kaAnimationXmlElement& element) {
     if (!isA<kaAnimationStreak>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationStreak>(text(element[Key::Name]), id), element);
 }
 
-kaAnimationStrip* kaAnimationXmlReader::clip(const kaAnimationXmlElement& element) {
+kaAnimationStrip* kaAnimationXmlBuilder::clip(const kaAnimationXmlElement& element) {
     if (!isA<kaAnimationStrip>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
     return withFlags(kaObjectStore::make<kaAnimationStrip>(text(element[Key::Name]), id), element);
 }
 
-kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement& element) {
+kaAnimationSequence* kaAnimationXmlBuilder::sequence(const kaAnimationXmlElement& element) {
     if (!isA<kaAnimationSequence>(element))
         return nullptr;
     const kaUID id = freeID(idOf(element));
@@ -213,7 +213,7 @@ kaAnimationSequence* kaAnimationXmlReader::sequence(const kaAnimationXmlElement&
 
 // Connecting.
 
-void kaAnimationXmlReader::connect(const kaAnimationXmlElement& element) {
+void kaAnimationXmlBuilder::connect(const kaAnimationXmlElement& element) {
     kaAnimationObject* object = kaObjectStore::find(idOf(element));
     if (!object || element[Key::TypeID].empty())
         return;
@@ -231,7 +231,7 @@ void kaAnimationXmlReader::connect(const kaAnimationXmlElement& element) {
     }
 }
 
-void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnimationXmlElement& element) {
+void kaAnimationXmlBuilder::connectCurve(kaAnimationCurve2D& curve, const kaAnimationXmlElement& element) {
     if (kaAnimationField* field = kaFieldStore::find(parse(element[Key::Field], kaUID{0})))
         curve.setAnimationField(field);
     std::vector<kaControlPoint2D*> points;
@@ -250,7 +250,7 @@ void kaAnimationXmlReader::connectCurve(kaAnimationCurve2D& curve, const kaAnima
 
 /// One that is refused stays where it is. The former container is left before the new one is joined: where
 /// both have an ancestor in common it loses the ids below the child and then gets them back.
-void kaAnimationXmlReader::adopt(kaAnimationObject& container, kaAnimationObject& child) {
+void kaAnimationXmlBuilder::adopt(kaAnimationObject& container, kaAnimationObject& child) {
     if (!kaObjectClass::of(container).links(kaObjectClass::of(child).level) ||
         container.hasChild(child.getId()))
         return;
