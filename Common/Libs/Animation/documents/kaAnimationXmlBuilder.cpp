@@ -1,5 +1,6 @@
 #include "kaAnimationXmlBuilder.h"
 
+#include "kaAncestors.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -76,11 +77,12 @@ bool hasRoom(const kaAnimationObject& container, const kaAnimationObject& child)
 }
 
 kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimationObject& child) {
-    const kaAnimationObject* above = &container;
-    for (unsigned int level = 0; above && level < KA_MAX_DEPTH; ++level, above = above->getParentObject())
-        if (above == &child)
-            return kaLoadReport::Reason::WithinItself;
-    return kaLoadReport::Reason::TooDeep;
+    bool isAbove = false;
+    kaForEachUpwards(&container, [&child, &isAbove](const kaAnimationObject& level) {
+        isAbove = isAbove || &level == &child;
+        return !isAbove;
+    });
+    return isAbove ? kaLoadReport::Reason::WithinItself : kaLoadReport::Reason::TooDeep;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "kaLegacyImport.h"
 
+#include "kaAncestors.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -29,10 +30,7 @@ constexpr unsigned int BELOW_A_CLIP = 2;
 /// The level at which a child of `parent` stands. Parent ids that a host has bent into a ring count as too
 /// deep.
 unsigned int levelBelow(const kaAnimationObject* parent) {
-    unsigned int level = 1;
-    for (; parent && level <= KA_MAX_DEPTH; parent = parent->getParentObject())
-        ++level;
-    return level;
+    return 1 + kaForEachUpwards(parent, [](const kaAnimationObject&) { return true; });
 }
 
 /// The parent that is to take in what a conversion makes, unless the host destroys it meanwhile.

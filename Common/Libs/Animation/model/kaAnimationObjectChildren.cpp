@@ -1,3 +1,4 @@
+#include "kaAncestors.h"
 #include "kaAnimationObject.h"
 #include "kaDependents.h"
 #include "kaEdits.h"
@@ -291,12 +292,13 @@ bool kaAnimationObject::compareObjectsByBegin(kaUID a, kaUID b) {
 bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int levelsBetween) const {
     if (&object == this)
         return false;
-    unsigned int depth = 1;
-    for (const kaAnimationObject* ancestor = getParentObject(); ancestor;
-         ancestor = ancestor->getParentObject()) {
-        if (ancestor == &object || ++depth >= KA_MAX_DEPTH)
-            return false;
-    }
+    bool isAbove = false;
+    const unsigned int depth = kaForEachUpwards(this, [&object, &isAbove](const kaAnimationObject& level) {
+        isAbove = isAbove || &level == &object;
+        return !isAbove;
+    });
+    if (isAbove || depth >= KA_MAX_DEPTH)
+        return false;
     // A track that stands in two lists has one parent only, so the other lies below it without being above.
     std::unordered_set<const kaAnimationObject*> below;
     const unsigned int height = heightOf(object, below);
@@ -358,21 +360,6 @@ void kaAnimationObject::takeIn(const std::set<kaUID>& curves, const std::set<kaU
     noteSetChange();
 }
 
-namespace {
-
-/// Calls `step` for `object` and, with `recursive`, its ancestors. Parent ids that a host has bent into a
-/// ring end after as many levels as a tree may have.
-template <class Step>
-void climb(kaAnimationObject& object, bool recursive, Step&& step) {
-    kaAnimationObject* level = &object;
-    for (unsigned int depth = 0; level && depth < KA_MAX_DEPTH; ++depth) {
-        step(*level);
-        level = recursive ? level->getParentObject() : nullptr;
-    }
-}
-
-} // namespace
-
 void kaAnimationObject::updateBy(kaAnimationObject* child, Operation operation, bool recursive) {
     if (child)
         takeInUpwards(child->getCurveIDs(), child->getSequenceIDs(), operation, recursive);
@@ -402,7 +389,7 @@ void kaAnimationObject::sortChildren(kaChildList& children, Operation operation)
 void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
                                       Operation operation, bool recursive) {
     kaAnimationObject* source = nullptr;
-    climb(*this, recursive, [&](kaAnimationObject& level) {
+    kaForEachUpwards(this, [&](kaAnimationObject& level) {
         if (operation == SUB_OBJECT && level._group && &level._group->curves == &curves)
             source = &level;
         else
@@ -410,6 +397,7 @@ void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::
         if (level._group)
             sortChildren(level._group->children, operation);
         level.updateBounds();
+        return recursive;
     });
     if (source)
         source->takeIn(curves, sequences, operation);
