@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <limits>
+#include <random>
 
 using namespace ka_test;
 using testing::ElementsAre;
@@ -42,6 +43,48 @@ INSTANTIATE_TEST_SUITE_P(Spans, TrackInsert,
                                          InsertRow{"after_all", 40.0F, 50.0F, true},
                                          InsertRow{"before_all", -5.0F, 5.0F, true}),
                          [](const auto& row) { return std::string(row.param.name); });
+
+/// The rule, child by child.
+bool isInTheWay(const kaAnimationObject& child, float begin, float end) {
+    const float childBegin = child.getBegin();
+    const float childEnd = child.getEnd();
+    const auto isInside = [](float frame, float from, float to) { return from < frame && frame < to; };
+    return isInside(begin, childBegin, childEnd) || isInside(end, childBegin, childEnd) ||
+           (childBegin <= begin && end <= childEnd) || (begin <= childBegin && childEnd <= end);
+}
+
+TEST_F(Track, FindsRoomAmongManyBlocksThatMoveAndLeaveAsALookAtEachWould) {
+    std::mt19937 random(3);
+    const auto below = [&random](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
+    };
+    kaAnimationStreak* track = manager->createStreak(0);
+    std::vector<kaAnimationObject*> inside;
+    int accepted = 0;
+    for (int step = 0; step < 6000; ++step) {
+        const auto begin = static_cast<float>(below(9000));
+        const float end = begin + static_cast<float>(1 + below(12));
+        if (!inside.empty() && step % 7 == 0) {
+            inside[static_cast<std::size_t>(below(static_cast<int>(inside.size())))]->move(
+                begin / 9.0F - 500.0F, true);
+        } else if (!inside.empty() && step % 5 == 0) {
+            const auto at = inside.begin() + below(static_cast<int>(inside.size()));
+            track->subObject(*at, true);
+            inside.erase(at);
+        } else {
+            bool isFree = true;
+            for (const kaAnimationObject* child : track->getObjects())
+                isFree = isFree && !isInTheWay(*child, begin, end);
+            kaAnimationUnit* block = makeBlock(begin, end);
+            ASSERT_EQ(track->insertObject(block), isFree) << step << ": " << begin << " to " << end;
+            if (isFree)
+                inside.push_back(block);
+            accepted += isFree ? 1 : 0;
+        }
+    }
+    EXPECT_GT(accepted, 500);
+    EXPECT_GT(inside.size(), 300U);
+}
 
 TEST_F(Track, InsertsBlocksClipsAndSequencesOnly) {
     kaAnimationStreak* track = manager->createStreak(0);

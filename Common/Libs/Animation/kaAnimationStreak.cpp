@@ -3,6 +3,8 @@
 #include "kaChildList.h"
 #include "kaObjectStore.h"
 
+#include <algorithm>
+
 namespace {
 
 bool isInside(float frame, const kaExtent& extent) {
@@ -56,12 +58,12 @@ bool kaAnimationStreak::insertObject(kaAnimationObject* object) {
     return object && isLaidOut(*object) && hasRoomFor(*object) && addObject(object);
 }
 
-bool kaAnimationStreak::hasRoomFor(const kaAnimationObject& object) const {
-    const kaChildList* list = childrenOrNull();
-    if (!list)
+/// No child that ends before the object begins, or begins after it ends, is in its way.
+bool kaAnimationStreak::hasRoomFor(const kaAnimationObject& object) {
+    if (!hasChildren())
         return true;
     const kaExtent span = spanOf(object);
-    bool free = true;
-    list->forEach([&](const kaAnimationObject& child) { free = free && !overlap(span, spanOf(child)); });
-    return free;
+    return !children().anyNear(
+        std::min(span.begin, span.end), std::max(span.begin, span.end),
+        [&span](const kaAnimationObject& child) { return overlap(span, spanOf(child)); });
 }

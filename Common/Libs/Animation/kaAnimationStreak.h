@@ -47,7 +47,7 @@ class KA_ANIMATION_API kaAnimationStreak final : public kaAnimationContainer {
   private:
     bool copiesBelow(const kaAnimationObject& child) const override;
     kaAnimationObject* copyOf(kaAnimationObject& child) const override;
-    bool hasRoomFor(const kaAnimationObject& object) const;
+    bool hasRoomFor(const kaAnimationObject& object);
     template <class Object>
     std::vector<Object*> childrenOf() const;
 

@@ -135,6 +135,8 @@ void kaChildList::release() {
             entry.object()->_home = nullptr;
     _chunks.clear();
     _firsts.clear();
+    _reaches.clear();
+    _groups.clear();
     _ids.clear();
     _reduced.clear();
     _otherThanKeys = 0;
@@ -242,9 +244,20 @@ void kaChildList::renumber(std::size_t from) {
 void kaChildList::addChunk(std::size_t at, std::unique_ptr<kaChildChunk> chunk) {
     const auto offset = static_cast<std::ptrdiff_t>(at);
     _firsts.reserve(_chunks.size() + 1);
+    _reaches.reserve(_chunks.size() + 1);
+    _groups.reserve(_chunks.size() / GroupSize + 1);
     _chunks.insert(_chunks.begin() + offset, std::move(chunk));
     _firsts.insert(_firsts.begin() + offset, _chunks[at]->entries.front().begin());
+    _reaches.insert(_reaches.begin() + offset, Reach());
     renumber(at);
+    regroup(at);
+}
+
+/// The chunks from here on are others, or as many more or less.
+void kaChildList::regroup(std::size_t from) {
+    _groups.resize((_chunks.size() + GroupSize - 1) / GroupSize);
+    for (std::size_t i = from / GroupSize; i < _groups.size(); ++i)
+        _groups[i].valid = false;
 }
 
 void kaChildList::splitChunk(std::size_t at) {
@@ -255,6 +268,7 @@ void kaChildList::splitChunk(std::size_t at) {
     second->entries.assign(middle, left.entries.end());
     kaChildChunk& right = *second;
     addChunk(at + 1, std::move(second));
+    _reaches[at + 1] = _reaches[at];
     left.entries.erase(middle, left.entries.end());
     for (const Entry& entry : right.entries) {
         entry.object()->_home = &right;
@@ -268,10 +282,12 @@ void kaChildList::splitChunk(std::size_t at) {
 void kaChildList::widen(kaChildChunk& chunk, const Entry& entry) {
     chunk.selectedCount += entry.isSelected() ? 1U : 0U;
     _otherThanKeys += entry.isKey() ? 0U : 1U;
+    _reaches[chunk.index].include(entry);
     if (!entry.counts())
         return;
     const kaExtent extent = entry.extent();
     chunk.extent.include(extent);
+    _groups[chunk.index / GroupSize].extent.include(extent);
     _extent.include(extent);
 }
 
@@ -283,6 +299,8 @@ void kaChildList::narrow(kaChildChunk& chunk, const Entry& entry, const kaExtent
         return;
     if (touches(chunk.extent, extent))
         chunk.extentValid = false;
+    Group& group = _groups[chunk.index / GroupSize];
+    group.valid = group.valid && !touches(group.extent, extent);
     if (touches(_extent, extent))
         _extentValid = false;
 }
@@ -352,7 +370,9 @@ void kaChildList::eraseEntry(kaChildChunk& chunk, std::size_t index) {
     if (chunk.entries.empty()) {
         _chunks.erase(_chunks.begin() + static_cast<std::ptrdiff_t>(at));
         _firsts.erase(_firsts.begin() + static_cast<std::ptrdiff_t>(at));
+        _reaches.erase(_reaches.begin() + static_cast<std::ptrdiff_t>(at));
         renumber(at);
+        regroup(at);
         if (_chunks.empty())
             _order = Order::Sorted;
     } else if (index == 0) {
@@ -419,6 +439,32 @@ void kaChildList::recompute(kaChildChunk& chunk) {
     chunk.extentValid = true;
 }
 
+void kaChildList::recompute(std::size_t group) {
+    kaExtent extent;
+    const std::size_t end = std::min(_chunks.size(), (group + 1) * GroupSize);
+    for (std::size_t i = group * GroupSize; i < end; ++i) {
+        if (!_chunks[i]->extentValid)
+            recompute(*_chunks[i]);
+        extent.include(_chunks[i]->extent);
+    }
+    _groups[group] = {extent, true};
+}
+
+/// A key's entry holds all of its reach.
+void kaChildList::Reach::include(const Entry& entry) {
+    include(entry.begin());
+    if (entry.isKey())
+        return;
+    include(entry.object()->getBegin());
+    include(entry.object()->getEnd());
+}
+
+void kaChildList::measure(std::size_t chunk) {
+    _reaches[chunk] = Reach();
+    for (const Entry& entry : _chunks[chunk]->entries)
+        _reaches[chunk].include(entry);
+}
+
 kaExtent kaChildList::extent() {
     if (!_linked) {
         kaExtent result;
@@ -431,10 +477,10 @@ kaExtent kaChildList::extent() {
     }
     if (!_extentValid) {
         _extent = kaExtent();
-        for (const auto& chunk : _chunks) {
-            if (!chunk->extentValid)
-                recompute(*chunk);
-            _extent.include(chunk->extent);
+        for (std::size_t i = 0; i < _groups.size(); ++i) {
+            if (!_groups[i].valid)
+                recompute(i);
+            _extent.include(_groups[i].extent);
         }
         _extentValid = true;
     }

@@ -67,8 +67,8 @@ class kaChildList {
     /// since, else O(n log n).
     void sort();
 
-    /// United extent of the children that count. Cost: O(1), or O(ChunkSize + c) after a child shrank or
-    /// left.
+    /// United extent of the children that count. Cost: O(1), or O(ChunkSize + GroupSize + c / GroupSize)
+    /// after a child shrank or left.
     kaExtent extent();
 
     /// Position of the first entry equal to `id`, and whether there is one.
@@ -122,6 +122,12 @@ class kaChildList {
         }
     }
 
+    /// Whether `test(const kaAnimationObject&)` holds for any registered child. Where begin and end of a
+    /// child both stand before `from` or both behind `to`, it must not. Cost: O(c), and the chunks that reach
+    /// in.
+    template <class Test>
+    bool anyNear(float from, float to, Test&& test);
+
     bool isLinked() const { return _linked; }
     /// Whether all children are known to be keys, without a look at any.
     bool hasKeysOnly() const { return _linked && _otherThanKeys == 0; }
@@ -161,6 +167,23 @@ class kaChildList {
         std::size_t index;
     };
     using Entry = kaChildEntry;
+    /// From where to where the children of a chunk reach at most, those included that do not count.
+    struct Reach {
+        void include(float frame) {
+            from = frame < from ? frame : from;
+            to = frame > to ? frame : to;
+        }
+        void include(const Entry& entry);
+
+        float from = KA_EMPTY_EXTENT;
+        float to = -KA_EMPTY_EXTENT;
+    };
+    /// As many chunks in a row, whose extents are united together.
+    static constexpr std::size_t GroupSize = 64;
+    struct Group {
+        kaExtent extent; ///< while `valid`
+        bool valid = false;
+    };
 
     static kaAnimationObject* resolve(kaUID id);
     static const kaAnimationObject* resolve(const kaAnimationObject& child);
@@ -179,6 +202,9 @@ class kaChildList {
     void narrow(kaChildChunk& chunk, const Entry& entry, const kaExtent& extent);
     void checkOrder(Place place);
     static void recompute(kaChildChunk& chunk);
+    void recompute(std::size_t group);
+    void regroup(std::size_t from);
+    void measure(std::size_t chunk);
 
     void sortOne();
     void sortAll();
@@ -206,7 +232,9 @@ class kaChildList {
 
     kaAnimationObject* _owner;
     std::vector<std::unique_ptr<kaChildChunk>> _chunks;
-    std::vector<float> _firsts;      ///< begin of each chunk's first entry
+    std::vector<float> _firsts;  ///< begin of each chunk's first entry
+    std::vector<Reach> _reaches; ///< of each chunk
+    std::vector<Group> _groups;
     mutable std::vector<kaUID> _ids; ///< the list while it is not linked (`idList`)
     /// The same where a child's loss made it so: what had been chunks, with ids for entries.
     mutable std::vector<std::unique_ptr<kaChildChunk>> _reduced;
@@ -223,3 +251,21 @@ class kaChildList {
     Order _order = Order::Sorted;
     const kaAnimationObject* _out = nullptr; ///< for `Order::OneOut`
 };
+
+template <class Test>
+bool kaChildList::anyNear(float from, float to, Test&& test) {
+    if (!_linked) {
+        bool any = false;
+        forEach([&](const kaAnimationObject& child) { any = any || test(child); });
+        return any;
+    }
+    for (std::size_t i = 0; i < _reaches.size(); ++i) {
+        if (_reaches[i].to < from || to < _reaches[i].from)
+            continue;
+        for (const Entry& entry : _chunks[i]->entries)
+            if (test(static_cast<const kaAnimationObject&>(*entry.object())))
+                return true;
+        measure(i); // it may have reached farther once
+    }
+    return false;
+}

@@ -82,7 +82,9 @@ void kaChildList::sortAll() {
             chunk->selectedCount += entry.isSelected() ? 1U : 0U;
         }
         _firsts[chunk->index] = chunk->entries.front().begin();
+        measure(chunk->index);
     }
+    regroup(0);
     _order = Order::Sorted;
     noteEdit();
 }
