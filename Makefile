@@ -36,7 +36,12 @@ studio: setup setup-studio ## build the studio and open it on a real motion
 		xvfb-run -a build/release/bin/ka-studio --quit-after 3 $(STUDIO_FILE); fi
 
 .PHONY: test
-test: setup-studio test-release ## build everything, optimised, and run all tests
+test: setup-studio setup-python configure-python test-release ## build everything, optimised, and run all tests
+
+# The Python package is a part of the tests' build alone: it has packages of its own.
+.PHONY: configure-python
+configure-python:
+	@grep -qs '^KA_BUILD_PYTHON:BOOL=ON' build/release/CMakeCache.txt || cmake --preset release -D KA_BUILD_PYTHON=ON
 
 # Seconds for each fuzzer.
 FUZZ_SECONDS ?= 60
