@@ -2,8 +2,10 @@
 #include "RegistryFixture.h"
 #include "kaAnimationController.h"
 #include "kaAnimationManager.h"
+#include "kaCurveSampling.h"
 
 #include <cmath>
+#include <random>
 
 using namespace ka_test;
 
@@ -186,6 +188,66 @@ TEST_F(SampleAfterEdit, HoldsForAnyNumberOfEditedKeys) {
                 expectLikeNew(curve);
         }
     }
+}
+
+/// Between edits now a few frames, now so many that the keys are packed again.
+TEST_F(SampleAfterEdit, HoldsWhileManyKeysComeGoAndMove) {
+    std::mt19937 random(17);
+    const auto below = [&random](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
+    };
+    kaAnimationCurve2D* curve = curveOf(150);
+    for (int step = 0; step < 60; ++step) {
+        for (int i = below(4); i >= 0; --i) {
+            const auto x = static_cast<float>(below(18000)) / 10.0F - 100.0F;
+            curve->addObject(
+                kaAnimationManager::the()->createPoint2D(x, static_cast<float>(below(9)) - 4.0F, 0));
+        }
+        const KeyList keys = keysOf(*curve); // one that came may have taken another's place
+        for (std::size_t i = 0; i < 12; ++i)
+            drag(*keys[(i * 11 + static_cast<std::size_t>(step)) % keys.size()], 0.125F, 0.5F);
+        if (step % 3 == 0)
+            curve->subObject(keysOf(*curve)[static_cast<std::size_t>(below(80))], true);
+        Keys now;
+        for (kaControlPoint2D* key : keysOf(*curve))
+            now.push_back(keyOf(*key));
+        kaAnimationCurve2D* fresh = makeCurve(now);
+        const int samples = step % 4 == 0 ? 200 : 12;
+        for (int i = 0; i < samples; ++i) {
+            const float frame = i % 5 == 0
+                                    ? now[static_cast<std::size_t>(below(static_cast<int>(now.size())))].key.x
+                                    : static_cast<float>(below(20000)) / 10.0F - 200.0F;
+            const float value = sample(curve, frame);
+            const float expected = sample(fresh, frame);
+            if (!std::isnan(expected) || !std::isnan(value)) {
+                ASSERT_EQ(value, expected) << "step " << step << ", frame " << frame;
+            }
+        }
+        std::vector<float> frames;
+        for (int i = 0; i < 30; ++i)
+            frames.push_back(static_cast<float>(below(20000)) / 10.0F - 200.0F);
+        float many[30] = {};
+        float expected[30] = {};
+        kaCurveSampling::sample(curve, frames.data(), frames.size(), many);
+        kaCurveSampling::sample(fresh, frames.data(), frames.size(), expected);
+        for (std::size_t i = 0; i < frames.size(); ++i)
+            ASSERT_EQ(many[i], expected[i]) << "step " << step << ", frame " << frames[i];
+    }
+}
+
+/// Several keys at one frame, where the first of them counts, and all of them there.
+TEST_F(SampleAfterEdit, HoldsForManyKeysThatShareFrames) {
+    kaAnimationCurve2D* curve = curveOf(100);
+    const KeyList keys = keysOf(*curve);
+    for (std::size_t i = 0; i < 99; ++i)
+        if (i % 3 == 0)
+            for (kaControlPoint2D* part :
+                 {keys[i + 1], keys[i + 1]->getInTangent(), keys[i + 1]->getOutTangent()})
+                part->setPosition(keys[i]->getPosition()[0], part->getPosition()[1]);
+    EXPECT_NO_FATAL_FAILURE(expectLikeNew(curve));
+    for (kaControlPoint2D* key : keys)
+        key->setPosition(7.0F, key->getPosition()[1]);
+    EXPECT_NO_FATAL_FAILURE(expectLikeNew(curve));
 }
 
 } // namespace

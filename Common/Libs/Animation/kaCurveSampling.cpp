@@ -78,7 +78,7 @@ std::size_t kaCurveSampling::sample(kaAnimationCurve2D* curve, const float* fram
     }
     kaCurveView& view = curve->view();
     for (std::size_t i = 0; i < count; ++i) {
-        if (const kaSegment* segment = view.segmentAt(frames[i]))
+        if (const kaSegment* segment = view.isPacked() ? view.segmentAt(frames[i]) : nullptr)
             samples.add(*segment, frames[i]);
         else
             samples.addOne(view, frames[i]);
@@ -95,7 +95,7 @@ std::size_t kaCurveSampling::sample(kaAnimationCurve2D* const* curves, std::size
             continue;
         }
         kaCurveView& view = curves[i]->view();
-        if (const kaSegment* segment = view.segmentAt(frame))
+        if (const kaSegment* segment = view.isPacked() ? view.segmentAt(frame) : nullptr)
             samples.add(*segment, frame);
         else
             samples.addOne(view, frame);

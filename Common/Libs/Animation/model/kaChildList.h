@@ -129,6 +129,9 @@ class kaChildList {
     bool anyNear(float from, float to, Test&& test);
 
     bool isLinked() const { return _linked; }
+    /// Of a linked list that is not empty.
+    const kaAnimationObject& first() const { return *_chunks.front()->entries.front().object(); }
+    const kaAnimationObject& last() const { return *_chunks.back()->entries.back().object(); }
     /// Whether all children are known to be keys, without a look at any.
     bool hasKeysOnly() const { return _linked && _otherThanKeys == 0; }
     /// Whether the children are known to be in ascending order of begin.

@@ -16,17 +16,6 @@ namespace {
 /// Fewer keys than this are searched as they are.
 constexpr std::size_t FewKeys = 8;
 
-/// A missing handle stands on its key.
-kaSegment segmentBetween(const kaControlPoint2D& left, const kaControlPoint2D& right) {
-    const kaControlPoint2D* outHandle = left.getOutTangent();
-    const kaControlPoint2D* inHandle = right.getInTangent();
-    const osg::Pnt2f& a = left.getPosition();
-    const osg::Pnt2f& out = (outHandle ? outHandle : &left)->getPosition();
-    const osg::Pnt2f& in = (inHandle ? inHandle : &right)->getPosition();
-    const osg::Pnt2f& b = right.getPosition();
-    return kaSegment(kaSegment::Points{a[0], a[1], out[0], out[1], in[0], in[1], b[0], b[1]});
-}
-
 /// By x the keys of a list that is not in order, of several at one x the first.
 std::map<float, const kaControlPoint2D*> firstAtEach(const kaChildList& keys) {
     std::map<float, const kaControlPoint2D*> points;
@@ -42,17 +31,29 @@ std::map<float, const kaControlPoint2D*> firstAtEach(const kaChildList& keys) {
 
 void kaCurveView::update(const kaChildList* keys) {
     const bool linked = keys && keys->isLinked();
-    if (!linked || !_packed || keys->revision() != _revision) {
-        const bool wasPacked = std::exchange(_packed, false); // unless this comes to its end
-        if (!wasPacked || !linked || !mend(*keys)) {
+    if (!linked || !(_packed || _unpacked) || keys->revision() != _revision)
+        renew(keys);
+    _kept = linked || !keys;
+    _edits = kaEdits::count;
+}
+
+void kaCurveView::renew(const kaChildList* keys) {
+    const bool linked = keys && keys->isLinked();
+    const bool wasPacked = std::exchange(_packed, false); // unless this comes to its end
+    const bool isMended = wasPacked && linked && mend(*keys);
+    const bool wasAny = wasPacked || _unpacked;
+    _unpacked.reset();
+    if (!isMended && wasAny && linked && kaUnpackedKeys::isFor(*keys)) {
+        _unpacked = std::make_unique<kaUnpackedKeys>(*keys);
+        _begin = _end = 0.0F; // no frame is among packed keys
+    } else {
+        if (!isMended) {
             pack(keys);
             divide();
         }
         _packed = linked;
-        _revision = keys ? keys->revision() : 0;
     }
-    _kept = linked || !keys;
-    _edits = kaEdits::count;
+    _revision = keys ? keys->revision() : 0;
 }
 
 /// Packs the segments next to the keys that have changed. @return false where everything has to be packed; the
@@ -71,11 +72,11 @@ bool kaCurveView::mend(const kaChildList& keys) {
         _frames[place] = x;
         if (const auto* previous = static_cast<const kaControlPoint2D*>(beside.first)) {
             ordered = ordered && previous->getPosition()[0] < x;
-            _segments[place - 1] = segmentBetween(*previous, point);
+            _segments[place - 1] = kaUnpackedKeys::between(*previous, point);
         }
         if (const auto* next = static_cast<const kaControlPoint2D*>(beside.second)) {
             ordered = ordered && x < next->getPosition()[0];
-            _segments[place] = segmentBetween(point, *next);
+            _segments[place] = kaUnpackedKeys::between(point, *next);
         }
     });
     if (!known || !ordered)
@@ -137,7 +138,7 @@ void kaCurveView::pack(const std::vector<const kaControlPoint2D*>& ascending) {
     for (const kaControlPoint2D* right : ascending) {
         _frames.push_back(right->getPosition()[0]);
         if (left)
-            _segments.push_back(segmentBetween(*left, *right));
+            _segments.push_back(kaUnpackedKeys::between(*left, *right));
         left = right;
     }
     noteEnds();
@@ -197,15 +198,27 @@ std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float
 
 const kaSegment* kaCurveView::segmentAt(float frame) {
     if (!(frame >= _begin && frame < _end))
-        return nullptr;
+        return _unpacked ? unpackedSegmentAt(frame) : nullptr;
     if (!_segments[_last].holds(frame))
         _last = indexAt(frame);
     return &_segments[_last];
 }
 
+const kaSegment* kaCurveView::unpackedSegmentAt(float frame) {
+    if (!_unpacked->isWornOut())
+        return _unpacked->segmentAt(frame);
+    pack(&_unpacked->list());
+    divide();
+    _packed = true;
+    _unpacked.reset();
+    return segmentAt(frame);
+}
+
 bool kaCurveView::sample(float frame, float& value) {
     if (const kaSegment* segment = segmentAt(frame))
         return kaSegmentIteration::sample(*segment, frame, value);
+    if (_unpacked)
+        return _unpacked->sampleOutside(frame, value);
     if (_count < 2)
         return false;
     if (_segments.empty())

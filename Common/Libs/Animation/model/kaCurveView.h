@@ -3,9 +3,11 @@
 #include "kaEdits.h"
 #include "kaHugePages.h"
 #include "kaSegment.h"
+#include "kaUnpackedKeys.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 class kaChildList;
@@ -16,7 +18,8 @@ class kaControlPoint2D;
 ///
 /// A cache with one rule: it is valid while the key list is linked and its revision is the one that was packed,
 /// since every change of a key, a handle or the list raises the revision. After a few keys have moved between
-/// their neighbours only the segments next to them are packed again. For a list that is not linked all is packed
+/// their neighbours only the segments next to them are packed again, and after any other edit of many keys none
+/// (`kaUnpackedKeys`) until that pays. For a list that is not linked all is packed
 /// again for every sample.
 class kaCurveView {
   public:
@@ -30,20 +33,28 @@ class kaCurveView {
     bool isKept() const { return _kept; }
 
     /// Whether there are keys at two frames or more: without, no sample writes a value.
-    bool hasSpan() const { return !_segments.empty(); }
+    bool hasSpan() const { return _unpacked ? _unpacked->hasSpan() : !_segments.empty(); }
+
+    /// Whether segments stand until the curve is edited: not while keys are sampled as they stand in the list.
+    bool isPacked() const { return !_unpacked; }
 
     /// `kaAnimationController::computeCurveValue` for the packed keys.
     /// Cost: a look at the segment sampled last, else one at the cell of the frame and the keys in it.
     bool sample(float frame, float& value);
 
     /// The segment that holds `frame`; null where none does: before the first key, from the last one on and
-    /// without keys at two frames. Good until the curve is edited. Cost: as of `sample`.
+    /// without keys at two frames. Good until the curve is edited or, unless `isPacked`, until the next call. Cost:
+    /// as of `sample`.
     const kaSegment* segmentAt(float frame);
-    /// Behind the last segment; they lie side by side.
-    const kaSegment* segmentsEnd() const { return _segments.data() + _segments.size(); }
+    /// Behind the last of the segments that lie side by side with that of the last call.
+    const kaSegment* segmentsEnd() const {
+        return _unpacked ? &_unpacked->lastSegment() + 1 : _segments.data() + _segments.size();
+    }
 
   private:
     void update(const kaChildList* keys);
+    void renew(const kaChildList* keys);
+    const kaSegment* unpackedSegmentAt(float frame);
     bool mend(const kaChildList& keys);
     bool staysInCell(std::size_t place, float frame) const;
     void pack(const kaChildList* keys);
@@ -74,4 +85,6 @@ class kaCurveView {
     bool _inListOrder = false; ///< the list holds the packed keys and nothing else, in their order
 
     std::size_t _last = 0; ///< the segment sampled last
+    /// What samples the keys instead where the last edit left too much to pack; the packed form is invalid then.
+    std::unique_ptr<kaUnpackedKeys> _unpacked;
 };
