@@ -169,8 +169,8 @@ TEST(GltfReader, NotesWhatItCannotCarryOver) {
     file.document["cameras"] =
         json::array({{{"type", "perspective"}, {"perspective", {{"yfov", 1.0}, {"znear", 0.1}}}}});
     const Motion motion = read(file.text()).motion;
-    EXPECT_THAT(motion.notes, ElementsAre("take 'take 1': left out 1 channel of 'weights'",
-                                          "only nodes and their motion are imported; left out: 1 camera"));
+    EXPECT_THAT(motion.notes,
+                ElementsAre("take 'take 1': left out 1 channel of 'weights'", "left out: 1 camera"));
 }
 
 /// A sound file that moves a node along, for what is said about extensions.

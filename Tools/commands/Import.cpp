@@ -21,6 +21,8 @@ struct ImportCommandOptions {
 
 std::string reportAsJson(const ImportReport& report, const std::vector<std::string>& faults) {
     nlohmann::ordered_json document{{"nodes", report.nodes},
+                                    {"meshes", report.meshes},
+                                    {"triangles", report.triangles},
                                     {"clips", report.clips},
                                     {"blocks", report.blocks},
                                     {"curves", report.curves},
@@ -42,9 +44,12 @@ std::string reportAsJson(const ImportReport& report, const std::vector<std::stri
 void sayReport(const ImportReport& report) {
     for (const std::string& note : report.notes)
         say(note);
-    say(counted(report.nodes, "node") + ", " + counted(report.clips, "clip") + ", " +
-        counted(report.blocks, "block") + ", " + counted(report.curves, "curve") + ", " +
-        counted(report.keys, "key"));
+    say(counted(report.nodes, "node") + ", " +
+        (report.meshes == 0 ? std::string()
+                            : counted(report.meshes, report.meshes == 1 ? "mesh" : "meshe") + " of " +
+                                  counted(report.triangles, "triangle") + ", ") +
+        counted(report.clips, "clip") + ", " + counted(report.blocks, "block") + ", " +
+        counted(report.curves, "curve") + ", " + counted(report.keys, "key"));
     say(report.worstCurve.empty()
             ? std::string("no curve differs from the source by more than the digits of a document")
             : "curves differ from the source by at most " + formatNumber(report.worstDifference, 2) +

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "kaMotion/ExportReport.h"
-#include "kaMotion/Project.h"
-#include "kaMotion/Rotation.h"
-
+#include <kaMotion/ExportReport.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/Rotation.h>
 #include <optional>
 #include <string>
 

@@ -1,3 +1,5 @@
+#include "readers/MeshCheck.h"
+
 #include <algorithm>
 #include <cmath>
 #include <kaMotion/Failure.h>
@@ -67,7 +69,9 @@ class ChannelCheck {
 
 bool isEmpty(const MotionTrack& track) {
     return track.translation.keys.empty() && track.scale.keys.empty() && track.angles.keys.empty() &&
-           track.quaternion.keys.empty();
+           track.quaternion.keys.empty() &&
+           std::all_of(track.weights.begin(), track.weights.end(),
+                       [](const MotionChannel<1>& weight) { return weight.keys.empty(); });
 }
 
 void checkHierarchy(const std::vector<MotionNode>& nodes) {
@@ -129,6 +133,8 @@ void checkTake(MotionTake& take, const std::vector<MotionNode>& nodes, std::vect
         check.run(track.scale, "scale");
         check.run(track.angles, "rotation");
         check.run(track.quaternion, "rotation");
+        for (MotionChannel<1>& weight : track.weights)
+            check.run(weight, "weight");
         findings.insert(findings.end(), check.findings().begin(), check.findings().end());
     }
     tracks.erase(std::remove_if(tracks.begin(), tracks.end(), isEmpty), tracks.end());
@@ -143,6 +149,7 @@ std::size_t checkMotion(Motion& motion) {
         findings.push_back(counted(repaired, "rest transform") + " with unusable numbers made neutral");
     for (MotionTake& take : motion.takes)
         checkTake(take, motion.nodes, findings);
+    checkMeshes(motion, findings);
     auto& takes = motion.takes;
     for (const MotionTake& take : takes)
         if (take.tracks.empty())

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <kaMotion/MotionMesh.h>
 #include <kaMotion/Rotation.h>
 #include <string>
 #include <vector>
@@ -35,11 +36,12 @@ struct MotionChannel {
 /// What one take does to one node. Of `angles` (degrees about X, Y, Z) and `quaternion` (x, y, z, w) a reader
 /// fills the one that its file holds.
 struct MotionTrack {
-    std::uint32_t node = 0;       ///< index in `Motion::nodes`
-    MotionChannel<3> translation; ///< the file's unit of length
-    MotionChannel<3> scale;       ///< factors
-    MotionChannel<3> angles;      ///< degrees about X, Y, Z
-    MotionChannel<4> quaternion;  ///< x, y, z, w
+    std::uint32_t node = 0;                ///< index in `Motion::nodes`
+    MotionChannel<3> translation;          ///< the file's unit of length
+    MotionChannel<3> scale;                ///< factors
+    MotionChannel<3> angles;               ///< degrees about X, Y, Z
+    MotionChannel<4> quaternion;           ///< x, y, z, w
+    std::vector<MotionChannel<1>> weights; ///< of the morph targets of what the node shows, in their order
 };
 
 /// One animation of a file.
@@ -67,9 +69,12 @@ struct Motion {
     /// recurse.
     static constexpr std::size_t maximumDepth = 500;
 
-    std::vector<MotionNode> nodes;  ///< parents before their children
-    std::vector<MotionTake> takes;  ///< in the file's order
-    std::vector<std::string> notes; ///< what the reader could not carry over, one line each
+    std::vector<MotionNode> nodes;         ///< parents before their children
+    std::vector<MotionTake> takes;         ///< in the file's order
+    std::vector<MotionMesh> meshes;        ///< what the nodes show
+    std::vector<MotionMaterial> materials; ///< of the meshes
+    std::vector<MotionSkin> skins;         ///< of the meshes
+    std::vector<std::string> notes;        ///< what the reader could not carry over, one line each
 };
 
 /// Makes a motion fit to build from, or throws a Failure (without the file's name) where the hierarchy itself

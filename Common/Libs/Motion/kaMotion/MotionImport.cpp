@@ -1,4 +1,5 @@
 #include "check/Deviation.h"
+#include "project/MeshImport.h"
 
 #include <OpenSG/OSGSimpleAttachments.h>
 #include <OpenSG/OSGTransform3D.h>
@@ -70,6 +71,10 @@ class MotionImporter {
     ImportReport run(const osg::NodePtr& root) {
         addAttributes();
         buildNodes(root);
+        BuiltMeshes meshes = buildMeshes(_motion, _nodes, root, _lossyNames);
+        _morphs = std::move(meshes.morphs);
+        _report.meshes = meshes.meshes;
+        _report.triangles = meshes.triangles;
         for (const MotionTake& take : _motion.takes)
             buildTake(take);
         if (_lossyNames)
@@ -83,7 +88,7 @@ class MotionImporter {
   private:
     static void addAttributes() {
         kaAnimationManager* manager = kaAnimationManager::the();
-        for (const char* name : {"translation", "scale", "fieldOfView"})
+        for (const char* name : {"translation", "scale", "fieldOfView", "weight"})
             if (!manager->isAnimationAttribute(name))
                 manager->addAnimationAttribute(name);
     }
@@ -127,8 +132,38 @@ class MotionImporter {
             kaAnimationUtils::addAnimationObject(_nodes[track.node], block);
             clip->insertObject(block);
             ++_report.blocks;
+            addWeights(clip, track);
         }
         ++_report.clips;
+    }
+
+    /// A block on the node of each morph target that is moved.
+    void addWeights(kaAnimationStrip* clip, const MotionTrack& track) {
+        const auto known = _morphs.find(track.node);
+        for (std::size_t i = 0; i < track.weights.size() && known != _morphs.end(); ++i) {
+            if (track.weights[i].keys.empty() || i >= known->second.size())
+                continue;
+            MotionChannel<3> wide{track.weights[i].interpolation, {}};
+            for (const MotionKey<1>& key : track.weights[i].keys)
+                wide.keys.push_back(
+                    {key.time, {key.value[0], 0, 0}, {key.inTangent[0], 0, 0}, {key.outTangent[0], 0, 0}});
+            std::vector<CurveKey> keys = curvesOf(wide)[0];
+            for (const osg::NodePtr& node : known->second[i]) {
+                kaAnimationManager* manager = kaAnimationManager::the();
+                kaAnimationField* field = manager->getField(node, "weight");
+                if (field == nullptr)
+                    continue;
+                kaAnimationUnit* block = manager->createUnit(osg::getName(node), 0);
+                addCurve(block, keys, [&](const std::vector<kaControlPoint2D*>& points) {
+                    kaAnimationCurve2D* curve = manager->createCurve2D(field, "weight", 0, false);
+                    curve->setPoints(points);
+                    return curve;
+                });
+                kaAnimationUtils::addAnimationObject(node, block);
+                clip->insertObject(block);
+                ++_report.blocks;
+            }
+        }
     }
 
     kaAnimationUnit* buildBlock(const MotionTrack& track) {
@@ -164,25 +199,32 @@ class MotionImporter {
     /// @param kind  the letter of the interchange's attribute names: "TransformTX" and so on.
     void addCurves(kaAnimationUnit* block, std::uint32_t node, CurveTriple curves, char kind) {
         for (std::size_t axis = 0; axis < 3; ++axis) {
-            if (curves[axis].empty())
-                continue;
-            snapToFrames(curves[axis], _options.framesPerSecond);
-            const BezierCurve laidOut = layOutCurve(curves[axis], _options.framesPerSecond);
-            if (laidOut.keys.size() > _options.budget.most() - _report.keys)
-                _options.budget.refuse(_report.keys + laidOut.keys.size());
-            std::vector<kaControlPoint2D*> points;
-            points.reserve(laidOut.keys.size());
-            for (const BezierKey& key : laidOut.keys)
-                points.push_back(makeKey(key));
             const std::string attribute = std::string("Transform") + kind + "XYZ"[axis];
-            kaAnimationCurve2D* curve =
-                kaAnimationManager::the()->createCurve2D(_nodes[node], attribute, points, 0, false);
-            block->addObject(curve);
-            compareWithSource(*curve, curves[axis]);
-            ++_report.curves;
-            _report.keys += points.size();
-            _report.mergedKeys += laidOut.merged;
+            if (!curves[axis].empty())
+                addCurve(block, curves[axis], [&](const std::vector<kaControlPoint2D*>& points) {
+                    return kaAnimationManager::the()->createCurve2D(_nodes[node], attribute, points, 0,
+                                                                    false);
+                });
         }
+    }
+
+    /// @param make  gives a curve with the points.
+    template <class Make>
+    void addCurve(kaAnimationUnit* block, std::vector<CurveKey>& keys, const Make& make) {
+        snapToFrames(keys, _options.framesPerSecond);
+        const BezierCurve laidOut = layOutCurve(keys, _options.framesPerSecond);
+        if (laidOut.keys.size() > _options.budget.most() - _report.keys)
+            _options.budget.refuse(_report.keys + laidOut.keys.size());
+        std::vector<kaControlPoint2D*> points;
+        points.reserve(laidOut.keys.size());
+        for (const BezierKey& key : laidOut.keys)
+            points.push_back(makeKey(key));
+        kaAnimationCurve2D* curve = make(points);
+        block->addObject(curve);
+        compareWithSource(*curve, keys);
+        ++_report.curves;
+        _report.keys += points.size();
+        _report.mergedKeys += laidOut.merged;
     }
 
     void compareWithSource(const kaAnimationCurve2D& curve, const std::vector<CurveKey>& keys) {
@@ -211,6 +253,7 @@ class MotionImporter {
     const ImportOptions& _options;
     std::string _take; ///< which one, where there are several, as a part of messages
     std::vector<osg::NodePtr> _nodes;
+    MorphNodes _morphs;
     ImportReport _report;
     bool _lossyNames = false;
 };

@@ -18,7 +18,9 @@ struct ImportOptions {
 
 /// Builds a motion, already checked, into the scene and the animation registry.
 ///
-/// Every node becomes a scene node with a Transform3D below `root`. Every take becomes a clip with one block
+/// Every node becomes a scene node with a Transform3D below `root`. Meshes become Geometry
+/// cores of nameless nodes below those that show them, skins and morph targets with them (osg::Skin, osg::MorphTarget;
+/// a morph target's weight is animated on its own node). Every take becomes a clip with one block
 /// for each node that it moves, on as many tracks as they need; curves are made through the module's
 /// interchange and listed, with their block, on their node. Names become Latin-1. Every curve is then
 /// sampled against the source.

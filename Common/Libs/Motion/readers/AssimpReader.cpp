@@ -1,5 +1,6 @@
 #include "readers/AssimpReader.h"
 
+#include "readers/AssimpMeshes.h"
 #include "readers/ConfinedFolder.h"
 #include "readers/LeftOut.h"
 #include "readers/NodeOrder.h"
@@ -15,6 +16,7 @@
 #include <assimp/IOSystem.hpp>
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
+#include <assimp/postprocess.h>
 #include <assimp/scene.h>
 #pragma GCC diagnostic pop
 
@@ -95,7 +97,15 @@ RestMatrix matrixOf(const aiMatrix4x4& m) {
 
 class SceneReader {
   public:
-    SceneReader(const aiScene& scene, const KeyBudget& budget) : _scene(scene), _budget(budget) {}
+    SceneReader(const aiScene& scene, const KeyBudget& budget)
+        : _scene(scene), _budget(budget), _nodesOfMeshes(scene.mNumMeshes) {}
+
+    /// Reads the meshes as well, which must be triangles by now.
+    Motion readWith(const ConfinedFolder& folder) {
+        Motion motion = read();
+        readAssimpMeshes(_scene, _nodesOfMeshes, folder, motion);
+        return motion;
+    }
 
     Motion read() {
         expectKeys();
@@ -142,7 +152,11 @@ class SceneReader {
         if (!setRestTransform(made, matrixOf(node.mTransformation)))
             _motion.notes.push_back("node '" + oneLine(made.name) +
                                     "': its matrix is sheared; the shear was left out");
-        _places.emplace(made.name, static_cast<std::uint32_t>(_motion.nodes.size()));
+        const auto place = static_cast<std::uint32_t>(_motion.nodes.size());
+        _places.emplace(made.name, place);
+        for (unsigned int i = 0; i < node.mNumMeshes; ++i)
+            if (node.mMeshes[i] < _nodesOfMeshes.size())
+                _nodesOfMeshes[node.mMeshes[i]].push_back(place);
         _motion.nodes.push_back(std::move(made));
     }
 
@@ -188,8 +202,6 @@ class SceneReader {
 
     void noteTheRest() {
         LeftOut rest;
-        rest.add(_scene.mNumMeshes, "mesh", "meshes");
-        rest.add(_scene.mNumMaterials, "material", "materials");
         rest.add(_scene.mNumCameras, "camera", "cameras");
         rest.add(_scene.mNumLights, "light", "lights");
         if (const std::string note = rest.note(); !note.empty())
@@ -200,6 +212,7 @@ class SceneReader {
     KeyBudget _budget;
     Motion _motion;
     std::unordered_map<std::string, std::uint32_t> _places;
+    std::vector<std::vector<std::uint32_t>> _nodesOfMeshes;
 };
 
 } // namespace
@@ -218,7 +231,16 @@ Motion readWithAssimp(const ConfinedFolder& folder, KeyBudget budget) {
     const aiScene* scene = importer.ReadFile(folder.modelName(), 0);
     if (scene == nullptr || scene->mRootNode == nullptr)
         throw Failure(ExitCode::Unreadable, oneLine(importer.GetErrorString(), 160));
-    return SceneReader(*scene, budget).read();
+    if (scene->mNumMeshes == 0)
+        return SceneReader(*scene, budget).read();
+    Motion motion = SceneReader(*scene, budget).read();
+    // Only now: what fails on the way to triangles must not cost the motion.
+    scene = importer.ApplyPostProcessing(aiProcess_Triangulate | aiProcess_JoinIdenticalVertices);
+    if (scene == nullptr || scene->mRootNode == nullptr) {
+        motion.notes.push_back("left out the meshes: " + oneLine(importer.GetErrorString(), 160));
+        return motion;
+    }
+    return SceneReader(*scene, budget).readWith(folder);
 }
 
 } // namespace ka::motion

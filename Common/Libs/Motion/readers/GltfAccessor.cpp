@@ -121,11 +121,18 @@ std::vector<double> readGltfAccessor(const tinygltf::Model& model, int index, st
     const int width = tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type));
     if (width < 1 || static_cast<std::size_t>(width) != components)
         fail("an animation reads numbers of the wrong shape");
-    std::vector<double> values(accessor.count * components, 0.0);
-    if (accessor.bufferView >= 0) {
+    std::vector<double> values;
+    if (accessor.bufferView < 0) {
+        // Zeros need no byte of the file, so that nothing else bounds them.
+        constexpr std::size_t mostZeros = 10'000'000;
+        if (accessor.count > mostZeros)
+            fail("a list of more than ten million zeros");
+        values.resize(accessor.count * components, 0.0);
+    } else {
         Elements elements = elementsOf(model, accessor.bufferView, accessor.byteOffset,
                                        accessor.componentType, components, accessor.count);
         elements.normalized = accessor.normalized;
+        values.resize(accessor.count * components);
         for (std::size_t row = 0; row < accessor.count; ++row)
             for (std::size_t column = 0; column < components; ++column)
                 values[row * components + column] = elements.at(row, column);

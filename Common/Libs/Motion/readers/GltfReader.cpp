@@ -2,6 +2,7 @@
 
 #include "readers/ConfinedFolder.h"
 #include "readers/GltfAccessor.h"
+#include "readers/GltfMeshes.h"
 #include "readers/GltfOutline.h"
 #include "readers/LeftOut.h"
 #include "readers/NodeOrder.h"
@@ -62,10 +63,15 @@ tinygltf::Model load(const ConfinedFolder& folder, GltfOutline& outline) {
         fail("needs the extension '" + oneLine(unknown, 80) + "', which this reader does not know");
     tinygltf::TinyGLTF loader;
     loader.SetFsCallbacks(confinedFiles(folder));
-    // Pictures are none of our business: they are accepted unread.
-    loader.SetImageLoader([](tinygltf::Image*, const int, std::string*, std::string*, int, int,
-                             const unsigned char*, int, void*) { return true; },
-                          nullptr);
+    // Pictures are for those who show them: those of the file itself are kept as they are, none is decoded.
+    loader.SetImageLoader(
+        [](tinygltf::Image* image, const int, std::string*, std::string*, int, int,
+           const unsigned char* picture, int count, void*) {
+            if (image->uri.empty() && picture != nullptr && count > 0)
+                image->image.assign(picture, picture + count);
+            return true;
+        },
+        nullptr);
     tinygltf::Model model;
     std::string error, warning;
     const auto size = static_cast<unsigned int>(bytes->size());
@@ -187,11 +193,14 @@ class TakeReader {
     bool readChannelInto(MotionTake& take, const tinygltf::Animation& animation,
                          const tinygltf::AnimationChannel& channel) {
         const std::string& path = channel.target_path;
-        const bool known = path == "translation" || path == "rotation" || path == "scale";
+        const bool known =
+            path == "translation" || path == "rotation" || path == "scale" || path == "weights";
         if (!known || channel.target_node < 0)
             return false;
         if (static_cast<std::size_t>(channel.target_node) >= _places.size())
             fail("an animation moves a node that does not exist");
+        if (path == "weights" && targetsOf(channel.target_node) == 0)
+            return false;
         if (channel.sampler < 0 || static_cast<std::size_t>(channel.sampler) >= animation.samplers.size())
             fail("an animation uses a sampler that does not exist");
         if (!_seen.insert({channel.target_node, path}).second)
@@ -204,9 +213,44 @@ class TakeReader {
             track.translation = readChannel<3>(_model, sampler, _budget);
         else if (path == "scale")
             track.scale = readChannel<3>(_model, sampler, _budget);
+        else if (path == "weights")
+            track.weights = readWeights(channel.target_node, sampler);
         else
             track.quaternion = readChannel<4>(_model, sampler, _budget);
         return true;
+    }
+
+    /// Morph targets of what a node shows.
+    std::size_t targetsOf(int node) const {
+        const int mesh = _model.nodes[static_cast<std::size_t>(node)].mesh;
+        if (mesh < 0 || static_cast<std::size_t>(mesh) >= _model.meshes.size())
+            return 0;
+        const auto& parts = _model.meshes[static_cast<std::size_t>(mesh)].primitives;
+        return parts.empty() ? 0 : parts.front().targets.size();
+    }
+
+    /// The weights of all morph targets stand one after the other for each key.
+    std::vector<MotionChannel<1>> readWeights(int node, const tinygltf::AnimationSampler& sampler) {
+        MotionChannel<1> all;
+        all.interpolation = interpolationOf(sampler.interpolation);
+        const std::vector<double> times = readGltfAccessor(_model, sampler.input, 1);
+        const std::vector<double> values = readGltfAccessor(_model, sampler.output, 1);
+        const std::size_t rows = all.interpolation == Interpolation::Cubic ? 3 : 1;
+        const std::size_t targets = targetsOf(node);
+        if (values.size() != times.size() * rows * targets)
+            fail("an animation has not as many values as times");
+        std::vector<MotionChannel<1>> weights(targets, all);
+        for (std::size_t i = 0; i < times.size(); ++i)
+            for (std::size_t j = 0; j < targets; ++j) {
+                const auto value = [&](std::size_t row) -> std::array<double, 1> {
+                    return {values[(i * rows + row) * targets + j]};
+                };
+                if (rows == 3)
+                    _budget.add(weights[j], {times[i], value(1), value(0), value(2)});
+                else
+                    _budget.add(weights[j], {times[i], value(0), {}, {}});
+            }
+        return weights;
     }
 
     MotionTrack& trackOf(MotionTake& take, std::uint32_t node) {
@@ -237,9 +281,6 @@ void expectKeys(const tinygltf::Model& model, KeyBudget& budget) {
 
 std::string leftOut(const tinygltf::Model& model) {
     LeftOut rest;
-    rest.add(model.meshes.size(), "mesh", "meshes");
-    rest.add(model.skins.size(), "skin", "skins");
-    rest.add(model.materials.size(), "material", "materials");
     rest.add(model.cameras.size(), "camera", "cameras");
     rest.add(model.lights.size(), "light", "lights");
     return rest.note();
@@ -264,6 +305,7 @@ Motion readGltf(const ConfinedFolder& folder, KeyBudget budget) {
     for (std::size_t i = 0; i < model.animations.size(); ++i)
         motion.takes.push_back(TakeReader(model, places, budget, motion.notes)
                                    .read(model.animations[i], i, outline.animations[i]));
+    readGltfMeshes(model, places, folder, motion);
     if (const std::string note = leftOut(model); !note.empty())
         motion.notes.push_back(note);
     return motion;

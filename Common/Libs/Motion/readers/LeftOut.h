@@ -13,9 +13,7 @@ class LeftOut {
     }
 
     /// Empty when nothing was left out.
-    std::string note() const {
-        return _list.empty() ? _list : "only nodes and their motion are imported; left out: " + _list;
-    }
+    std::string note() const { return _list.empty() ? _list : "left out: " + _list; }
 
   private:
     std::string _list;

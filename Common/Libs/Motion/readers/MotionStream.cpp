@@ -7,7 +7,7 @@ namespace ka::motion {
 
 namespace {
 
-constexpr std::uint32_t magic = 0x6B614D31;
+constexpr std::uint32_t magic = 0x6B614D32;
 
 /// The layout, told once for both directions: `stream` either packs the parts that it is given or fills them.
 template <class Stream, class Part>
@@ -15,7 +15,8 @@ void describe(Stream& stream, Part& part) {
     using Plain = std::remove_const_t<Part>;
     if constexpr (std::is_same_v<Plain, std::string>) {
         stream(part);
-    } else if constexpr (std::is_same_v<Plain, MotionChannel<3>> || std::is_same_v<Plain, MotionChannel<4>>) {
+    } else if constexpr (std::is_same_v<Plain, MotionChannel<1>> || std::is_same_v<Plain, MotionChannel<3>> ||
+                         std::is_same_v<Plain, MotionChannel<4>>) {
         stream(part.interpolation);
         stream.list(part.keys);
     } else if constexpr (std::is_same_v<Plain, MotionTrack>) {
@@ -24,6 +25,7 @@ void describe(Stream& stream, Part& part) {
         describe(stream, part.scale);
         describe(stream, part.angles);
         describe(stream, part.quaternion);
+        stream.list(part.weights);
     } else if constexpr (std::is_same_v<Plain, MotionTake>) {
         stream(part.name);
         stream.list(part.tracks);
@@ -34,9 +36,38 @@ void describe(Stream& stream, Part& part) {
         stream(part.rotation);
         stream(part.scale);
         stream(part.order);
+    } else if constexpr (std::is_same_v<Plain, MotionMaterial>) {
+        stream(part.name);
+        stream(part.color);
+        stream(part.emission);
+        stream(part.pictureFile);
+        stream(part.picture);
+    } else if constexpr (std::is_same_v<Plain, MotionMorph>) {
+        stream(part.name);
+        stream(part.weight);
+        stream.numbers(part.offsets);
+    } else if constexpr (std::is_same_v<Plain, MotionSkin>) {
+        stream.numbers(part.joints);
+        stream.numbers(part.inverseBinds);
+    } else if constexpr (std::is_same_v<Plain, MotionMesh>) {
+        stream(part.name);
+        stream.numbers(part.nodes);
+        stream(part.material);
+        stream(part.skin);
+        stream.numbers(part.positions);
+        stream.numbers(part.normals);
+        stream.numbers(part.colors);
+        stream.numbers(part.texCoords);
+        stream.numbers(part.indices);
+        stream.numbers(part.joints);
+        stream.numbers(part.weights);
+        stream.list(part.morphs);
     } else if constexpr (std::is_same_v<Plain, Motion>) {
         stream.list(part.nodes);
         stream.list(part.takes);
+        stream.list(part.meshes);
+        stream.list(part.materials);
+        stream.list(part.skins);
         stream.list(part.notes);
     } else {
         stream(part.time);
@@ -64,6 +95,12 @@ class Packer {
         (*this)(static_cast<std::uint64_t>(items.size()));
         for (const Item& item : items)
             describe(*this, item);
+    }
+
+    template <class Number>
+    void numbers(const std::vector<Number>& list) {
+        (*this)(static_cast<std::uint64_t>(list.size()));
+        _bytes.append(reinterpret_cast<const char*>(list.data()), list.size() * sizeof(Number));
     }
 
     std::string take() { return std::move(_bytes); }
@@ -132,13 +169,25 @@ class Unpacker {
     void list(std::vector<Item>& items) {
         std::uint64_t count = 0;
         (*this)(count);
-        // No item is packed shorter than an empty one, which is at most four times as large in memory: the
+        // No item is packed shorter than an empty one, which is at most six times as large in memory: the
         // count cannot make us reserve more than that multiple of what was sent.
         if (count > _bytes.size() / sizeOfEmpty<Item>())
             return fail();
         items.reserve(count);
         for (std::uint64_t i = 0; i < count && !_failed; ++i)
             describe(*this, items.emplace_back());
+    }
+
+    template <class Number>
+    void numbers(std::vector<Number>& list) {
+        std::uint64_t count = 0;
+        (*this)(count);
+        if (count > _bytes.size() / sizeof(Number))
+            return fail();
+        list.resize(count);
+        if (count > 0)
+            std::memcpy(list.data(), _bytes.data(), count * sizeof(Number));
+        _bytes.remove_prefix(count * sizeof(Number));
     }
 
     bool isComplete() const { return !_failed && _bytes.empty(); }

@@ -5,6 +5,7 @@
 #include "kaMotion/Text.h"
 #include "readers/NodeOrder.h"
 
+#include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <OpenSG/OSGTransformAttachment.h>
 #include <kaNodeUtils.h>
@@ -44,8 +45,13 @@ class NodeDescriber {
 
     void pushChildren(const osg::NodePtr& node, std::int32_t parent) {
         for (osg::UInt32 i = node->getNChildren(); i-- > 0;)
-            if (node->getChild(i) != osg::NullFC)
+            if (node->getChild(i) != osg::NullFC && !isShape(node->getChild(i)))
                 _pending.push_back({node->getChild(i), parent});
+    }
+
+    /// What is shown, with what is below it.
+    static bool isShape(const osg::NodePtr& node) {
+        return osg::GeometryPtr::dcast(node->getCore()) != osg::NullFC;
     }
 
     /// @return its place.

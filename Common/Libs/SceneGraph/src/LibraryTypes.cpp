@@ -28,13 +28,16 @@
 #include <OpenSG/OSGMaterial.h>
 #include <OpenSG/OSGMaterialDrawable.h>
 #include <OpenSG/OSGMaterialGroup.h>
+#include <OpenSG/OSGMorphTarget.h>
 #include <OpenSG/OSGNode.h>
 #include <OpenSG/OSGNodeCore.h>
 #include <OpenSG/OSGPerspectiveCamera.h>
 #include <OpenSG/OSGPerspectiveCamera2.h>
+#include <OpenSG/OSGPicture.h>
 #include <OpenSG/OSGPointLight.h>
 #include <OpenSG/OSGSimpleAttachments.h>
 #include <OpenSG/OSGSimpleMaterial.h>
+#include <OpenSG/OSGSkin.h>
 #include <OpenSG/OSGSpotLight.h>
 #include <OpenSG/OSGSwitch.h>
 #include <OpenSG/OSGTransform.h>
@@ -80,12 +83,15 @@ const GetType LIBRARY_TYPES[] = {
     &Material::getClassType,
     &MaterialDrawable::getClassType,
     &MaterialGroup::getClassType,
+    &MorphTarget::getClassType,
     &Name::getClassType,
     &NodeCore::getClassType,
     &PerspectiveCamera::getClassType,
     &PerspectiveCamera2::getClassType,
+    &Picture::getClassType,
     &PointLight::getClassType,
     &SimpleMaterial::getClassType,
+    &Skin::getClassType,
     &SpotLight::getClassType,
     &Switch::getClassType,
     &TransformAttachment::getClassType,
