@@ -1,7 +1,9 @@
 #include "MainWindow.h"
 
 #include "views/ChannelTree.h"
+#include "views/DopeSheet.h"
 #include "views/KeyFields.h"
+#include "views/SceneView.h"
 
 #include <QCloseEvent>
 #include <QDragEnterEvent>
@@ -39,6 +41,8 @@ MainWindow::MainWindow() : _transport(_head) {
     buildFileMenu();
     buildEditMenu();
     buildCurveMenu();
+    buildClipMenu();
+    buildSceneMenu();
     buildViewMenu();
     buildTransport();
     buildHelpMenu();
@@ -129,6 +133,7 @@ void MainWindow::openFiles(const SessionFiles& files, bool isForeign, const QStr
 /// What is new is shown at once: all of it played, the first block's curves in the editor.
 void MainWindow::onOpened() {
     _keys.clear();
+    _bars.clear();
     std::vector<kaUID> played;
     if (_session.isOpen())
         for (const kaAnimationObject* object : _session.project().playable(""))
@@ -139,6 +144,7 @@ void MainWindow::onOpened() {
         _channels->choose({_channels->model().index(0, 0).data(ChannelModel::IdRole).toULongLong()});
     showCurves();
     _curves->frameAll();
+    _scene->frameAll();
     refreshTitle();
     const int lines = _session.report().size();
     say(lines == 0 ? tr("Opened %1").arg(_session.files().shownName())
@@ -149,6 +155,8 @@ void MainWindow::onOpened() {
 void MainWindow::showCurves() {
     _curves->setLocked(_channels->lockedCurves());
     _curves->setCurves(_channels->shownCurves());
+    _dopes->setLocked(_channels->lockedCurves());
+    _dopes->setCurves(_channels->shownCurves());
 }
 
 bool MainWindow::save() {

@@ -18,7 +18,10 @@ class QToolButton;
 namespace ka::studio {
 
 class ChannelTree;
+class ClipTimeline;
+class DopeSheet;
 class KeyFields;
+class SceneView;
 
 /// The studio's window: the views on what is open, and every action in a menu.
 class MainWindow : public QMainWindow {
@@ -33,6 +36,10 @@ class MainWindow : public QMainWindow {
     CurveEditor& curveEditor() { return *_curves; }
     ChannelTree& channels() { return *_channels; }
     KeyFields& keyFields() { return *_keyFields; }
+    SceneView& sceneView() { return *_scene; }
+    ClipTimeline& timeline() { return *_timeline; }
+    DopeSheet& dopeSheet() { return *_dopes; }
+    IdSelection& barSelection() { return _bars; }
     IdSelection& keySelection() { return _keys; }
     TimeAxis& axis() { return _axis; }
     PlayHead& head() { return _head; }
@@ -48,9 +55,10 @@ class MainWindow : public QMainWindow {
 
     /// Stands in for the questions that the window asks, for runs without a user.
     struct Answers {
-        std::function<QString()> saveName;           ///< Where to save; an empty text for nowhere.
-        std::function<int()> unsavedChanges;         ///< A `QMessageBox::StandardButton`.
-        std::function<void(const QString&)> message; ///< Instead of a box with this text.
+        std::function<QString()> saveName;                  ///< Where to save; an empty text for nowhere.
+        std::function<int()> unsavedChanges;                ///< A `QMessageBox::StandardButton`.
+        std::function<void(const QString&)> message;        ///< Instead of a box with this text.
+        std::function<QString(const QString& former)> name; ///< Another name; an empty text for none.
         std::function<bool()> overwrite; ///< Whether a file that has changed meanwhile is written over.
     };
     void setAnswers(const Answers& answers) { _answers = answers; }
@@ -69,6 +77,12 @@ class MainWindow : public QMainWindow {
     void buildCurveMenu();
     void buildViewMenu();
     void buildTransport();
+    void buildSceneMenu();
+    void buildClipMenu();
+    void addFlag(QMenu* menu, const char* name, const QString& text, const QString& tip, int flag);
+    void onPicked(unsigned int node);
+    void forBars(const std::function<void(kaUID)>& run, const QString& name);
+    void playOnly(kaUID object);
     void buildHelpMenu();
     void fillRecent(QMenu* menu);
     void rememberRecent(const QString& path);
@@ -88,7 +102,7 @@ class MainWindow : public QMainWindow {
     Session _session;
     TimeAxis _axis;
     PlayHead _head;
-    IdSelection _keys;
+    IdSelection _keys, _bars;
     Transport _transport;
     Importer _importer;
     CopiedKeys _copied;
@@ -97,6 +111,9 @@ class MainWindow : public QMainWindow {
     CurveEditor* _curves = nullptr;
     ChannelTree* _channels = nullptr;
     KeyFields* _keyFields = nullptr;
+    SceneView* _scene = nullptr;
+    ClipTimeline* _timeline = nullptr;
+    DopeSheet* _dopes = nullptr;
     QLabel* _hint = nullptr;
     QLabel* _rate = nullptr;
     QProgressBar* _progress = nullptr;

@@ -1,6 +1,9 @@
 #include "MainWindow.h"
 #include "views/ChannelTree.h"
+#include "views/ClipTimeline.h"
+#include "views/DopeSheet.h"
 #include "views/KeyFields.h"
+#include "views/SceneView.h"
 
 #include <QAction>
 #include <QDockWidget>
@@ -49,6 +52,18 @@ QDoubleSpinBox* addNumber(QToolBar& bar, const char* name, const QString& label,
 void MainWindow::buildViews() {
     _curves = new CurveEditor(_session.document(), _axis, _head, _keys, this);
     setCentralWidget(_curves);
+    _scene = new SceneView(_session, _transport, _head, this);
+    QDockWidget* sceneDock = addDock(*this, "sceneDock", tr("Scene"), _scene, Qt::TopDockWidgetArea);
+    _timeline = new ClipTimeline(_session.document(), _axis, _head, _bars, this);
+    QDockWidget* clips = addDock(*this, "clipsDock", tr("Clips"), _timeline, Qt::BottomDockWidgetArea);
+    _dopes = new DopeSheet(_session.document(), _axis, _head, _keys, this);
+    QDockWidget* dopes = addDock(*this, "dopesDock", tr("Dope sheet"), _dopes, Qt::BottomDockWidgetArea);
+    tabifyDockWidget(dopes, clips);
+    setCorner(Qt::TopLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
+    setCorner(Qt::TopRightCorner, Qt::RightDockWidgetArea);
+    setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
+    resizeDocks({sceneDock, clips}, {330, 150}, Qt::Vertical);
     _channels = new ChannelTree(_session.document(), this);
     addDock(*this, "channelsDock", tr("Channels"), _channels, Qt::LeftDockWidgetArea);
     _keyFields = new KeyFields(_session.document(), _keys, this);
@@ -73,10 +88,16 @@ void MainWindow::buildViews() {
     connect(_giveUp, &QToolButton::clicked, &_importer, &Importer::cancel);
     connect(_channels, &ChannelTree::shownChanged, this, &MainWindow::showCurves);
     connect(_keyFields, &KeyFields::refused, this, &MainWindow::say);
-    connect(_curves, &TimeView::hint, this, [this](const QString& text) {
+    const auto sayHint = [this](const QString& text) {
         if (!text.isEmpty())
             say(text);
-    });
+    };
+    for (TimeView* view :
+         {static_cast<TimeView*>(_curves), static_cast<TimeView*>(_timeline), static_cast<TimeView*>(_dopes)})
+        connect(view, &TimeView::hint, this, sayHint);
+    connect(_scene, &SceneView::hint, this, sayHint);
+    connect(_scene, &SceneView::picked, this, &MainWindow::onPicked);
+    connect(_timeline, &ClipTimeline::chosen, this, &MainWindow::playOnly);
 }
 
 void MainWindow::buildTransport() {

@@ -3,6 +3,7 @@
 #include "document/ContainerEdits.h"
 
 #include <QColor>
+#include <QMimeData>
 #include <algorithm>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationField.h>
@@ -229,8 +230,22 @@ QVariant ChannelModel::headerData(int section, Qt::Orientation orientation, int 
 }
 
 Qt::ItemFlags ChannelModel::flags(const QModelIndex& index) const {
-    Qt::ItemFlags flags = QAbstractItemModel::flags(index);
+    const Qt::ItemFlags flags = QAbstractItemModel::flags(index) | Qt::ItemIsDragEnabled;
     return index.column() == Name ? flags : flags | Qt::ItemIsUserCheckable;
+}
+
+QStringList ChannelModel::mimeTypes() const {
+    return {QString::fromLatin1(MimeType)};
+}
+
+QMimeData* ChannelModel::mimeData(const QModelIndexList& indexes) const {
+    QStringList ids;
+    for (const QModelIndex& index : indexes)
+        if (index.column() == Name && index.internalId() == GroupLevel)
+            ids.append(QString::number(index.data(IdRole).toULongLong()));
+    auto* data = new QMimeData; // the caller owns it
+    data->setData(QString::fromLatin1(MimeType), ids.join(QLatin1Char(' ')).toLatin1());
+    return data;
 }
 
 } // namespace ka::studio

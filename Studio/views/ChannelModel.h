@@ -17,6 +17,9 @@ class ChannelModel : public QAbstractItemModel {
     enum Column { Name, Mute, Lock, Solo, ColumnCount };
     static constexpr int IdRole = Qt::UserRole; ///< The id of the block or curve, as qulonglong.
 
+    /// What is dragged out of the tree: ids of blocks, in decimal with blanks between.
+    static constexpr const char* MimeType = "application/x-ka-objects";
+
     explicit ChannelModel(Document& document, QObject* parent = nullptr);
 
     /// Curves in an index's row: itself, or those below it.
@@ -34,6 +37,8 @@ class ChannelModel : public QAbstractItemModel {
     bool setData(const QModelIndex& index, const QVariant& value, int role) override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QModelIndexList& indexes) const override;
 
   signals:
     void switchesChanged(); ///< Locks or solos.

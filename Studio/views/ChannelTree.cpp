@@ -26,6 +26,7 @@ ChannelTree::ChannelTree(Document& document, QWidget* parent)
     _view->setModel(_filter);
     _view->setSelectionMode(QAbstractItemView::ExtendedSelection);
     _view->setUniformRowHeights(true);
+    _view->setDragEnabled(true);
     _view->header()->setStretchLastSection(false);
     _view->header()->setMinimumSectionSize(24);
     _view->header()->setSectionResizeMode(0, QHeaderView::Stretch);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "TimeView.h"
+
+namespace ka::studio {
+
+/// A view over time whose content stands in rows of one height, more of them than fit: scrolled by the middle
+/// button, or by the wheel with Ctrl. Each row has a label at its left. Only rows in view are drawn.
+class RowView : public TimeView {
+    Q_OBJECT
+
+  public:
+    using TimeView::TimeView;
+
+    static constexpr int RowHeight = 22;   ///< Pixels.
+    static constexpr int LabelWidth = 150; ///< Pixels, over the content.
+
+    /// The part of the widget that a row takes, wherever it is scrolled to.
+    QRect rowRect(int row) const;
+    int rowAt(int y) const; ///< -1 where there is none.
+
+  protected:
+    virtual int rowCount() const = 0;
+    virtual void drawRow(QPainter& painter, int row, const QRect& rect) = 0;
+    virtual QString rowLabel(int row) const = 0;
+    /// Over all rows.
+    virtual void drawOver(QPainter& /*painter*/) {}
+
+    void drawContent(QPainter& painter) override;
+    void panContent(double pixels) override;
+    void zoomContent(double pixel, double factor) override; ///< There is nothing to zoom: it scrolls.
+
+  private:
+    void scrollTo(int offset);
+
+    int _offset = 0;
+};
+
+} // namespace ka::studio
