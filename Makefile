@@ -35,6 +35,10 @@ studio: setup setup-studio ## build the studio and open it on a real motion
 	else echo "no display: opened for three seconds on one in memory"; \
 		xvfb-run -a build/release/bin/ka-studio --quit-after 3 $(STUDIO_FILE); fi
 
+.PHONY: bench-studio
+bench-studio: setup setup-studio build-release ## measure what a user of the studio waits for, as a table
+	xvfb-run -a -s "-screen 0 1600x1000x24" build/release/bin/ka-studio-bench
+
 .PHONY: test
 test: setup-studio setup-python configure-python test-release ## build everything, optimised, and run all tests
 

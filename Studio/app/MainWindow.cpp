@@ -32,7 +32,7 @@ constexpr int LayoutVersion = 1; ///< Raised when docks are added, so that an ol
 
 } // namespace
 
-MainWindow::MainWindow() : _transport(_head) {
+MainWindow::MainWindow() : _transport(_head), _recovery(_session) {
     setObjectName(QStringLiteral("mainWindow"));
     setAcceptDrops(true);
     setDockNestingEnabled(true);
@@ -212,12 +212,35 @@ bool MainWindow::mayClose() {
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && save());
 }
 
+bool MainWindow::offerRecovery() {
+    for (const Recovery::Kept& kept : Recovery::leftBehind()) {
+        const auto ask = [this, &kept] {
+            return QMessageBox::question(
+                       this, tr("Recovery"),
+                       tr("The studio ended without saving changes of\n%1\n\nOpen what was kept of "
+                          "them? The file itself is as it was saved last. No throws them away.")
+                           .arg(kept.source)) == QMessageBox::Yes;
+        };
+        if (!(_answers.recover ? _answers.recover() : ask())) {
+            Recovery::remove(kept);
+            continue;
+        }
+        openFiles({kept.scene, kept.animation, kept.source}, true, {tr("Recovered; save it to keep it")});
+        if (!_session.isOpen())
+            continue;
+        Recovery::remove(kept); // it is kept anew from here on
+        return true;
+    }
+    return false;
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
     if (!mayClose()) {
         event->ignore();
         return;
     }
     _transport.pause();
+    _recovery.forget();
     keepLayout();
     event->accept();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Importer.h"
+#include "Recovery.h"
 #include "document/KeyEdits.h"
 #include "document/Session.h"
 #include "playback/Transport.h"
@@ -44,13 +45,18 @@ class MainWindow : public QMainWindow {
     TimeAxis& axis() { return _axis; }
     PlayHead& head() { return _head; }
     Importer& importer() { return _importer; }
+    Recovery& recovery() { return _recovery; }
 
     /// Opens what a path names: a scene, a document, or a model, which is imported in the background. What
     /// could not be opened is told to the user, and what was open stays.
     void openPath(const QString& path);
-    bool save();     ///< @return false where nothing was saved, the user's wish included.
-    bool saveAs();   ///< The same; asks where to.
-    bool mayClose(); ///< Asks what to do with changes; @return false to stay.
+    bool save();       ///< @return false where nothing was saved, the user's wish included.
+    bool exportFile(); ///< The same, as another program reads it; asks where to.
+    void openSample(); ///< A small motion to try things with.
+    bool saveAs();     ///< The same; asks where to.
+    /// Offers what a run that crashed has kept. @return whether that was opened.
+    bool offerRecovery();
+    bool mayClose();                            ///< Asks what to do with changes; @return false to stay.
     QAction* action(const QString& name) const; ///< By its object name; null when there is none.
 
     /// Stands in for the questions that the window asks, for runs without a user.
@@ -59,6 +65,7 @@ class MainWindow : public QMainWindow {
         std::function<int()> unsavedChanges;                ///< A `QMessageBox::StandardButton`.
         std::function<void(const QString&)> message;        ///< Instead of a box with this text.
         std::function<QString(const QString& former)> name; ///< Another name; an empty text for none.
+        std::function<bool()> recover;                      ///< Whether what was kept is opened.
         std::function<bool()> overwrite; ///< Whether a file that has changed meanwhile is written over.
     };
     void setAnswers(const Answers& answers) { _answers = answers; }
@@ -105,6 +112,7 @@ class MainWindow : public QMainWindow {
     IdSelection _keys, _bars;
     Transport _transport;
     Importer _importer;
+    Recovery _recovery;
     CopiedKeys _copied;
     Answers _answers;
 

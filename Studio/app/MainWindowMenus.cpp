@@ -59,6 +59,8 @@ void MainWindow::buildFileMenu() {
     addAction(menu, "saveAs", tr("Save &as..."), QKeySequence::SaveAs, tr("Write them to other files"),
               [this] { saveAs(); });
     menu->addSeparator();
+    addAction(menu, "export", tr("&Export..."), QKeySequence(Qt::CTRL | Qt::Key_E),
+              tr("Write the motion as glTF, BVH, a table or arrays"), [this] { exportFile(); });
     addAction(menu, "report", tr("Re&port"), {}, tr("What was left out or found when this was opened"),
               [this] { showReport(); });
     menu->addSeparator();
@@ -185,6 +187,8 @@ void MainWindow::buildViewMenu() {
 
 void MainWindow::buildHelpMenu() {
     QMenu* menu = menuBar()->addMenu(tr("&Help"));
+    addAction(menu, "sample", tr("Open the &sample motion"), {},
+              tr("A figure that walks, to try things with"), [this] { openSample(); });
     addAction(menu, "shortcuts", tr("&Shortcuts..."), QKeySequence(Qt::Key_F1),
               tr("All actions with their shortcuts, to be changed"), [this] {
                   auto* dialog = new QDialog(this);

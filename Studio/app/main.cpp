@@ -35,7 +35,8 @@ int main(int argc, char** argv) {
     parser.process(application);
     MainWindow window;
     window.show();
-    if (!parser.positionalArguments().isEmpty())
+    const bool isRecovered = !parser.isSet(quit) && window.offerRecovery();
+    if (!isRecovered && !parser.positionalArguments().isEmpty())
         window.openPath(parser.positionalArguments().constFirst());
     if (parser.isSet(quit))
         QTimer::singleShot(static_cast<int>(parser.value(quit).toDouble() * 1000), &application,

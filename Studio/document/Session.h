@@ -40,6 +40,7 @@ class Session : public QObject {
     bool isModified() const { return _isForeign || !_document.history().isClean(); }
     /// What was left out or found when it was opened, a line each.
     const QStringList& report() const { return _report; }
+    void addToReport(const QStringList& lines) { _report += lines; }
 
     /// Opens a scene with its animation, a scene or a document. What was open goes only when this has been
     /// seen to be readable.

@@ -70,6 +70,7 @@ class SceneView : public QWidget {
     void dragGizmo(const QPointF& to);
     std::optional<QPointF> seen(const QVector3D& place) const { return _camera.project(place, size()); }
 
+    void drawWelcome(QPainter& painter) const;
     void drawGround(QPainter& painter) const;
     void drawAxes(QPainter& painter) const;
     void drawFigure(QPainter& painter, const std::vector<QVector3D>& places, int alpha) const;

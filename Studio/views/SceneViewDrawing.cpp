@@ -36,7 +36,8 @@ void SceneView::paintEvent(QPaintEvent* /*event*/) {
     sky.setColorAt(0, onDark ? QColor(48, 52, 60) : QColor(214, 222, 232));
     sky.setColorAt(1, onDark ? QColor(28, 30, 34) : QColor(240, 242, 245));
     painter.fillRect(rect(), sky);
-    drawGround(painter);
+    if (!_places.empty())
+        drawGround(painter);
     for (const std::vector<QVector3D>& ghost : _ghosts)
         drawFigure(painter, ghost, 60);
     drawTrail(painter);
@@ -44,10 +45,11 @@ void SceneView::paintEvent(QPaintEvent* /*event*/) {
     drawGizmo(painter);
     drawAxes(painter);
     painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
-    const QString text =
-        _places.empty() ? tr("Nothing to show in space")
-                        : tr("%n joint(s), drawn without OpenGL", nullptr, static_cast<int>(_places.size()));
-    painter.drawText(rect().adjusted(8, 4, -8, -4), Qt::AlignRight | Qt::AlignBottom, text);
+    if (_places.empty())
+        drawWelcome(painter);
+    else
+        painter.drawText(rect().adjusted(8, 4, -8, -4), Qt::AlignRight | Qt::AlignBottom,
+                         tr("%n joint(s), drawn without OpenGL", nullptr, static_cast<int>(_places.size())));
     if (_picked >= 0)
         painter.drawText(rect().adjusted(8, 4, -8, -4), Qt::AlignRight | Qt::AlignTop,
                          _figure.joints()[static_cast<std::size_t>(_picked)].name);
@@ -57,6 +59,16 @@ void SceneView::drawLine(QPainter& painter, const QVector3D& from, const QVector
     const std::optional<QPointF> a = seen(from), b = seen(to);
     if (a.has_value() && b.has_value())
         painter.drawLine(*a, *b);
+}
+
+/// What a first start shows.
+void SceneView::drawWelcome(QPainter& painter) const {
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(
+        rect(), Qt::AlignCenter,
+        tr("1.  Open a motion: drop a file here, File, Open, or Help, Open the sample motion\n\n"
+           "2.  Click a joint: its curves are shown below; Space plays\n\n"
+           "3.  Drag keys and handles, or the joint itself (W moves, E turns); Ctrl+Z takes it back"));
 }
 
 /// Squares of a round size around what is looked at, in short lines so that those behind the viewer can be
