@@ -57,6 +57,10 @@ void Importer::cancel() {
     _process.waitForFinished();
 }
 
+bool Importer::hasFinished(const QString& scene) const {
+    return _folder != nullptr && !isRunning() && scene == _folder->filePath(QStringLiteral("scene.osg"));
+}
+
 void Importer::onFinished(int code, QProcess::ExitStatus status) {
     QStringList report;
     for (const QString& line : QString::fromUtf8(_process.readAllStandardOutput()).split(QLatin1Char('\n')))

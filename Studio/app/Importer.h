@@ -23,6 +23,9 @@ class Importer : public QObject {
     void cancel();
     bool isRunning() const { return _process.state() != QProcess::NotRunning; }
 
+    /// Whether a scene is what the last import has made.
+    bool hasFinished(const QString& scene) const;
+
     /// What the process does: imports `model` and writes a scene and its document into `folder`, with what
     /// there is to tell as lines on standard output. @return the exit code.
     static int run(const QString& model, const QString& folder);

@@ -120,7 +120,8 @@ void MainWindow::openPath(const QString& path) {
 
 void MainWindow::openFiles(const SessionFiles& files, bool isForeign, const QStringList& report) {
     _transport.setObjects({});
-    const QString fault = _session.open(files, isForeign, report);
+    const QString fault =
+        _session.open(files, isForeign, report, isForeign && _importer.hasFinished(files.scene));
     _progress->hide();
     if (!fault.isEmpty()) {
         tell(tr("%1\n\nWhat was open stays. Check the file, or choose another one.").arg(fault));

@@ -121,8 +121,8 @@ QString Session::faultOf(const SessionFiles& files) {
         .arg(QString::fromStdString(fault.message));
 }
 
-QString Session::open(const SessionFiles& files, bool isForeign, const QStringList& report) {
-    const QString fault = faultOf(files);
+QString Session::open(const SessionFiles& files, bool isForeign, const QStringList& report, bool isSeen) {
+    const QString fault = isSeen ? QString() : faultOf(files);
     if (!fault.isEmpty())
         return fault;
     _document.history().clear();

@@ -49,7 +49,9 @@ class Session : public QObject {
     ///                   and saving asks where to.
     /// @param report  what is to be told besides.
     /// @return an empty text, or what went wrong, with what was open still there.
-    QString open(const SessionFiles& files, bool isForeign = false, const QStringList& report = {});
+    /// @param isSeen  the files have just been written by a program of ours, and need no look beforehand.
+    QString open(const SessionFiles& files, bool isForeign = false, const QStringList& report = {},
+                 bool isSeen = false);
 
     /// Whether `save` knows where to.
     bool hasOwnFiles() const { return isOpen() && !_isForeign; }

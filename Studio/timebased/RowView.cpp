@@ -6,6 +6,25 @@
 
 namespace ka::studio {
 
+RowView::RowView(TimeAxis& axis, PlayHead& head, QWidget* parent) : TimeView(axis, head, parent) {
+    connect(&axis, &TimeAxis::changed, this, &RowView::invalidate);
+}
+
+void RowView::invalidate() {
+    _isStale = true;
+    update();
+}
+
+void RowView::resizeEvent(QResizeEvent* event) {
+    TimeView::resizeEvent(event);
+    invalidate();
+}
+
+void RowView::changeEvent(QEvent* event) {
+    TimeView::changeEvent(event);
+    invalidate();
+}
+
 QRect RowView::rowRect(int row) const {
     return {0, RulerHeight + row * RowHeight - _offset, width(), RowHeight};
 }
@@ -17,8 +36,10 @@ int RowView::rowAt(int y) const {
 
 void RowView::scrollTo(int offset) {
     const int most = std::max(0, rowCount() * RowHeight - contentRect().height());
-    _offset = std::clamp(offset, 0, most);
-    update();
+    const int wanted = std::clamp(offset, 0, most);
+    if (wanted != _offset)
+        invalidate();
+    _offset = wanted;
 }
 
 void RowView::panContent(double pixels) {
@@ -31,6 +52,19 @@ void RowView::zoomContent(double /*pixel*/, double factor) {
 
 void RowView::drawContent(QPainter& painter) {
     scrollTo(_offset); // there may be fewer rows than before
+    if (_isStale) {
+        _rows = QPixmap(size() * devicePixelRatioF());
+        _rows.setDevicePixelRatio(devicePixelRatioF());
+        QPainter rows(&_rows);
+        rows.setFont(font());
+        drawRows(rows);
+        _isStale = false;
+    }
+    painter.drawPixmap(0, 0, _rows);
+    drawOver(painter);
+}
+
+void RowView::drawRows(QPainter& painter) {
     painter.fillRect(contentRect(), palette().color(QPalette::Base));
     const int first = _offset / RowHeight;
     const int last = std::min(rowCount() - 1, (_offset + contentRect().height()) / RowHeight);
@@ -50,7 +84,6 @@ void RowView::drawContent(QPainter& painter) {
                          painter.fontMetrics().elidedText(rowLabel(row), Qt::ElideRight, label.width()));
     }
     painter.drawLine(LabelWidth, RulerHeight, LabelWidth, height());
-    drawOver(painter);
 }
 
 } // namespace ka::studio

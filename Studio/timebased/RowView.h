@@ -2,6 +2,8 @@
 
 #include "TimeView.h"
 
+#include <QPixmap>
+
 namespace ka::studio {
 
 /// A view over time whose content stands in rows of one height, more of them than fit: scrolled by the middle
@@ -10,7 +12,7 @@ class RowView : public TimeView {
     Q_OBJECT
 
   public:
-    using TimeView::TimeView;
+    RowView(TimeAxis& axis, PlayHead& head, QWidget* parent = nullptr);
 
     static constexpr int RowHeight = 22;   ///< Pixels.
     static constexpr int LabelWidth = 150; ///< Pixels, over the content.
@@ -26,14 +28,22 @@ class RowView : public TimeView {
     /// Over all rows.
     virtual void drawOver(QPainter& /*painter*/) {}
 
+    /// To be called when the rows look different; the playhead moves over them as they are.
+    void invalidate();
+
     void drawContent(QPainter& painter) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void panContent(double pixels) override;
     void zoomContent(double pixel, double factor) override; ///< There is nothing to zoom: it scrolls.
 
   private:
     void scrollTo(int offset);
+    void drawRows(QPainter& painter);
 
     int _offset = 0;
+    QPixmap _rows; ///< as they were drawn last
+    bool _isStale = true;
 };
 
 } // namespace ka::studio

@@ -48,7 +48,7 @@ ClipTimeline::ClipTimeline(Document& document, TimeAxis& axis, PlayHead& head, I
     : RowView(axis, head, parent), _document(document), _selection(selection) {
     setObjectName(QStringLiteral("clipTimeline"));
     setAcceptDrops(true);
-    connect(&selection, &IdSelection::changed, this, [this] { update(); });
+    connect(&selection, &IdSelection::changed, this, &ClipTimeline::invalidate);
     connect(&document, &Document::changed, this, &ClipTimeline::onChanged);
     connect(&document, &Document::replaced, this, &ClipTimeline::takeInRows);
 }
@@ -61,7 +61,7 @@ void ClipTimeline::onChanged(const std::vector<kaUID>& ids) {
     };
     if (std::any_of(ids.begin(), ids.end(), concerns))
         takeInRows();
-    update();
+    invalidate();
 }
 
 void ClipTimeline::takeInRows() {
@@ -78,7 +78,7 @@ void ClipTimeline::takeInRows() {
     for (int row = 0; row < rowCount(); ++row)
         for (const kaUID id : barsOf(row))
             _rowOf.emplace(id, row);
-    update();
+    invalidate();
 }
 
 std::vector<kaUID> ClipTimeline::barsOf(int row) const {
@@ -152,8 +152,12 @@ void ClipTimeline::drawBar(QPainter& painter, kaUID id, const QRect& bar) const 
     const kaAnimationObject* object = objectWith(id);
     QColor color = colorOf(*object);
     color.setAlpha(object->isActive() ? 255 : 90);
-    painter.setBrush(color);
     const bool isSelected = _selection.contains(id);
+    if (bar.width() < 12 && !isSelected) { // among thousands a border costs more than it shows
+        painter.fillRect(bar.adjusted(0, 0, -1, 0), color);
+        return;
+    }
+    painter.setBrush(color);
     painter.setPen(QPen(isSelected ? QColor(255, 200, 40) : color.darker(150), isSelected ? 2 : 1));
     painter.drawRect(bar);
     if (bar.width() < 30)

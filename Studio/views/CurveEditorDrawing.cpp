@@ -46,11 +46,15 @@ void CurveEditor::drawContent(QPainter& painter) {
     painter.drawPixmap(0, 0, _layer);
     drawGhosts(painter);
     const bool onDark = palette().color(QPalette::Base).lightness() < 128;
-    painter.setRenderHint(QPainter::Antialiasing, _moving.size() <= SmoothCurves);
     for (const kaUID id : _moving) {
         const QColor color = _scene.colorOf(id, onDark);
-        painter.setPen(QPen(color, 1.6));
-        painter.drawPolyline(_scene.trace(id).line(axis().map(), _values, _scene.scaleOf(id), width()));
+        const QVector<QPointF> line =
+            _scene.trace(id).line(axis().map(), _values, _scene.scaleOf(id), width());
+        // Edges of a line with several points a pixel cannot be seen to be smooth, and cost most of the drawing.
+        const bool smooth = _moving.size() <= SmoothCurves && line.size() < width() * 3 / 2;
+        painter.setRenderHint(QPainter::Antialiasing, smooth);
+        painter.setPen(QPen(color, smooth ? 1.6 : 1.0));
+        painter.drawPolyline(line);
         painter.setRenderHint(QPainter::Antialiasing, false);
         drawKeys(painter, _scene.trace(id), _scene.scaleOf(id), axis().map(), _values, width(), color);
     }

@@ -20,21 +20,22 @@ DopeSheet::DopeSheet(Document& document, TimeAxis& axis, PlayHead& head, IdSelec
                      QWidget* parent)
     : RowView(axis, head, parent), _document(document), _selection(selection) {
     setObjectName(QStringLiteral("dopeSheet"));
-    connect(&selection, &IdSelection::changed, this, [this] { update(); });
+    connect(&selection, &IdSelection::changed, this, &DopeSheet::invalidate);
     connect(&document, &Document::changed, this, [this](const std::vector<kaUID>& ids) {
         for (const kaUID id : ids)
             _scene.forget(id);
-        update();
+        invalidate();
     });
     connect(&document, &Document::replaced, this, [this] {
         _scene.forgetAll();
         _scene.setCurves({});
+        invalidate();
     });
 }
 
 void DopeSheet::setCurves(const std::vector<kaUID>& curves) {
     _scene.setCurves(curves);
-    update();
+    invalidate();
 }
 
 int DopeSheet::rowCount() const {
@@ -62,29 +63,40 @@ QString DopeSheet::rowLabel(int row) const {
                             : name;
 }
 
-/// Of the marks in one column of pixels one is drawn, a selected one first.
-void DopeSheet::drawMarks(QPainter& painter, kaUID curve, const QRect& rect, bool isSum) const {
+/// Of the marks in one column of pixels one is drawn, a selected one first: 1 for a mark, 2 for a selected one.
+void DopeSheet::markColumns(kaUID curve, std::vector<char>& columns) const {
     const CurveTrace& trace = _scene.trace(curve);
-    const auto [first, last] = trace.within(frameAt(-6), frameAt(width() + 6));
-    const double middle = rect.center().y() + 0.5, size = isSum ? 5.5 : 4.5;
-    int column = -1000;
+    const auto [first, last] = trace.within(frameAt(0), frameAt(width()));
     for (std::size_t i = first; i < last; ++i) {
-        const double x = pixelOf(static_cast<double>(trace.frames()[i]));
-        const bool isSelected = _selection.contains(trace.keys()[i]);
-        if (static_cast<int>(x) == column && !isSelected)
-            continue;
-        column = static_cast<int>(x);
-        const QPointF mark[] = {
-            {x, middle - size}, {x + size, middle}, {x, middle + size}, {x - size, middle}};
-        painter.setBrush(isSelected ? QColor(255, 200, 40) : palette().color(QPalette::Mid));
-        painter.drawPolygon(mark, 4);
+        const auto x =
+            static_cast<std::size_t>(std::max(0.0, pixelOf(static_cast<double>(trace.frames()[i]))));
+        if (x < columns.size())
+            columns[x] = std::max(columns[x], _selection.contains(trace.keys()[i]) ? char(2) : char(1));
     }
 }
 
 void DopeSheet::drawRow(QPainter& painter, int row, const QRect& rect) {
-    painter.setPen(QPen(palette().color(QPalette::Text), 0.8));
+    std::vector<char> columns(static_cast<std::size_t>(width()) + 1, 0);
     for (const kaUID curve : curvesOfRow(row))
-        drawMarks(painter, curve, rect, row == 0);
+        markColumns(curve, columns);
+    const auto marks = std::count_if(columns.begin(), columns.end(), [](char mark) { return mark != 0; });
+    const bool isDense = static_cast<int>(marks) * 6 > width(); // then marks would hide each other
+    const double middle = rect.center().y() + 0.5, size = row == 0 ? 5.5 : 4.5;
+    painter.setPen(QPen(palette().color(QPalette::Text), 0.8));
+    for (std::size_t x = 0; x < columns.size(); ++x) {
+        if (columns[x] == 0)
+            continue;
+        const QColor color = columns[x] == 2 ? QColor(255, 200, 40) : palette().color(QPalette::Mid);
+        if (isDense) {
+            painter.fillRect(QRectF(static_cast<double>(x), middle - size, 1, 2 * size), color);
+            continue;
+        }
+        const double at = static_cast<double>(x) + 0.5;
+        const QPointF mark[] = {
+            {at, middle - size}, {at + size, middle}, {at, middle + size}, {at - size, middle}};
+        painter.setBrush(color);
+        painter.drawPolygon(mark, 4);
+    }
 }
 
 QPoint DopeSheet::pixelOfKey(kaUID id) const {

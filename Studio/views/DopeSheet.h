@@ -35,7 +35,7 @@ class DopeSheet : public RowView {
   private:
     std::vector<kaUID> keysAt(int row, double x) const;
     std::vector<kaUID> curvesOfRow(int row) const;
-    void drawMarks(QPainter& painter, kaUID curve, const QRect& rect, bool isSum) const;
+    void markColumns(kaUID curve, std::vector<char>& columns) const;
 
     Document& _document;
     IdSelection& _selection;

@@ -75,7 +75,7 @@ void SceneView::drawWelcome(QPainter& painter) const {
 /// left out.
 void SceneView::drawGround(QPainter& painter) const {
     const float step = std::pow(10.0F, std::round(std::log10(std::max(_size, 1e-3F) / 4)));
-    constexpr int Lines = 12;
+    constexpr int Lines = 12, Piece = 3; // squares; a line is drawn in pieces of so many
     const bool zUp = _camera.isZUp();
     const QVector3D middle = _camera.target();
     const float u0 = std::round(middle.x() / step) * step;
@@ -84,11 +84,11 @@ void SceneView::drawGround(QPainter& painter) const {
     QColor color = palette().color(QPalette::WindowText);
     for (int i = -Lines; i <= Lines; ++i) {
         const float at = static_cast<float>(i) * step;
-        for (int j = -Lines; j < Lines; ++j) {
+        for (int j = -Lines; j < Lines; j += Piece) {
             const float far = static_cast<float>(std::max(std::abs(i), std::abs(j))) / Lines;
             color.setAlphaF(0.25 * static_cast<double>(1 - far * far));
             painter.setPen(QPen(color, 1));
-            const float from = static_cast<float>(j) * step, to = from + step;
+            const float from = static_cast<float>(j) * step, to = from + Piece * step;
             drawLine(painter, place(u0 + at, v0 + from), place(u0 + at, v0 + to));
             drawLine(painter, place(u0 + from, v0 + at), place(u0 + to, v0 + at));
         }
