@@ -48,6 +48,9 @@ class CommandLineTest : public ::testing::Test {
                 words.push_back(input);
         for (const OptionParts& option : command.options) {
             const std::string name = option.spellings.back();
+            // An operation that names no output only says what it would do.
+            if (name == "--dry-run")
+                words.push_back(name);
             // A conversion needs one of its outputs, whichever.
             const bool isNeeded = command.name == "convert" && name == "--output";
             if (!option.isNeeded && !isNeeded)

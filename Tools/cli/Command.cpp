@@ -156,4 +156,15 @@ Command::Option Command::Option::between(int low, int high) const {
     return *this;
 }
 
+void readLine(const std::string& line, const std::function<void(CLI::App&)>& declare) {
+    CLI::App program;
+    program.require_subcommand(1);
+    declare(program);
+    try {
+        program.parse(line);
+    } catch (const CLI::ParseError& outcome) {
+        throw Failure(ExitCode::Usage, "'" + oneLine(line) + "': " + oneLine(outcome.what()));
+    }
+}
+
 } // namespace ka::tools

@@ -109,6 +109,10 @@ class Command::Option {
     CLI::Option* _option;
 };
 
+/// Reads one line, split as a shell splits it, by the commands that `declare` adds to a program of its own.
+/// @throws Failure (Usage) when it does not fit them, or is a question for help.
+void readLine(const std::string& line, const std::function<void(CLI::App&)>& declare);
+
 template <class Value>
 Command::Option Command::choice(const std::string& names, Value& value,
                                 const std::vector<std::pair<std::string, Value>>& words,

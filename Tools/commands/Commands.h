@@ -20,6 +20,7 @@ void addRenderCommand(CLI::App& program, Action& action);
 void addPlayCommand(CLI::App& program, Action& action);
 void addCopyCommand(CLI::App& program, Action& action);
 void addPasteCommand(CLI::App& program, Action& action);
+void addOperationCommands(CLI::App& program, Action& action);
 void addUpgradeCommand(CLI::App& program, Action& action);
 void addDemoCommand(CLI::App& program, Action& action);
 

@@ -25,6 +25,7 @@ void addCommands(CLI::App& program, Action& action) {
     addPlayCommand(program, action);
     addCopyCommand(program, action);
     addPasteCommand(program, action);
+    addOperationCommands(program, action);
     addUpgradeCommand(program, action);
     addDemoCommand(program, action);
 }
