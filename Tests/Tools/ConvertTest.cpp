@@ -125,7 +125,7 @@ TEST_F(SavedWalk, EveryCommandTakesASceneADocumentOrBoth) {
     const std::string both5 = sampled({"sample", "one.osg", "--animation", "one.xml"});
     EXPECT_EQ(std::count(both5.begin(), both5.end(), '\n'), 7);
     EXPECT_EQ(run({"sample", "one.xml", "--curve", "translationX", "--to", "5"}).output, both5);
-    EXPECT_EQ(run({"sample", "one.osg"}).output, "curve,frame,value\n");
+    EXPECT_EQ(run({"sample", "one.osg"}).output, "curve,frame,value,clip,node,attribute,unit\n");
     EXPECT_EQ(Json::parse(with({"pose"}, {"--frame", "3"}).output)["nodes"].size(), 38U);
     EXPECT_EQ(Json::parse(run({"pose", "one.osg", "--frame", "3"}).output)["nodes"].size(), 38U);
     EXPECT_EQ(Json::parse(run({"pose", "one.xml", "--frame", "3"}).output)["nodes"].size(), 0U);

@@ -168,11 +168,12 @@ TEST_F(ProgramTest, SamplePrintsEveryStepOfACurve) {
     std::istringstream lines(csv.output);
     std::string line;
     std::getline(lines, line);
-    EXPECT_EQ(line, "curve,frame,value");
+    EXPECT_EQ(line, "curve,frame,value,clip,node,attribute,unit");
     std::size_t count = 0;
     for (const char* frame : {",0,", ",0.5,", ",1,", ",1.5,", ",2,"}) {
         std::getline(lines, line);
         EXPECT_THAT(line, HasSubstr(frame));
+        EXPECT_THAT(line, HasSubstr(",Hips,translationX,units"));
         ++count;
     }
     EXPECT_FALSE(std::getline(lines, line));
@@ -181,6 +182,10 @@ TEST_F(ProgramTest, SamplePrintsEveryStepOfACurve) {
     ASSERT_EQ(json.size(), 3U);
     EXPECT_EQ(json[1]["frame"], 1);
     EXPECT_TRUE(json[1]["value"].is_number());
+    EXPECT_EQ(json[1]["node"], "Hips");
+    EXPECT_EQ(json[1]["attribute"], "translationX");
+    EXPECT_EQ(json[1]["unit"], "units");
+    EXPECT_TRUE(json[1]["curve"].is_string());
 }
 
 TEST_F(ProgramTest, SampleWithoutOptionsPrintsEveryCurveOverItsRange) {

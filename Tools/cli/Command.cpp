@@ -69,6 +69,11 @@ Command::Option Command::option(const std::string& names, std::vector<std::strin
     return Option(addOption(*_command, names, values, description)->take_all()->allow_extra_args(false));
 }
 
+Command::Option Command::positionals(const std::string& name, std::vector<std::string>& values,
+                                     const std::string& description) {
+    return Option(addOption(*_command, name, values, description));
+}
+
 Command::Option Command::flag(const std::string& names, bool& value, const std::string& description) {
     return Option(_command->add_flag(names, value, description));
 }
@@ -154,6 +159,10 @@ Command::Option Command::Option::zeroOrMore() const {
 Command::Option Command::Option::between(int low, int high) const {
     _option->check(CLI::Range(low, high).description(""));
     return *this;
+}
+
+std::vector<std::string> splitWords(const std::string& line) {
+    return CLI::detail::split_up(line);
 }
 
 void readLine(const std::string& line, const std::function<void(CLI::App&)>& declare) {

@@ -47,6 +47,10 @@ class Command {
     /// Adds an option that may be repeated, with one value each time.
     Option option(const std::string& names, std::vector<std::string>& values, const std::string& description);
 
+    /// Adds what is told by its place and may be any number of words, such as files.
+    Option positionals(const std::string& name, std::vector<std::string>& values,
+                       const std::string& description);
+
     /// Adds an option without a value, which sets its variable.
     Option flag(const std::string& names, bool& value, const std::string& description);
 
@@ -108,6 +112,9 @@ class Command::Option {
 
     CLI::Option* _option;
 };
+
+/// The words of a line, split as a shell splits it, quotes taken off.
+std::vector<std::string> splitWords(const std::string& line);
 
 /// Reads one line, split as a shell splits it, by the commands that `declare` adds to a program of its own.
 /// @throws Failure (Usage) when it does not fit them, or is a question for help.

@@ -22,6 +22,7 @@ void addCopyCommand(CLI::App& program, Action& action);
 void addPasteCommand(CLI::App& program, Action& action);
 void addOperationCommands(CLI::App& program, Action& action);
 void addUpgradeCommand(CLI::App& program, Action& action);
+void addBatchCommand(CLI::App& program, Action& action);
 void addDemoCommand(CLI::App& program, Action& action);
 
 } // namespace ka::tools

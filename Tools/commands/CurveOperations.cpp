@@ -37,9 +37,10 @@ RunOperation declareReduce(Command& command) {
                 "frames from which on a standing value stays exactly as it is")
         .zeroOrMore()
         .showsDefault();
-    return [options](const OperationInput& input) {
-        return reduce(input.curves(), input.project.root(), *options, input.listener);
-    };
+    return {[options](const OperationInput& input) {
+                return reduce(input.curves(), input.project.root(), *options, input.listener);
+            },
+            nullptr};
 }
 
 struct FilterLine {
@@ -103,7 +104,7 @@ RunOperation declareFilter(Command& command) {
     command.option("--rate", line->lowPass.framesPerSecond, "frames to a second, for --smooth")
         .aboveZero()
         .showsDefault();
-    return [line](const OperationInput& input) { return filter(*line, input); };
+    return {[line](const OperationInput& input) { return filter(*line, input); }, nullptr};
 }
 
 struct ResampleLine {
@@ -112,20 +113,6 @@ struct ResampleLine {
     std::optional<double> rate;
     double framesPerSecond = 25.0;
 };
-
-/// "0,10,20.5".
-std::vector<double> numbersOf(const std::string& text) {
-    std::vector<double> numbers;
-    for (std::size_t from = 0; from <= text.size();) {
-        const std::size_t comma = std::min(text.find(',', from), text.size());
-        const std::optional<double> number = parseNumber(text.substr(from, comma - from));
-        if (!number || !std::isfinite(*number))
-            throw Failure(ExitCode::Usage, "'" + oneLine(text) + "' is no list of numbers with commas");
-        numbers.push_back(*number);
-        from = comma + 1;
-    }
-    return numbers;
-}
 
 /// "0:1,20:0.5".
 std::vector<std::pair<double, double>> pairsOf(const std::string& text) {
@@ -156,16 +143,17 @@ RunOperation declareResample(Command& command) {
     command.choice("--shape", line->resampling.shape,
                    {{"smooth", Shape::Smooth}, {"straight", Shape::Straight}, {"step", Shape::Step}},
                    "how curves run between the keys");
-    return [line](const OperationInput& input) {
-        Resampling resampling = line->resampling;
-        if (line->rate)
-            resampling.every = line->framesPerSecond / *line->rate;
-        if (!line->frames.empty()) {
-            resampling.frames = numbersOf(line->frames);
-            resampling.keepsEnds = false;
-        }
-        return resample(input.curves(), resampling, input.listener);
-    };
+    return {[line](const OperationInput& input) {
+                Resampling resampling = line->resampling;
+                if (line->rate)
+                    resampling.every = line->framesPerSecond / *line->rate;
+                if (!line->frames.empty()) {
+                    resampling.frames = numberList(line->frames);
+                    resampling.keepsEnds = false;
+                }
+                return resample(input.curves(), resampling, input.listener);
+            },
+            nullptr};
 }
 
 RunOperation declareTrim(Command& command) {
@@ -177,12 +165,13 @@ RunOperation declareTrim(Command& command) {
     command.option("--from", line->from, "the first frame that stays (default: the motion's own)").finite();
     command.option("--to", line->to, "the last frame that stays (default: the motion's own)").finite();
     command.flag("--to-zero", line->toStart, "move what is left, so that it begins at frame 0");
-    return [line](const OperationInput& input) {
-        const CurveList curves = input.curves();
-        const auto [begin, end] = frameRange({curves.begin(), curves.end()});
-        return trim(curves, line->from.value_or(static_cast<double>(begin)),
-                    line->to.value_or(static_cast<double>(end)), line->toStart, input.listener);
-    };
+    return {[line](const OperationInput& input) {
+                const CurveList curves = input.curves();
+                const auto [begin, end] = frameRange({curves.begin(), curves.end()});
+                return trim(curves, line->from.value_or(static_cast<double>(begin)),
+                            line->to.value_or(static_cast<double>(end)), line->toStart, input.listener);
+            },
+            nullptr};
 }
 
 RunOperation declareRetime(Command& command) {
@@ -206,27 +195,28 @@ RunOperation declareRetime(Command& command) {
     to.needs(from);
     command.option("--map", line->map, "frames before and after: 0:0,10:20,30:40").takes("PAIRS");
     command.option("--speed", line->speed, "a course of speeds, frame by frame: 0:1,20:0.5").takes("PAIRS");
-    return [line](const OperationInput& input) {
-        const CurveList curves = input.curves();
-        Retiming retiming = line->retiming;
-        if (!line->map.empty())
-            retiming.map = pairsOf(line->map);
-        if (!line->speed.empty())
-            retiming.speed = pairsOf(line->speed);
-        if (line->fromRate)
-            retiming.scale = *line->toRate / *line->fromRate;
-        if (line->length) {
-            const auto [begin, end] = frameRange({curves.begin(), curves.end()});
-            if (!(end > begin))
-                throw Failure(ExitCode::Usage, "there is no motion that --length could stretch");
-            retiming.scale = *line->length / (static_cast<double>(end) - static_cast<double>(begin));
-        }
-        return retime(curves, retiming, input.listener);
-    };
+    return {[line](const OperationInput& input) {
+                const CurveList curves = input.curves();
+                Retiming retiming = line->retiming;
+                if (!line->map.empty())
+                    retiming.map = pairsOf(line->map);
+                if (!line->speed.empty())
+                    retiming.speed = pairsOf(line->speed);
+                if (line->fromRate)
+                    retiming.scale = *line->toRate / *line->fromRate;
+                if (line->length) {
+                    const auto [begin, end] = frameRange({curves.begin(), curves.end()});
+                    if (!(end > begin))
+                        throw Failure(ExitCode::Usage, "there is no motion that --length could stretch");
+                    retiming.scale = *line->length / (static_cast<double>(end) - static_cast<double>(begin));
+                }
+                return retime(curves, retiming, input.listener);
+            },
+            nullptr};
 }
 
 RunOperation declareReverse(Command&) {
-    return [](const OperationInput& input) { return reverse(input.curves(), input.listener); };
+    return {[](const OperationInput& input) { return reverse(input.curves(), input.listener); }, nullptr};
 }
 
 double given(const std::optional<double>& number, const std::string& option) {
@@ -238,11 +228,13 @@ double given(const std::optional<double>& number, const std::string& option) {
 RunOperation declareOffset(Command& command) {
     auto by = std::make_shared<std::optional<double>>();
     command.option("--by", *by, "what is added to every value, in the curve's unit").finite();
-    return [by](const OperationInput& input) {
-        OperationReport report = changeValues(input.curves(), 1.0, given(*by, "--by"), input.listener);
-        report.operation = "offset";
-        return report;
-    };
+    return {[by](const OperationInput& input) {
+                OperationReport report =
+                    changeValues(input.curves(), 1.0, given(*by, "--by"), input.listener);
+                report.operation = "offset";
+                return report;
+            },
+            nullptr};
 }
 
 RunOperation declareScale(Command& command) {
@@ -253,12 +245,14 @@ RunOperation declareScale(Command& command) {
     auto line = std::make_shared<Line>();
     command.option("--by", line->by, "what every value is multiplied with").finite();
     command.option("--about", line->about, "the value that stays as it is").finite().showsDefault();
-    return [line](const OperationInput& input) {
-        const double by = given(line->by, "--by");
-        OperationReport report = changeValues(input.curves(), by, line->about * (1.0 - by), input.listener);
-        report.operation = "scale";
-        return report;
-    };
+    return {[line](const OperationInput& input) {
+                const double by = given(line->by, "--by");
+                OperationReport report =
+                    changeValues(input.curves(), by, line->about * (1.0 - by), input.listener);
+                report.operation = "scale";
+                return report;
+            },
+            nullptr};
 }
 
 Operation reduceOperation() {
@@ -283,6 +277,19 @@ Operation filterOperation() {
 }
 
 } // namespace
+
+std::vector<double> numberList(const std::string& text) {
+    std::vector<double> numbers;
+    for (std::size_t from = 0; from <= text.size();) {
+        const std::size_t comma = std::min(text.find(',', from), text.size());
+        const std::optional<double> number = parseNumber(text.substr(from, comma - from));
+        if (!number || !std::isfinite(*number))
+            throw Failure(ExitCode::Usage, "'" + oneLine(text) + "' is no list of numbers with commas");
+        numbers.push_back(*number);
+        from = comma + 1;
+    }
+    return numbers;
+}
 
 std::vector<Operation> curveOperations() {
     return {

@@ -36,7 +36,10 @@ class EndingTerminal : public Terminal {
 };
 
 std::vector<Operation> allOperations() {
-    return curveOperations();
+    std::vector<Operation> operations = curveOperations();
+    const std::vector<Operation> more = clipOperations();
+    operations.insert(operations.end(), more.begin(), more.end());
+    return operations;
 }
 
 void addSelectionOptions(Command& command, MotionSelection& selection) {
@@ -102,6 +105,9 @@ ExitCode run(const OperationLine& line, const RunOperation& operation, Output& o
         chain.push_back(linkOf(text, output));
     const Interrupt interrupt;
     EndingTerminal terminal;
+    for (const Link& link : chain)
+        if (link.run.prepare)
+            link.run.prepare(line.files, terminal);
     Project project(line.files, terminal);
     for (const std::string& note : project.report().notes)
         say(note);
@@ -110,7 +116,7 @@ ExitCode run(const OperationLine& line, const RunOperation& operation, Output& o
     std::vector<OperationReport> reports;
     std::vector<std::string> faults;
     for (const Link& link : chain) {
-        OperationReport report = link.run({project, link.selection, terminal});
+        OperationReport report = link.run.run({project, link.selection, terminal});
         if (report.isCancelled)
             throw Failure(ExitCode::Findings, report.operation + " cancelled: nothing was written");
         report.isDry = line.isDry;

@@ -25,7 +25,11 @@ struct OperationInput {
 };
 
 /// Does it, with the options that the line has given.
-using RunOperation = std::function<OperationReport(const OperationInput&)>;
+struct RunOperation {
+    std::function<OperationReport(const OperationInput&)> run;
+    /// What has to be read before the project is opened, because there is one registry; may be empty.
+    std::function<void(const ProjectFiles&, Listener&)> prepare;
+};
 
 /// One operation as the command line offers it: a command of its own, and a link of a chain.
 struct Operation {
@@ -39,5 +43,11 @@ struct Operation {
 
 /// Those that give curves other keys.
 std::vector<Operation> curveOperations();
+/// Those on whole clips and skeletons.
+std::vector<Operation> clipOperations();
+
+/// The numbers of "0,10,20.5".
+/// @throws Failure (Usage) for anything else.
+std::vector<double> numberList(const std::string& text);
 
 } // namespace ka::tools

@@ -27,6 +27,7 @@ void addCommands(CLI::App& program, Action& action) {
     addPasteCommand(program, action);
     addOperationCommands(program, action);
     addUpgradeCommand(program, action);
+    addBatchCommand(program, action);
     addDemoCommand(program, action);
 }
 

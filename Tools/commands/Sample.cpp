@@ -8,6 +8,7 @@
 #include <kaMotion/CurveChoice.h>
 #include <kaMotion/Text.h>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 namespace ka::tools {
@@ -25,22 +26,62 @@ struct SampleOptions {
 
 constexpr double mostSamples = 1e9;
 
+/// A cell of a table: in quotes where it holds what would end it.
+std::string cell(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == text.npos)
+        return text;
+    std::string quoted = "\"";
+    for (const char c : text)
+        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
+}
+
+/// What a curve belongs to, once for all of its samples.
+struct Origin {
+    std::string id, clip, node, attribute, unit;
+
+    explicit Origin(kaAnimationCurve2D* curve) : id(std::to_string(curve->getId())), unit(curveUnit(curve)) {
+        const kaAnimationObject* top = curve;
+        while (const kaAnimationObject* above = top->getParentObject())
+            top = above;
+        if (top->getTypeID() == KA_TYPE_STRIP)
+            clip = utf8FromLatin1(top->getName());
+        const osg::NodePtr owner = curve->getParentOSGNode();
+        node = owner == osg::NullFC ? std::string() : nodeName(owner);
+        attribute = curveLabel(curve);
+        if (!node.empty() && attribute.compare(0, node.size() + 1, node + ".") == 0)
+            attribute.erase(0, node.size() + 1);
+    }
+};
+
 /// Writes one line for each sample; the brackets around them depend on the format.
 class SampleWriter {
   public:
     SampleWriter(Output& output, Format format) : _output(output), _isJson(format == Format::Json) {
-        _output.write(_isJson ? "[" : "curve,frame,value\n");
+        _output.write(_isJson ? "[" : "curve,frame,value,clip,node,attribute,unit\n");
     }
 
-    void write(kaUID curve, float frame, bool hasValue, float value) {
-        const std::string id = std::to_string(curve), at = formatNumber(static_cast<double>(frame));
+    void begin(const Origin& origin) {
+        using Json = nlohmann::ordered_json;
+        const Json names{{"clip", origin.clip},
+                         {"node", origin.node},
+                         {"attribute", origin.attribute},
+                         {"unit", origin.unit}};
+        _start = _isJson ? "{\"curve\":\"" + origin.id + "\",\"frame\":" : origin.id + ",";
+        _end = _isJson ? "," + names.dump(-1, ' ', false, Json::error_handler_t::replace).substr(1)
+                       : "," + cell(origin.clip) + "," + cell(origin.node) + "," + cell(origin.attribute) +
+                             "," + cell(origin.unit) + "\n";
+    }
+
+    void write(float frame, bool hasValue, float value) {
+        const std::string at = formatNumber(static_cast<double>(frame));
         const std::string number = hasValue ? formatNumber(static_cast<double>(value)) : "";
         if (!_isJson)
-            return _output.write(id + "," + at + "," + number + "\n");
+            return _output.write(_start + at + "," + number + _end);
         const bool isNumber = hasValue && std::isfinite(value);
         // Ids have 64 bits, which many readers of JSON keep in a double.
-        _output.write((_isFirst ? "\n" : ",\n") + ("{\"curve\":\"" + id) + "\",\"frame\":" + at +
-                      ",\"value\":" + (isNumber ? number : "null") + "}");
+        _output.write((_isFirst ? "\n" : ",\n") + _start + at + ",\"value\":" + (isNumber ? number : "null") +
+                      _end);
         _isFirst = false;
     }
 
@@ -53,11 +94,13 @@ class SampleWriter {
     Output& _output;
     bool _isJson;
     bool _isFirst = true;
+    std::string _start, _end; ///< of each line of the curve
 };
 
 void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, SampleWriter& writer) {
     const double from = options.from.value_or(static_cast<double>(curve->getBegin()));
     const double to = options.to.value_or(static_cast<double>(curve->getEnd()));
+    writer.begin(Origin(curve));
     // Steps are counted, not added up, so that a thousand steps of 0.1 end where they should.
     const double count = std::floor((to - from) / options.step + 1e-9);
     if (count > mostSamples)
@@ -66,7 +109,7 @@ void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, Sample
         const auto frame = static_cast<float>(from + i * options.step);
         float value = 0.0F;
         const bool hasValue = kaAnimationController::the()->computeCurveValue(curve, frame, value);
-        writer.write(curve->getId(), frame, hasValue, value);
+        writer.write(frame, hasValue, value);
     }
 }
 

@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <cmath>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaMotion/CurveChoice.h>
 #include <kaMotion/Failure.h>
+#include <kaMotion/PlainCurve.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/Text.h>
 #include <set>
@@ -32,10 +34,6 @@ bool isNamed(const kaAnimationCurve2D* curve, const std::string& name) {
            (node != osg::NullFC && nodeName(node) == name);
 }
 
-float rangeOf(const kaAnimationCurve2D* curve) {
-    return curve->getMaximum() - curve->getMinimum();
-}
-
 CurveList byLabel(const CurveList& curves) {
     std::vector<std::pair<std::string, kaAnimationCurve2D*>> labelled;
     for (kaAnimationCurve2D* curve : curves)
@@ -48,18 +46,46 @@ CurveList byLabel(const CurveList& curves) {
     return sorted;
 }
 
-/// The rotations with the largest ranges, one of each node. What turns further than half way round says more
-/// about how angles wind up than about the motion.
+/// How far a curve moves, seen from afar: the range of its values at even frames, turns counted on and each the
+/// mean of its neighbours, so that neither a wrapped angle nor noise counts for motion.
+double motionOf(const kaAnimationCurve2D* curve, bool turns) {
+    constexpr std::size_t count = 240, reach = 2;
+    const double begin = static_cast<double>(curve->getBegin()), end = static_cast<double>(curve->getEnd());
+    const std::vector<PlainKey> keys = plainKeys(*curve);
+    if (keys.size() < 2 || !(begin < end))
+        return 0.0;
+    std::vector<double> values;
+    for (std::size_t i = 0; i <= count; ++i) {
+        const auto frame = static_cast<float>(begin + (end - begin) * static_cast<double>(i) / count);
+        const auto value =
+            static_cast<double>(sampleKeys(keys, std::max(frame, keys.front().x)).value_or(0.0F));
+        const double step = values.empty() ? 0.0 : value - values.back();
+        values.push_back(values.empty() || !turns ? value : values.back() + std::remainder(step, 360.0));
+    }
+    double low = HUGE_VAL, high = -HUGE_VAL;
+    for (std::size_t i = reach; i + reach < values.size(); ++i) {
+        double mean = 0.0;
+        for (std::size_t k = i - reach; k <= i + reach; ++k)
+            mean += values[k] / (2 * reach + 1);
+        low = std::min(low, mean);
+        high = std::max(high, mean);
+    }
+    return high - low;
+}
+
+/// The rotations that move most, one of each node.
 CurveList widestRotations(const CurveList& curves) {
     constexpr std::size_t most = 5;
-    CurveList rotations, widest;
+    std::vector<std::pair<double, kaAnimationCurve2D*>> rotations;
     for (kaAnimationCurve2D* curve : curves)
-        if (startsWith(attributeOf(curve), "rotation") && rangeOf(curve) > 0.0F && rangeOf(curve) <= 180.0F)
-            rotations.push_back(curve);
+        if (startsWith(attributeOf(curve), "rotation"))
+            if (const double motion = motionOf(curve, true); motion > 0.0)
+                rotations.emplace_back(motion, curve);
     std::stable_sort(rotations.begin(), rotations.end(),
-                     [](const auto* a, const auto* b) { return rangeOf(a) > rangeOf(b); });
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    CurveList widest;
     std::set<kaUID> nodes;
-    for (kaAnimationCurve2D* curve : rotations) {
+    for (const auto& [motion, curve] : rotations) {
         const kaAnimationField* field = fieldOf(curve);
         if (widest.size() < most && (field == nullptr || nodes.insert(field->nodeID).second))
             widest.push_back(curve);
@@ -117,15 +143,18 @@ CurveList chooseCurves(const CurveList& curves, const std::vector<std::string>& 
 }
 
 CurveList tellingCurves(const CurveList& curves) {
-    const auto isTranslation = [](const auto* curve) {
-        return startsWith(attributeOf(curve), "translation");
-    };
-    const auto moves = [&](const auto* curve) { return isTranslation(curve) && rangeOf(curve) > 0.0F; };
-    const auto first = std::find_if(curves.begin(), curves.end(), moves);
+    kaAnimationCurve2D* furthest = nullptr;
+    double way = 0.0;
+    for (kaAnimationCurve2D* curve : curves)
+        if (startsWith(attributeOf(curve), "translation"))
+            if (const double motion = motionOf(curve, false); motion > way) {
+                way = motion;
+                furthest = curve;
+            }
     CurveList telling;
     for (kaAnimationCurve2D* curve : curves)
-        if (first != curves.end() && isTranslation(curve) &&
-            curve->getParentOSGNode() == (*first)->getParentOSGNode())
+        if (furthest != nullptr && startsWith(attributeOf(curve), "translation") &&
+            curve->getParentOSGNode() == furthest->getParentOSGNode())
             telling.push_back(curve);
     const CurveList rotations = widestRotations(curves);
     telling.insert(telling.end(), rotations.begin(), rotations.end());

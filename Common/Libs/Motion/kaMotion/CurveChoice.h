@@ -30,8 +30,8 @@ CurveList curvesBelow(const std::vector<kaAnimationObject*>& objects);
 /// @throws Failure (Usage) for a name that stands for none.
 CurveList chooseCurves(const CurveList& curves, const std::vector<std::string>& names);
 
-/// A few of `curves` that show a motion at a glance: the translation of the first node that is moved and the
-/// rotations with the largest ranges.
+/// A few of `curves` that show a motion at a glance: the translation of the node that moves furthest and
+/// rotations that turn furthest, wrapped angles counted on and noise left aside.
 CurveList tellingCurves(const CurveList& curves);
 
 } // namespace ka::motion
