@@ -83,6 +83,12 @@ inside bash -c 'source /usr/share/bash-completion/completions/ka-anim
     COMP_WORDS=(ka-anim va) COMP_CWORD=1
     _ka_anim && test "${COMPREPLY[*]}" = validate && complete -p ka-anim'
 
+echo "== Python"
+installInside ./packages/python3-kaanimation_*.deb
+inside python3 -c 'import kaanimation
+with kaanimation.open(kaanimation.example()) as project:
+    assert project.clips[0].sample(range(11)).shape == (11, 6)'
+
 echo "== a project built against the library"
 installInside ./packages/libkaanimation-dev_*.deb cmake g++ ninja-build pkg-config
 inside cmake -G Ninja -S /consumer -B /build
@@ -94,6 +100,6 @@ inside env KA_PACKAGE=kaMotion bash /consumer/build-by-pkg-config.sh "$(inside p
     /motion-by-pkg-config
 
 echo "== gone without a trace"
-inside apt-get -q remove -y ka-anim libkamotion-dev 'libkamotion[0-9]*' libkaanimation-dev 'libkaanimation[0-9]*'
+inside apt-get -q remove -y ka-anim python3-kaanimation libkamotion-dev 'libkamotion[0-9]*' libkaanimation-dev 'libkaanimation[0-9]*'
 inside sh -c '! command -v ka-anim && ! ls -d /usr/include/kaAnimation /usr/include/kaMotion'
 echo "package-check: all packages install, work and leave"

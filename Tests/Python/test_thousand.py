@@ -80,6 +80,7 @@ class Thousand(unittest.TestCase):
             self.assertAlmostEqual(array.shape[0], (399 + number) / 25 * 30, delta=1)
             self.assertTrue(np.isfinite(array[:]).all())
             self.assertLess(float(row["error"]), 0.051)
+            self.assertLess(float(row["loop_gap"]), 0.001)
             self.assertLess(int(row["kept"]), int(row["keys"]))
         self.assertEqual(list(self.results.glob(".making-*/*.zarr")), [])
 
