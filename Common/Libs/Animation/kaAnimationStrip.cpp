@@ -1,6 +1,7 @@
 #include "kaAnimationStrip.h"
 
 #include "kaAnimationStreak.h"
+#include "kaChildList.h"
 #include "kaObjectStore.h"
 
 #include <algorithm>
@@ -72,13 +73,22 @@ kaAnimationObject* kaAnimationStrip::subObject(kaAnimationObject* object, bool d
         return nullptr;
     if (isTrack(*object) && isChild(*object))
         return release(*object, destroy);
-    for (kaAnimationStreak* track : tracks()) {
-        if (!track->findObject(object->getId()).second)
-            continue;
+    kaAnimationStreak* track = trackOf(object->getId());
+    if (track)
         track->subObject(object, destroy);
-        return track;
-    }
-    return nullptr;
+    return track;
+}
+
+/// The first track that lists the id.
+kaAnimationStreak* kaAnimationStrip::trackOf(kaUID id) const {
+    const auto [owner, isOnly] = kaChildList::onlyOwnerOf(id);
+    if (isOnly)
+        return owner && isTrack(*owner) && isChild(*owner) ? static_cast<kaAnimationStreak*>(owner) : nullptr;
+    const std::vector<kaAnimationStreak*> all = tracks();
+    const auto found = std::find_if(all.begin(), all.end(), [id](const kaAnimationStreak* track) {
+        return track->findObject(id).second;
+    });
+    return found != all.end() ? *found : nullptr;
 }
 
 kaAnimationStreak* kaAnimationStrip::insertObject(kaAnimationObject* object) {

@@ -51,5 +51,6 @@ class KA_ANIMATION_API kaAnimationStrip final : public kaAnimationContainer {
     kaAnimationObject* copyOf(kaAnimationObject& child) const override;
     bool reaches(const kaAnimationObject& child) const override;
     std::vector<kaAnimationStreak*> tracks() const;
+    kaAnimationStreak* trackOf(kaUID id) const;
     kaAnimationStreak* addTrackFor(kaAnimationObject& object);
 };

@@ -42,6 +42,17 @@ bool kaChildList::adoptable(kaUID id, const kaAnimationObject* object) const {
            !std::isnan(object->getBegin());
 }
 
+void kaChildList::setLinked(bool linked) {
+    if (_linked != linked)
+        _unlinkedLists += linked ? std::size_t(0) - 1 : 1;
+    _linked = linked;
+}
+
+std::pair<kaAnimationObject*, bool> kaChildList::onlyOwnerOf(kaUID id) {
+    const kaAnimationObject* object = resolve(id);
+    return {object && object->_home ? object->_home->list->_owner : nullptr, _unlinkedLists == 0};
+}
+
 std::vector<kaUID> kaChildList::ids() const {
     if (!_linked)
         return idList();
@@ -71,7 +82,7 @@ void kaChildList::assign(std::vector<kaUID> ids) {
     release();
     _size = ids.size();
     _ids = std::move(ids);
-    _linked = false;
+    setLinked(false);
     tryLink();
     if (wasEmpty != empty())
         _owner->noteChange(kaChange::Structure);
@@ -143,7 +154,7 @@ void kaChildList::release() {
     _out = nullptr;
     _extent = kaExtent();
     _extentValid = true;
-    _linked = true;
+    setLinked(true);
     _order = Order::Sorted;
     _size = 0;
     noteEdit();
@@ -155,7 +166,7 @@ void kaChildList::unlink() {
     release();
     _ids = std::move(all);
     _size = size;
-    _linked = false;
+    setLinked(false);
 }
 
 /// The same without memory, for what happens while a child is destroyed: the chunks are kept for the ids.
@@ -173,7 +184,7 @@ void kaChildList::unlinkInPlace() {
     release();
     _reduced = std::move(chunks);
     _size = size;
-    _linked = false;
+    setLinked(false);
 }
 
 /// The ids while the list is not linked.

@@ -129,6 +129,10 @@ class kaChildList {
     bool anyNear(float from, float to, Test&& test);
 
     bool isLinked() const { return _linked; }
+    /// The object that alone lists the id, null for none, and whether that is known without a walk: not while any
+    /// list of the process is not linked.
+    static std::pair<kaAnimationObject*, bool> onlyOwnerOf(kaUID id);
+
     /// Of a linked list that is not empty.
     const kaAnimationObject& first() const { return *_chunks.front()->entries.front().object(); }
     const kaAnimationObject& last() const { return *_chunks.back()->entries.back().object(); }
@@ -188,6 +192,7 @@ class kaChildList {
         bool valid = false;
     };
 
+    void setLinked(bool linked);
     static kaAnimationObject* resolve(kaUID id);
     static const kaAnimationObject* resolve(const kaAnimationObject& child);
     bool isHome(const kaAnimationObject* child) const;
@@ -250,6 +255,7 @@ class kaChildList {
     kaExtent _extent;
     bool _extentValid = true;
     bool _linked = true;
+    inline static std::size_t _unlinkedLists = 0;
     bool _ending = false; ///< `beginTaking` was called
     Order _order = Order::Sorted;
     const kaAnimationObject* _out = nullptr; ///< for `Order::OneOut`

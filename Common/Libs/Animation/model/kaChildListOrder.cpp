@@ -130,7 +130,7 @@ bool kaChildList::tryLink() {
         release();
         _ids = std::move(all);
         _size = size;
-        _linked = false;
+        setLinked(false);
     };
     release();
     try {
