@@ -48,6 +48,7 @@ OperationReport reverse(const CurveList& curves, Listener& listener = Listener::
 
 /// Where `resample` puts keys, and how curves run between them.
 struct Resampling {
+    /// How a curve runs from one of its keys to the next.
     enum class Shape : unsigned char {
         Straight, ///< from key to key
         Smooth,   ///< with the slopes of the motion
