@@ -50,7 +50,7 @@ configure-python:
 # Seconds for each fuzzer.
 FUZZ_SECONDS ?= 60
 .PHONY: programme torture
-programme: test-sanitize build-release ## further, as CI does: all tests under the sanitizers, fuzzers, random edits, locales, bad disks, valgrind
+programme: setup-studio test-sanitize build-release ## further, as CI does: all tests under the sanitizers, fuzzers, random edits, locales, bad disks, valgrind
 	scripts/programme.sh build/sanitize build/release $(FUZZ_SECONDS)
 
 # Minutes for each fuzzer.

@@ -66,7 +66,7 @@ void MainWindow::buildClipMenu() {
         const kaAnimationObject* object = kaAnimationManager::the()->getObject(chosen);
         return object != nullptr ? object->getParent() : 0;
     };
-    addAction(menu, "newClip", tr("&New clip"), {}, tr("An empty clip with one track"), [this, &document] {
+    addAction(menu, "newClip", tr("&New clip"), {}, tr("An empty clip with one track"), [&document] {
         document.history().beginMacro(tr("New clip"));
         addTrack(document, addClip(document, "Clip"));
         document.history().endMacro();

@@ -102,8 +102,10 @@ void Recovery::forget() {
     }
     _keptIndex = _session.document().history().index();
     _lock.reset();
-    if (_hasKept)
+    if (_hasKept) {
+        QFile::remove(pathIn(_folder, SourceName)); // the first to go, so that half a folder is never offered
         QDir(_folder).removeRecursively();
+    }
     _hasKept = false;
 }
 
@@ -116,7 +118,9 @@ std::vector<Recovery::Kept> Recovery::leftBehind() {
         if (!lock.tryLock(0))
             continue; // its run is alive
         QFile source(pathIn(folder, SourceName));
-        if (!source.open(QIODevice::ReadOnly)) {
+        const bool isWhole =
+            QFile::exists(pathIn(folder, SceneName)) && QFile::exists(pathIn(folder, AnimationName));
+        if (!isWhole || !source.open(QIODevice::ReadOnly)) {
             lock.unlock();
             QDir(folder).removeRecursively();
             continue;
@@ -128,6 +132,7 @@ std::vector<Recovery::Kept> Recovery::leftBehind() {
 }
 
 void Recovery::remove(const Kept& kept) {
+    QFile::remove(pathIn(kept.folder, SourceName));
     QDir(kept.folder).removeRecursively();
 }
 

@@ -181,8 +181,8 @@ int main(int argc, char** argv) {
     QCoreApplication::setOrganizationName(QStringLiteral("kaAnimation-bench"));
     QSettings().clear();
     Importer::setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/ka-studio"));
-    const QString model = argc > 1 ? QString::fromLocal8Bit(argv[1])
-                                   : QStringLiteral("/usr/share/assimp/models/BVH/Boxing_Toes.bvh");
+    const QString model =
+        argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("/usr/share/assimp/models/BVH/01_03.bvh");
     MainWindow window;
     MainWindow::Answers answers;
     answers.message = [](const QString& text) { std::fprintf(stderr, "%s\n", text.toUtf8().constData()); };

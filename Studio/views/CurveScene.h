@@ -3,6 +3,7 @@
 #include "CurveTrace.h"
 
 #include <QColor>
+#include <QRectF>
 #include <unordered_map>
 
 namespace ka::studio {

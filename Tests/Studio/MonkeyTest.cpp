@@ -99,8 +99,10 @@ TEST_F(Monkey, LeavesADocumentThatIsValid) {
     _random.seed(seed);
     openFigure();
     const std::string before = testing::registryDump();
+    int most = 0; // steps that stood in the history at once
     for (int i = 1; i <= events; ++i) {
         event();
+        most = std::max(most, window().session().document().history().index());
         if (i % 50 == 0)
             QCoreApplication::processEvents(); // let it draw
         if (i % 1000 != 0)
@@ -118,6 +120,8 @@ TEST_F(Monkey, LeavesADocumentThatIsValid) {
         ASSERT_TRUE(QString::fromLatin1(text.c_str()).contains("AnimationPool"));
     }
     window().transport().stop();
+    EXPECT_GT(most, 5) << "it did nothing much";
+    RecordProperty("steps", most);
     // All of it can be taken back.
     while (window().session().document().history().canUndo())
         window().session().document().history().undo();
