@@ -46,12 +46,15 @@ from ._core import (
     Finding,
     Key,
     Listener,
+    Measure,
     Node,
     Object,
     Player,
     Project,
+    Report,
     Scene,
     Sequence,
+    Skeleton,
     Summary,
     Track,
     compare,
@@ -79,8 +82,8 @@ from ._samples import Samples
 
 for _class in (
     Action, Block, Clip, ClosedError, Comparison, Curve, CurveError, Difference, Error, FaultWarning, Field, FileError,
-    Finding, GoneError, Key, Length, Listener, Node, NoteWarning, Object, OpenError, OutputError, Player, Project,
-    RefusedError, Samples, Scene, Sequence, Summary, Tangent, ThreadError, Track, Trigger, UsageError,
+    Finding, GoneError, Key, Length, Listener, Measure, Node, NoteWarning, Object, OpenError, OutputError, Player,
+    Project, RefusedError, Report, Samples, Scene, Sequence, Skeleton, Summary, Tangent, ThreadError, Track, Trigger, UsageError,
 ):
     _class.__module__ = __name__  # what users see in tracebacks and help()
 
@@ -94,8 +97,8 @@ _atexit.register(_close_at_exit)
 
 __all__ = [
     "Action", "Block", "Clip", "ClosedError", "Comparison", "Curve", "CurveError", "Difference", "Error",
-    "FaultWarning", "Field", "FileError", "Finding", "GoneError", "KEY_DTYPE", "Key", "Length", "Listener", "Node",
-    "NoteWarning", "Object", "OpenError", "OutputError", "Player", "Project", "RefusedError", "Samples", "Scene",
-    "Sequence", "Summary", "Tangent", "ThreadError", "Track", "Trigger", "UsageError", "compare", "example", "listen",
+    "FaultWarning", "Field", "FileError", "Finding", "GoneError", "KEY_DTYPE", "Key", "Length", "Listener", "Measure", "Node",
+    "NoteWarning", "Object", "OpenError", "OutputError", "Player", "Project", "RefusedError", "Report", "Samples", "Scene",
+    "Sequence", "Skeleton", "Summary", "Tangent", "ThreadError", "Track", "Trigger", "UsageError", "compare", "example", "listen",
     "open", "send", "validate",
 ]

@@ -18,6 +18,7 @@ void bindMessages(pybind11::module_& module);
 void bindEditing(pybind11::module_& module);
 void bindOperations(pybind11::module_& module);
 void bindExport(pybind11::module_& module);
+void bindMotionOperations(pybind11::module_& module);
 /// @}
 
 } // namespace ka::python

@@ -17,4 +17,5 @@ PYBIND11_MODULE(_core, module) {
     ka::python::bindEditing(module);
     ka::python::bindOperations(module);
     ka::python::bindExport(module);
+    ka::python::bindMotionOperations(module);
 }
