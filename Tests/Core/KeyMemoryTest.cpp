@@ -141,6 +141,16 @@ TEST_F(KeyMemory, GoesBackWithTheLastKey) {
     EXPECT_LE(resident(), before + Megabyte);
 }
 
+TEST_F(KeyMemory, NothingIsKeptForTheNextKeyOnceTheLastHasGone) {
+    constexpr std::uintptr_t Page = 2 << 20;
+    std::vector<kaControlPoint2D*> keys(Keys);
+    std::generate(keys.begin(), keys.end(), [number = std::size_t{0}]() mutable { return make(number++); });
+    const std::uintptr_t last = reinterpret_cast<std::uintptr_t>(keys.back()) / Page;
+    for (kaControlPoint2D* key : keys)
+        kaAnimationManager::the()->destroyPoint2D(key);
+    EXPECT_NE(reinterpret_cast<std::uintptr_t>(make(1)) / Page, last) << "taken from a page that was kept";
+}
+
 TEST_F(KeyMemory, OneKeyThatIsLeftKeepsLittleMoreThanItsOwnPage) {
     constexpr std::size_t Megabyte = 1 << 20;
     constexpr std::size_t Many = 3 * Keys; // 22 MB with their handles

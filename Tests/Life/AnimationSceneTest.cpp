@@ -9,11 +9,14 @@
 #include <OpenSG/OSGCameraSetting.h>
 #include <OpenSG/OSGChangeList.h>
 #include <OpenSG/OSGFieldContainerFactory.h>
+#include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGGroup.h>
 #include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGSceneFileHandler.h>
 #include <OpenSG/OSGThread.h>
+#include <OpenSG/OSGTransformAttachment.h>
 #include <OpenSG/OSGUberMaterial.h>
+#include <algorithm>
 
 using namespace ka_test;
 using testing::ElementsAre;
@@ -61,6 +64,9 @@ TEST_F(AnimationScene, OpensASceneWithItsDocumentAndClosesItToNothing) {
     makeNamedClip("close");
     const auto objects = manager().getObjects().size();
     const auto [file, document] = saved();
+    static bool pasteState;
+    pasteState = false;
+    manager().setUpdatePasteCB([](bool filled) { pasteState = filled; });
     kaAnimationScene opened;
     EXPECT_FALSE(opened.isOpen());
     for (int time = 0; time < 2; ++time) { // the second opening closes what is open
@@ -72,13 +78,22 @@ TEST_F(AnimationScene, OpensASceneWithItsDocumentAndClosesItToNothing) {
     }
     kaAnimationController::the()->addWaitingObject(kaAnimationScene::clips().front());
     kaAnimationController::the()->setObjectID(kaAnimationScene::clips().front()->getId());
+    const kaUID clip = kaAnimationScene::clips().front()->getId();
+    kaAnimationController::the()->setCurveIDs({clip});
+    kaAnimationController::the()->playGlobal(clip, false, true, 0.0F, 10.0F, 0.0F);
+    ASSERT_TRUE(manager().copy(kaAnimationScene::clips().front()));
     const osg::UInt32 root = opened.root().getFieldContainerId();
     opened.close();
     EXPECT_FALSE(opened.isOpen());
+    EXPECT_THAT(manager().getCopyBuffer(), IsEmpty());
+    EXPECT_TRUE(manager().paste(scene.root(), true)) << "an empty buffer, not one of copies that have gone";
+    EXPECT_FALSE(pasteState) << "the host has heard that there is nothing to paste";
     EXPECT_THAT(manager().getObjects(), IsEmpty());
     EXPECT_THAT(manager().getFields(), IsEmpty());
     EXPECT_THAT(kaAnimationController::the()->getWaitingObjects(), IsEmpty());
     EXPECT_EQ(kaAnimationController::the()->getObjectID(), 0U);
+    EXPECT_THAT(kaAnimationController::the()->getCurveIDs(), IsEmpty());
+    EXPECT_FALSE(kaAnimationController::isPlaying());
     EXPECT_TRUE(kaAnimationManager::getSceneRootNode() == osg::NullFC);
     EXPECT_TRUE(osg::FieldContainerFactory::the()->getContainer(root) == osg::NullFC);
     opened.close();
@@ -97,19 +112,31 @@ TEST_F(AnimationScene, WhatIsRefusedLeavesWhatIsOpen) {
     EXPECT_EQ(opened.open(file, QString::fromStdString(folder.put("half.xml", "<AnimationPool>"))),
               Opening::DocumentRefused);
     EXPECT_FALSE(kaAnimationManager::getLoadFault().message.empty());
+    const auto counted = scene.root().getRefCount();
+    EXPECT_EQ(opened.open(scene.root(), "no such file.xml"), Opening::DocumentRefused);
+    EXPECT_EQ(scene.root().getRefCount(), counted) << "a root that is refused is not kept";
     EXPECT_EQ(opened.root().getFieldContainerId(), root);
     EXPECT_TRUE(isRegistered(clip));
 }
 
 TEST_F(AnimationScene, TakesASceneOfTheHostWithOrWithoutADocument) {
     kaAnimationScene opened;
+    const auto counted = scene.root().getRefCount();
     ASSERT_EQ(opened.open(scene.root(), QString()), Opening::Opened);
+    EXPECT_EQ(scene.root().getRefCount(), counted + 1);
     makeNamedClip("made while open");
     ASSERT_EQ(opened.open(opened.root(), QString()), Opening::Opened) << "the same root again";
     EXPECT_TRUE(opened.root() == scene.root());
     EXPECT_THAT(kaAnimationScene::clips(), IsEmpty());
     opened.close();
-    EXPECT_EQ(scene.root()->getNChildren(), 0U) << "the host's scene is still there";
+    EXPECT_EQ(scene.root().getRefCount(), counted) << "the host's scene is still there";
+}
+
+TEST_F(AnimationScene, ListsClipsByNameAndThoseOfOneNameById) {
+    std::vector<kaAnimationStrip*> walks{makeNamedClip("walk"), makeNamedClip("walk"), makeNamedClip("walk")};
+    kaAnimationStrip* run = makeNamedClip("run");
+    std::sort(walks.begin(), walks.end(), [](auto* a, auto* b) { return a->getId() < b->getId(); });
+    EXPECT_THAT(kaAnimationScene::clips(), ElementsAre(run, walks[0], walks[1], walks[2]));
 }
 
 TEST_F(AnimationScene, ClosesWhenItGoes) {
@@ -178,6 +205,8 @@ TEST_F(RedrawAfterChange, EveryNodeThatSharesACoreOrAMaterial) {
     const osg::NodePtr third = scene.addNode("third", second->getCore());
     const osg::NodePtr bare = scene.add<osg::MaterialGroup>("bare");
     const osg::UberMaterialPtr material = osg::UberMaterial::create();
+    const osg::NodePtr unchanged = scene.add<osg::MaterialGroup>("unchanged");
+    osg::MaterialGroupPtr::dcast(unchanged->getCore())->setMaterial(osg::UberMaterial::create());
     for (const osg::NodePtr& node : {first, second})
         osg::MaterialGroupPtr::dcast(node->getCore())->setMaterial(material);
     changes().clearAll();
@@ -185,8 +214,29 @@ TEST_F(RedrawAfterChange, EveryNodeThatSharesACoreOrAMaterial) {
     const auto redraw = kaAnimationScene::redraw();
     EXPECT_THAT(redraw.nodes, ElementsAre(first, second, third));
     EXPECT_FALSE(redraw.all);
+    const osg::TransformAttachmentPtr shared = osg::TransformAttachment::create();
+    first->addAttachment(shared);
+    bare->addAttachment(shared);
+    changes().clearAll();
+    touch(shared);
+    EXPECT_THAT(kaAnimationScene::redraw().nodes, ElementsAre(first, bare)) << "by their attachment";
+    changes().clearAll();
+    touch(second->getCore());
+    EXPECT_THAT(kaAnimationScene::redraw().nodes, ElementsAre(second, third)) << "by their core alone";
+    touch(material);
     touch(bare->getCore());
     EXPECT_THAT(kaAnimationScene::redraw().nodes, ElementsAre(first, second, third, bare));
+}
+
+TEST_F(RedrawAfterChange, AShapeByItsOwnMaterial) {
+    const osg::NodePtr shape = scene.add<osg::Geometry>("shape");
+    scene.add<osg::Geometry>("bare");
+    const osg::UberMaterialPtr material = osg::UberMaterial::create();
+    osg::GeometryPtr::dcast(shape->getCore())->setMaterial(material);
+    changes().clearAll();
+    touch(material);
+    EXPECT_THAT(kaAnimationScene::redraw().nodes, ElementsAre(shape));
+    EXPECT_FALSE(kaAnimationScene::redraw().all);
 }
 
 TEST_F(RedrawAfterChange, AllOfThePictureForWhatHangsOnNoNode) {

@@ -17,13 +17,13 @@ class KA_ANIMATION_API kaAnimationScene {
   public:
     /// What came of opening. Where it was refused, what was open stays open.
     enum class Opening {
-        Opened,
+        Opened,         ///< both are there
         SceneRefused,   ///< there is no such scene file, or it cannot be read; the scene graph says why
         DocumentRefused ///< `kaAnimationManager::getLoadFault` says why and where
     };
 
-    kaAnimationScene() = default;
-    ~kaAnimationScene();
+    kaAnimationScene() = default; ///< Nothing is open.
+    ~kaAnimationScene();          ///< Closes what is open.
     kaAnimationScene(const kaAnimationScene&) = delete;
     kaAnimationScene& operator=(const kaAnimationScene&) = delete;
 
@@ -33,13 +33,15 @@ class KA_ANIMATION_API kaAnimationScene {
     /// @param document  name of the animation document; empty for a scene without animation of its own.
     Opening open(const QString& scene, const QString& document);
     /// The same for a scene that the host has read or made itself.
-    /// @param root  counted until the scene is closed. Null is refused.
+    /// @param root      counted until the scene is closed. Null is refused.
+    /// @param document  as above.
     Opening open(const osg::NodePtr& root, const QString& document);
 
     /// Ends all playback, empties the copy buffer, destroys every registered object and field, takes the
     /// scene root back from the manager and gives up the root. Does nothing when nothing is open.
     void close();
 
+    /// Whether a scene is open.
     bool isOpen() const { return _root != osg::NullFC; }
     /// The scene's root; null when none is open.
     const osg::NodePtr& root() const { return _root; }

@@ -17,10 +17,10 @@ class kaEvaluationPlan;
 
 /// Turns objects and a frame into values in the scene: gathers curves, samples them, writes their fields.
 ///
-/// Sampling calls nobody outside the module; writing may (a container's `changed`, the host's camera
-/// callbacks), so from the first write on nothing is taken for granted: fields are looked up again once one
-/// has come or gone, and the evaluated object is guarded. Evaluations may nest; each depth keeps its buffers,
-/// so that nothing is allocated once warm.
+/// Sampling does not call the host; writing may (a container's `changed`, the camera callbacks). From the first
+/// write on, fields are looked up by id again once the object model has been edited, and the evaluated object is
+/// watched by a weak reference. Evaluations may nest; each level keeps its buffers, so that nothing is allocated
+/// after the first frame.
 class kaEvaluation {
   public:
     /// Curves to sample by key, each with the frame to sample it at; equal keys keep their insertion order.

@@ -70,7 +70,7 @@ inline void kaEvaluationPass::sampleCurve(kaEvaluationPlan& plan, std::size_t cu
     if (!planned.field || (_motionBlurOnly && !plan.isMotionBlur(curve)))
         return;
     __builtin_prefetch(planned.field, 1);
-    planned.glance.fetchNumber();
+    planned.cache.fetchNumber();
     Sampled& sampled = _block[_inBlock];
     sampled.curve = static_cast<std::uint32_t>(curve);
     if (const kaSegment* segment = planned.isInside(frame) ? plan.segmentAt(curve, frame) : nullptr) {
@@ -109,7 +109,7 @@ inline void kaEvaluationPass::store(kaEvaluationPlan& plan, const Sampled& sampl
     kaAnimationField& field = *curve.field;
     if (!sameBits(field.value, sampled.value)) // memory that stays clean need not be written back
         field.value = sampled.value;
-    if (!_written.empty() || !curve.glance.serves(field, containers) || curve.glance.differs(field))
+    if (!_written.empty() || !curve.cache.serves(field, containers) || curve.cache.differs(field))
         _written.push_back({field.getId(), &field, sampled.curve});
 }
 
@@ -129,7 +129,7 @@ inline void kaEvaluationPass::fetch(const kaEvaluationPlan& plan, std::size_t pl
     const Written& written = _written[place + Ahead];
     __builtin_prefetch(written.field);
     if (written.curve != NoCurve)
-        plan.curves[written.curve].glance.fetch();
+        plan.curves[written.curve].cache.fetch();
 }
 
 /// A store, and what the host does when it is announced, can change what another field addresses, so every
@@ -148,9 +148,9 @@ void kaEvaluationPass::write(kaEvaluationPlan* plan) {
         }
         if (plan)
             fetch(*plan, i);
-        kaFieldGlance* glance = written.curve != NoCurve ? &plan->curves[written.curve].glance : nullptr;
-        if (glance && glance->serves(*written.field, containers))
-            glance->write(*written.field, containers);
+        kaFieldCache* cache = written.curve != NoCurve ? &plan->curves[written.curve].cache : nullptr;
+        if (cache && cache->serves(*written.field, containers))
+            cache->write(*written.field, containers);
         else
             kaFieldAccess::write(*written.field);
     }

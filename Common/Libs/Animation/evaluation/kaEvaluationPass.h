@@ -59,7 +59,7 @@ class kaEvaluationPass {
     std::vector<Run> _running;
     std::vector<Run> _upcoming;
     static constexpr std::size_t Block = 64;
-    /// What is sampled before it is stored: the fields come from memory meanwhile.
+    /// Curves are sampled a block at a time before any is stored, while their fields are prefetched.
     std::array<Sampled, Block> _block;
     std::size_t _inBlock = 0;
     /// What of that is still to be sampled, side by side, and its places in the block.
@@ -68,6 +68,6 @@ class kaEvaluationPass {
     std::array<std::uint32_t, Block> _places;
     std::size_t _waiting = 0;
     bool _motionBlurOnly = false;
-    /// From the first value on that the scene did not hold when it was stored.
+    /// All that was stored, beginning with the first value that differed from the scene's.
     std::vector<Written> _written;
 };

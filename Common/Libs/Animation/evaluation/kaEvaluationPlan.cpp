@@ -66,7 +66,7 @@ void kaEvaluationPlan::remake(const kaAnimationObject& object) {
     _isTouched.assign(places, false);
     _segments.assign(curves.size(), kaSegment({}));
     _places.assign(curves.size(), Place());
-    _held.assign(2 * curves.size(), Held());
+    _endValues.assign(2 * curves.size(), EndValue());
     for (std::size_t i = 0; i < curves.size(); ++i)
         kaDependents::enter(*objects[i], *this, static_cast<std::uint32_t>(i));
     for (std::size_t i = 0; i < leaves.size(); ++i)
@@ -112,7 +112,7 @@ void kaEvaluationPlan::readLeaf(Leaf& leaf) const {
 void kaEvaluationPlan::forgetKeys(std::size_t curve) {
     _segments[curve] = kaSegment({});
     _places[curve] = Place();
-    _held[2 * curve] = _held[2 * curve + 1] = Held();
+    _endValues[2 * curve] = _endValues[2 * curve + 1] = EndValue();
 }
 
 /// A field has come or gone.
@@ -175,7 +175,7 @@ kaCurveView& kaEvaluationPlan::viewOf(std::size_t curve) {
 /// What plays forward goes on to the next segment, which is found without the curve.
 const kaSegment* kaEvaluationPlan::findSegment(std::size_t curve, float frame) {
     Place& place = _places[curve];
-    if (place.end - place.segment > 1 && place.segment[1].holds(frame)) {
+    if (place.end - place.segment > 1 && place.segment[1].contains(frame)) {
         ++place.segment;
     } else {
         kaCurveView& view = viewOf(curve);
@@ -193,7 +193,7 @@ bool kaEvaluationPlan::sampleInside(std::size_t curve, float frame, float& value
     return view.hasSpan() && view.sample(frame, value);
 }
 
-void kaEvaluationPlan::hold(std::size_t curve, float frame, Held& held) {
-    const float end = frame < curves[curve].begin ? curves[curve].begin : curves[curve].end;
-    held.state = sampleInside(curve, end, held.value) ? Held::State::Value : Held::State::Nothing;
+void kaEvaluationPlan::sampleEnd(std::size_t curve, float frame, EndValue& end) {
+    const float at = frame < curves[curve].begin ? curves[curve].begin : curves[curve].end;
+    end.state = sampleInside(curve, at, end.value) ? EndValue::State::Value : EndValue::State::Nothing;
 }

@@ -2,7 +2,7 @@
 
 #include "kaAnimationObject.h"
 #include "kaDependents.h"
-#include "kaFieldGlance.h"
+#include "kaFieldCache.h"
 #include "kaFold.h"
 #include "kaSegment.h"
 
@@ -13,10 +13,10 @@
 class kaAnimationField;
 class kaCurveView;
 
-/// What evaluating one object reads of everything below it, side by side in the order of the walk, so that a
-/// frame of an unedited clip touches no object but the fields. Told of what changes of that (`kaDependents`),
-/// and so untouched by any other edit. What changed of a curve or of an object that holds curves is read
-/// again; the whole is made anew when what is below changed.
+/// A flat copy of what evaluation reads of everything below one object, in the order of the walk, so that a frame
+/// of an unedited clip touches no objects but the fields. It observes the objects that it was made from
+/// (`kaDependents`), so that edits elsewhere do not invalidate it. A changed curve or block is read again; after
+/// a change of structure the plan is rebuilt.
 class kaEvaluationPlan final : public kaDependent {
   public:
     /// @param gone  is counted up when the object that the plan was made for goes.
@@ -44,8 +44,8 @@ class kaEvaluationPlan final : public kaDependent {
 
         /// Null where nothing is sampled: the curve is switched off, or its field is not registered.
         kaAnimationField* field;
-        kaFieldGlance glance;
-        float begin; ///< where the curve is held; of a repeating one minus infinity
+        kaFieldCache cache;
+        float begin; ///< of the frames that are clamped; of a repeating one minus infinity
         float end;   ///< and plus infinity
     };
 
@@ -66,20 +66,20 @@ class kaEvaluationPlan final : public kaDependent {
     /// `sample` is to be asked. The pointer is good until the next call for that curve.
     const kaSegment* segmentAt(std::size_t curve, float frame) {
         kaSegment& current = _segments[curve];
-        return current.holds(frame) ? &current : findSegment(curve, frame);
+        return current.contains(frame) ? &current : findSegment(curve, frame);
     }
 
-    /// Samples a curve at a frame that is held to its extent unless it repeats. @return whether `value` was
+    /// Samples a curve at a frame, clamped to its extent unless it repeats. @return whether `value` was
     /// written.
     bool sample(std::size_t curve, float frame, float& value) {
         const Curve& sampled = curves[curve];
         if (sampled.isInside(frame))
             return sampleInside(curve, frame, value);
-        Held& held = _held[2 * curve + (frame < sampled.begin ? 0 : 1)];
-        if (held.state == Held::State::Unknown)
-            hold(curve, frame, held);
-        value = held.value;
-        return held.state == Held::State::Value;
+        EndValue& end = _endValues[2 * curve + (frame < sampled.begin ? 0 : 1)];
+        if (end.state == EndValue::State::Unknown)
+            sampleEnd(curve, frame, end);
+        value = end.value;
+        return end.state == EndValue::State::Value;
     }
 
     /// Whether a curve is sampled for motion blur.
@@ -91,7 +91,7 @@ class kaEvaluationPlan final : public kaDependent {
 
   private:
     /// What sampling at one end of a curve gives.
-    struct Held {
+    struct EndValue {
         enum class State : unsigned char { Unknown, Nothing, Value };
 
         float value = 0.0F;
@@ -120,12 +120,12 @@ class kaEvaluationPlan final : public kaDependent {
     void addLeaf(const kaAnimationObject& object);
     const kaSegment* findSegment(std::size_t curve, float frame);
     bool sampleInside(std::size_t curve, float frame, float& value);
-    void hold(std::size_t curve, float frame, Held& held);
+    void sampleEnd(std::size_t curve, float frame, EndValue& end);
 
     std::vector<bool> _blurred;       ///< of each curve
     std::vector<kaSegment> _segments; ///< of each curve a copy of the one sampled last
     std::vector<Place> _places;
-    std::vector<Held> _held; ///< of each curve at the begin and at the end
+    std::vector<EndValue> _endValues; ///< of each curve at the begin and at the end
     /// Curves, then leaves, that have changed; there is room for all.
     std::vector<std::uint32_t> _touched;
     std::vector<bool> _isTouched;

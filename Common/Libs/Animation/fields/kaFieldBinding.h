@@ -12,11 +12,11 @@
 #include <string>
 #include <string_view>
 
-/// What a field record addresses in the scene: resolved once, remembered with the record and checked at every
-/// use (`kaFieldAccess`).
+/// What a field record addresses in the scene: resolved once, cached with the record and validated at every use
+/// (`kaFieldAccess`).
 ///
-/// The check compares the record's addressing members with those that were resolved, because the host writes
-/// them directly; whatever differs is resolved anew. That the container is still there is asked of the
+/// Validation compares the record's address members with those that were resolved, because the host writes them
+/// directly; where they differ the record is resolved again. That the container is still there is asked of the
 /// container store: ids are never reused, so an occupied slot means the same container, and its storage
 /// stands. What can change behind an unchanged record (the camera-path flag, a node's attachments, the
 /// values) is read at each use.

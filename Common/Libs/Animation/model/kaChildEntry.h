@@ -7,8 +7,8 @@
 
 class kaAnimationObject;
 
-/// A child in the list of its parent, with what is read of it there again and again: four to a line of the
-/// cache, because lists are searched and shifted far oftener than children change.
+/// A child in the list of its parent, with a copy of what the list reads of it most: four to a cache line,
+/// because lists are searched and shifted far more often than children change.
 ///
 /// A key's extent is a point, so its entry holds all of it, as it was when the entry was made. Any other
 /// child's is read of the child.
@@ -59,4 +59,4 @@ class kaChildEntry {
     float _value; ///< of a key
 };
 
-static_assert(sizeof(kaChildEntry) == 16, "four to a line of 64 bytes");
+static_assert(sizeof(kaChildEntry) == 16, "four to a cache line");

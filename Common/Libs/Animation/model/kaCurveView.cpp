@@ -180,7 +180,7 @@ std::size_t kaCurveView::indexAt(float frame) const {
     if (_cells.empty())
         return upperBoundAmong(0, _frames.size(), frame) - 1;
     const std::size_t cell = cellOf(frame);
-    if (_even && _segments[cell].holds(frame))
+    if (_even && _segments[cell].contains(frame))
         return cell;
     return upperBoundAmong(_cells[cell], _cells[cell + 1], frame) - 1;
 }
@@ -199,7 +199,7 @@ std::size_t kaCurveView::upperBoundAmong(std::size_t from, std::size_t to, float
 const kaSegment* kaCurveView::segmentAt(float frame) {
     if (!(frame >= _begin && frame < _end))
         return _unpacked ? unpackedSegmentAt(frame) : nullptr;
-    if (!_segments[_last].holds(frame))
+    if (!_segments[_last].contains(frame))
         _last = indexAt(frame);
     return &_segments[_last];
 }

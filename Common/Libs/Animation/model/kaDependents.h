@@ -7,12 +7,11 @@
 
 class kaAnimationObject;
 
-/// Someone who keeps something made from objects (an evaluation plan), and is told when one of these changes.
-/// What is told costs nothing where nobody depends on the object, and does not depend on how many objects
-/// there are.
+/// Observer of objects: caches something made from them (an evaluation plan) and is notified when one changes.
+/// An object without observers pays one test of a flag; the cost does not depend on the number of objects.
 class kaDependent {
   public:
-    /// @param place  the number that the object was entered under. Allocates nothing and calls nobody.
+    /// @param place  the number that the object was entered under. May not allocate or call the host.
     virtual void changed(std::uint32_t place, kaChange change) noexcept = 0;
 
   protected:

@@ -85,10 +85,9 @@ void kaKeyMemory::giveBack(void* memory) noexcept {
     _empty = &slab;
 }
 
+/// Not the one that a block has been given back to just now.
 void kaKeyMemory::release(Slab& slab) noexcept {
     _withRoom.erase(std::find(_withRoom.begin(), _withRoom.end(), &slab));
-    if (_recent == &slab)
-        _recent = nullptr;
     _slabs.erase(std::find_if(_slabs.begin(), _slabs.end(),
                               [&slab](const auto& other) { return other.get() == &slab; }));
 }

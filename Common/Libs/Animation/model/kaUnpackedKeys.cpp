@@ -40,7 +40,7 @@ kaUnpackedKeys::kaUnpackedKeys(const kaChildList& keys)
 const kaSegment* kaUnpackedKeys::segmentAt(float frame) {
     if (!(frame >= _begin && frame < _end))
         return nullptr;
-    if (!_segment.holds(frame)) {
+    if (!_segment.contains(frame)) {
         const kaChildList::Around around = _keys.around(frame);
         _segment = between(asKey(*(around.at ? around.at : around.before)), asKey(*around.after));
     }

@@ -7,9 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
-/// Which registered curves name which field, whether or not there is such a field. Made for many fields with
-/// one curve each, but as sound for one field with all curves. Edits cost O(log n) for the n curves of the
-/// field.
+/// The registered curves by the id of the field that they drive, whether or not that field exists. Optimised for
+/// one curve a field; edits cost O(log n) for n curves of one field.
 class kaFieldUses {
   public:
     /// @throws std::bad_alloc, with nothing changed.

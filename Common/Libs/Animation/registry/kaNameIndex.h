@@ -13,11 +13,11 @@
 
 /// The ids of registered objects by name. Objects that have the same name stand in ascending id order.
 ///
-/// Keys are too many for an entry each, and nearly all are called what the module calls them: keys with one
-/// of those names are counted, and only the smallest of their ids is remembered. When its key goes, the next
-/// question for the name is answered by a walk.
+/// Keys are too many for an entry each, and nearly all have one of the module's default names: of these only the
+/// number and the smallest id are kept. After the key with that id has gone, the next look-up of the name takes a
+/// walk over all objects.
 ///
-/// Refers to the text of each name that it is told of until the name is erased.
+/// Keeps a pointer to the text of each name until the name is erased.
 class kaNameIndex {
   public:
     /// @throws std::bad_alloc, with nothing changed.

@@ -10,7 +10,7 @@
 /// generation (`kaWeak`) never takes what came later, at the same address or in the same slot, for what was
 /// meant.
 ///
-/// A thing gets its slot when it is first asked for one and gives it back when it is freed. Cost: 16 bytes a
+/// A slot is assigned with the first reference and returned when the object is freed. Cost: 16 bytes a
 /// slot; asking and giving back are a few instructions, and giving back allocates nothing.
 class kaWeakSlots {
   public:

@@ -25,10 +25,9 @@ class alignas(64) kaSegment {
     const Points& points() const { return _points; }
     const kaSegmentBounds& bounds() const { return _bounds; }
 
-    /// Whether the frame lies from this segment's first key on and before its second, which is not earlier.
-    /// The answer is one comparison of two: of random frames either alone is as likely as not, which no
-    /// processor foresees, and what it has begun of the next sample by then would be lost.
-    bool holds(float frame) const { return (_points.x0 <= frame) != (_points.x3 <= frame); }
+    /// Whether x0 <= frame < x3; x0 <= x3. Both comparisons are combined without a branch, which random frames
+    /// would mispredict every other time.
+    bool contains(float frame) const { return (_points.x0 <= frame) != (_points.x3 <= frame); }
 
     bool isIterated() const { return _bounds.isIterated(); }
 

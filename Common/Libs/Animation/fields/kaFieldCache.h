@@ -9,15 +9,14 @@
 #include <cstdint>
 #include <string_view>
 
-/// Reads and writes the number that a record addresses without touching the record's binding: what takes of
-/// that is copied here, to lie beside what else a caller reads.
+/// A copy of the part of a field's binding that reading and writing its number takes, small enough to stand in
+/// the caller's own cache line, so that a frame does not touch the binding itself.
 ///
-/// The copy needs no upkeep. A container and the name of a field stand for the same numbers as long as the
-/// container lives: the copy is good for every record that names both. Whether it lives is asked of the
-/// container store, by id: a handle kept from tick to tick could not tell. It serves float components of
-/// containers other than camera settings; for all else, and before a record's first write, `kaFieldAccess`
-/// does.
-class kaFieldGlance {
+/// Never stale: a container id and a field name mean the same number as long as the container exists, so the copy
+/// is valid for every record that has both. Whether the container exists is asked of the container store by id,
+/// since a handle that is kept from frame to frame could not tell. Covers float components of containers other
+/// than camera settings; everything else, and a record's first write, goes through `kaFieldAccess`.
+class kaFieldCache {
   public:
     /// Whether the copy serves the record, made anew if need be. Calls nobody.
     bool serves(const kaAnimationField& field, const osg::FieldContainerStore& store) {

@@ -1,9 +1,9 @@
-#include "kaFieldGlance.h"
+#include "kaFieldCache.h"
 
 #include <kaOpenSGUtils.h>
 #include <limits>
 
-bool kaFieldGlance::adopt(const kaAnimationField& field) {
+bool kaFieldCache::adopt(const kaAnimationField& field) {
     const kaFieldBinding* binding = kaFieldBinding::standing(field);
     if (!binding || binding->target != kaFieldBinding::Target::Floats || binding->isCamera ||
         binding->name.size() > std::numeric_limits<std::uint8_t>::max())
@@ -23,7 +23,7 @@ bool kaFieldGlance::adopt(const kaAnimationField& field) {
     return true;
 }
 
-void kaFieldGlance::write(const kaAnimationField& field, const osg::FieldContainerStore& store) const {
+void kaFieldCache::write(const kaAnimationField& field, const osg::FieldContainerStore& store) const {
     if (!differs(field))
         return;
     _floats[kaFieldBinding::componentAt(field.valuePos, _count)] =
