@@ -20,37 +20,9 @@ import time
 import numpy as np
 
 VERSION = 1  # of what `convert` does: another number has everything done again
-ERROR = 0.05  # degrees or units that a thinned curve may be off at its own keys
+ERROR = 0.05  # degrees or units that a thinned curve may be off
+CUT_OFF = 6.0  # hertz, beyond which motion counts as jitter
 COLUMNS = ["capture", "state", "frames", "curves", "seconds", "keys", "kept", "error", "loop_gap", "findings"]
-
-
-def filtered(values: np.ndarray) -> np.ndarray:
-    """Each column smoothed by a binomial of five frames, its ends kept."""
-    padded = np.pad(values, ((2, 2), (0, 0)), mode="edge")
-    return sum(weight * padded[i : len(values) + i] for i, weight in enumerate((1, 4, 6, 4, 1))) / 16
-
-
-def kept_keys(frames: np.ndarray, values: np.ndarray, error: float) -> np.ndarray:
-    """Keys that a polyline needs to stay within the error everywhere: Douglas and Peucker's way."""
-    keep = np.zeros(len(frames), bool)
-    keep[[0, -1]] = True
-    spans = [(0, len(frames) - 1)]
-    while spans:
-        first, last = spans.pop()
-        if last - first < 2:
-            continue
-        line = np.interp(frames[first : last + 1], frames[[first, last]], values[[first, last]])
-        off = np.abs(values[first : last + 1] - line)
-        worst = int(off.argmax())
-        if off[worst] > error:
-            keep[first + worst] = True
-            spans += [(first, first + worst), (first + worst, last)]
-    return keep
-
-
-def looped(values: np.ndarray) -> np.ndarray:
-    """The motion bent so that it ends as it begins: the gap is spread evenly over all frames."""
-    return values + np.linspace(0, 1, len(values), dtype=values.dtype)[:, None] * (values[0] - values[-1])
 
 
 def convert(capture: str, results: str, rate: float) -> dict:
@@ -65,20 +37,19 @@ def convert(capture: str, results: str, rate: float) -> dict:
         return row | {"state": "unreadable", "findings": str(error)}
     with project:
         clip = project.clips[0]
+        clip.remove_flips()
+        clip.smooth(CUT_OFF)
+        clip.loop()
         source = np.arange(clip.begin, clip.end + 1, dtype=np.float32)
-        smooth = looped(filtered(clip.sample(source).values))
-        keys = kept = 0
-        for column, curve in enumerate(clip.sample([]).curves):
-            keep = kept_keys(source, smooth[:, column], ERROR)
-            keys, kept = keys + len(source), kept + int(keep.sum())
-            thinned = np.zeros(int(keep.sum()), [("frame", "f4"), ("value", "f4"), ("tangent", "u4")])
-            thinned["frame"], thinned["value"] = source[keep], smooth[keep, column]
-            thinned["tangent"] = kaanimation.Tangent.BROKEN  # straight from key to key
-            curve.set_keys(thinned)
-        error = float(np.abs(clip.sample(source).values - smooth).max(initial=0))
-        ends = clip.sample([clip.begin, clip.end]).values
+        full = clip.sample(source).values
+        thinned = clip.reduce(rotation=ERROR, translation=ERROR)
+        error = float(np.abs(clip.sample(source).values - full).max(initial=0))
+        ends = clip.sample([clip.begin, clip.end])
+        gap = np.abs(ends.values[0] - ends.values[1])
+        turns = np.array(ends.units) == "degrees"
+        gap[turns] = np.abs((gap[turns] + 180) % 360 - 180)  # whole turns apart is no gap
         samples = clip.sample(np.arange(clip.begin, clip.end, 25 / rate, dtype=np.float32))
-        findings = "; ".join(project.notes + project.faults)
+        findings = "; ".join(project.notes + project.faults + thinned.faults)
     name = pathlib.Path(capture).stem + ".zarr"
     with tempfile.TemporaryDirectory(dir=results, prefix=".making-") as folder:
         array = zarr.open_array(f"{folder}/{name}", mode="w", shape=samples.shape, dtype="f4", chunks=(1024, None))
@@ -87,15 +58,15 @@ def convert(capture: str, results: str, rate: float) -> dict:
         shutil.rmtree(pathlib.Path(results, name), ignore_errors=True)
         os.replace(f"{folder}/{name}", pathlib.Path(results, name))  # there as a whole or not at all
     return row | {"frames": samples.shape[0], "curves": samples.shape[1],
-                  "seconds": round(len(samples) / rate, 3), "keys": keys, "kept": kept, "error": f"{error:.4g}",
-                  "loop_gap": f"{float(np.abs(ends[0] - ends[1]).max(initial=0)):.4g}",
-                  "findings": findings}
+                  "seconds": round(len(samples) / rate, 3), "keys": thinned.keys_before,
+                  "kept": thinned.keys_after, "error": f"{error:.4g}",
+                  "loop_gap": f"{float(gap.max(initial=0)):.4g}", "findings": findings}
 
 
 def fingerprint(capture: pathlib.Path, rate: float) -> str:
     """Changes when the capture is written and with what is done to it; its bytes need not be read to know."""
     status = capture.stat()
-    return f"{VERSION} {rate} {ERROR} {status.st_size} {status.st_mtime_ns}"
+    return f"{VERSION} {rate} {ERROR} {CUT_OFF} {status.st_size} {status.st_mtime_ns}"
 
 
 def main() -> int:
