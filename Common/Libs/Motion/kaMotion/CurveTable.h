@@ -8,14 +8,15 @@ namespace ka::motion {
 
 /// Values of curves at frames, as other programs calculate with them.
 struct CurveTable {
+    /// What stands in a column.
     struct Column {
         std::string name; ///< UTF-8, "Hips.translationX"
         std::string unit; ///< "degrees", "units"; empty for plain numbers
     };
 
-    std::vector<Column> columns;
-    std::vector<double> frames;
-    double framesPerSecond = 25.0;
+    std::vector<Column> columns;   ///< one for each curve
+    std::vector<double> frames;    ///< one for each row
+    double framesPerSecond = 25.0; ///< above 0
     /// Row by row, a number for each column; not a number where a curve has no value.
     std::vector<float> values;
 };

@@ -27,18 +27,24 @@ struct MergeOptions {
 /// later. What one of the clips does not animate holds the value it had. The new clip has a block for each
 /// node, listed there.
 /// @param clips  at least two, in order; nulls are left out.
+/// @param options  how.
+/// @param listener  may cancel.
 /// @throws Failure (Usage) for fewer, and a cross-fade longer than one of the clips.
 OperationReport merge(const std::vector<kaAnimationStrip*>& clips, const MergeOptions& options,
                       Listener& listener = Listener::none());
 
 /// Cuts a clip at frames into clips that each begin at frame 0, called `clip 1`, `clip 2` and so on after it.
 /// The clip itself goes unless `keepsSource`.
+/// @param clip  what is cut.
 /// @param frames  ascending, at least one within the clip.
+/// @param keepsSource  whether the clip stays beside its parts.
+/// @param listener  may cancel.
 /// @throws Failure (Usage) when there is none, and for frames that do not ascend.
 OperationReport split(kaAnimationStrip* clip, const std::vector<double>& frames, bool keepsSource,
                       Listener& listener = Listener::none());
 
 /// Renames scene nodes at and below `root`, and with them the blocks that are called after their node.
+/// @param root  where renaming begins.
 /// @param match  a name or a pattern of which each "*" and "?" stands for a text, such as "mixamorig:*".
 /// @param to  the new name; its first "*" or "?" stands for what the first of the pattern stood for, and so
 /// on.

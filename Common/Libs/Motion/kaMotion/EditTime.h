@@ -17,8 +17,10 @@ namespace ka::motion {
 /// Cuts curves to the frames from `from` to `to`, with keys at both, exactly: what is left is the same
 /// motion. A curve that lies wholly outside keeps the value that it holds there, unless another of the curves
 /// drives the same field inside: then it is left out, destroyed with its keys.
+/// @param curves  of the registry.
 /// @param from  less than `to`. @param to  the last frame that stays.
 /// @param toStart  whether what is left is moved, so that `from` becomes frame 0.
+/// @param listener  may cancel.
 /// @throws Failure (Usage) when `from` is not less than `to`.
 OperationReport trim(const CurveList& curves, double from, double to, bool toStart,
                      Listener& listener = Listener::none());

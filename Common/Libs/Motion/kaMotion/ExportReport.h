@@ -9,7 +9,7 @@ namespace ka::motion {
 
 /// How curves become the channels of a file.
 struct SamplingOptions {
-    double framesPerSecond = 25.0;
+    double framesPerSecond = 25.0; ///< of the scene, for the seconds of the file
     /// Degrees that a rotation may be off anywhere. Other values may be off by this angle, in radians, of the
     /// largest distance that they cover in their channel.
     double tolerance = 0.01;
@@ -17,7 +17,7 @@ struct SamplingOptions {
 
 /// What became of the curves of one or more channels.
 struct SamplingReport {
-    std::size_t keys = 0;
+    std::size_t keys = 0;       ///< written
     std::size_t exact = 0;      ///< segments between source keys that needed no key inside
     std::size_t resampled = 0;  ///< those that did
     std::size_t jumps = 0;      ///< ends of holds within a channel that is not made of holds alone
@@ -28,10 +28,10 @@ struct SamplingReport {
 
 /// What became of the registered animation.
 struct ExportReport {
-    std::size_t nodes = 0;
-    std::size_t curves = 0;
-    std::size_t keys = 0; ///< of those curves
-    SamplingReport channels;
+    std::size_t nodes = 0;          ///< of the scene
+    std::size_t curves = 0;         ///< that were handed on
+    std::size_t keys = 0;           ///< of those curves
+    SamplingReport channels;        ///< what became of them
     std::vector<std::string> notes; ///< what the target cannot hold, one line each
 };
 

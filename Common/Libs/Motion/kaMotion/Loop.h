@@ -30,6 +30,8 @@ struct LoopOptions {
 /// The report says how far values were apart at worst.
 /// @param curves  of the registry, of one clip; nulls and curves of fewer than two keys are left alone.
 /// @param root  of the scene, to find the topmost node; null: that of the first curve that moves one.
+/// @param options  how.
+/// @param listener  may cancel, which changes nothing.
 /// @throws Failure (Usage) when the seam is not above 0 or longer than the motion.
 OperationReport loop(const CurveList& curves, const osg::NodePtr& root, const LoopOptions& options,
                      Listener& listener = Listener::none());

@@ -34,9 +34,10 @@ std::string mirroredName(const std::string& name, const MirrorOptions& options);
 ///
 /// The report says which way it took and how many nodes changed sides. A node whose other side is missing, or
 /// is not animated in the same channels, is a note; it is mirrored by itself.
-/// @param curves  of the registry, of one clip; others than those that place nodes are left alone.
 /// @param root  of the scene.
-/// @throws Failure (Usage) for an axis other than 0, 1, 2 and for a null root.
+/// @param root  of the scene.
+/// @param options  how.
+/// @param listener  may cancel, which changes nothing.
 OperationReport mirror(const CurveList& curves, const osg::NodePtr& root, const MirrorOptions& options,
                        Listener& listener = Listener::none());
 

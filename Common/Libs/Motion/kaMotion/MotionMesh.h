@@ -26,7 +26,7 @@ struct MotionMorph {
 
 /// Triangles below one or more nodes. Lists but `positions` and `indices` may be empty.
 struct MotionMesh {
-    static constexpr std::int32_t none = -1;
+    static constexpr std::int32_t none = -1; ///< no material, no skin
 
     std::string name;                   ///< UTF-8
     std::vector<std::uint32_t> nodes;   ///< that show it
@@ -41,6 +41,7 @@ struct MotionMesh {
     std::vector<float> weights;         ///< four a corner
     std::vector<MotionMorph> morphs;    ///< in the order of the file
 
+    /// Corners that the lists are about.
     std::size_t corners() const { return positions.size() / 3; }
 };
 

@@ -33,6 +33,7 @@ struct SkeletonMotion {
 
 /// Takes the motion of a skeleton down at every key of its curves and every whole frame between.
 /// @param root  of the scene, which holds the rest pose now. @param curves  of one clip.
+/// @param name  of the clip, UTF-8.
 /// @throws Failure (Usage) when this were more than ten million poses.
 SkeletonMotion recordSkeleton(const osg::NodePtr& root, const CurveList& curves, const std::string& name);
 
@@ -56,7 +57,10 @@ struct RetargetOptions {
 ///
 /// Every node turns in the world by what the source's turns away from its own rest; with `alignsLimbs` a node
 /// with one mapped node below it is first turned so that it points at it as the source's does at rest.
+/// @param source  the recording.
 /// @param root  of the target's scene, in its rest pose.
+/// @param options  how.
+/// @param listener  may cancel, which changes nothing.
 /// @return what was mapped; notes name moving nodes of the source that have no counterpart.
 /// @throws Failure (Usage) when no name fits, and for a motion without frames.
 OperationReport retarget(const SkeletonMotion& source, const osg::NodePtr& root,
