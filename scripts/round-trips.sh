@@ -25,9 +25,12 @@ const fs = require('fs'), validator = require('gltf-validator');
     let bad = 0;
     for (const file of process.argv.slice(2)) {
         const report = await validator.validateBytes(new Uint8Array(fs.readFileSync(file)));
-        if (report.issues.numErrors + report.issues.numWarnings === 0) continue;
+        // Pictures are passed on as they are, with what they hold of colour spaces.
+        const found = report.issues.messages.filter(
+            (m) => m.severity <= 1 && m.code !== 'IMAGE_FEATURES_UNSUPPORTED');
+        if (found.length === 0) continue;
         bad++;
-        console.log(file, JSON.stringify(report.issues.messages.slice(0, 3)));
+        console.log(file, JSON.stringify(found.slice(0, 3)));
     }
     console.log(`validator: ${process.argv.length - 2} files, ${bad} with errors or warnings`);
     process.exit(bad === 0 && process.argv.length > 2 ? 0 : 1);

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <kaAnimationManager.h>
+#include <kaMotion/Exporting.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/Saving.h>
 
@@ -159,4 +160,60 @@ TEST(ImportedMesh, WithTrianglesOfNoCornersLosesThoseAlone) {
     EXPECT_TRUE(motion.meshes[0].normals.empty());
     EXPECT_EQ(motion.meshes[0].skin, MotionMesh::none);
     EXPECT_EQ(motion.meshes[0].material, MotionMesh::none);
+}
+
+namespace {
+
+/// Everything that is drawn, in an order that does not depend on how it is kept: corners in the world, triangle by
+/// triangle.
+std::size_t drawnCorners(const osg::NodePtr& root, double& sum) {
+    std::size_t corners = 0;
+    for (const osg::NodePtr& node : geometriesBelow(root)) {
+        const osg::Matrix world = node->getToWorld();
+        const auto& positions = *geometry(node)->getPositions()->getMFPositions();
+        for (const osg::UInt32 index : *geometry(node)->getIndices()->getMFIndices()) {
+            const osg::Pnt3f& p = positions[index];
+            for (osg::UInt32 row = 0; row < 3; ++row)
+                sum += std::abs(static_cast<double>(world[0][row] * p[0] + world[1][row] * p[1] +
+                                                    world[2][row] * p[2] + world[3][row])) *
+                       (row + 1.0);
+            ++corners;
+        }
+    }
+    return corners;
+}
+
+} // namespace
+
+TEST(ExportedMesh, ComesBackAsItWas) {
+    const ka::motion::testing::TemporaryFolder folder;
+    for (const char* name : {"glTF2/BoxTextured-glTF/BoxTextured.gltf", "FBX/huesitos.fbx", "MS3D/jeep1.ms3d",
+                             "glTF2/simple_skin/simple_skin.gltf",
+                             "glTF2/glTF-Sample-Models/AnimatedMorphCube-glTF/AnimatedMorphCube.gltf"}) {
+        SCOPED_TRACE(name);
+        double before = 0.0, after = 0.0;
+        std::size_t corners = 0, shapes = 0, skins = 0;
+        const auto count = [&](const osg::NodePtr& root, std::size_t& shapesThere, std::size_t& skinsThere) {
+            for (const osg::NodePtr& node : geometriesBelow(root)) {
+                shapesThere += node->getNChildren();
+                skinsThere += node->findAttachment(osg::Skin::getClassType()) != osg::NullFC ? 1 : 0;
+            }
+        };
+        ProjectFiles files = model(name);
+        {
+            const Project project(files);
+            const ExportedFile file = exportAs(ExportKind::Glb, project, exportedObjects(), {});
+            corners = drawnCorners(project.root(), before);
+            count(project.root(), shapes, skins);
+            EXPECT_GT(file.report.meshes, 0U);
+            files.file = folder.put("out.glb", file.bytes);
+        }
+        const Project project(files);
+        std::size_t shapesAgain = 0, skinsAgain = 0;
+        count(project.root(), shapesAgain, skinsAgain);
+        EXPECT_EQ(drawnCorners(project.root(), after), corners);
+        EXPECT_NEAR(after, before, 1e-4 * before);
+        EXPECT_EQ(shapesAgain, shapes);
+        EXPECT_EQ(skinsAgain, skins);
+    }
 }

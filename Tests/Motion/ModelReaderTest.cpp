@@ -38,10 +38,21 @@ TEST(ReadModel, ReadsOtherKindsThroughTheThirdPartyLibrary) {
     EXPECT_FALSE(animated.motion.takes.empty());
 }
 
-TEST(ReadModel, ReadsTheFirstGltfToo) {
-    const ReadModel model =
-        readModel(testing::modelPath("glTF/CesiumMilkTruck/CesiumMilkTruck.gltf"), limits);
-    EXPECT_FALSE(model.motion.nodes.empty());
+TEST(ReadModel, RefusesTheFirstGltfByName) {
+    for (const char* file :
+         {"glTF/CesiumMilkTruck/CesiumMilkTruck.gltf", "glTF/BoxTextured-glTF-Binary/BoxTextured.glb"})
+        EXPECT_THAT(testing::failureOf([&] { readModel(testing::modelPath(file), limits); }),
+                    EndsWith("a file of glTF 1.0; only glTF 2.0 is read"))
+            << file;
+}
+
+TEST(ReadModel, KnowsBinaryGltfByWhatIsInside) {
+    const testing::TemporaryFolder folder;
+    const std::string box =
+        testing::contentOf(testing::modelPath("glTF2/BoxTextured-glTF-Binary/BoxTextured.glb"));
+    EXPECT_EQ(readModel(folder.put("figure.vrm", box), limits).motion.meshes.size(), 1U);
+    EXPECT_THAT(testing::failureOf([&] { readModel(folder.put("other.vrm", "no such thing"), limits); }),
+                EndsWith("no reader for '.vrm' files"));
 }
 
 TEST(ReadModel, SaysWhyInOneLine) {

@@ -36,7 +36,9 @@ class MotionImportTest : public ::testing::Test {
     }
 
     ImportReport import(const Motion& motion, double fps = 25.0) {
-        return importMotion(motion, _project->root(), {fps, 0.01, KeyBudget()});
+        ImportOptions options;
+        options.framesPerSecond = fps;
+        return importMotion(motion, _project->root(), options);
     }
 
     static MotionNode node(const std::string& name, std::int32_t parent) {

@@ -87,7 +87,7 @@ class ClipsTest : public ::testing::Test {
         _project = std::make_unique<Project>(files);
         Motion motion = figure.motion();
         motion.takes = takes;
-        importMotion(motion, _project->root(), {25.0, 0.01, KeyBudget()});
+        importMotion(motion, _project->root(), ImportOptions());
     }
 
     std::map<std::string, Vec3> positionsAt(float frame, const std::string& clip = "") const {

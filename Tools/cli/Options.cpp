@@ -11,6 +11,15 @@ void addModelOptions(Command& command, ProjectFiles& files) {
                 "degrees that a converted rotation may be off between keys")
         .aboveZero(360)
         .showsDefault();
+    command.option("--take", files.import.take, "the take of a model to import, by name (default: all)")
+        .takes("NAME");
+    command
+        .option("--units", files.import.unit,
+                "scene units for a unit of the model: 0.01 for centimetres as metres")
+        .aboveZero()
+        .showsDefault();
+    command.choice("--up", files.import.isZUp, {{"y", false}, {"z", true}},
+                   "the axis of the model that points up; the scene's is y");
     command.option("--reader-memory", files.reader.megabytes, "megabytes that reading a model may take")
         .between(16, 1 << 20)
         .showsDefault();

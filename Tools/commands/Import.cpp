@@ -33,6 +33,7 @@ std::string reportAsJson(const ImportReport& report, const std::vector<std::stri
                                     {"worstCurve", report.worstCurve},
                                     {"worstFrame", shortened(report.worstFrame)},
                                     {"worstRotation", shortened(report.worstRotation)},
+                                    {"worstRotationNode", report.worstRotationNode},
                                     {"rotationTolerance", report.rotationTolerance},
                                     {"unreachedSegments", report.unreachedSegments},
                                     {"faults", faults},
@@ -56,7 +57,8 @@ void sayReport(const ImportReport& report) {
                   " of their range: " + report.worstCurve + " at frame " + formatNumber(report.worstFrame));
     if (report.worstRotation > 0.0)
         say("converted rotations differ between keys by at most " + formatNumber(report.worstRotation, 2) +
-            " degrees (asked for: " + formatNumber(report.rotationTolerance, 3) + "), for which " +
+            " degrees (" + report.worstRotationNode +
+            "; asked for: " + formatNumber(report.rotationTolerance, 3) + "), for which " +
             counted(report.addedKeys, "key") + " had to be added");
 }
 

@@ -29,6 +29,7 @@ struct SamplingReport {
 /// What became of the registered animation.
 struct ExportReport {
     std::size_t nodes = 0;          ///< of the scene
+    std::size_t meshes = 0;         ///< of one material each
     std::size_t curves = 0;         ///< that were handed on
     std::size_t keys = 0;           ///< of those curves
     SamplingReport channels;        ///< what became of them

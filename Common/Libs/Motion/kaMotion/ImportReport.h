@@ -27,6 +27,7 @@ struct ImportReport {
     double worstFrame = 0.0; ///< where on that curve
     /// The largest difference, in degrees, between a converted rotation and its source anywhere between keys.
     double worstRotation = 0.0;
+    std::string worstRotationNode;     ///< which node's that is; empty when there is none
     double rotationTolerance = 0.0;    ///< degrees, the difference that was asked for
     std::size_t unreachedSegments = 0; ///< beyond that tolerance, because they cannot be split further
 

@@ -4,6 +4,7 @@
 #include "readers/GltfReader.h"
 
 #include <filesystem>
+#include <fstream>
 #include <kaMotion/Failure.h>
 #include <kaMotion/ModelReader.h>
 #include <kaMotion/Text.h>
@@ -16,6 +17,13 @@ constexpr std::size_t largestBvh = std::size_t{1} << 30;
 
 bool isGltf(const std::string& extension) {
     return extension == "gltf" || extension == "glb";
+}
+
+/// Files of other names that are glTF inside, such as .vrm.
+bool startsAsBinaryGltf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    char start[4]{};
+    return file.read(start, sizeof start) && std::string(start, sizeof start) == "glTF";
 }
 
 /// The project's own reader is held to the same limits, but it may run where the system cannot confine it.
@@ -35,13 +43,17 @@ ReaderResult readByExtension(const std::string& path, const ReaderLimits& limits
     const ConfinedFolder folder(path);
     if (extension == "bvh")
         return {readBvhFile(folder, path, limits), Confinement::Whole};
-    if (!isGltf(extension) && !isKnownToAssimp(extension))
+    const bool isForGltf = isGltf(extension) || startsAsBinaryGltf(path);
+    if (!isForGltf && !isKnownToAssimp(extension))
         throw unreadable(path, extension.empty() ? "no extension tells what kind of model it is"
                                                  : "no reader for '." + oneLine(extension, 20) + "' files");
     const KeyBudget budget(limits.megabytes);
     return readInChild(folder, path, limits, [&] {
-        return isGltf(extension) && !isFirstGltf(folder) ? readGltf(folder, budget)
-                                                         : readWithAssimp(folder, budget);
+        if (!isForGltf)
+            return readWithAssimp(folder, budget);
+        if (isFirstGltf(folder))
+            throw Failure(ExitCode::Unreadable, "a file of glTF 1.0; only glTF 2.0 is read");
+        return readGltf(folder, budget);
     });
 }
 

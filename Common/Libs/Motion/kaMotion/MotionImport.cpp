@@ -1,5 +1,6 @@
 #include "check/Deviation.h"
 #include "project/MeshImport.h"
+#include "readers/NoteGroups.h"
 
 #include <OpenSG/OSGSimpleAttachments.h>
 #include <OpenSG/OSGTransform3D.h>
@@ -64,7 +65,7 @@ class SourceCurve {
 class MotionImporter {
   public:
     MotionImporter(const Motion& motion, const ImportOptions& options) : _motion(motion), _options(options) {
-        _report.notes = motion.notes;
+        _report.notes = groupedNotes(motion.notes);
         _report.rotationTolerance = options.rotationTolerance;
     }
 
@@ -186,7 +187,10 @@ class MotionImporter {
         const RotationFit fit = fitRotation(source, options);
         _report.addedKeys += 3 * fit.addedKeys;
         _report.unreachedSegments += fit.unreached;
-        _report.worstRotation = std::max(_report.worstRotation, fit.worst);
+        if (fit.worst > _report.worstRotation) {
+            _report.worstRotation = fit.worst;
+            _report.worstRotationNode = "'" + oneLine(_motion.nodes[node].name) + "'" + _take;
+        }
         if (fit.unreached > 0)
             _report.faults.push_back(
                 "rotation of '" + oneLine(_motion.nodes[node].name) + "'" + _take + ": up to " +
@@ -238,7 +242,9 @@ class MotionImporter {
             _report.faults.push_back("curve " + name + ": " + judgement.fault->text());
         const double range =
             static_cast<double>(curve.getMaximum()) - static_cast<double>(curve.getMinimum());
-        // Between keys at one value there is no range; the value stands in for it.
+        // A curve that stands has no range to be off by a part of.
+        if (range <= documentStep)
+            return;
         const double part =
             judgement.worst /
             std::max({range, std::abs(static_cast<double>(curve.getMaximum())), documentStep});

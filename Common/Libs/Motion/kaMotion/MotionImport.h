@@ -5,6 +5,7 @@
 #include <kaMotion/ImportReport.h>
 #include <kaMotion/KeyBudget.h>
 #include <kaMotion/Motion.h>
+#include <string>
 
 #pragma GCC visibility push(default)
 namespace ka::motion {
@@ -14,6 +15,9 @@ struct ImportOptions {
     double framesPerSecond = 25.0;   ///< frames of the scene for a second of the source
     double rotationTolerance = 0.01; ///< degrees that a converted rotation may be off between keys
     KeyBudget budget;                ///< keys that may be built, those that rotations need included
+    std::string take;                ///< the one to import by its name; empty for all
+    double unit = 1.0;               ///< scene units for a unit of the model
+    bool isZUp = false;              ///< the model's Z points up, which is turned to the scene's Y
 };
 
 /// Builds a motion, already checked, into the scene and the animation registry.

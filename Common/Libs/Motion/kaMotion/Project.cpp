@@ -1,3 +1,4 @@
+#include "readers/MotionChoice.h"
 #include "readers/MotionStream.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
@@ -144,7 +145,13 @@ void Project::openDocument(const ProjectFiles& files, Listener& listener) {
 }
 
 void Project::readModel(const ProjectFiles& files, Listener& listener) {
-    const ReadModel model = motion::readModel(files.file, files.reader);
+    ReadModel model = motion::readModel(files.file, files.reader);
+    if (!files.import.take.empty())
+        keepTake(model.motion, files.import.take);
+    if (files.import.unit != 1.0)
+        scaleLengths(model.motion, files.import.unit);
+    if (files.import.isZUp)
+        turnZUp(model.motion);
     noteConfinement(model.confinement, listener);
     bool lossy = false;
     seedIds(packMotion(model.motion));

@@ -3,6 +3,7 @@
 #include "kaMotion/Failure.h"
 #include "kaMotion/Text.h"
 #include "writers/GltfBuffer.h"
+#include "writers/GltfMeshWriter.h"
 
 #include <algorithm>
 #include <cmath>
@@ -59,6 +60,7 @@ class GltfDocument {
         addNodes();
         for (const MotionTake& take : _motion.takes)
             addAnimation(take);
+        GltfMeshWriter(_motion, _buffer).write(_shown, _nodes);
         ordered_json document = assembled();
         _written.bytes = isBinary ? binary(document) : text(document);
         return std::move(_written);
@@ -150,6 +152,7 @@ class GltfDocument {
             document["scenes"] = ordered_json::array({{{"nodes", _roots}}});
             document["nodes"] = std::move(_nodes);
         }
+        document.update(_shown);
         if (!_animations.empty())
             document["animations"] = std::move(_animations);
         if (!_buffer.isEmpty()) {
@@ -215,8 +218,9 @@ class GltfDocument {
     GltfBuffer _buffer;
     std::vector<std::size_t> _roots;
     ordered_json _nodes = ordered_json::array(), _animations = ordered_json::array();
-    ordered_json _samplers, _channels; ///< of the animation that is being added
-    double _shift = 0.0;               ///< seconds that this animation is moved
+    ordered_json _shown = ordered_json::object(); ///< meshes and what belongs to them
+    ordered_json _samplers, _channels;            ///< of the animation that is being added
+    double _shift = 0.0;                          ///< seconds that this animation is moved
 };
 
 } // namespace

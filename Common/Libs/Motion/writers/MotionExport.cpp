@@ -1,6 +1,8 @@
 #include "writers/MotionExport.h"
 
 #include "kaMotion/Text.h"
+#include "readers/MeshCheck.h"
+#include "writers/SceneMeshes.h"
 #include "writers/SceneNodes.h"
 
 #include <OpenSG/OSGTransform3D.h>
@@ -73,6 +75,10 @@ class MotionDescriber {
             addTake(loose.size() == 1 ? utf8FromLatin1(loose.front()->getName()) : "animation", loose);
         noteTheRest();
         _motion.nodes = std::move(_scene.nodes);
+        describeMeshes(project.root(), _scene, _motion);
+        checkMeshes(_motion, _motion.notes);
+        _report.notes.insert(_report.notes.end(), _motion.notes.begin(), _motion.notes.end());
+        _report.meshes = _motion.meshes.size();
         _motion.notes = _report.notes;
         return std::move(_motion);
     }
@@ -119,6 +125,8 @@ class MotionDescriber {
         if (!curve.isActive())
             return void(++_inactive);
         const kaAnimationField* field = kaAnimationManager::the()->getField(curve.getField());
+        if (field != nullptr && field->attribute == "weight")
+            return void(++_others[field->attribute]);
         const auto node = field == nullptr ? _scene.places.end()
                                            : _scene.places.find(static_cast<osg::UInt32>(field->nodeID));
         if (node == _scene.places.end())

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <kaMotion/Motion.h>
+
+namespace ka::motion {
+
+/// Keeps the takes of that name alone.
+/// @throws Failure (Usage), which names those that there are, when there is none.
+void keepTake(Motion& motion, const std::string& name);
+
+/// Makes every length `factor` times as long: places of nodes and corners, keys, and what binds skins.
+void scaleLengths(Motion& motion, double factor);
+
+/// Turns a motion whose Z points up so that Y does, by a node "z_up" above everything.
+void turnZUp(Motion& motion);
+
+} // namespace ka::motion
