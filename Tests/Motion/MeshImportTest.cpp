@@ -5,7 +5,9 @@
 #include <OpenSG/OSGPicture.h>
 #include <OpenSG/OSGSimpleMaterial.h>
 #include <OpenSG/OSGSkin.h>
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <kaAnimationManager.h>
 #include <kaMotion/Exporting.h>
@@ -74,6 +76,43 @@ TEST(ImportedMesh, OfABoxHasItsTrianglesNormalsCoordinatesAndPicture) {
         if (one.isInside) {
             EXPECT_EQ((*picture->getMFBytes())[1], 'P') << "a PNG file begins with 0x89 P N G";
         }
+    }
+}
+
+TEST(ImportedMesh, HandsOnPicturesOfItsOwnFolderAlone) {
+    const auto pictureOf = [](const Project& project) {
+        const auto found = geometriesBelow(project.root());
+        const auto material = osg::SimpleMaterialPtr::dcast(geometry(found.at(0))->getMaterial());
+        return osg::PicturePtr::dcast(material->findAttachment(osg::Picture::getClassType()));
+    };
+    const auto exported = [](const Project& project) { return exportAs(ExportKind::Glb, project, {}, {}); };
+    const ka_test::TemporaryFolder folder, elsewhere;
+    const std::string original = std::string(models) + "glTF2/BoxTextured-glTF/CesiumLogoFlat.png";
+    const std::string own = folder.at("own.png"), strange = elsewhere.at("strange.png");
+    ASSERT_TRUE(std::filesystem::copy_file(original, own) && std::filesystem::copy_file(original, strange));
+    std::filesystem::create_symlink(strange, folder.at("link.png"));
+    {
+        const Project project(model("glTF2/BoxTextured-glTF/BoxTextured.gltf"));
+        EXPECT_NE(exported(project).bytes.find("\x89PNG"), std::string::npos);
+        ASSERT_TRUE(save(project.root(), {folder.at("box.osg"), ""}).empty());
+    }
+    struct Case {
+        std::string name;
+        bool isTaken;
+    };
+    for (const Case& one : {Case{own, true}, Case{"own.png", true}, Case{strange, false},
+                            Case{folder.at("link.png"), false}, Case{folder.at("../strange.png"), false},
+                            Case{folder.at("missing.png"), false}, Case{"/dev/zero", false}}) {
+        SCOPED_TRACE(one.name);
+        ProjectFiles files;
+        files.file = folder.at("box.osg");
+        const Project project(files);
+        pictureOf(project)->setFileName(one.name);
+        const ExportedFile file = exported(project);
+        EXPECT_EQ(file.bytes.find("\x89PNG") != std::string::npos, one.isTaken);
+        const auto& notes = file.report.notes;
+        const auto isAboutIt = [](const std::string& note) { return note.find("left out the picture") == 0; };
+        EXPECT_EQ(std::any_of(notes.begin(), notes.end(), isAboutIt), !one.isTaken);
     }
 }
 

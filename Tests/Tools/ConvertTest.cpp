@@ -124,7 +124,9 @@ TEST_F(SavedWalk, EveryCommandTakesASceneADocumentOrBoth) {
     };
     const std::string both5 = sampled({"sample", "one.osg", "--animation", "one.xml"});
     EXPECT_EQ(std::count(both5.begin(), both5.end(), '\n'), 7);
-    EXPECT_EQ(run({"sample", "one.xml", "--curve", "translationX", "--to", "5"}).output, both5);
+    // Without the scene there is no node to name.
+    const std::string alone = run({"sample", "one.xml", "--curve", "translationX", "--to", "5"}).output;
+    EXPECT_EQ(std::regex_replace(both5, std::regex(",Hips,"), ",,"), alone);
     EXPECT_EQ(run({"sample", "one.osg"}).output, "curve,frame,value,clip,node,attribute,unit\n");
     EXPECT_EQ(Json::parse(with({"pose"}, {"--frame", "3"}).output)["nodes"].size(), 38U);
     EXPECT_EQ(Json::parse(run({"pose", "one.osg", "--frame", "3"}).output)["nodes"].size(), 38U);

@@ -117,6 +117,7 @@ void Project::exchangeScene(const ProjectFiles& files, Listener& listener) {
 }
 
 void Project::open(const ProjectFiles& files, Listener& listener) {
+    _file = files.file;
     if (isScene(files.file))
         openScene(files, listener);
     else if (!files.animation.empty())

@@ -39,6 +39,8 @@ class Project {
     /// @throws Failure as the constructor does.
     void exchangeScene(const ProjectFiles& files, Listener& listener = Listener::none());
 
+    /// The file that is open, as it was named: the model, scene or document.
+    const std::string& file() const { return _file; }
     /// The node above everything that was read.
     const osg::NodePtr& root() const { return _root; }
     /// What was lost and found on the way; its counts are of the model only where a model was read.
@@ -61,6 +63,7 @@ class Project {
     void leaveScene();
     void readModel(const ProjectFiles& files, Listener& listener);
 
+    std::string _file;
     osg::NodePtr _root;
     ImportReport _report;
 };

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <map>
 
 namespace ka::motion {
@@ -32,13 +30,9 @@ std::vector<float> clamped(std::vector<float> numbers) {
     return numbers;
 }
 
-/// The bytes of a PNG or JPEG file; empty for anything else, which glTF does not know.
+/// The bytes of a PNG or JPEG picture; empty for anything else, which glTF does not know.
 std::string pictureOf(const MotionMaterial& material) {
-    std::string bytes = material.picture;
-    if (bytes.empty() && !material.pictureFile.empty()) {
-        std::ifstream file(material.pictureFile, std::ios::binary);
-        bytes.assign(std::istreambuf_iterator<char>(file), {});
-    }
+    const std::string& bytes = material.picture;
     const bool isKnown = bytes.compare(0, 4, "\x89PNG") == 0 || bytes.compare(0, 2, "\xFF\xD8") == 0;
     return isKnown ? bytes : std::string();
 }
@@ -56,9 +50,9 @@ void GltfMeshWriter::write(ordered_json& document, ordered_json& nodes) {
         if (mesh.material == MotionMesh::none || !mesh.texCoords.empty() || _plain.count(mesh.material) > 0)
             continue;
         MotionMaterial plain = _motion.materials[static_cast<std::size_t>(mesh.material)];
-        if (plain.picture.empty() && plain.pictureFile.empty())
+        if (plain.picture.empty())
             continue;
-        plain.picture = plain.pictureFile = std::string();
+        plain.picture.clear();
         _plain[mesh.material] = materials.size();
         materials.push_back(materialOf(plain, document));
     }

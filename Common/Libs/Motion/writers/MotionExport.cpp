@@ -76,6 +76,7 @@ class MotionDescriber {
         noteTheRest();
         _motion.nodes = std::move(_scene.nodes);
         describeMeshes(project.root(), _scene, _motion);
+        readPictures(_motion, project.file());
         checkMeshes(_motion, _motion.notes);
         _report.notes.insert(_report.notes.end(), _motion.notes.begin(), _motion.notes.end());
         _report.meshes = _motion.meshes.size();

@@ -1,5 +1,7 @@
 #include "writers/SceneMeshes.h"
 
+#include "readers/ConfinedFolder.h"
+
 #include <OpenSG/OSGGeometry.h>
 #include <OpenSG/OSGMorphTarget.h>
 #include <OpenSG/OSGPicture.h>
@@ -7,9 +9,11 @@
 #include <OpenSG/OSGSimpleMaterial.h>
 #include <OpenSG/OSGSkin.h>
 #include <algorithm>
+#include <kaMotion/Failure.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/Text.h>
 #include <map>
+#include <optional>
 
 namespace ka::motion {
 
@@ -178,6 +182,27 @@ class MeshDescriber {
 
 void describeMeshes(const osg::NodePtr& root, const SceneNodes& scene, Motion& motion) {
     MeshDescriber(scene, motion).run(root);
+}
+
+void readPictures(Motion& motion, const std::string& file) {
+    constexpr std::size_t largest = std::size_t{64} << 20;
+    for (MotionMaterial& material : motion.materials) {
+        if (material.pictureFile.empty() || !material.picture.empty())
+            continue;
+        std::optional<std::string> bytes;
+        try {
+            bytes = ConfinedFolder(file).read(material.pictureFile, largest);
+        } catch (const Failure&) { // the file has gone, and nobody knows where pictures may be looked for
+            bytes = std::nullopt;
+        }
+        if (bytes)
+            material.picture = std::move(*bytes);
+        else
+            motion.notes.push_back("left out the picture " + printedPath(material.pictureFile) +
+                                   ", which is no file of at most 64 MiB in the folder of " +
+                                   printedPath(file));
+        material.pictureFile.clear();
+    }
 }
 
 } // namespace ka::motion

@@ -12,4 +12,9 @@ namespace ka::motion {
 /// @param motion  gets meshes, materials and skins; what is of another kind is counted in its notes.
 void describeMeshes(const osg::NodePtr& root, const SceneNodes& scene, Motion& motion);
 
+/// Takes the pictures that materials name as files into them. Only plain files of at most 64 MiB below the folder of
+/// `file` are read: a scene may come from anybody, and what it names must not leave this machine inside an export.
+/// What is left out is told in the notes.
+void readPictures(Motion& motion, const std::string& file);
+
 } // namespace ka::motion
