@@ -52,8 +52,8 @@ TEST(GltfFile, HoldsNodesChannelsAndBoundsInOneBinaryChunk) {
     EXPECT_EQ(glb.size() % 4, 0U);
     const auto document = jsonOfGlb(glb);
     EXPECT_EQ(document["asset"]["version"], "2.0");
-    EXPECT_EQ(document["scenes"][0]["nodes"], nlohmann::json({0}));
-    EXPECT_EQ(document["nodes"][0]["children"], nlohmann::json({1}));
+    EXPECT_EQ(document["scenes"][0]["nodes"], nlohmann::json::array({0}));
+    EXPECT_EQ(document["nodes"][0]["children"], nlohmann::json::array({1}));
     EXPECT_EQ(document["nodes"][0]["translation"], nlohmann::json({1.0, 2.0, 3.0}));
     EXPECT_NEAR(document["nodes"][1]["rotation"][2].get<double>(), 0.70710678, 1e-7);
     const auto& animation = document["animations"][0];
