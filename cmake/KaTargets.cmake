@@ -136,6 +136,10 @@ function(ka_add_test target)
     set_property(GLOBAL PROPERTY ${kind} ${target})
   endif()
   add_test(NAME ${name} COMMAND ${target})
+  if(KA_SANITIZE) # programs that a test starts say nothing of what was passed over
+    set_tests_properties(${name} PROPERTIES
+      ENVIRONMENT "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/Tests/leaks.supp:print_suppressions=0")
+  endif()
   if(arg_FIRST)
     set_tests_properties(${name} PROPERTIES COST 1000)
   endif()

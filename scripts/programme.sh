@@ -13,6 +13,7 @@ seconds=${3:-60}
 logs=$build/programme
 rm -rf "$logs"
 mkdir -p "$logs"
+export LSAN_OPTIONS=suppressions=$here/Tests/leaks.supp:print_suppressions=0
 trap 'kill $(jobs -rp) 2>/dev/null || true' EXIT
 
 # run NAME COMMAND...: runs the command and tells how it went; what it printed, when it failed.

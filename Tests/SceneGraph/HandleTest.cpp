@@ -78,7 +78,7 @@ TEST(StrictHandleDeathTest, EndsTheProgramWhenReadAfterItsContainerOrNull) {
     osg::NodePtr node = osg::Node::create();
     const osg::NodePtr copy = node;
     osg::subRefCP(node);
-    const char* const gone = "is read whose container is gone|use-after-free";
+    const char* const gone = "is read whose container is gone|use-after-free|does not point to an object";
     EXPECT_DEATH(copy.getFieldContainerId(), gone);
     EXPECT_DEATH(copy.getRefCount(), gone);
     EXPECT_DEATH(copy->getTravMask(), gone);

@@ -73,15 +73,3 @@ std::vector<double> niceTicks(double low, double high, int count) {
 }
 
 } // namespace ka::motion
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-/// Fontconfig keeps its configuration for good; in a checked build that is not ours to be told of.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
-    return "leak:libfontconfig\n";
-}
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options() {
-    return "print_suppressions=0";
-}
-#endif
-#endif
