@@ -99,11 +99,12 @@ def main() -> int:
                                      pure=False): capture for capture in wanted}
             for future in as_completed(list(futures)):
                 capture = futures[future]
-                if future.status == "finished":
+                try:
+                    # Waits anew where a worker that died took a finished result with it.
                     row = future.result()
-                else:
+                except Exception as error:
                     row = dict.fromkeys(COLUMNS, "") | {"capture": capture.name, "state": "failed",
-                                                        "findings": repr(future.exception())}
+                                                        "findings": repr(error)}
                 # What failed is tried again by the next run; what is unreadable only once its bytes change.
                 mark = wanted[capture] if row["state"] != "failed" else ""
                 state[capture.name] = {"fingerprint": mark, "row": row}
