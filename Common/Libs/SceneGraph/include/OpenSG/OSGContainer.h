@@ -39,8 +39,8 @@ class KA_SCENEGRAPH_API Container : public ParentT {
     FieldContainerType& getType() override { return Self::getClassType(); }
     const FieldContainerType& getType() const override { return Self::getClassType(); }
     static UInt32 getClassTypeId() { return Self::getClassType().getId(); }
-#ifndef KA_STRICT_HANDLES // then only FieldContainer has it, and answers with its own group whatever the
-                          // class
+    // With strict handles only FieldContainer has it, and answers with its own group whatever the class.
+#ifndef KA_STRICT_HANDLES
     static UInt16 getClassGroupId() {
         return Self::getClassType().getGroupId();
     }
