@@ -1,6 +1,5 @@
 #include "kaAnimationXmlBuilder.h"
 
-#include "kaAncestors.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -12,6 +11,7 @@
 #include "kaAnimationXmlRecord.h"
 #include "kaControlPoint2D.h"
 #include "kaFieldStore.h"
+#include "kaHierarchy.h"
 #include "kaLoadReport.h"
 #include "kaObjectStore.h"
 
@@ -77,12 +77,8 @@ bool hasRoom(const kaAnimationObject& container, const kaAnimationObject& child)
 }
 
 kaLoadReport::Reason whyNot(const kaAnimationObject& container, const kaAnimationObject& child) {
-    bool isAbove = false;
-    kaForEachUpwards(&container, [&child, &isAbove](const kaAnimationObject& level) {
-        isAbove = isAbove || &level == &child;
-        return !isAbove;
-    });
-    return isAbove ? kaLoadReport::Reason::WithinItself : kaLoadReport::Reason::TooDeep;
+    return kaHierarchy::isAtOrAbove(child, container) ? kaLoadReport::Reason::WithinItself
+                                                      : kaLoadReport::Reason::TooDeep;
 }
 
 } // namespace

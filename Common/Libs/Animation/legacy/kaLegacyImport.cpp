@@ -1,6 +1,5 @@
 #include "kaLegacyImport.h"
 
-#include "kaAncestors.h"
 #include "kaAnimationCurve2D.h"
 #include "kaAnimationField.h"
 #include "kaAnimationSequence.h"
@@ -9,6 +8,7 @@
 #include "kaAnimationUnit.h"
 #include "kaAnimationUtils.h"
 #include "kaControlPoint2D.h"
+#include "kaHierarchy.h"
 #include "kaNodeFields.h"
 #include "kaObjectStore.h"
 #include "kaOpenSGUtils.h"
@@ -30,7 +30,7 @@ constexpr unsigned int BELOW_A_CLIP = 2;
 /// The level at which a child of `parent` stands. Parent ids that a host has bent into a ring count as too
 /// deep.
 unsigned int levelBelow(const kaAnimationObject* parent) {
-    return 1 + kaForEachUpwards(parent, [](const kaAnimationObject&) { return true; });
+    return 1 + kaHierarchy::depthOf(parent);
 }
 
 /// The parent that is to take in what a conversion makes, unless the host destroys it meanwhile.

@@ -1,7 +1,7 @@
-#include "kaAncestors.h"
 #include "kaAnimationObject.h"
 #include "kaDependents.h"
 #include "kaEdits.h"
+#include "kaHierarchy.h"
 #include "kaObjectClass.h"
 #include "kaObjectGroup.h"
 #include "kaObjectStore.h"
@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <new>
-#include <unordered_set>
 
 // What an object has below it, its beginning and its end with all of that, and whom it tells of changes.
 
@@ -35,30 +34,6 @@ void removeShared(std::set<kaUID>& ids, const std::set<kaUID>& gone) {
 const std::set<kaUID>& noIDs() {
     static const std::set<kaUID> none;
     return none;
-}
-
-/// Levels below `object` down to a leaf, itself included; counted no further than one too many. Goes down one
-/// level at a time, through tracks and clips, each of which is met once and stands in `seen` then.
-unsigned int heightOf(const kaAnimationObject& object, std::unordered_set<const kaAnimationObject*>& seen) {
-    if (const unsigned int known = kaObjectClass::of(object).height())
-        return known;
-    unsigned int height = 1;
-    std::vector<const kaAnimationObject*> level{&object};
-    std::vector<const kaAnimationObject*> below;
-    seen.insert(&object);
-    for (unsigned int above = 1; !level.empty() && above <= KA_MAX_DEPTH; ++above) {
-        height = std::max(height, above);
-        for (const kaAnimationObject* container : level)
-            for (const kaAnimationObject* child : container->getObjects()) {
-                if (const unsigned int known = kaObjectClass::of(*child).height())
-                    height = std::max(height, above + known);
-                else if (seen.insert(child).second)
-                    below.push_back(child);
-            }
-        level.swap(below);
-        below.clear();
-    }
-    return level.empty() ? height : KA_MAX_DEPTH + 1;
 }
 
 } // namespace
@@ -290,19 +265,7 @@ bool kaAnimationObject::compareObjectsByBegin(kaUID a, kaUID b) {
 }
 
 bool kaAnimationObject::mayAdopt(const kaAnimationObject& object, unsigned int levelsBetween) const {
-    if (&object == this)
-        return false;
-    bool isAbove = false;
-    const unsigned int depth = kaForEachUpwards(this, [&object, &isAbove](const kaAnimationObject& level) {
-        isAbove = isAbove || &level == &object;
-        return !isAbove;
-    });
-    if (isAbove || depth >= KA_MAX_DEPTH)
-        return false;
-    // A track that stands in two lists has one parent only, so the other lies below it without being above.
-    std::unordered_set<const kaAnimationObject*> below;
-    const unsigned int height = heightOf(object, below);
-    return below.count(this) == 0 && depth + levelsBetween + height <= KA_MAX_DEPTH;
+    return kaHierarchy::mayAdopt(*this, object, levelsBetween);
 }
 
 // Ids below.
@@ -389,7 +352,7 @@ void kaAnimationObject::sortChildren(kaChildList& children, Operation operation)
 void kaAnimationObject::takeInUpwards(const std::set<kaUID>& curves, const std::set<kaUID>& sequences,
                                       Operation operation, bool recursive) {
     kaAnimationObject* source = nullptr;
-    kaForEachUpwards(this, [&](kaAnimationObject& level) {
+    kaHierarchy::forEachUpwards(this, [&](kaAnimationObject& level) {
         if (operation == SUB_OBJECT && level._group && &level._group->curves == &curves)
             source = &level;
         else
