@@ -44,6 +44,9 @@ from ._core import (
     Difference,
     Field,
     Finding,
+    Host,
+    ImportReport,
+    Joint,
     Key,
     Listener,
     Measure,
@@ -58,8 +61,12 @@ from ._core import (
     Summary,
     Track,
     compare,
+    current,
     listen,
+    mirrored_name,
+    name_table,
     open,
+    renamed,
     send,
     validate,
 )
@@ -82,8 +89,9 @@ from ._samples import Samples
 
 for _class in (
     Action, Block, Clip, ClosedError, Comparison, Curve, CurveError, Difference, Error, FaultWarning, Field, FileError,
-    Finding, GoneError, Key, Length, Listener, Measure, Node, NoteWarning, Object, OpenError, OutputError, Player,
-    Project, RefusedError, Report, Samples, Scene, Sequence, Skeleton, Summary, Tangent, ThreadError, Track, Trigger, UsageError,
+    Finding, GoneError, Host, ImportReport, Joint, Key, Length, Listener, Measure, Node, NoteWarning, Object, OpenError,
+    OutputError, Player, Project, RefusedError, Report, Samples, Scene, Sequence, Skeleton, Summary, Tangent, ThreadError,
+    Track, Trigger, UsageError,
 ):
     _class.__module__ = __name__  # what users see in tracebacks and help()
 
@@ -97,8 +105,9 @@ _atexit.register(_close_at_exit)
 
 __all__ = [
     "Action", "Block", "Clip", "ClosedError", "Comparison", "Curve", "CurveError", "Difference", "Error",
-    "FaultWarning", "Field", "FileError", "Finding", "GoneError", "KEY_DTYPE", "Key", "Length", "Listener", "Measure", "Node",
-    "NoteWarning", "Object", "OpenError", "OutputError", "Player", "Project", "RefusedError", "Report", "Samples", "Scene",
-    "Sequence", "Skeleton", "Summary", "Tangent", "ThreadError", "Track", "Trigger", "UsageError", "compare", "example", "listen",
-    "open", "send", "validate",
+    "FaultWarning", "Field", "FileError", "Finding", "GoneError", "Host", "ImportReport", "Joint", "KEY_DTYPE", "Key",
+    "Length", "Listener", "Measure", "Node", "NoteWarning", "Object", "OpenError", "OutputError", "Player", "Project",
+    "RefusedError", "Report", "Samples", "Scene", "Sequence", "Skeleton", "Summary", "Tangent", "ThreadError", "Track",
+    "Trigger", "UsageError", "compare", "current", "example", "listen", "mirrored_name", "name_table", "open", "renamed",
+    "send", "validate",
 ]

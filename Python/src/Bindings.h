@@ -18,7 +18,11 @@ void bindMessages(pybind11::module_& module);
 void bindEditing(pybind11::module_& module);
 void bindOperations(pybind11::module_& module);
 void bindExport(pybind11::module_& module);
+void bindReports(pybind11::module_& module);
 void bindMotionOperations(pybind11::module_& module);
+void bindClipOperations(pybind11::module_& module);
+void bindHost(pybind11::module_& module);
+void bindRegistry(pybind11::module_& module);
 /// @}
 
 } // namespace ka::python

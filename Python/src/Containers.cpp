@@ -70,6 +70,9 @@ void bindTrack(py::module_& module) {
     tracks.def_property_readonly(
         "clips", checked([](const Track& self) { return wrapAll(self.session, self.get().getStrips()); }),
         "The children that are clips, by begin.");
+    tracks.def_property_readonly(
+        "events", checked([](const Track& self) { return wrapAll(self.session, self.get().getSequences()); }),
+        "The children that are sequences, by begin.");
     tracks.def_property("index", checked([](const Track& self) { return self.get().getIndex(); }),
                         checked([](const Track& self, unsigned int index) { self.get().setIndex(index); }),
                         "The track's number in its clip, from 0. After a removal numbers can repeat.");

@@ -171,6 +171,44 @@ void addEditing(py::class_<Curve, ObjectReference>& curves) {
                "Destroys the keys from begin to end, both included; returns how many.");
 }
 
+void addConstraints(py::class_<Curve, ObjectReference>& curves) {
+    curves.def("neighbours", checked([](const Curve& self, double frame) {
+                   const auto found = self.get().neighboursByX(frameOf(frame, "frame"));
+                   return py::make_tuple(wrap(self.session, found.previous), wrap(self.session, found.next));
+               }),
+               py::arg("frame"),
+               "The keys before and after a frame, a key at that frame left out; None for none.");
+    curves.def("may_insert", checked([](const Curve& self, double frame) {
+                   return self.get().checkInsertConstraints(frameOf(frame, "frame"));
+               }),
+               py::arg("frame"),
+               "Whether a key may stand there: between the facing handles of the keys around it.");
+    curves.def("may_move", checked([](const Curve& self, const Key& key, double frames) {
+                   return self.get().checkMoveConstraints2(&key.get(), frameOf(frames, "frames"), false);
+               }),
+               py::arg("key"), py::arg("frames"),
+               "Whether a key with its handles may move by so many frames, between its neighbours.");
+}
+
+void addSelected(py::class_<Curve, ObjectReference>& curves) {
+    curves.def("move_selected", checked([](const Curve& self, double frames, double value) {
+                   const osg::Vec2f delta(frameOf(frames, "frames"), frameOf(value, "value"));
+                   self.get().moveSelectedPoints(delta, false, false, true, false);
+               }),
+               py::arg("frames"), py::arg("value") = 0.0, "Moves the selected keys, each only where it may.");
+    curves.def("set_selected_tangents", checked([](const Curve& self, unsigned int type) {
+                   self.get().changeTangentsOfSelectedPoints(
+                       static_cast<kaControlPoint2D::TangentMode>(type));
+               }),
+               py::arg("type"), "Gives the selected keys a Tangent and places their handles.");
+    curves.def("remove_selected", checked([](const Curve& self) {
+                   const std::size_t before = self.get().getChildCount();
+                   self.get().deleteSelectedPoints(true, false);
+                   return before - self.get().getChildCount();
+               }),
+               "Destroys the selected keys; returns how many.");
+}
+
 } // namespace
 
 void bindCurve(py::module_& module) {
@@ -227,6 +265,8 @@ void bindCurve(py::module_& module) {
                         }),
                         "(red, green, blue) from 0 to 1, in which editors draw it.");
     addEditing(curves);
+    addConstraints(curves);
+    addSelected(curves);
 }
 
 } // namespace ka::python

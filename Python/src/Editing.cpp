@@ -1,3 +1,4 @@
+#include "Arguments.h"
 #include "Bindings.h"
 #include "Call.h"
 #include "References.h"
@@ -84,10 +85,7 @@ void addConnections(Projects& projects) {
 
 void addCopying(Projects& projects) {
     projects.def("copy", checked([](Self self, const std::vector<ObjectReference>& objects) {
-                     std::vector<kaAnimationObject*> sources;
-                     for (const ObjectReference& object : objects)
-                         sources.push_back(&object.object());
-                     if (!self->manager().copy(sources))
+                     if (!self->manager().copy(objectsOf(objects)))
                          raise(ErrorKind::Refused, "there is nothing in it that can be copied");
                  }),
                  py::arg("objects"),

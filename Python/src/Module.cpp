@@ -10,6 +10,7 @@ PYBIND11_MODULE(_core, module) {
     ka::python::bindContainers(module);
     ka::python::bindCurve(module);
     ka::python::bindScene(module);
+    ka::python::bindReports(module);
     ka::python::bindProject(module);
     ka::python::bindArrays(module);
     ka::python::bindPlayer(module);
@@ -18,4 +19,7 @@ PYBIND11_MODULE(_core, module) {
     ka::python::bindOperations(module);
     ka::python::bindExport(module);
     ka::python::bindMotionOperations(module);
+    ka::python::bindClipOperations(module);
+    ka::python::bindHost(module);
+    ka::python::bindRegistry(module);
 }

@@ -102,6 +102,15 @@ void addExtent(Objects& objects) {
             object.setUseCustomRange(range.has_value());
         }),
         "The frames (begin, end) that playing goes by in place of the extent; None for the extent.");
+    objects.def_property_readonly(
+        "play_range", checked([](Self self) {
+            const kaAnimationObject& object = self.object();
+            return std::pair(object.getPlayBegin(), object.getPlayEnd());
+        }),
+        "The frames (begin, end) that playing goes by: the custom range or the extent.");
+    objects.def_property_readonly("last_frame",
+                                  checked([](Self self) { return self.object().getLastFrame(); }),
+                                  "The frame that it was evaluated at last.");
 }
 
 void addTree(Objects& objects) {

@@ -1,11 +1,10 @@
+#include "Arguments.h"
 #include "Bindings.h"
 #include "Call.h"
 #include "References.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <kaAnimationCurve2D.h>
-#include <kaFile.h>
 #include <kaMotion/Canvas.h>
 #include <kaMotion/Comparison.h>
 #include <kaMotion/CurveCheck.h>
@@ -30,7 +29,6 @@ namespace ka::python {
 namespace {
 
 using Self = const SessionPtr&;
-using Path = std::filesystem::path;
 using Projects = py::class_<Session, SessionPtr>;
 
 motion::FindingList validate(const Path& document, const std::optional<Path>& scene) {
@@ -131,19 +129,13 @@ py::dict upgrade(Self self, const std::optional<NodeReference>& camera, const py
 void writePicture(const QImage& image, const Path& path) {
     if (motion::extensionOf(path.string()) != "png")
         raise(ErrorKind::Usage, "pictures are written to .png files");
-    std::string error, warning;
-    if (!kaFile::writeSafely(path.string(), motion::pngBytes(image), error, warning))
-        raise(ErrorKind::Output, error);
+    writeFile(path, motion::pngBytes(image));
 }
 
-motion::PictureRange rangeOf(const std::vector<kaAnimationObject*>& objects, std::optional<double> begin,
-                             std::optional<double> end) {
-    const auto [first, last] = motion::frameRange(objects);
-    const motion::PictureRange range{begin ? frameOf(*begin, "begin") : first,
-                                     end ? frameOf(*end, "end") : last, 25.0};
-    if (range.from > range.to)
-        raise(ErrorKind::Usage, "the begin must not lie behind the end");
-    return range;
+motion::PictureRange pictureRange(const std::vector<kaAnimationObject*>& objects, OptionalFrame begin,
+                                  OptionalFrame end) {
+    const auto [from, to] = rangeOf(objects, begin, end);
+    return {from, to, 25.0};
 }
 
 QSize sizeOf(int width, int height) {
@@ -155,15 +147,14 @@ QSize sizeOf(int width, int height) {
 void addPictures(Projects& projects) {
     projects.def(
         "draw_curves",
-        checked([](Self self, const Path& path, const std::vector<std::string>& names,
-                   std::optional<double> begin, std::optional<double> end, int width, int height,
-                   const std::string& title) {
+        checked([](Self self, const Path& path, const std::vector<std::string>& names, OptionalFrame begin,
+                   OptionalFrame end, int width, int height, const std::string& title) {
             const auto objects = self->project().playable("");
             const motion::CurveList curves = motion::curvesBelow(objects);
             const auto chosen =
                 names.empty() ? motion::tellingCurves(curves) : motion::chooseCurves(curves, names);
             writePicture(motion::plotCurves(QString::fromStdString(title), chosen,
-                                            rangeOf(objects, begin, end), sizeOf(width, height), false),
+                                            pictureRange(objects, begin, end), sizeOf(width, height), false),
                          path);
         }),
         py::arg("path"), py::arg("names") = py::tuple(), py::kw_only(), py::arg("begin") = py::none(),
@@ -178,7 +169,7 @@ void addPictures(Projects& projects) {
                 throw py::value_error("count must be 1 to 1000");
             const auto objects = self->project().playable("");
             writePicture(motion::renderFigure(QString::fromStdString(title), self->project(), objects,
-                                              rangeOf(objects, begin, end), count,
+                                              pictureRange(objects, begin, end), count,
                                               sizeOf(width, motion::sheetHeight(width, count))),
                          path);
         }),

@@ -1,9 +1,11 @@
+#include "Arguments.h"
 #include "Bindings.h"
 #include "Call.h"
 #include "References.h"
 
 #include <cmath>
 #include <kaAnimationController.h>
+#include <kaAnimationCurve2D.h>
 #include <optional>
 #include <pybind11/stl.h>
 
@@ -46,6 +48,7 @@ struct Player {
 
     kaAnimationController& controller() const {
         session->project();
+        session->requireOwn("plays it");
         if (wiring == nullptr)
             connect();
         return *kaAnimationController::the();
@@ -71,27 +74,14 @@ struct Player {
 
 using Self = const Player&;
 
-std::vector<kaAnimationObject*> chosen(Self self,
-                                       const std::optional<std::vector<ObjectReference>>& objects) {
-    if (!objects)
-        return self.session->project().playable("");
-    std::vector<kaAnimationObject*> found;
-    for (const ObjectReference& object : *objects)
-        found.push_back(&object.object());
-    return found;
-}
-
-void play(Self self, const std::optional<std::vector<ObjectReference>>& objects, std::optional<double> begin,
-          std::optional<double> end, std::optional<double> start, bool repeat, bool reverse) {
+void play(Self self, const OptionalObjects& objects, std::optional<double> begin, std::optional<double> end,
+          std::optional<double> start, bool repeat, bool reverse) {
     kaAnimationController& controller = self.controller();
-    const std::vector<kaAnimationObject*> played = chosen(self, objects);
+    const std::vector<kaAnimationObject*> played = objectsOrPlayable(self.session, objects);
     std::vector<unsigned long long> ids;
     for (const kaAnimationObject* object : played)
         ids.push_back(object->getId());
-    const auto [first, last] = motion::frameRange(played);
-    const float from = begin ? frameOf(*begin, "begin") : first, to = end ? frameOf(*end, "end") : last;
-    if (from > to)
-        raise(ErrorKind::Refused, "the begin must not lie behind the end");
+    const auto [from, to] = rangeOf(played, begin, end);
     const float at = start ? frameOf(*start, "start") : reverse ? to : from;
     controller.playGlobal(ids, reverse, repeat, from, to, at);
 }
@@ -147,9 +137,9 @@ void addClock(py::class_<Player>& players) {
 void addTransport(py::class_<Player>& players) {
     players.def(
         "play",
-        checked([](Self self, const std::optional<std::vector<ObjectReference>>& objects,
-                   std::optional<double> begin, std::optional<double> end, std::optional<double> start,
-                   bool repeat, bool reverse) { play(self, objects, begin, end, start, repeat, reverse); }),
+        checked([](Self self, const OptionalObjects& objects, std::optional<double> begin,
+                   std::optional<double> end, std::optional<double> start, bool repeat,
+                   bool reverse) { play(self, objects, begin, end, start, repeat, reverse); }),
         py::arg("objects") = py::none(), py::kw_only(), py::arg("begin") = py::none(),
         py::arg("end") = py::none(), py::arg("start") = py::none(), py::arg("repeat") = false,
         py::arg("reverse") = false,
@@ -184,13 +174,114 @@ void addTransport(py::class_<Player>& players) {
                              return kaAnimationController::getFps();
                          }),
                          checked([](Self self, double fps) {
-                             if (!(fps > 0.0) || !(fps < 1e6))
-                                 throw py::value_error(
-                                     "frames per second must be above 0 and below a million");
                              self.controller();
-                             kaAnimationController::setFps(static_cast<float>(fps));
+                             kaAnimationController::setFps(
+                                 static_cast<float>(positive(fps, "frames per second")));
                          }),
                          "Frames of a second, 25 unless set.");
+}
+
+void addSingleObjects(py::class_<Player>& players) {
+    players.def("pause_object", checked([](Self self, const ObjectReference& object, bool paused) {
+                    self.controller().pause(&object.object(), paused);
+                }),
+                py::arg("object"), py::arg("paused") = true,
+                "Freezes one object that plays by itself, or lets it go on where it was.");
+    players.def(
+        "reset", checked([](Self self, const std::optional<ObjectReference>& object) {
+            if (object)
+                self.controller().reset(&object->object());
+            else
+                self.controller().reset();
+        }),
+        py::arg("object") = py::none(),
+        "Takes an object out of playing by itself and puts it at its begin; all of them unless told.");
+    players.def("go_to_end", checked([](Self self, const ObjectReference& object) {
+                    self.controller().gotoEnd(&object.object());
+                }),
+                py::arg("object"), "As `reset`, but to the end.");
+    players.def("jump_to_begin", checked([](Self self, const ObjectReference& object) {
+                    self.controller().gotoGlobalBegin(&object.object());
+                }),
+                py::arg("object"),
+                "Stops the timeline, evaluates the object at its begin and tells listeners.");
+    players.def("jump_to_end", checked([](Self self, const ObjectReference& object) {
+                    self.controller().gotoGlobalEnd(&object.object());
+                }),
+                py::arg("object"), "The same at its end.");
+    players.def("blur", checked([](Self self, double sample, const std::optional<ObjectReference>& object) {
+                    kaAnimationController& controller = self.controller();
+                    if (object)
+                        controller.executeMotionBlur(frameOf(sample, "sample"), &object->object());
+                    else
+                        controller.executeMotionBlur(frameOf(sample, "sample"));
+                }),
+                py::arg("sample"), py::arg("object") = py::none(),
+                "Moves what is flagged `motion_blur` to the time of a sub-frame sample: the current frame + "
+                "fps * sample /\n`Host.shutter_speed`. Of one object, else of what `edit` named.");
+    players.def("end_blur", checked([](Self self) { self.controller().resetMotionBlur(); }),
+                "Puts what `edit` named back to the current frame.");
+    players.def("edit",
+                checked([](Self self, const std::optional<ObjectReference>& object,
+                           const std::vector<ReferenceTo<kaAnimationCurve2D>>& curves, bool activeBlocks) {
+                    kaAnimationController& controller = self.controller();
+                    std::vector<kaUID> ids;
+                    for (const kaAnimationCurve2D* curve : objectsOf(curves))
+                        ids.push_back(curve->getId());
+                    controller.setObjectID(object ? object->object().getId() : 0);
+                    controller.setCurveIDs(ids);
+                    controller.setEvalActiveUnits(activeBlocks);
+                }),
+                py::arg("object") = py::none(), py::arg("curves") = py::tuple(), py::kw_only(),
+                py::arg("active_blocks") = false,
+                "Names what `evaluate`, `blur` and `end_blur` work on, as a host does of what it edits.");
+    players.def("evaluate", checked([](Self self, double frame, bool motionBlurOnly) {
+                    self.controller().evaluate(frameOf(frame, "frame"), motionBlurOnly);
+                }),
+                py::arg("frame"), py::kw_only(), py::arg("motion_blur_only") = false,
+                "Evaluates what `edit` named.");
+}
+
+/// A value of the timeline that can only be read.
+template <class Value>
+void addState(py::class_<Player>& players, const char* name, Value (*get)(), const char* doc) {
+    players.def_property_readonly(name, checked([get](Self self) {
+                                      self.controller();
+                                      return get();
+                                  }),
+                                  doc);
+}
+
+void addStates(py::class_<Player>& players) {
+    using Controller = kaAnimationController;
+    addState(players, "frame", &Controller::getCurrentFrame, "The current frame of the timeline.");
+    addState(players, "full_frame", &Controller::getFullFrame, "The last whole frame that was told.");
+    addState(players, "playing", &Controller::isPlaying, "Whether the timeline runs.");
+    addState(players, "repeat", &Controller::isRepeat, "Whether it starts over at its end.");
+    addState(players, "reverse", &Controller::isReverse, "Whether it runs backwards.");
+    addState(players, "begin", &Controller::getBegin, "The first frame of its range.");
+    addState(players, "end", &Controller::getEnd, "The last frame of its range.");
+    addState(players, "start_frame", &Controller::getStart, "Where it was started.");
+    players.def_property("every_frame", checked([](Self self) {
+                             self.controller();
+                             return Controller::isForcePlayLoopFullFrame();
+                         }),
+                         checked([](Self self, bool every) {
+                             self.controller();
+                             Controller::setForcePlayLoopFullFrame(every);
+                         }),
+                         "Whether each tick goes to the next whole frame, however long it takes.");
+    players.def_property_readonly("running", checked([](Self self) {
+                                      py::list running;
+                                      for (const auto& [id, object] : self.controller().getRunningObjects())
+                                          running.append(wrap(self.session, object));
+                                      return running;
+                                  }),
+                                  "The objects that play by themselves, by id.");
+    players.def_property_readonly("waiting", checked([](Self self) {
+                                      return wrapAll(self.session, self.controller().getWaitingObjects());
+                                  }),
+                                  "The objects that start at the end of the next tick.");
 }
 
 } // namespace
@@ -200,23 +291,8 @@ void bindPlayer(py::module_& module) {
         module, "Player", "Plays the project by a clock of its own, which stands still until it is moved.");
     addClock(players);
     addTransport(players);
-    players.def_property_readonly("frame", checked([](Self self) {
-                                      self.controller();
-                                      return kaAnimationController::getCurrentFrame();
-                                  }),
-                                  "The current frame of the timeline.");
-    players.def_property_readonly("playing", checked([](Self self) {
-                                      self.controller();
-                                      return kaAnimationController::isPlaying();
-                                  }),
-                                  "Whether the timeline runs.");
-    players.def_property_readonly("running", checked([](Self self) {
-                                      py::list running;
-                                      for (const auto& [id, object] : self.controller().getRunningObjects())
-                                          running.append(wrap(self.session, object));
-                                      return running;
-                                  }),
-                                  "The objects that play by themselves, by id.");
+    addSingleObjects(players);
+    addStates(players);
     players.def_property("on_sequence", checked([](Self self) {
                              self.controller();
                              return wiring->onSequence;

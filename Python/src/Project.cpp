@@ -1,10 +1,10 @@
+#include "Arguments.h"
 #include "Bindings.h"
 #include "Call.h"
 #include "Messages.h"
 #include "References.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
-#include <filesystem>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationSequence.h>
 #include <kaAnimationStreak.h>
@@ -26,7 +26,6 @@ namespace {
 
 using Self = const SessionPtr&;
 using Projects = py::class_<Session, SessionPtr>;
-using Path = std::filesystem::path;
 
 SessionPtr openFiles(const motion::ProjectFiles& files, const py::object& progress) {
     PythonListener listener(progress);
@@ -35,21 +34,24 @@ SessionPtr openFiles(const motion::ProjectFiles& files, const py::object& progre
     return session;
 }
 
-motion::ProjectFiles filesOf(const std::string& file, const std::string& animation, double framesPerSecond,
-                             double rotationTolerance, std::size_t readerMegabytes, double readerSeconds,
-                             bool trust) {
-    if (!(framesPerSecond > 0.0) || !(framesPerSecond < 1e6))
-        throw py::value_error("frames_per_second must be above 0 and below a million");
-    if (!(rotationTolerance > 0.0) || !(rotationTolerance < 1e6))
-        throw py::value_error("rotation_tolerance must be above 0");
+/// How a model is to be read, as `open` and `merge` are told it.
+motion::ImportOptions importOptions(double framesPerSecond, double rotationTolerance, const std::string& take,
+                                    double unit, bool isZUp) {
+    motion::ImportOptions options;
+    options.framesPerSecond = positive(framesPerSecond, "frames_per_second");
+    options.rotationTolerance = positive(rotationTolerance, "rotation_tolerance");
+    options.take = take;
+    options.unit = positive(unit, "unit");
+    options.isZUp = isZUp;
+    return options;
+}
+
+motion::ProjectFiles filesOf(const Path& file, const std::optional<Path>& animation,
+                             const motion::ImportOptions& options) {
     motion::ProjectFiles files;
-    files.file = file;
-    files.animation = animation;
-    files.import.framesPerSecond = framesPerSecond;
-    files.import.rotationTolerance = rotationTolerance;
-    files.reader.megabytes = readerMegabytes;
-    files.reader.seconds = readerSeconds;
-    files.reader.unconfined = trust;
+    files.file = file.string();
+    files.animation = animation.value_or(Path()).string();
+    files.import = options;
     return files;
 }
 
@@ -108,6 +110,11 @@ void addLists(Projects& projects) {
         "faults", checked([](Self self) { return self->project().report().faults; }),
         "Imported curves that do not play as their source does, a line each; normally none.");
     projects.def_property_readonly(
+        "report", checked([](Self self) { return self->project().report(); }),
+        "What became of the model that it was opened from; its counts are 0 where there was none.");
+    projects.def_property_readonly("file", checked([](Self self) { return self->project().file(); }),
+                                   "The file, as it was named.");
+    projects.def_property_readonly(
         "is_open", [](Self self) { return self->isOpen(); }, "Whether it has not been closed. Never raises.");
     projects.def_property_readonly("object_count",
                                    checked([](Self self) { return self->manager().getObjectCount(); }),
@@ -129,10 +136,8 @@ void addMaking(Projects& projects) {
     projects.def("create_block",
                  checked([](Self self, const std::string& name,
                             const std::vector<ReferenceTo<kaAnimationCurve2D>>& curves, bool attach) {
-                     std::vector<kaAnimationCurve2D*> children;
-                     for (const auto& curve : curves)
-                         children.push_back(&curve.get());
-                     return wrap(self, self->manager().createUnit(children, toLatin1(name), 0, attach));
+                     return wrap(self,
+                                 self->manager().createUnit(objectsOf(curves), toLatin1(name), 0, attach));
                  }),
                  py::arg("name"), py::arg("curves") = py::tuple(), py::kw_only(), py::arg("attach") = true,
                  "A new block around the curves; attach: the node that they drive lists it.");
@@ -183,19 +188,16 @@ void mergeScene(Self self, const motion::ProjectFiles& files) {
     self->notes.insert(self->notes.end(), report.notes.begin(), report.notes.end());
 }
 
-void merge(Self self, const std::string& file, const std::string& animation, double framesPerSecond,
-           double rotationTolerance) {
+void merge(Self self, const motion::ProjectFiles& files) {
     self->project();
-    const motion::ProjectFiles files =
-        filesOf(file, animation, framesPerSecond, rotationTolerance, 1024, 30.0, false);
-    if (!animation.empty() && !motion::isScene(file))
+    if (!files.animation.empty() && !motion::isScene(files.file))
         raise(ErrorKind::Usage, "only a scene (.osg) goes with an animation document");
-    if (motion::isScene(file))
+    if (motion::isScene(files.file))
         mergeScene(self, files);
-    else if (!motion::isDocument(file))
+    else if (!motion::isDocument(files.file))
         mergeModel(self, files);
     PythonListener listener{py::none()};
-    const std::string document = motion::isDocument(file) ? file : animation;
+    const std::string document = motion::isDocument(files.file) ? files.file : files.animation;
     if (!document.empty())
         motion::readDocument(document, listener);
     self->notes.insert(self->notes.end(), listener.notes.begin(), listener.notes.end());
@@ -253,25 +255,52 @@ void addFiles(Projects& projects) {
     projects.def(
         "merge",
         checked([](Self self, const Path& file, const std::optional<Path>& animation, double framesPerSecond,
-                   double rotationTolerance) {
-            merge(self, file.string(), animation.value_or(Path()).string(), framesPerSecond,
-                  rotationTolerance);
+                   double rotationTolerance, const std::string& take, double unit, bool zUp) {
+            merge(self, filesOf(file, animation,
+                                importOptions(framesPerSecond, rotationTolerance, take, unit, zUp)));
         }),
         py::arg("path"), py::arg("animation") = py::none(), py::kw_only(),
-        py::arg("frames_per_second") = 25.0, py::arg("rotation_tolerance") = 0.01,
-        "Adds another file to what is open. Ids of a document that are taken give way to new ones, while "
-        "references\ngo on to mean the ids as written: a document merged twice connects its first set "
-        "again.");
+        py::arg("frames_per_second") = 25.0, py::arg("rotation_tolerance") = 0.01, py::arg("take") = "",
+        py::arg("unit") = 1.0, py::arg("z_up") = false,
+        "Adds another file to what is open; the options are those of `open`. Ids of a document that "
+        "are taken give way\nto new ones, while references go on to mean the ids as written: a "
+        "document merged twice connects its first\nset again.");
+    projects.def("exchange_scene",
+                 checked([](Self self, const Path& file, const std::optional<Path>& animation) {
+                     PythonListener listener{py::none()};
+                     self->ownProject().exchangeScene(filesOf(file, animation, {}), listener);
+                     self->notes.insert(self->notes.end(), listener.notes.begin(), listener.notes.end());
+                 }),
+                 py::arg("path"), py::arg("animation") = py::none(),
+                 "Opens other files in place of the scene; what is registered stays.");
     projects.def(
         "evaluate", checked([](Self self, double frame, const std::vector<ObjectReference>& objects) {
-            std::vector<kaAnimationObject*> chosen;
-            for (const ObjectReference& object : objects)
-                chosen.push_back(&object.object());
-            motion::evaluate(objects.empty() ? self->project().playable("") : chosen,
+            motion::evaluate(objects.empty() ? self->project().playable("") : objectsOf(objects),
                              frameOf(frame, "frame"));
         }),
         py::arg("frame"), py::arg("objects") = py::tuple(),
         "Puts the scene into the state that the objects give it at a frame, all that plays unless told.");
+}
+
+void bindSessions(py::module_& module) {
+    module.def("current", checked([] {
+                   Session* session = Session::current();
+                   return session == nullptr ? SessionPtr() : session->shared_from_this();
+               }),
+               "The project that is open, None without one: in a program that has this interpreter inside, "
+               "its own.");
+    module.def("_join", checked([](const py::capsule& project) {
+                   return Session::join(*project.get_pointer<const motion::Project>());
+               }));
+    module.def("_leave", [] {
+        if (Session* session = Session::current(); session != nullptr && session->isHosted())
+            session->shared_from_this()->leave();
+    });
+    module.def("_close_at_exit", [] {
+        removeListeners();
+        if (Session* session = Session::current(); session != nullptr && !session->isHosted())
+            session->close();
+    });
 }
 
 } // namespace
@@ -288,31 +317,29 @@ void bindProject(py::module_& module) {
     module.def(
         "open",
         checked([](const Path& file, const std::optional<Path>& animation, double framesPerSecond,
-                   double rotationTolerance, std::size_t readerMegabytes, double readerSeconds, bool trust,
+                   double rotationTolerance, const std::string& take, double unit, bool zUp,
+                   std::size_t readerMegabytes, double readerSeconds, bool trust,
                    const py::object& progress) {
-            return openFiles(filesOf(file.string(), animation.value_or(Path()).string(), framesPerSecond,
-                                     rotationTolerance, readerMegabytes, readerSeconds, trust),
-                             progress);
+            motion::ProjectFiles files =
+                filesOf(file, animation, importOptions(framesPerSecond, rotationTolerance, take, unit, zUp));
+            files.reader.megabytes = readerMegabytes;
+            files.reader.seconds = readerSeconds;
+            files.reader.unconfined = trust;
+            return openFiles(files, progress);
         }),
         py::arg("path"), py::arg("animation") = py::none(), py::kw_only(),
-        py::arg("frames_per_second") = 25.0, py::arg("rotation_tolerance") = 0.01,
-        py::arg("reader_megabytes") = 1024, py::arg("reader_seconds") = 30.0, py::arg("trust") = false,
-        py::arg("progress") = py::none(),
+        py::arg("frames_per_second") = 25.0, py::arg("rotation_tolerance") = 0.01, py::arg("take") = "",
+        py::arg("unit") = 1.0, py::arg("z_up") = false, py::arg("reader_megabytes") = 1024,
+        py::arg("reader_seconds") = 30.0, py::arg("trust") = false, py::arg("progress") = py::none(),
         "Opens a capture or model, a scene (.osg) with its animation document, or a document (.xml).\n\n"
-        "animation: the document that goes with a scene. frames_per_second: frames of a second of the model. "
-        "\nrotation_tolerance: degrees that a converted rotation may be off between keys. reader_megabytes, "
-        "\nreader_seconds: what the reader of a model may use up. trust: read a model even where the system "
-        "cannot\nconfine its reader. progress: called as progress(what, done, total).\n\n"
+        "animation: the document that goes with a scene. The rest is of models. frames_per_second: frames of "
+        "a second of\nthe model. rotation_tolerance: degrees that a converted rotation may be off between "
+        "keys. take: the one to import,\nall unless told. unit: units of the scene for one of the model. "
+        "z_up: the model's Z points up. reader_megabytes,\nreader_seconds: what the reader may use up. "
+        "trust: read even where the system cannot confine the reader.\nprogress: called as progress(what, "
+        "done, total).\n\n"
         "Raises FileError for a file that cannot be read, OpenError while a project is open.");
-    module.def("_close_at_exit", [] {
-        removeListeners();
-        if (Session* session = Session::current())
-            session->close();
-    });
-    module.def("_current", [] {
-        Session* session = Session::current();
-        return session == nullptr ? SessionPtr() : session->shared_from_this();
-    });
+    bindSessions(module);
 }
 
 } // namespace ka::python

@@ -153,6 +153,11 @@ void bindField(py::module_& module) {
     fields.def_property_readonly(
         "attribute", checked([](Field self) { return motion::utf8FromLatin1(self.get().attribute); }),
         "'translationX', 'rotationZ', 'visible', ...");
+    fields.def_property_readonly("name",
+                                 checked([](Field self) { return motion::utf8FromLatin1(self.get().name); }),
+                                 "Of the scene's field, or a special attribute.");
+    fields.def_property_readonly("component", checked([](Field self) { return self.get().valuePos; }),
+                                 "Which number of the scene's field it is, from 0.");
     fields.def_property_readonly("node", checked([](Field self) -> py::object {
                                      const auto id = static_cast<osg::UInt32>(self.get().nodeID);
                                      const osg::NodePtr node = osg::NodePtr::dcast(

@@ -21,12 +21,25 @@ Session*& openSession() {
 
 Session::Session() : _thread(std::this_thread::get_id()) {}
 
-std::shared_ptr<Session> Session::open(const motion::ProjectFiles& files, motion::Listener& listener) {
+void Session::requireNone() {
     checkThread();
     if (openSession() != nullptr)
         raise(ErrorKind::Open, "a project is open: close it first, or merge the other file into it");
+}
+
+std::shared_ptr<Session> Session::open(const motion::ProjectFiles& files, motion::Listener& listener) {
+    requireNone();
     std::shared_ptr<Session> session(new Session());
-    session->_project = std::make_unique<motion::Project>(files, listener);
+    session->_owned = std::make_unique<motion::Project>(files, listener);
+    session->_project = session->_owned.get();
+    openSession() = session.get();
+    return session;
+}
+
+std::shared_ptr<Session> Session::join(const motion::Project& project) {
+    requireNone();
+    std::shared_ptr<Session> session(new Session());
+    session->_project = &project;
     openSession() = session.get();
     return session;
 }
@@ -40,9 +53,20 @@ void Session::close() {
     if (!isOpen())
         return;
     checkThread();
+    requireOwn("closes it");
     if (Call::depth() > 1)
         raise(ErrorKind::Refused, "a project cannot be closed by what it calls");
     end();
+}
+
+void Session::leave() {
+    end();
+}
+
+void Session::requireOwn(const char* what) const {
+    if (isHosted())
+        raise(ErrorKind::Refused,
+              std::string("the program around this interpreter has the project open and ") + what);
 }
 
 void Session::end() {
@@ -53,15 +77,24 @@ void Session::end() {
         whenClosing.pop_back();
         last();
     }
-    kaAnimationController* controller = kaAnimationController::the();
-    controller->stopGlobal();
-    controller->stop();
-    _project.reset();
+    if (!isHosted()) {
+        kaAnimationController* controller = kaAnimationController::the();
+        controller->stopGlobal();
+        controller->stop();
+    }
+    _owned.reset();
+    _project = nullptr;
     openSession() = nullptr;
     functions.clear();
 }
 
-motion::Project& Session::project() const {
+motion::Project& Session::ownProject() const {
+    project();
+    requireOwn("holds its scene");
+    return *_owned;
+}
+
+const motion::Project& Session::project() const {
     if (!isOpen())
         raise(ErrorKind::Closed, "the project is closed");
     checkThread();
@@ -84,10 +117,14 @@ void Session::checkThread() {
 }
 
 bool PythonListener::progress(const std::string& what, std::size_t done, std::size_t total) {
-    if (_progress.is_none())
-        return true;
-    Call::out([&] { _progress(what, done, total); });
-    return !Call::hasFailed();
+    bool goesOn = true;
+    Call::out([&] {
+        if (Py_MakePendingCalls() != 0) // Ctrl+C among them
+            throw py::error_already_set();
+        if (!_progress.is_none())
+            goesOn = !_progress(what, done, total).is(py::bool_(false));
+    });
+    return goesOn && !Call::hasFailed();
 }
 
 } // namespace ka::python

@@ -23,16 +23,28 @@ class Session : public std::enable_shared_from_this<Session> {
   public:
     /// Opens the files. @throws what `motion::Project` throws; OpenError while another one is open.
     static std::shared_ptr<Session> open(const motion::ProjectFiles& files, motion::Listener& listener);
+    /// Takes part in a project that a host program around the interpreter has opened, plays and closes. The
+    /// host calls `leave` before the project goes. @throws OpenError, ThreadError.
+    static std::shared_ptr<Session> join(const motion::Project& project);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Destroys everything registered; a second time nothing. @throws ThreadError.
+    /// Destroys everything registered; a second time nothing. @throws ThreadError; RefusedError for the
+    /// project of a host, and for one that is to close itself from within a callback.
     void close();
+    /// Ends the part in a host's project, which stays as it is; a second time nothing.
+    void leave();
     bool isOpen() const { return _project != nullptr; }
+    /// Whether a host program plays and closes the project.
+    bool isHosted() const { return _project != nullptr && _owned == nullptr; }
+    /// @throws RefusedError when a host does what is meant itself.
+    void requireOwn(const char* what) const;
 
     /// @throws ClosedError, ThreadError.
-    motion::Project& project() const;
+    const motion::Project& project() const;
+    /// The same to be changed, where no host has it. @throws RefusedError besides.
+    motion::Project& ownProject() const;
     /// The registry, while the project is open. @throws ClosedError, ThreadError.
     kaAnimationManager& manager() const;
 
@@ -50,16 +62,18 @@ class Session : public std::enable_shared_from_this<Session> {
 
   private:
     Session();
+    static void requireNone();
     void end();
 
     std::thread::id _thread;
-    std::unique_ptr<motion::Project> _project;
+    std::unique_ptr<motion::Project> _owned; ///< null in a host
+    const motion::Project* _project = nullptr;
 };
 
 using SessionPtr = std::shared_ptr<Session>;
 
-/// Hands progress to a Python function and keeps notes; what the function raises ends the work where that can
-/// be ended, and reaches the caller in any case.
+/// Hands progress to a Python function and keeps notes. The function ends the work, where that can be ended, by
+/// giving False; so does what it raises, and an interrupt from the keyboard, which reach the caller in any case.
 class PythonListener : public motion::Listener {
   public:
     /// @param progress  a function of (what, done, total), or None.

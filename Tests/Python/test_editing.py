@@ -110,6 +110,100 @@ class Editing(Rig):
         self.clip.custom_range = None
         self.assertIsNone(self.clip.custom_range)
 
+    def test_keys_may_go_where_there_is_room(self):
+        before, after = self.curve.neighbours(4)
+        self.assertEqual((before.frame, after.frame), (3, 5))
+        self.assertEqual(self.curve.neighbours(-1), (None, self.curve.keys[0]))
+        self.assertTrue(self.curve.may_insert(20))
+        key = self.curve.keys[-1]
+        self.assertTrue(self.curve.may_move(key, 5))
+        self.assertFalse(self.curve.may_move(key, -5))
+        key.selected = True
+        self.curve.move_selected(5, 1)
+        self.assertEqual((key.frame, key.selected), (15, True))
+        self.curve.set_selected_tangents(Tangent.FLAT)
+        self.assertEqual(key.tangent, Tangent.FLAT)
+        self.assertEqual(self.curve.remove_selected(), 1)
+        self.assertEqual(self.curve.end, 9)
+
+    def test_ranges_of_playing_and_fields(self):
+        self.assertEqual(self.clip.play_range, (0, 10))
+        self.clip.custom_range = (2, 8)
+        self.assertEqual(self.clip.play_range, (2, 8))
+        field = self.project.scene.find("Arm").field("translationZ")
+        self.assertEqual((field.name, field.attribute, field.component), ("translation", "translationZ", 2))
+
+
+class Registry(Rig):
+    def test_a_document_goes_out_and_in_as_text(self):
+        text = self.project.document()
+        self.assertTrue(text.startswith("<"))
+        self.assertEqual(text, self.project.document())
+        self.project.load(text)
+        self.assertEqual(len(self.project.clips), 2)
+        count = self.project.object_count
+        with self.assertRaises(kaanimation.FileError) as caught:
+            self.project.load("<AnimationPool>\n<curve>\n</AnimationPool>\n")
+        self.assertEqual(caught.exception.line, 3)
+        with self.assertRaises(kaanimation.FileError):
+            self.project.load("")
+        self.assertEqual(self.project.object_count, count)
+
+    def test_what_no_node_lists_is_swept(self):
+        lost = self.project.create_block("lost", attach=False)
+        self.assertEqual(self.project.sweep(), 1)
+        self.assertFalse(lost.is_alive)
+        self.assertTrue(self.clip.is_alive)
+        self.assertEqual(self.project.active_blocks, [])
+
+    def test_one_block_of_a_node_plays_alone(self):
+        door = self.project.scene.root.add_child("door")
+        blocks = []
+        for name in ("open", "close"):
+            curve = self.project.create_curve(door, "rotationY")
+            curve.set_keys(np.array([[0, 0], [25, 90]]))
+            blocks.append(self.project.create_block(name, [curve]))
+        blocks[1].activate_alone()
+        self.assertEqual([block.active for block in blocks], [False, True])
+        self.assertEqual(self.project.active_blocks, [blocks[1]])
+        self.assertEqual([field.attribute for field in door.driven_fields], ["rotationY", "rotationY"])
+        door.unlist_object(blocks[0])
+        self.assertNotIn(blocks[0], door.objects)
+        with self.assertRaises(kaanimation.RefusedError):
+            door.unlist_object(blocks[0])
+        door.list_object(blocks[0])
+        self.assertIn(blocks[0], door.objects)
+        self.assertTrue(door.may_take(blocks[0]))
+
+    def test_attributes_count_as_animatable_once_they_are_named(self):
+        self.assertNotIn("travMask", self.project.attributes)
+        self.project.add_attribute("travMask")
+        self.assertIn("travMask", self.project.attributes)
+        node = self.project.scene.root.add_child("node")
+        before = len(node.fields)
+        self.assertEqual(len(node.find_fields_again()), before)
+        self.project.remove_attribute("travMask")
+        with self.assertRaises(kaanimation.UsageError):
+            self.project.remove_attribute("travMask")
+        self.project.complete_fields()
+        self.project.ensure_unique_attributes()
+        self.assertEqual(self.project.world_positions([5]).shape[0], 1)
+
+    def test_connections_are_listed(self):
+        self.project.connect(self.curve, kaanimation.Trigger.END, self.clip, kaanimation.Action.STOP)
+        ((_, target, action),) = self.project.connections
+        self.assertEqual((target, kaanimation.Action(action)), (self.clip, kaanimation.Action.STOP))
+
+    def test_everything_can_go_at_once(self):
+        self.project.destroy_all()
+        self.assertEqual(self.project.object_count, 0)
+        self.assertFalse(self.clip.is_alive)
+
+    def test_the_open_project_is_found(self):
+        self.assertIs(kaanimation.current(), self.project)
+        self.project.close()
+        self.assertIsNone(kaanimation.current())
+
 
 class Copying(Rig):
     def test_what_a_node_has_is_pasted_to_another(self):
@@ -232,6 +326,56 @@ class Files(Rig):
             self.assertGreater((self.folder / f"a.{kind}").stat().st_size, 100)
         with self.assertRaises(kaanimation.UsageError):
             self.project.export(self.folder / "a.fbx")
+
+    def test_one_motion_or_all_clips_are_handed_on_and_the_rest_is_told(self):
+        other = self.project.copy_clip(self.clip, "another")
+        other.change_values(0, 33)
+        notes = self.project.export(self.folder / "a.npz")
+        self.assertIn("1 clip", notes[-1])
+        with np.load(self.folder / "a.npz") as archive:
+            self.assertEqual(set(np.unique(archive["values"])), {np.float32(33)}, "the first by name, as it plays")
+        self.project.export(self.folder / "b.npz", [self.clip])
+        with np.load(self.folder / "b.npz") as archive:
+            self.assertEqual(archive["values"].max(), 90)
+        self.assertNotIn("left out", str(self.project.export(self.folder / "a.glb")))
+        self.assertEqual((self.folder / "a.glb").read_bytes().count(b'"another"'), 1)
+
+    def test_rotations_of_a_capture_take_the_order_asked_for(self):
+        positions = self.project.world_positions([0, 3, 7])
+        names = [node.name for node in self.project.scene.placed_nodes]
+        for order in ("XYZ", "YXZ"):
+            self.project.export(self.folder / f"{order}.bvh", rotation_order=order)
+            channels = " ".join(f"{axis}rotation" for axis in order)
+            self.assertIn(channels, (self.folder / f"{order}.bvh").read_text())
+        with self.assertRaises(kaanimation.UsageError):
+            self.project.export(self.folder / "a.bvh", rotation_order="XXY")
+        self.project.close()
+        with kaanimation.open(self.folder / "YXZ.bvh") as project:
+            hand = [node.name for node in project.scene.placed_nodes].index("Hand")
+            again = project.world_positions([0, 3, 7])
+        np.testing.assert_allclose(again[:, hand], positions[:, names.index("Hand")], atol=1e-3)
+
+    def test_a_scene_is_exchanged_for_another(self):
+        self.project.save(self.folder / "a.osg")
+        self.project.exchange_scene(self.folder / "a.osg")
+        self.assertTrue(self.clip.is_alive)
+        self.assertTrue(self.project.file.endswith("a.osg"))
+        with self.assertRaises(kaanimation.FileError):
+            self.project.exchange_scene(self.folder / "b.osg")
+
+    def test_what_became_of_a_model_is_told(self):
+        report = self.project.report
+        self.assertEqual((report.clips, report.blocks, report.curves, report.keys, report.faults), (1, 2, 6, 66, []))
+        self.project.close()
+        with kaanimation.open(kaanimation.example(), unit=2, frames_per_second=50) as project:
+            self.assertEqual(project.scene.find("Hand").translation, [20, 0, 0])
+            self.assertEqual(project.clips[0].end, 20)
+        with kaanimation.open(kaanimation.example(), z_up=True) as project:
+            # z up becomes y up: the axis that the arm swings about is y then.
+            hand = project.scene.find("Hand")
+            np.testing.assert_allclose(project.world_positions([5], nodes=[hand])[0, 0], [0, 0, -10], atol=1e-4)
+        with self.assertRaises(kaanimation.Error):
+            kaanimation.open(kaanimation.example(), take="no such")
 
 
 if __name__ == "__main__":

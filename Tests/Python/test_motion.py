@@ -112,6 +112,97 @@ class Motions(Rig):
             project.retarget(skeleton)
             self.assertEqual(len(project.clips), before + 1)
 
+    def test_a_skeleton_is_plain_numbers(self):
+        skeleton = self.clip.record_skeleton("swing")
+        self.assertEqual((skeleton.name, [joint.name for joint in skeleton.joints][-2:]), ("swing", ["Hand", "Hand_End"]))
+        arm = next(joint for joint in skeleton.joints if joint.name == "Arm")
+        hand = next(joint for joint in skeleton.joints if joint.name == "Hand")
+        self.assertEqual(skeleton.joints[hand.parent].name, "Arm")
+        self.assertEqual((arm.moved, hand.rest_position, hand.rest_rotation), (True, [10, 0, 0], [0, 0, 0, 1]))
+        self.assertEqual((hand.positions.shape, hand.rotations.shape),
+                         ((len(skeleton.frames), 3), (len(skeleton.frames), 4)))
+        middle = skeleton.frames.index(5)
+        np.testing.assert_allclose(hand.positions[middle], [0, 10, 0], atol=1e-4)
+        np.testing.assert_allclose(np.abs(arm.rotations[middle]), [0, 0, 0.5**0.5, 0.5**0.5], atol=1e-4)
+
+    def test_speed_changes_when_things_happen(self):
+        # Twice as fast throughout: half as long, and every value at half its time.
+        before = self.values()
+        self.clip.retime(speed=[(0, 2), (10, 2)])
+        self.assertAlmostEqual(self.clip.end, 5, places=3)
+        np.testing.assert_allclose(self.clip.sample(self.frames / 2).values, before, atol=0.05)
+        self.clip.retime(map=[(0, 0), (5, 10)])
+        self.assertEqual(self.clip.end, 10)
+        for wrong in ([(0, 0), (1, 1)], [(3, 1), (2, 1)]):
+            with self.assertRaises(kaanimation.UsageError):
+                self.clip.retime(speed=wrong)
+
+    def test_keys_come_where_they_are_asked_for(self):
+        self.clip.resample(frames=[0, 2.5, 10], shape="step", keep_ends=False)
+        self.assertEqual([key.frame for key in self.curve.keys], [0, 2.5, 10])
+        self.assertEqual(self.curve.value_at(2), self.curve.keys[0].value, "steps hold")
+        self.clip.resample(5, shape="straight")
+        middle = (self.curve.keys[0].value + self.curve.keys[1].value) / 2
+        self.assertAlmostEqual(self.curve.value_at(2.5), middle, places=4)
+        with self.assertRaisesRegex(kaanimation.UsageError, "'smooth', 'straight', 'step'"):
+            self.clip.resample(shape="round")
+
+    def test_progress_that_gives_false_gives_up(self):
+        before = self.values()
+        for operate in (self.clip.smooth, self.clip.remove_flips, self.clip.remove_peaks, self.clip.play_backwards,
+                        self.clip.reduce, self.clip.loop, self.clip.resample, self.clip.retime,
+                        self.clip.change_values, lambda progress: self.clip.trim(2, 4, progress=progress),
+                        lambda progress: self.project.split_clip(self.clip, [5], progress=progress)):
+            report = operate(progress=lambda *step: False)
+            self.assertTrue(report.cancelled, report.operation)
+        np.testing.assert_array_equal(self.values(), before)
+
+    def test_clips_and_curves_are_removed_with_what_is_empty_then(self):
+        copy = self.project.copy_clip(self.clip, "copy")
+        self.assertEqual(len(self.project.clips), 2)
+        self.assertEqual(len(self.project.scene.find("Arm").objects), 2, "the copy is listed")
+        self.assertEqual(self.project.remove_clips([copy]).changed_curves, 6)
+        self.assertFalse(copy.is_alive)
+        arm = [curve for curve in self.clip.curves if curve.node.name == "Arm"]
+        self.project.remove_curves(arm)
+        self.assertEqual([block.node.name for block in self.clip.blocks], ["Hand"])
+        self.project.remove_curves(self.clip.curves)
+        self.assertFalse(self.clip.is_alive)
+
+    def test_merging_may_take_the_sources(self):
+        copy = self.project.copy_clip(self.clip, "copy")
+        self.project.merge_clips([self.clip, copy], cross_fade=4, remove_sources=True)
+        self.assertEqual([clip.name for clip in self.project.clips], ["merged"])
+        self.assertEqual(self.project["merged"].end, 16)
+
+    def test_what_is_worked_on_is_chosen_by_names(self):
+        labels = [curve.label for curve in self.project.select_curves(nodes=["H*"], curves=["rotation[XZ]"])]
+        self.assertEqual(labels, ["Hand.rotationX", "Hand.rotationZ"])
+        self.assertEqual(self.project.select_clips(), [self.clip])
+        self.assertEqual(self.project.select_clips(["sw*"]), [self.clip])
+        with self.assertRaisesRegex(kaanimation.UsageError, "did you mean 'Hand'"):
+            self.project.select_curves(nodes=["Hund"])
+        self.assertIn(self.curve, self.project.telling_curves)
+
+    def test_names_of_sides_and_tables(self):
+        self.assertEqual(kaanimation.mirrored_name("LeftArm"), "RightArm")
+        self.assertEqual(kaanimation.mirrored_name("Hips"), "Hips")
+        self.assertEqual(kaanimation.mirrored_name("armX", [("X", "Y")]), "armY")
+        self.assertEqual(kaanimation.renamed("rig:Hips", "rig:*", "*"), "Hips")
+        self.assertIsNone(kaanimation.renamed("Hips", "rig:*", "*"))
+        self.assertEqual(kaanimation.name_table("# names\nhip = Hips\n"), [("hip", "Hips")])
+        with self.assertRaises(kaanimation.FileError):
+            kaanimation.name_table("hip")
+
+    def test_a_report_is_text_and_json(self):
+        import json
+
+        report = self.clip.reduce(dry=True)
+        told = json.loads(report.json())
+        self.assertEqual(told["curves"], 6)
+        self.assertTrue(report.dry)
+        self.assertIn("reduce", repr(report))
+
 
 if __name__ == "__main__":
     unittest.main()
