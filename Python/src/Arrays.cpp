@@ -1,12 +1,13 @@
+#include "Arguments.h"
 #include "Bindings.h"
 #include "Call.h"
 #include "References.h"
+#include "Sampling.h"
 #include "WorldPositions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <kaAnimationCurve2D.h>
-#include <kaCurveSampling.h>
 #include <kaMotion/CurveChoice.h>
 #include <limits>
 #include <numeric>
@@ -23,8 +24,6 @@ using Frames = py::array_t<float, py::array::c_style | py::array::forcecast>;
 using Columns = py::array_t<float, py::array::f_style>;
 using Curve = ReferenceTo<kaAnimationCurve2D>;
 
-constexpr float noValue = std::numeric_limits<float>::quiet_NaN();
-
 /// A row of `get_keys` and `set_keys`.
 struct KeyRow {
     float frame, value, in_frame, in_value, out_frame, out_value;
@@ -36,25 +35,6 @@ void requireRow(const Frames& frames) {
     if (frames.ndim() > 1)
         throw py::value_error("frames must be a row of numbers, not an array of " +
                               std::to_string(frames.ndim()) + " dimensions");
-}
-
-/// Samples one curve into a column. Held, it keeps its first and last value outside its extent, as playing
-/// does.
-void sampleColumn(kaAnimationCurve2D& curve, const float* frames, std::size_t count, bool hold,
-                  std::vector<float>& held, float* column) {
-    std::fill(column, column + count, noValue);
-    const float begin = curve.getBegin(), end = curve.getEnd();
-    if (hold && begin <= end) {
-        held.resize(count);
-        std::transform(frames, frames + count, held.begin(), [begin, end](float frame) {
-            return frame < begin ? begin : frame > end ? end : frame; // what is no number stays so
-        });
-        frames = held.data();
-    }
-    kaCurveSampling::sample(&curve, frames, count, column);
-    for (std::size_t i = 0; i < count; ++i)
-        if (std::isnan(frames[i]))
-            column[i] = noValue;
 }
 
 py::object sampleCurves(const SessionPtr& session, const motion::CurveList& curves, const Frames& frames,
@@ -215,22 +195,38 @@ py::array_t<KeyRow> getKeys(const Curve& self) {
     return table;
 }
 
+/// Frame by frame through the scene. What fires on the way may destroy any of the objects and nodes.
+void evaluatePositions(const SessionPtr& session, const float* frames, std::size_t count,
+                       const std::vector<ObjectReference>& objects, WorldPositions& positions, float* at) {
+    for (std::size_t i = 0; i < count && !Call::hasFailed(); ++i) {
+        std::vector<kaAnimationObject*> still;
+        for (const ObjectReference& object : objects)
+            if (kaAnimationObject* found = session->manager().getObject(object.id))
+                still.push_back(found);
+        motion::evaluate(still, frames[i]);
+        at = positions.read(at);
+    }
+}
+
 py::array_t<float> positionsAt(const SessionPtr& session, const Frames& frames,
                                const std::vector<ObjectReference>& objects,
                                const std::vector<NodeReference>& nodes) {
     requireRow(frames);
+    const auto count = static_cast<std::size_t>(frames.size());
+    for (std::size_t i = 0; i < count; ++i)
+        frameOf(static_cast<double>(frames.data()[i]), "frame");
     WorldPositions positions(nodes);
     py::array_t<float> result({frames.size(), static_cast<py::ssize_t>(nodes.size()), py::ssize_t(3)});
-    float* at = result.mutable_data();
-    for (py::ssize_t i = 0; i < frames.size() && !Call::hasFailed(); ++i) {
-        const float frame = frameOf(static_cast<double>(frames.data()[i]), "frame");
-        std::vector<kaAnimationObject*> still; // a sequence that fires may destroy any of them
-        for (const ObjectReference& object : objects)
-            if (kaAnimationObject* found = session->manager().getObject(object.id))
-                still.push_back(found);
-        motion::evaluate(still, frame);
-        positions.read(at);
-        at += 3 * nodes.size();
+    const std::vector<kaAnimationObject*> evaluated = objectsOf(objects);
+    // Nobody looks on between the frames of a script's own project, only at the last.
+    std::optional<SampledPoses> poses;
+    if (count > 1 && !session->isHosted())
+        poses = SampledPoses::of(evaluated);
+    if (poses && poses->sample(frames.data(), count)) {
+        positions.read(*poses, count, result.mutable_data());
+        motion::evaluate(evaluated, frames.data()[count - 1]);
+    } else {
+        evaluatePositions(session, frames.data(), count, objects, positions, result.mutable_data());
     }
     return result;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "References.h"
+#include "SampledPoses.h"
 
 #include <OpenSG/OSGMatrix.h>
 #include <vector>
@@ -11,10 +11,14 @@ namespace ka::python {
 /// node's own matrix worked out once a frame however many nodes are below it.
 class WorldPositions {
   public:
+    /// @throws GoneError.
     explicit WorldPositions(const std::vector<NodeReference>& nodes);
 
-    /// Writes x, y, z of each node, in the order given. @throws GoneError.
-    void read(float* positions);
+    /// Writes x, y, z of each node as the scene stands, in the order given. @return behind the last.
+    /// @throws GoneError.
+    float* read(float* positions);
+    /// The same for all frames that were sampled, one after the other. @throws GoneError.
+    void read(const SampledPoses& poses, std::size_t frames, float* positions);
 
   private:
     struct Place {
@@ -24,6 +28,9 @@ class WorldPositions {
         osg::Matrix local;
     };
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    void readStill(Place& place) const;
+    float* write(float* positions) const;
 
     std::vector<Place> _places;
     std::vector<std::size_t> _wanted; ///< the places of the nodes asked for

@@ -69,17 +69,63 @@ class Sampling(Rig):
 
 
 class Positions(Rig):
+    def assert_as_one_by_one(self, project, frames, objects=None):
+        """The very floats of evaluating frame by frame, in the order given, and the scene left at the last frame."""
+        positions = project.world_positions(frames, objects=objects)
+        nodes = project.scene.placed_nodes
+        self.assertEqual(positions.shape, (len(frames), len(nodes), 3))
+        left = np.array([node.position for node in nodes], np.float32)
+        for row, frame in enumerate(frames):
+            project.evaluate(float(frame), objects or ())
+            one_by_one = np.array([node.position for node in nodes], np.float32)
+            np.testing.assert_array_equal(positions[row], one_by_one)
+        np.testing.assert_array_equal(left, one_by_one)
+        return positions
+
     def test_positions_are_those_of_nodes_evaluated_one_by_one(self):
         self.project.close()
-        with kaanimation.open(CAPTURES / "01_01.bvh") as project:
-            frames = [0, 7.25, 100, 50]
-            positions = project.world_positions(frames)
-            nodes = project.scene.placed_nodes
-            self.assertEqual(positions.shape, (4, len(nodes), 3))
-            for row, frame in enumerate(frames):
-                project.evaluate(frame)
-                one_by_one = np.array([node.position for node in nodes], np.float32)
-                np.testing.assert_array_equal(positions[row], one_by_one)
+        for model in ("BVH/01_01.bvh", "BVH/Boxing_Toes.bvh", "FBX/animation_with_skeleton.fbx",
+                      "glTF2/BoxAnimated-glTF-Binary/BoxAnimated.glb", "Collada/Human.dae", "B3D/dwarf2.b3d"):
+            path = CAPTURES.parent / model
+            if not path.exists():
+                continue
+            with self.subTest(model), kaanimation.open(path) as project:
+                begin, end = project.frame_range
+                self.assert_as_one_by_one(project, [*np.linspace(begin - 3, end + 3, 11), begin, end, begin])
+
+    def test_positions_of_what_is_not_driven_curve_by_curve(self):
+        frames = [-4, 0, 2.5, 7, 12, 25, 3]
+        arm = self.project.scene.find("Arm")
+        cases = {
+            "as it is": lambda: None,
+            "two curves for one number": lambda: self.project.copy_clip(self.clip, "again").move(6),
+            "one after the other": lambda: self.project.copy_clip(self.clip, "later").move(20),
+            "a block that repeats": lambda: setattr(self.block, "repeating", True),
+            "curves that repeat": lambda: [setattr(curve, "repeating", True) for curve in self.clip.curves],
+            "a curve that is switched off": lambda: setattr(self.curve, "active", False),
+            "a block that was trimmed": lambda: self.block.trim_end(6),
+            "a curve of one frame": lambda: self.curve.remove_keys(1, 99),
+            "a curve without keys": lambda: self.project.create_block(
+                "grow", [self.project.create_curve(arm, "scaleX")]),
+            "a rest pose that is turned": lambda: setattr(arm.field("translationX"), "value", 3),
+        }
+        for name, change in cases.items():
+            with self.subTest(name):
+                self.project.close()
+                self.setUp()
+                arm = self.project.scene.find("Arm")
+                change()
+                moved = self.assert_as_one_by_one(self.project, frames, self.project.clips + self.project.blocks)
+                self.assertGreater(np.abs(np.diff(moved, axis=0)).max(), 0.5)
+
+    def test_events_fire_at_every_frame_as_when_playing(self):
+        track = self.clip.tracks[0]
+        track.add(self.project.create_sequence("high", 4, 6))
+        heard = []
+        self.project.player.on_sequence = lambda name: heard.append(name)
+        self.project.world_positions([0, 5, 1, 5])
+        self.assertEqual(len(heard), 2)
+        self.assert_as_one_by_one(self.project, [0, 5, 1])
 
     def test_the_hand_goes_round_the_arm(self):
         # At frame 5 the arm has turned by 90 degrees about z: the hand, ten units along x, is ten units along y.
