@@ -66,6 +66,30 @@ class Samples {
     std::size_t _waiting = 0;
 };
 
+/// Goes along the segments of packed keys while frames do so, and else looks every frame up.
+class Cursor {
+  public:
+    explicit Cursor(const kaCurveView& view) : _view(view) {}
+
+    const kaSegment* segmentAt(float frame) {
+        if (_follows) {
+            if (_segment->contains(frame))
+                return _segment;
+            if (_segment + 1 < _view.segmentsEnd() && _segment[1].contains(frame))
+                return ++_segment;
+        }
+        const kaSegment* former = _segment;
+        _segment = _view.packedSegmentAt(frame);
+        _follows = _segment && (_segment == former || _segment == former + 1);
+        return _segment;
+    }
+
+  private:
+    const kaCurveView& _view;
+    const kaSegment* _segment = nullptr;
+    bool _follows = false;
+};
+
 } // namespace
 
 std::size_t kaCurveSampling::sample(kaAnimationCurve2D* curve, const float* frames, std::size_t count,
@@ -77,8 +101,9 @@ std::size_t kaCurveSampling::sample(kaAnimationCurve2D* curve, const float* fram
         return samples.finish();
     }
     kaCurveView& view = curve->view();
+    Cursor cursor(view);
     for (std::size_t i = 0; i < count; ++i) {
-        if (const kaSegment* segment = view.isPacked() ? view.segmentAt(frames[i]) : nullptr)
+        if (const kaSegment* segment = view.isPacked() ? cursor.segmentAt(frames[i]) : nullptr)
             samples.add(*segment, frames[i]);
         else
             samples.addOne(view, frames[i]);

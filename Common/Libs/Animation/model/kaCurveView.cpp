@@ -169,19 +169,10 @@ void kaCurveView::divide() {
     _even = own > _segments.size() / 2;
 }
 
-/// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
-std::size_t kaCurveView::cellOf(float frame) const {
-    const auto cell = static_cast<std::uint32_t>((frame - _begin) * _cellsPerFrame);
-    return std::min<std::size_t>(cell, _segments.size() - 1);
-}
-
-/// The number of the segment that holds `frame`, which stands between the first key and the last.
-std::size_t kaCurveView::indexAt(float frame) const {
+std::size_t kaCurveView::searchIndex(float frame) const {
     if (_cells.empty())
         return upperBoundAmong(0, _frames.size(), frame) - 1;
     const std::size_t cell = cellOf(frame);
-    if (_even && _segments[cell].contains(frame))
-        return cell;
     return upperBoundAmong(_cells[cell], _cells[cell + 1], frame) - 1;
 }
 

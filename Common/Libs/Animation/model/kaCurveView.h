@@ -5,6 +5,7 @@
 #include "kaSegment.h"
 #include "kaUnpackedKeys.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -46,6 +47,10 @@ class kaCurveView {
     /// without keys at two frames. Good until the curve is edited or, unless `isPacked`, until the next call. Cost:
     /// as of `sample`.
     const kaSegment* segmentAt(float frame);
+    /// The same of packed keys, without a look at the segment of the last call.
+    const kaSegment* packedSegmentAt(float frame) const {
+        return frame >= _begin && frame < _end ? &_segments[indexAt(frame)] : nullptr;
+    }
     /// Behind the last of the segments that lie side by side with that of the last call.
     const kaSegment* segmentsEnd() const {
         return _unpacked ? &_unpacked->lastSegment() + 1 : _segments.data() + _segments.size();
@@ -63,6 +68,7 @@ class kaCurveView {
     void noteEnds();
     std::size_t cellOf(float frame) const;
     std::size_t indexAt(float frame) const;
+    std::size_t searchIndex(float frame) const;
     std::size_t upperBoundAmong(std::size_t from, std::size_t to, float frame) const;
 
     std::vector<kaSegment, kaHugePages::Allocator<kaSegment>> _segments;
@@ -88,3 +94,19 @@ class kaCurveView {
     /// What samples the keys instead where the last edit left too much to pack; the packed form is invalid then.
     std::unique_ptr<kaUnpackedKeys> _unpacked;
 };
+
+/// Never falls while the frame grows, so a key in an earlier cell is an earlier key.
+inline std::size_t kaCurveView::cellOf(float frame) const {
+    const auto cell = static_cast<std::uint32_t>((frame - _begin) * _cellsPerFrame);
+    return std::min<std::size_t>(cell, _segments.size() - 1);
+}
+
+/// The number of the segment that holds `frame`, which stands between the first key and the last.
+inline std::size_t kaCurveView::indexAt(float frame) const {
+    if (_even) {
+        const std::size_t cell = cellOf(frame);
+        if (_segments[cell].contains(frame))
+            return cell;
+    }
+    return searchIndex(frame);
+}

@@ -30,6 +30,7 @@ class alignas(64) kaSegment {
     bool contains(float frame) const { return (_points.x0 <= frame) != (_points.x3 <= frame); }
 
     bool isIterated() const { return _bounds.isIterated(); }
+    bool hasFarRoot() const { return _bounds.hasFarRoot(); }
 
   private:
     Points _points;

@@ -16,6 +16,9 @@ constexpr double U = 0x1p-53;
 /// What the short pi of the formula's angles makes of 120 degrees: less than they are, by this angle.
 constexpr double TurnError = 2.0 / 3.0 * 9.7932384626e-12;
 
+/// Below it a coefficient of t^3 may leave one root so far away that the formula loses digits to it.
+constexpr double SmallCube = 0.01;
+
 constexpr float Infinity = std::numeric_limits<float>::infinity();
 
 /// An interval that grows to cover others.
@@ -217,8 +220,12 @@ kaSegmentBounds::kaSegmentBounds(const kaSegmentPoints& points) : doubtFrom(-Inf
             doubtful.add(-1.0, 1e-9 + 2.0 * missed);
     }
     // Else hardly any t would be known well enough.
-    if (!(missed < 2e-9 * fastest(formula.c(), right)))
+    const bool mayBeFar = std::fabs(formula.a()) < SmallCube && !formula.isNearlyParabolic();
+    const double known = mayBeFar ? 1e-10 : 2e-9;
+    if (!(missed < known * fastest(formula.c(), right))) {
+        perFrame = mayBeFar ? -1.0F : 0.0F;
         return;
+    }
     perFrame = static_cast<float>(1.0 / length);
     slack = above(missed * length);
     lowered = packedRange(shift);

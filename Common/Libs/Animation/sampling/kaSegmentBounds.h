@@ -11,8 +11,10 @@ struct kaSegmentBounds {
 
     /// Whether the iteration is of any use: neither for steps nor where the time runs backwards.
     bool isIterated() const { return perFrame > 0.0F; }
+    /// Whether the formula loses digits to a root far away, and so much is to be taken from its steps.
+    bool hasFarRoot() const { return perFrame < 0.0F; }
 
-    float perFrame = 0.0F; ///< 1 / length in frames; 0 where the iteration is of no use
+    float perFrame = 0.0F; ///< 1 / length in frames; 0 where the iteration is of no use, less with a far root
     /// Parts of the length between which the formula may take its roots from elsewhere.
     float doubtFrom = 0.0F;
     float doubtTo = 0.0F;

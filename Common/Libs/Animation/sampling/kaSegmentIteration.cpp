@@ -24,6 +24,8 @@ struct Functions {
 #define HWY_TARGET_INCLUDE "kaSegmentIteration.cpp"
 #include <hwy/foreach_target.h>
 // First the lines above, which compile this file once for each instruction set.
+#include "kaSegmentFarRoot-inl.h"
+
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
@@ -32,9 +34,6 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// Results below this magnitude are written as 0; single precision on the safe side of it.
-constexpr float SurelyValue = 1.000002e-6F;
-constexpr float SurelyZero = 0.999998e-6F;
 /// Of three roots the formula takes none above 1: with s below this and t settled the root is below 1.
 constexpr float BeforeEnd = 1.0F - 3e-7F;
 /// Of the slope by which the step has gone, how much must be left wherever the root may be.
@@ -42,6 +41,11 @@ constexpr float SlopeKnown = 0.9F;
 /// Of t. What is off by more would leave a doubt about most values.
 constexpr float Settled = 4e-9F;
 constexpr int MostRounds = 4;
+/// What remains in doubt by a segment's steepest slope is looked at by the slope where t is: with room for the
+/// quotient, as `kaSegmentBounds::slope` has it, and of that slope so much more for how the value is rounded and
+/// bends while t is off by less than `Settled`.
+constexpr double SlopeRoom = 1.25;
+constexpr double Rounded = 0x1p-40;
 
 /// The numbers of as many segments as `D` has lanes, and the frame that each is sampled at.
 template <class D>
@@ -121,28 +125,6 @@ HWY_INLINE V nearby(DF df, const V s, const V left, const V right, const V inver
     return clampToUnit(df, nearer(df, a, b, left, s, start));
 }
 
-template <class D>
-using Floats = hn::Vec<hn::Rebind<float, D>>;
-template <class D>
-using Doubles = hn::Vec<D>;
-template <class D>
-using Truths = hn::Mask<hn::Rebind<float, D>>;
-
-/// One coordinate of the segment as a polynomial of t, from the key on.
-template <class D>
-struct Polynomial {
-    Doubles<D> a, b, c;
-};
-
-/// Of which no digit is lost.
-template <class D>
-HWY_INLINE Polynomial<D> polynomial(D d, Doubles<D> p0, Doubles<D> p1, Doubles<D> p2, Doubles<D> p3) {
-    const Doubles<D> three = hn::Set(d, 3.0);
-    const Doubles<D> c = hn::Mul(three, hn::Sub(p1, p0));
-    const Doubles<D> b = hn::MulSub(three, hn::Sub(p2, p1), c);
-    return {hn::Sub(hn::Sub(hn::Sub(p3, p0), c), b), b, c};
-}
-
 /// The values where no doubt is left, and which these are.
 ///
 /// After a step t is off by no more than what is left of the time there, with what the formula and roundings
@@ -196,11 +178,17 @@ HWY_INLINE Truths<D> iterate(D d, const Inputs<D>& in, Floats<D>& value) {
     const Doubles<D> off = wide(hn::Mul(in.slope, hn::Add(missed, second(df, in.lowered))));
     const VF lowest = narrow(hn::Sub(result, off));
     const VF highest = narrow(hn::Add(result, off));
-    const Truths<D> isValue =
-        hn::And(hn::Eq(lowest, highest), hn::Gt(hn::Abs(lowest), hn::Set(df, SurelyValue)));
-    const Truths<D> isZero = hn::Lt(hn::Max(hn::Abs(lowest), hn::Abs(highest)), hn::Set(df, SurelyZero));
-    value = hn::IfThenElseZero(isValue, lowest);
-    return hn::And(sure, hn::Or(isValue, isZero));
+    Truths<D> known = hn::And(sure, settled(df, lowest, highest, value));
+    if (HWY_LIKELY(hn::AllTrue(df, known)))
+        return known;
+    const Doubles<D> bent = hn::MulAdd(hn::Mul(hn::Set(d, 3.0), of.a), t, hn::Add(of.b, of.b));
+    const Doubles<D> slope = hn::Abs(hn::MulAdd(bent, t, of.c));
+    const Doubles<D> unknown = wide(hn::Add(missed, second(df, in.lowered)));
+    const Doubles<D> less = hn::MulAdd(hn::Mul(slope, hn::Set(d, SlopeRoom)), unknown,
+                                       hn::Mul(wide(in.slope), hn::Set(d, Rounded)));
+    const VF low = narrow(hn::Sub(result, less));
+    const VF high = narrow(hn::Add(result, less));
+    return hn::And(sure, settled(df, low, high, value));
 }
 
 /// Of one segment, in every lane.
@@ -217,18 +205,32 @@ HWY_INLINE Inputs<D> broadcast(D, const kaSegment& segment) {
             hn::Zero(df)};
 }
 
-#if HWY_TARGET == HWY_SCALAR // which has no pairs
-bool SampleOne(const kaSegment& segment, float frame, float& value) {
+/// `take`, which is `iterate` or `farRoot`, of a single segment.
+template <class Take>
+HWY_INLINE bool sampleAlone(const kaSegment& segment, float frame, float& value, const Take& take) {
     using D = hn::CappedTag<double, 1>;
     const D d;
     const hn::Rebind<float, D> df;
     Inputs<D> in = broadcast(d, segment);
     in.frame = hn::Set(df, frame);
     auto result = hn::Zero(df);
-    if (!hn::AllTrue(df, iterate(d, in, result)))
+    if (!hn::AllTrue(df, take(d, in, result)))
         return false;
     value = hn::GetLane(result);
     return true;
+}
+
+HWY_NOINLINE bool sampleFarRoot(const kaSegment& segment, float frame, float& value) {
+    return sampleAlone(segment, frame, value,
+                       [](auto d, const auto& in, auto& result) HWY_ATTR { return farRoot(d, in, result); });
+}
+
+#if HWY_TARGET == HWY_SCALAR // which has no pairs
+bool SampleOne(const kaSegment& segment, float frame, float& value) {
+    if (segment.hasFarRoot())
+        return sampleFarRoot(segment, frame, value);
+    return sampleAlone(segment, frame, value,
+                       [](auto d, const auto& in, auto& result) HWY_ATTR { return iterate(d, in, result); });
 }
 #else
 using Pair = hn::FixedTag<double, 2>;
@@ -236,6 +238,14 @@ using Pair = hn::FixedTag<double, 2>;
 /// One of the control points, time and value side by side.
 HWY_INLINE Doubles<Pair> point(const float& x) {
     return hn::PromoteTo(Pair(), hn::LoadU(hn::Rebind<float, Pair>(), &x));
+}
+
+HWY_INLINE bool settledAlone(float lowest, float highest, float& value) {
+    const bool isValue = lowest == highest && std::fabs(lowest) > SurelyValue;
+    if (!isValue && !(std::max(std::fabs(lowest), std::fabs(highest)) < SurelyZero))
+        return false;
+    value = isValue ? lowest : 0.0F;
+    return true;
 }
 
 /// `iterate` for a single segment: its steps with time and value side by side, for here what counts is how
@@ -246,6 +256,8 @@ bool SampleOne(const kaSegment& segment, float frame, float& value) {
     const hn::CappedTag<float, 1> df;
     const kaSegment::Points& p = segment.points();
     const kaSegmentBounds& bounds = segment.bounds();
+    if (HWY_UNLIKELY(segment.hasFarRoot()))
+        return sampleFarRoot(segment, frame, value);
     const float s = (frame - p.x0) * bounds.perFrame;
     if (!(s < bounds.doubtFrom || s > bounds.doubtTo) || !(s < BeforeEnd))
         return false;
@@ -275,11 +287,14 @@ bool SampleOne(const kaSegment& segment, float frame, float& value) {
             const double off = static_cast<double>(bounds.slope) * (missed + static_cast<double>(unknown));
             const auto lowest = static_cast<float>(result - off);
             const auto highest = static_cast<float>(result + off);
-            const bool isValue = lowest == highest && std::fabs(lowest) > SurelyValue;
-            if (!isValue && !(std::max(std::fabs(lowest), std::fabs(highest)) < SurelyZero))
-                return false;
-            value = isValue ? lowest : 0.0F;
-            return true;
+            if (HWY_LIKELY(settledAlone(lowest, highest, value)))
+                return true;
+            const auto bent = hn::NegMulAdd(steps, hn::Mul(hn::Set(d, 3.0), of.a), hn::Add(at.h, at.h));
+            const auto slopes = hn::NegMulAdd(steps, bent, at.g);
+            const double slope = std::fabs(hn::GetLane(hn::UpperHalf(hn::Half<Pair>(), slopes)));
+            const double less = slope * SlopeRoom * (missed + static_cast<double>(unknown)) +
+                                static_cast<double>(bounds.slope) * Rounded;
+            return settledAlone(static_cast<float>(result - less), static_cast<float>(result + less), value);
         }
         if (round == MostRounds)
             return false;
@@ -377,7 +392,14 @@ HWY_INLINE void sampleSide(const kaSegment* const* segments, const float* frames
     in.frame = hn::LoadU(df, frames);
     auto result = hn::Zero(df);
     const auto iterated = hn::Gt(in.perFrame, hn::Zero(df));
-    const auto sure = hn::AllFalse(df, iterated) ? iterated : iterate(d, in, result);
+    auto sure = hn::AllFalse(df, iterated) ? iterated : iterate(d, in, result);
+    const auto hasFarRoot = hn::Lt(in.perFrame, hn::Zero(df));
+    if (HWY_UNLIKELY(!hn::AllFalse(df, hasFarRoot))) {
+        auto others = hn::Zero(df);
+        const auto known = hn::And(hasFarRoot, farRoot(d, in, others));
+        result = hn::IfThenElse(known, others, result);
+        sure = hn::Or(sure, known);
+    }
     if (HWY_LIKELY(hn::AllTrue(df, sure))) {
         hn::StoreU(result, df, values);
         std::fill_n(written, lanes, true);
@@ -489,7 +511,7 @@ void sampleFirstEach(const kaSegment* const* segments, const float* frames, std:
 } // namespace
 
 bool sample(const kaSegment& segment, float frame, float& value) {
-    return (segment.isIterated() && chosen.one(segment, frame, value)) ||
+    return ((segment.isIterated() || segment.hasFarRoot()) && chosen.one(segment, frame, value)) ||
            kaSegmentFormula::sample(segment.points(), frame, value);
 }
 
