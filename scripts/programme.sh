@@ -95,7 +95,7 @@ tool_from_prefix() {
 }
 
 start tool-from-prefix tool_from_prefix
-for target in document scene bvh gltf motion arguments; do
+for target in document scene bvh gltf assimp motion arguments; do
     start "fuzz-$target" fuzz "$target"
 done
 start random-edits env KA_MODEL_SEEDS=2000 KA_MODEL_STEPS=500 "$release/bin/ka-test-model" --gtest_brief=1

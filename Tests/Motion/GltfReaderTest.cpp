@@ -1,11 +1,10 @@
 #include "readers/GltfReader.h"
 
+#include "GltfFile.h"
 #include "MotionTesting.h"
 #include "readers/ConfinedFolder.h"
 
-#include <QByteArray>
 #include <cmath>
-#include <cstring>
 #include <gmock/gmock.h>
 #include <kaMotion/ModelReader.h>
 #include <nlohmann/json.hpp>
@@ -16,54 +15,6 @@ namespace {
 using nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-
-/// A glTF file with one buffer inside it, built number by number.
-class GltfFile {
-  public:
-    GltfFile() { document["asset"]["version"] = "2.0"; }
-
-    template <class Number>
-    int accessor(const std::vector<Number>& numbers, const std::string& type, int componentType,
-                 bool normalized = false) {
-        while (_bytes.size() % 4 != 0)
-            _bytes += '\0';
-        const std::size_t start = _bytes.size(), size = numbers.size() * sizeof(Number);
-        _bytes.append(reinterpret_cast<const char*>(numbers.data()), size);
-        document["bufferViews"].push_back({{"buffer", 0}, {"byteOffset", start}, {"byteLength", size}});
-        const std::size_t width = type == "SCALAR" ? 1 : type == "VEC3" ? 3 : 4;
-        document["accessors"].push_back({{"bufferView", document["bufferViews"].size() - 1},
-                                         {"componentType", componentType},
-                                         {"count", numbers.size() / width},
-                                         {"type", type},
-                                         {"normalized", normalized}});
-        return static_cast<int>(document["accessors"].size()) - 1;
-    }
-
-    int floats(const std::vector<float>& numbers, const std::string& type) {
-        return accessor(numbers, type, 5126);
-    }
-
-    void channel(int node, const std::string& path, int input, int output, const std::string& interpolation) {
-        json& animation = document["animations"][0];
-        animation["samplers"].push_back(
-            {{"input", input}, {"output", output}, {"interpolation", interpolation}});
-        animation["channels"].push_back(
-            {{"sampler", animation["samplers"].size() - 1}, {"target", {{"node", node}, {"path", path}}}});
-    }
-
-    std::string text() {
-        const QByteArray encoded = QByteArray(_bytes.data(), static_cast<int>(_bytes.size())).toBase64();
-        document["buffers"] =
-            json::array({{{"byteLength", _bytes.size()},
-                          {"uri", "data:application/octet-stream;base64," + encoded.toStdString()}}});
-        return document.dump();
-    }
-
-    json document;
-
-  private:
-    std::string _bytes;
-};
 
 ReadModel read(const std::string& text) {
     const testing::TemporaryFolder folder;
@@ -167,10 +118,11 @@ TEST(GltfReader, NotesWhatItCannotCarryOver) {
     file.channel(0, "weights", times, file.floats({0, 1}, "SCALAR"), "LINEAR");
     file.channel(0, "translation", times, file.floats({0, 0, 0, 1, 1, 1}, "VEC3"), "LINEAR");
     file.document["cameras"] =
-        json::array({{{"type", "perspective"}, {"perspective", {{"yfov", 1.0}, {"znear", 0.1}}}}});
+        json::array({{{"type", "orthographic"},
+                      {"orthographic", {{"xmag", 1}, {"ymag", 1}, {"znear", 0}, {"zfar", 1}}}}});
     const Motion motion = read(file.text()).motion;
-    EXPECT_THAT(motion.notes,
-                ElementsAre("take 'take 1': left out 1 channel of 'weights'", "left out: 1 camera"));
+    EXPECT_THAT(motion.notes, ElementsAre("take 'take 1': left out 1 channel of 'weights'",
+                                          "left out: 1 camera without perspective"));
 }
 
 /// A sound file that moves a node along, for what is said about extensions.
@@ -239,7 +191,7 @@ TEST(GltfReader, CountsAndNamesChannelsThatAnimateWhatIsNoNode) {
     const auto pointer = [](const std::string& to) {
         return json{{"path", "pointer"}, {"extensions", {{"KHR_animation_pointer", {{"pointer", to}}}}}};
     };
-    add(pointer("/materials/0/emissiveFactor"));
+    add(pointer("/materials/0/alphaCutoff"));
     add(pointer("/nodes/0/weights"));
     add(pointer("/nodes/0/weights"));
     add({{"path", "translation"}});
@@ -247,7 +199,7 @@ TEST(GltfReader, CountsAndNamesChannelsThatAnimateWhatIsNoNode) {
     EXPECT_THAT(
         motion.notes,
         ElementsAre(
-            "take 'take 1': left out 1 channel of KHR_animation_pointer to '/materials/0/emissiveFactor'",
+            "take 'take 1': left out 1 channel of KHR_animation_pointer to '/materials/0/alphaCutoff'",
             "take 'take 1': left out 2 channels of KHR_animation_pointer to '/nodes/0/weights'",
             "take 'take 1': left out 1 channel without a node"));
     EXPECT_EQ(motion.takes[0].tracks.size(), 1U);

@@ -23,6 +23,8 @@ std::string reportAsJson(const ImportReport& report, const std::vector<std::stri
     nlohmann::ordered_json document{{"nodes", report.nodes},
                                     {"meshes", report.meshes},
                                     {"triangles", report.triangles},
+                                    {"cameras", report.cameras},
+                                    {"lights", report.lights},
                                     {"clips", report.clips},
                                     {"blocks", report.blocks},
                                     {"curves", report.curves},
@@ -49,6 +51,8 @@ void sayReport(const ImportReport& report) {
         (report.meshes == 0 ? std::string()
                             : counted(report.meshes, report.meshes == 1 ? "mesh" : "meshe") + " of " +
                                   counted(report.triangles, "triangle") + ", ") +
+        (report.cameras == 0 ? std::string() : counted(report.cameras, "camera") + ", ") +
+        (report.lights == 0 ? std::string() : counted(report.lights, "light") + ", ") +
         counted(report.clips, "clip") + ", " + counted(report.blocks, "block") + ", " +
         counted(report.curves, "curve") + ", " + counted(report.keys, "key"));
     say(report.worstCurve.empty()

@@ -9,9 +9,11 @@ namespace ka::motion {
 
 /// What became of a model.
 struct ImportReport {
-    std::size_t nodes = 0;     ///< of the hierarchy
+    std::size_t nodes = 0;     ///< of the scene, its root and what shows meshes included
     std::size_t meshes = 0;    ///< of one material each
     std::size_t triangles = 0; ///< in all meshes
+    std::size_t cameras = 0;   ///< nodes that carry one
+    std::size_t lights = 0;    ///< nodes that carry one
     std::size_t clips = 0;     ///< one for each take
     std::size_t blocks = 0;    ///< one for each moved node of each take
     std::size_t curves = 0;    ///< in all blocks

@@ -6,6 +6,7 @@
 #include <kaMotion/Motion.h>
 #include <kaMotion/Text.h>
 #include <limits>
+#include <set>
 #include <unordered_set>
 
 namespace ka::motion {
@@ -67,11 +68,14 @@ class ChannelCheck {
     std::vector<std::string> _findings;
 };
 
+bool areEmpty(const std::vector<MotionChannel<1>>& channels) {
+    return std::all_of(channels.begin(), channels.end(),
+                       [](const MotionChannel<1>& channel) { return channel.keys.empty(); });
+}
+
 bool isEmpty(const MotionTrack& track) {
     return track.translation.keys.empty() && track.scale.keys.empty() && track.angles.keys.empty() &&
-           track.quaternion.keys.empty() &&
-           std::all_of(track.weights.begin(), track.weights.end(),
-                       [](const MotionChannel<1>& weight) { return weight.keys.empty(); });
+           track.quaternion.keys.empty() && areEmpty(track.weights);
 }
 
 void checkHierarchy(const std::vector<MotionNode>& nodes) {
@@ -140,6 +144,75 @@ void checkTake(MotionTake& take, const std::vector<MotionNode>& nodes, std::vect
     tracks.erase(std::remove_if(tracks.begin(), tracks.end(), isEmpty), tracks.end());
 }
 
+/// How many owners there are of what has such a property.
+std::size_t ownersOf(MotionProperty property, const Motion& motion) {
+    switch (property) {
+    case MotionProperty::FieldOfView:
+        return motion.cameras.size();
+    case MotionProperty::LightColor:
+    case MotionProperty::LightCone:
+        return motion.lights.size();
+    case MotionProperty::Visible:
+        return motion.nodes.size();
+    default:
+        return motion.materials.size();
+    }
+}
+
+void checkProperties(MotionTake& take, const Motion& motion, std::vector<std::string>& findings) {
+    auto& properties = take.properties;
+    const std::string where = "take '" + oneLine(take.name) + "'";
+    std::set<std::pair<MotionProperty, std::uint32_t>> seen;
+    const auto isUnfit = [&](const MotionPropertyTrack& track) {
+        return track.owner >= ownersOf(track.property, motion) ||
+               track.components.size() != widthOf(track.property) ||
+               !seen.emplace(track.property, track.owner).second;
+    };
+    const auto end = std::remove_if(properties.begin(), properties.end(), isUnfit);
+    if (const auto count = static_cast<std::size_t>(properties.end() - end))
+        findings.push_back(where + ": dropped " + counted(count, "track") +
+                           " of cameras, lights or materials that do not exist or already have one");
+    properties.erase(end, properties.end());
+    for (MotionPropertyTrack& track : properties) {
+        ChannelCheck check(where);
+        for (MotionChannel<1>& component : track.components)
+            check.run(component, "a camera's, light's or material's value");
+        findings.insert(findings.end(), check.findings().begin(), check.findings().end());
+    }
+    properties.erase(
+        std::remove_if(properties.begin(), properties.end(),
+                       [](const MotionPropertyTrack& track) { return areEmpty(track.components); }),
+        properties.end());
+}
+
+/// Those with numbers that cannot be used are carried by no node from here on. @return how many nodes lose one.
+std::size_t checkCarried(Motion& motion) {
+    std::size_t unfit = 0;
+    const auto check = [&](auto& carried, bool isFit) {
+        auto& nodes = carried.nodes;
+        nodes.erase(std::remove_if(nodes.begin(), nodes.end(),
+                                   [&](std::uint32_t node) { return node >= motion.nodes.size(); }),
+                    nodes.end());
+        if (isFit)
+            return;
+        unfit += nodes.size();
+        carried = {};
+    };
+    const auto isAngle = [](double degrees) { return degrees >= 0.0 && degrees < 180.0; };
+    for (MotionCamera& camera : motion.cameras)
+        check(camera, isAngle(camera.fieldOfView) && camera.fieldOfView > 0.0 && fits(camera.position) &&
+                          fits(camera.direction) && fits(camera.up));
+    for (MotionLight& light : motion.lights)
+        check(light, fits(light.color) && fits(light.position) && fits(light.direction) &&
+                         fits(light.attenuation) && isAngle(light.innerCone) && isAngle(light.outerCone) &&
+                         light.kind <= LightKind::Spot);
+    return unfit;
+}
+
+bool movesNothing(const MotionTake& take) {
+    return take.tracks.empty() && take.properties.empty();
+}
+
 } // namespace
 
 std::size_t checkMotion(Motion& motion) {
@@ -147,16 +220,19 @@ std::size_t checkMotion(Motion& motion) {
     std::vector<std::string> findings;
     if (const std::size_t repaired = repairRestTransforms(motion.nodes))
         findings.push_back(counted(repaired, "rest transform") + " with unusable numbers made neutral");
-    for (MotionTake& take : motion.takes)
+    if (const std::size_t unfit = checkCarried(motion))
+        findings.push_back("dropped what " + counted(unfit, "node") +
+                           " carried: cameras or lights with unusable numbers");
+    for (MotionTake& take : motion.takes) {
         checkTake(take, motion.nodes, findings);
+        checkProperties(take, motion, findings);
+    }
     checkMeshes(motion, findings);
     auto& takes = motion.takes;
     for (const MotionTake& take : takes)
-        if (take.tracks.empty())
+        if (movesNothing(take))
             findings.push_back("take '" + oneLine(take.name) + "' moves nothing and was left out");
-    takes.erase(
-        std::remove_if(takes.begin(), takes.end(), [](const MotionTake& t) { return t.tracks.empty(); }),
-        takes.end());
+    takes.erase(std::remove_if(takes.begin(), takes.end(), movesNothing), takes.end());
     motion.notes.insert(motion.notes.end(), findings.begin(), findings.end());
     return findings.size();
 }

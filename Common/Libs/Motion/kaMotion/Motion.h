@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <kaMotion/MotionCamera.h>
 #include <kaMotion/MotionMesh.h>
 #include <kaMotion/Rotation.h>
 #include <string>
@@ -44,10 +45,41 @@ struct MotionTrack {
     std::vector<MotionChannel<1>> weights; ///< of the morph targets of what the node shows, in their order
 };
 
+/// What besides the place of a node can be animated, with its components.
+enum class MotionProperty : std::uint8_t {
+    FieldOfView,   ///< of a camera: degrees
+    LightColor,    ///< red, green and blue times intensity
+    LightCone,     ///< of a spot: degrees from the axis to where it ends
+    MaterialColor, ///< red, green, blue and opacity
+    MaterialGlow,  ///< red, green and blue of `MotionMaterial::emission`
+    Visible        ///< of a node with all that is below it: 0 or 1
+};
+
+/// How many components a property has.
+constexpr std::size_t widthOf(MotionProperty property) {
+    switch (property) {
+    case MotionProperty::MaterialColor:
+        return 4;
+    case MotionProperty::LightColor:
+    case MotionProperty::MaterialGlow:
+        return 3;
+    default:
+        return 1;
+    }
+}
+
+/// What one take does to one property.
+struct MotionPropertyTrack {
+    MotionProperty property = MotionProperty::FieldOfView; ///< says what `owner` and `components` are
+    std::uint32_t owner = 0;                               ///< index of the camera, light, material or node
+    std::vector<MotionChannel<1>> components;              ///< `widthOf` the property
+};
+
 /// One animation of a file.
 struct MotionTake {
-    std::string name;                ///< UTF-8; may be empty
-    std::vector<MotionTrack> tracks; ///< at most one for each node
+    std::string name;                              ///< UTF-8; may be empty
+    std::vector<MotionTrack> tracks;               ///< at most one for each node
+    std::vector<MotionPropertyTrack> properties{}; ///< at most one for each property of each owner
 };
 
 /// A node of the hierarchy with its rest transform: scaled first, then rotated, then moved.
@@ -60,6 +92,7 @@ struct MotionNode {
     Quaternion rotation;            ///< at rest
     Vec3 scale{1, 1, 1};            ///< at rest
     EulerOrder order = sceneOrder;  ///< how `MotionTrack::angles` of this node multiply
+    bool isVisible = true;          ///< at rest, with all that is below it
 };
 
 /// A model file's hierarchy and its animations, as plain data: what every reader makes, and the only thing
@@ -74,6 +107,8 @@ struct Motion {
     std::vector<MotionMesh> meshes;        ///< what the nodes show
     std::vector<MotionMaterial> materials; ///< of the meshes
     std::vector<MotionSkin> skins;         ///< of the meshes
+    std::vector<MotionCamera> cameras;     ///< in the file's order
+    std::vector<MotionLight> lights;       ///< in the file's order
     std::vector<std::string> notes;        ///< what the reader could not carry over, one line each
 };
 
@@ -82,8 +117,9 @@ struct Motion {
 ///
 /// Keys that no curve can hold are dropped, and each kind of damage is told in one line of the notes: values
 /// or times that are not finite or beyond a float, rotations of length zero, times that do not increase. Rest
-/// transforms of that kind become neutral. Tracks of nodes that do not exist, second tracks of one node,
-/// channels and tracks left without keys, and takes left without tracks are dropped.
+/// transforms of that kind become neutral. Tracks of nodes or owners that do not exist, second tracks of one
+/// node or property, channels and tracks left without keys, and takes left without tracks are dropped, as are
+/// cameras and lights with such numbers.
 /// @return the number of findings, each of them now a note.
 std::size_t checkMotion(Motion& motion);
 

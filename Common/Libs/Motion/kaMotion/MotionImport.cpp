@@ -1,4 +1,5 @@
 #include "check/Deviation.h"
+#include "project/CameraImport.h"
 #include "project/MeshImport.h"
 #include "readers/NoteGroups.h"
 
@@ -74,8 +75,12 @@ class MotionImporter {
         buildNodes(root);
         BuiltMeshes meshes = buildMeshes(_motion, _nodes, root, _lossyNames);
         _morphs = std::move(meshes.morphs);
+        _properties = buildCameras(_motion, _nodes, root, meshes.materials, _lossyNames);
+        _report.cameras = carriedCount(_motion.cameras);
+        _report.lights = carriedCount(_motion.lights);
         _report.meshes = meshes.meshes;
         _report.triangles = meshes.triangles;
+        _report.nodes = nodesBelow(root);
         for (const MotionTake& take : _motion.takes)
             buildTake(take);
         if (_lossyNames)
@@ -87,9 +92,20 @@ class MotionImporter {
     }
 
   private:
+    template <class Carried>
+    static std::size_t carriedCount(const std::vector<Carried>& list) {
+        std::size_t count = 0;
+        for (const Carried& carried : list)
+            count += carried.nodes.size();
+        return count;
+    }
+
+    /// Every attribute that importing can make a curve of, whatever this model has: a document of one model must
+    /// find its fields in a session that began with another.
     static void addAttributes() {
         kaAnimationManager* manager = kaAnimationManager::the();
-        for (const char* name : {"translation", "scale", "fieldOfView", "weight"})
+        for (const char* name : {"translation", "scale", "fieldOfView", "weight", "diffuse", "emission",
+                                 "transparency", "spotCutOff"})
             if (!manager->isAnimationAttribute(name))
                 manager->addAnimationAttribute(name);
     }
@@ -104,7 +120,19 @@ class MotionImporter {
             parent->addChild(_nodes.back());
             osg::endEditCP(parent, osg::Node::ChildrenFieldMask);
         }
-        _report.nodes = _nodes.size();
+    }
+
+    static std::size_t nodesBelow(const osg::NodePtr& root) {
+        std::size_t count = 0;
+        std::vector<osg::NodePtr> pending{root};
+        while (!pending.empty()) {
+            const osg::NodePtr node = pending.back();
+            pending.pop_back();
+            ++count;
+            for (osg::UInt32 i = 0; i < node->getNChildren(); ++i)
+                pending.push_back(node->getChild(i));
+        }
+        return count;
     }
 
     osg::NodePtr buildNode(const MotionNode& source) {
@@ -116,6 +144,8 @@ class MotionImporter {
         osg::NodePtr node = osg::Node::create();
         osg::beginEditCP(node);
         node->setCore(core);
+        if (!source.isVisible)
+            node->setActive(false);
         osg::setName(node, latin1FromUtf8(source.name, _lossyNames));
         osg::endEditCP(node);
         const Vec3 angles = sceneAngles(matrixFromQuaternion(normalized(source.rotation)), {0, 0, 0});
@@ -135,7 +165,53 @@ class MotionImporter {
             ++_report.blocks;
             addWeights(clip, track);
         }
+        for (const MotionPropertyTrack& track : take.properties)
+            addProperty(clip, track);
         ++_report.clips;
+    }
+
+    /// A block on each node that has the property.
+    void addProperty(kaAnimationStrip* clip, const MotionPropertyTrack& track) {
+        const auto known = _properties.find({track.property, track.owner});
+        if (known == _properties.end() || known->second.empty())
+            return;
+        kaAnimationManager* manager = kaAnimationManager::the();
+        for (std::size_t place = 0; place < known->second.front().nodes.size(); ++place) {
+            const osg::NodePtr& node = known->second.front().nodes[place];
+            kaAnimationUnit* block = manager->createUnit(osg::getName(node), 0);
+            for (std::size_t i = 0; i < track.components.size() && i < known->second.size(); ++i) {
+                const PropertyFields& target = known->second[i];
+                if (!track.components[i].keys.empty())
+                    addFieldCurve(block, node, target.attribute,
+                                  keysOf(track.components[i], target.factor, target.offset));
+            }
+            kaAnimationUtils::addAnimationObject(node, block);
+            clip->insertObject(block);
+            ++_report.blocks;
+        }
+    }
+
+    /// The keys of a channel whose values become factor * value + offset.
+    static std::vector<CurveKey> keysOf(const MotionChannel<1>& channel, double factor, double offset) {
+        MotionChannel<3> wide{channel.interpolation, {}};
+        for (const MotionKey<1>& key : channel.keys)
+            wide.keys.push_back({key.time,
+                                 {key.value[0] * factor + offset, 0, 0},
+                                 {key.inTangent[0] * factor, 0, 0},
+                                 {key.outTangent[0] * factor, 0, 0}});
+        return curvesOf(wide)[0];
+    }
+
+    void addFieldCurve(kaAnimationUnit* block, const osg::NodePtr& node, const std::string& attribute,
+                       std::vector<CurveKey> keys) {
+        kaAnimationManager* manager = kaAnimationManager::the();
+        kaAnimationField* field = manager->getField(node, attribute);
+        if (field != nullptr)
+            addCurve(block, keys, [&](const std::vector<kaControlPoint2D*>& points) {
+                kaAnimationCurve2D* curve = manager->createCurve2D(field, attribute, 0, false);
+                curve->setPoints(points);
+                return curve;
+            });
     }
 
     /// A block on the node of each morph target that is moved.
@@ -144,22 +220,9 @@ class MotionImporter {
         for (std::size_t i = 0; i < track.weights.size() && known != _morphs.end(); ++i) {
             if (track.weights[i].keys.empty() || i >= known->second.size())
                 continue;
-            MotionChannel<3> wide{track.weights[i].interpolation, {}};
-            for (const MotionKey<1>& key : track.weights[i].keys)
-                wide.keys.push_back(
-                    {key.time, {key.value[0], 0, 0}, {key.inTangent[0], 0, 0}, {key.outTangent[0], 0, 0}});
-            std::vector<CurveKey> keys = curvesOf(wide)[0];
             for (const osg::NodePtr& node : known->second[i]) {
-                kaAnimationManager* manager = kaAnimationManager::the();
-                kaAnimationField* field = manager->getField(node, "weight");
-                if (field == nullptr)
-                    continue;
-                kaAnimationUnit* block = manager->createUnit(osg::getName(node), 0);
-                addCurve(block, keys, [&](const std::vector<kaControlPoint2D*>& points) {
-                    kaAnimationCurve2D* curve = manager->createCurve2D(field, "weight", 0, false);
-                    curve->setPoints(points);
-                    return curve;
-                });
+                kaAnimationUnit* block = kaAnimationManager::the()->createUnit(osg::getName(node), 0);
+                addFieldCurve(block, node, "weight", keysOf(track.weights[i], 1.0, 0.0));
                 kaAnimationUtils::addAnimationObject(node, block);
                 clip->insertObject(block);
                 ++_report.blocks;
@@ -260,6 +323,7 @@ class MotionImporter {
     std::string _take; ///< which one, where there are several, as a part of messages
     std::vector<osg::NodePtr> _nodes;
     MorphNodes _morphs;
+    Properties _properties;
     ImportReport _report;
     bool _lossyNames = false;
 };

@@ -24,7 +24,20 @@ struct ImportOptions {
 ///
 /// Every node becomes a scene node with a Transform3D below `root`. Meshes become Geometry
 /// cores of nameless nodes below those that show them, skins and morph targets with them (osg::Skin, osg::MorphTarget;
-/// a morph target's weight is animated on its own node). Every take becomes a clip with one block
+/// a morph target's weight is animated on its own node).
+///
+/// A camera becomes a child, with a CameraSetting core, of each node that carries it. `from`, `at` and `up` are in the
+/// axes of that node, so that a viewer takes them through `node->getToWorld()`; `fieldOfView`, in radians, spans the
+/// picture from its lower to its upper edge (its curves are in degrees). A light becomes a child with a
+/// DirectionalLight, PointLight or SpotLight core, its beacon the node that carries it: position and direction, the way
+/// the light goes, are in the axes of the beacon. It lights the whole scene. `diffuse` and `specular` are colour times
+/// intensity (of glTF candela, or lux where directional), often above 1, and decrease with the light's attenuations, at
+/// distances in scene units: a viewer scales by an exposure of its own. A spot ends at `spotCutOff` radians from its
+/// axis, and the cosine to the power of `spotExponent` makes it fade. Of materials that are animated, a MaterialGroup
+/// without children, below `root`, carries the fields: its material is the one of the geometries. Nodes that are hidden
+/// have an empty traversal mask ("visible").
+///
+/// Every take becomes a clip with one block
 /// for each node that it moves, on as many tracks as they need; curves are made through the module's
 /// interchange and listed, with their block, on their node. Names become Latin-1. Every curve is then
 /// sampled against the source.

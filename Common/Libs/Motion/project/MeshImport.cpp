@@ -40,6 +40,7 @@ class MeshBuilder {
         _materials.resize(_motion.materials.size());
         for (const MotionMesh& mesh : _motion.meshes)
             build(mesh);
+        _built.materials = std::move(_materials);
         return std::move(_built);
     }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <OpenSG/OSGMaterialFields.h>
 #include <OpenSG/OSGNode.h>
 #include <kaMotion/Motion.h>
 #include <map>
@@ -13,6 +14,7 @@ using MorphNodes = std::map<std::uint32_t, std::vector<std::vector<osg::NodePtr>
 /// What the meshes of a motion became.
 struct BuiltMeshes {
     MorphNodes morphs;
+    std::vector<osg::MaterialPtr> materials; ///< for each of the motion's; null for those that nothing shows
     std::size_t meshes = 0, triangles = 0;
 };
 

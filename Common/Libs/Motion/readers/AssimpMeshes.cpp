@@ -1,27 +1,14 @@
 #include "readers/AssimpMeshes.h"
 
 #include "kaMotion/Text.h"
+#include "readers/AssimpScene.h"
 #include "readers/ConfinedFolder.h"
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wpedantic"
-#pragma GCC diagnostic ignored "-Wold-style-cast"
-#pragma GCC diagnostic ignored "-Wshadow"
-#include <assimp/material.h>
-#include <assimp/scene.h>
-#pragma GCC diagnostic pop
-
 #include <algorithm>
-#include <cstring>
-#include <unordered_map>
 
 namespace ka::motion {
 
 namespace {
-
-std::string text(const aiString& name) {
-    return {name.data, strnlen(name.data, std::min<std::size_t>(name.length, sizeof name.data))};
-}
 
 std::vector<float> triples(const aiVector3D* vectors, unsigned count) {
     std::vector<float> list;
@@ -33,18 +20,15 @@ std::vector<float> triples(const aiVector3D* vectors, unsigned count) {
 
 class MeshReader {
   public:
-    MeshReader(const aiScene& scene, const ConfinedFolder& folder, Motion& motion)
-        : _scene(scene), _folder(folder), _motion(motion) {
-        for (std::size_t i = 0; i < motion.nodes.size(); ++i)
-            _places.emplace(motion.nodes[i].name, static_cast<std::uint32_t>(i));
-    }
+    MeshReader(const aiScene& scene, const AssimpPlaces& places, const ConfinedFolder& folder, Motion& motion)
+        : _scene(scene), _places(places), _folder(folder), _motion(motion) {}
 
-    void read(const std::vector<std::vector<std::uint32_t>>& nodesOfMeshes) {
+    void read() {
         for (unsigned i = 0; i < _scene.mNumMaterials; ++i)
             _motion.materials.push_back(materialOf(*_scene.mMaterials[i]));
         for (unsigned i = 0; i < _scene.mNumMeshes; ++i) {
             MotionMesh mesh = meshOf(*_scene.mMeshes[i]);
-            mesh.nodes = nodesOfMeshes[i];
+            mesh.nodes = _places.nodesOfMeshes[i];
             if (mesh.indices.empty())
                 ++_withoutTriangles;
             else
@@ -124,8 +108,8 @@ class MeshReader {
         mesh.weights.assign(4 * std::size_t{source.mNumVertices}, 0.0F);
         for (unsigned i = 0; i < source.mNumBones; ++i) {
             const aiBone& bone = *source.mBones[i];
-            const auto place = _places.find(text(bone.mName));
-            skin.joints.push_back(place == _places.end() ? 0xFFFFFFFF : place->second);
+            const auto place = _places.byName.find(text(bone.mName));
+            skin.joints.push_back(place == _places.byName.end() ? 0xFFFFFFFF : place->second);
             const aiMatrix4x4& m = bone.mOffsetMatrix;
             skin.inverseBinds.insert(skin.inverseBinds.end(),
                                      {m.a1, m.b1, m.c1, m.d1, m.a2, m.b2, m.c2, m.d2, m.a3, m.b3, m.c3, m.d3,
@@ -172,17 +156,17 @@ class MeshReader {
     }
 
     const aiScene& _scene;
+    const AssimpPlaces& _places;
     const ConfinedFolder& _folder;
     Motion& _motion;
-    std::unordered_map<std::string, std::uint32_t> _places;
     std::size_t _withoutTriangles = 0, _lostPictures = 0;
 };
 
 } // namespace
 
-void readAssimpMeshes(const aiScene& scene, const std::vector<std::vector<std::uint32_t>>& nodesOfMeshes,
-                      const ConfinedFolder& folder, Motion& motion) {
-    MeshReader(scene, folder, motion).read(nodesOfMeshes);
+void readAssimpMeshes(const aiScene& scene, const AssimpPlaces& places, const ConfinedFolder& folder,
+                      Motion& motion) {
+    MeshReader(scene, places, folder, motion).read();
 }
 
 } // namespace ka::motion

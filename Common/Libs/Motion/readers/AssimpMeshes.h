@@ -7,11 +7,11 @@ struct aiScene;
 namespace ka::motion {
 
 class ConfinedFolder;
+struct AssimpPlaces;
 
 /// Reads the meshes, materials and skins of a model that the Assimp library holds, made of triangles, into a motion
 /// whose nodes are there already; as `readGltfMeshes` does.
-/// @param nodesOfMeshes  for each mesh of the scene the nodes that show it.
-void readAssimpMeshes(const aiScene& scene, const std::vector<std::vector<std::uint32_t>>& nodesOfMeshes,
-                      const ConfinedFolder& folder, Motion& motion);
+void readAssimpMeshes(const aiScene& scene, const AssimpPlaces& places, const ConfinedFolder& folder,
+                      Motion& motion);
 
 } // namespace ka::motion

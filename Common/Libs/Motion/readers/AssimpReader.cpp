@@ -1,8 +1,9 @@
 #include "readers/AssimpReader.h"
 
+#include "readers/AssimpCameras.h"
 #include "readers/AssimpMeshes.h"
+#include "readers/AssimpScene.h"
 #include "readers/ConfinedFolder.h"
-#include "readers/LeftOut.h"
 #include "readers/NodeOrder.h"
 
 #include <kaMotion/Failure.h>
@@ -17,12 +18,10 @@
 #include <assimp/Importer.hpp>
 #include <assimp/config.h>
 #include <assimp/postprocess.h>
-#include <assimp/scene.h>
 #pragma GCC diagnostic pop
 
 #include <algorithm>
 #include <cstring>
-#include <unordered_map>
 
 namespace ka::motion {
 
@@ -83,27 +82,20 @@ class ConfinedSystem : public Assimp::IOSystem {
     const ConfinedFolder& _folder;
 };
 
-std::string text(const aiString& name) {
-    return {name.data, strnlen(name.data, std::min<std::size_t>(name.length, sizeof name.data))};
-}
-
-Vec3 vec(const aiVector3D& v) {
-    return {v.x, v.y, v.z};
-}
-
 RestMatrix matrixOf(const aiMatrix4x4& m) {
     return {{{m.a1, m.a2, m.a3, m.a4}, {m.b1, m.b2, m.b3, m.b4}, {m.c1, m.c2, m.c3, m.c4}}};
 }
 
 class SceneReader {
   public:
-    SceneReader(const aiScene& scene, const KeyBudget& budget)
-        : _scene(scene), _budget(budget), _nodesOfMeshes(scene.mNumMeshes) {}
+    SceneReader(const aiScene& scene, const KeyBudget& budget) : _scene(scene), _budget(budget) {
+        _places.nodesOfMeshes.resize(scene.mNumMeshes);
+    }
 
     /// Reads the meshes as well, which must be triangles by now.
     Motion readWith(const ConfinedFolder& folder) {
         Motion motion = read();
-        readAssimpMeshes(_scene, _nodesOfMeshes, folder, motion);
+        readAssimpMeshes(_scene, _places, folder, motion);
         return motion;
     }
 
@@ -112,7 +104,7 @@ class SceneReader {
         readNodes();
         for (unsigned int i = 0; i < _scene.mNumAnimations; ++i)
             readTake(*_scene.mAnimations[i], i);
-        noteTheRest();
+        readAssimpCameras(_scene, _places, _motion);
         return std::move(_motion);
     }
 
@@ -153,10 +145,10 @@ class SceneReader {
             _motion.notes.push_back("node '" + oneLine(made.name) +
                                     "': its matrix is sheared; the shear was left out");
         const auto place = static_cast<std::uint32_t>(_motion.nodes.size());
-        _places.emplace(made.name, place);
+        _places.byName.emplace(made.name, place);
         for (unsigned int i = 0; i < node.mNumMeshes; ++i)
-            if (node.mMeshes[i] < _nodesOfMeshes.size())
-                _nodesOfMeshes[node.mMeshes[i]].push_back(place);
+            if (node.mMeshes[i] < _places.nodesOfMeshes.size())
+                _places.nodesOfMeshes[node.mMeshes[i]].push_back(place);
         _motion.nodes.push_back(std::move(made));
     }
 
@@ -166,19 +158,49 @@ class SceneReader {
             take.name = "take " + std::to_string(index + 1);
         const double ticks =
             animation.mTicksPerSecond > 0.0 ? animation.mTicksPerSecond : defaultTicksPerSecond;
-        std::size_t lost = animation.mNumMeshChannels + animation.mNumMorphMeshChannels;
+        std::size_t lost = animation.mNumMeshChannels;
         for (unsigned int i = 0; i < animation.mNumChannels; ++i) {
             const aiNodeAnim& channel = *animation.mChannels[i];
-            const auto place = _places.find(text(channel.mNodeName));
-            if (place == _places.end())
+            const auto place = _places.byName.find(text(channel.mNodeName));
+            if (place == _places.byName.end())
                 ++lost;
             else
                 take.tracks.push_back(readTrack(channel, place->second, ticks));
         }
+        for (unsigned int i = 0; i < animation.mNumMorphMeshChannels; ++i)
+            if (!readMorphs(*animation.mMorphMeshChannels[i], take, ticks))
+                ++lost;
         if (lost > 0)
             _motion.notes.push_back("take '" + oneLine(take.name) + "': left out " +
                                     counted(lost, "channel") + " without a node to move");
         _motion.takes.push_back(std::move(take));
+    }
+
+    /// Weights of morph targets, each under the target's number. @return whether it is known what shows the targets.
+    bool readMorphs(const aiMeshMorphAnim& channel, MotionTake& take, double ticks) {
+        const std::string name = text(channel.mName);
+        auto place = _places.byName.find(name);
+        if (place == _places.byName.end()) // "node*0" names the first of the node's meshes
+            place = _places.byName.find(name.substr(0, name.rfind('*')));
+        if (place == _places.byName.end())
+            return false;
+        std::size_t targets = 0;
+        for (unsigned int i = 0; i < _scene.mNumMeshes; ++i)
+            targets = std::max<std::size_t>(targets, _scene.mMeshes[i]->mNumAnimMeshes);
+        const auto known =
+            std::find_if(take.tracks.begin(), take.tracks.end(),
+                         [&](const MotionTrack& track) { return track.node == place->second; });
+        MotionTrack& track = known == take.tracks.end() ? take.tracks.emplace_back() : *known;
+        track.node = place->second;
+        track.weights.resize(targets);
+        for (unsigned int i = 0; i < channel.mNumKeys; ++i) {
+            const aiMeshMorphKey& key = channel.mKeys[i];
+            for (unsigned int j = 0; j < key.mNumValuesAndWeights; ++j)
+                if (key.mValues[j] < targets)
+                    _budget.add(track.weights[key.mValues[j]],
+                                {key.mTime / ticks, {key.mWeights[j]}, {}, {}});
+        }
+        return true;
     }
 
     MotionTrack readTrack(const aiNodeAnim& channel, std::uint32_t node, double ticks) {
@@ -200,19 +222,10 @@ class SceneReader {
         return track;
     }
 
-    void noteTheRest() {
-        LeftOut rest;
-        rest.add(_scene.mNumCameras, "camera", "cameras");
-        rest.add(_scene.mNumLights, "light", "lights");
-        if (const std::string note = rest.note(); !note.empty())
-            _motion.notes.push_back(note);
-    }
-
     const aiScene& _scene;
     KeyBudget _budget;
     Motion _motion;
-    std::unordered_map<std::string, std::uint32_t> _places;
-    std::vector<std::vector<std::uint32_t>> _nodesOfMeshes;
+    AssimpPlaces _places;
 };
 
 } // namespace

@@ -52,8 +52,10 @@ GltfOutline::Channels channelsOf(const json& animation) {
             continue;
         const json& pointer =
             member(member(member(target, "extensions"), "KHR_animation_pointer"), "pointer");
+        const json& sampler = member(channel, "sampler");
+        const bool isIndex = sampler.is_number_unsigned() && sampler.get<std::uint64_t>() <= 0x7FFFFFFF;
         if (pointer.is_string())
-            ++channels.pointers[pointer.get<std::string>()];
+            channels.pointers.push_back({pointer.get<std::string>(), isIndex ? sampler.get<int>() : -1});
         else
             ++channels.withoutTarget;
     }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -12,11 +11,16 @@ struct GltfOutline {
     /// The extensions that a reader must know to make anything of the file.
     std::vector<std::string> required;
 
+    /// A channel of the extension KHR_animation_pointer.
+    struct Pointer {
+        std::string path; ///< what it animates, "/materials/0/emissiveFactor"
+        int sampler = -1; ///< of the animation
+    };
+
     /// Channels of one animation that no node is the target of.
     struct Channels {
         std::size_t withoutTarget = 0;
-        /// By the place of the document that they would animate, "/materials/0/emissiveFactor".
-        std::map<std::string, std::size_t> pointers;
+        std::vector<Pointer> pointers;
     };
     std::vector<Channels> animations; ///< one for each of the file's
 };

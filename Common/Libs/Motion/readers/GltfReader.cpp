@@ -1,10 +1,10 @@
 #include "readers/GltfReader.h"
 
 #include "readers/ConfinedFolder.h"
-#include "readers/GltfAccessor.h"
+#include "readers/GltfCameras.h"
 #include "readers/GltfMeshes.h"
 #include "readers/GltfOutline.h"
-#include "readers/LeftOut.h"
+#include "readers/GltfTake.h"
 #include "readers/NodeOrder.h"
 #include "readers/TinyGltf.h"
 
@@ -12,7 +12,6 @@
 #include <kaMotion/Failure.h>
 #include <kaMotion/Text.h>
 #include <nlohmann/json.hpp>
-#include <set>
 
 namespace ka::motion {
 
@@ -97,6 +96,11 @@ std::string nodeName(const tinygltf::Node& node, std::size_t index) {
 MotionNode restOf(const tinygltf::Node& node, std::size_t index, std::vector<std::string>& notes) {
     MotionNode made;
     made.name = nodeName(node, index);
+    if (const auto shown = node.extensions.find("KHR_node_visibility");
+        shown != node.extensions.end() && shown->second.IsObject()) {
+        const tinygltf::Value& visible = shown->second.Get("visible");
+        made.isVisible = !visible.IsBool() || visible.Get<bool>();
+    }
     if (node.matrix.size() == 16) {
         RestMatrix matrix{};
         for (std::size_t row = 0; row < 3; ++row)
@@ -130,144 +134,6 @@ std::vector<std::int32_t> parentsOf(const tinygltf::Model& model) {
     return parents;
 }
 
-Interpolation interpolationOf(const std::string& name) {
-    if (name == "STEP")
-        return Interpolation::Step;
-    if (name == "CUBICSPLINE")
-        return Interpolation::Cubic;
-    if (!name.empty() && name != "LINEAR")
-        fail("unknown interpolation '" + oneLine(name, 40) + "'");
-    return Interpolation::Linear;
-}
-
-template <std::size_t Width>
-MotionChannel<Width> readChannel(const tinygltf::Model& model, const tinygltf::AnimationSampler& sampler,
-                                 KeyBudget& budget) {
-    MotionChannel<Width> channel;
-    channel.interpolation = interpolationOf(sampler.interpolation);
-    const std::vector<double> times = readGltfAccessor(model, sampler.input, 1);
-    const std::vector<double> values = readGltfAccessor(model, sampler.output, Width);
-    const std::size_t rows = channel.interpolation == Interpolation::Cubic ? 3 : 1;
-    if (values.size() != times.size() * rows * Width)
-        fail("an animation has not as many values as times");
-    const auto row = [&](std::size_t index) {
-        std::array<double, Width> out{};
-        std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(index * Width), Width, out.begin());
-        return out;
-    };
-    for (std::size_t i = 0; i < times.size(); ++i) {
-        if (rows == 3)
-            budget.add(channel, {times[i], row(3 * i + 1), row(3 * i), row(3 * i + 2)});
-        else
-            budget.add(channel, {times[i], row(i), {}, {}});
-    }
-    return channel;
-}
-
-/// One animation of the file.
-class TakeReader {
-  public:
-    TakeReader(const tinygltf::Model& model, const std::vector<std::uint32_t>& places, KeyBudget& budget,
-               std::vector<std::string>& notes)
-        : _model(model), _places(places), _budget(budget), _notes(notes) {}
-
-    /// @param withoutNode  the channels that the third-party reader keeps to itself.
-    MotionTake read(const tinygltf::Animation& animation, std::size_t index,
-                    const GltfOutline::Channels& withoutNode) {
-        MotionTake take{animation.name.empty() ? "take " + std::to_string(index + 1) : animation.name, {}};
-        std::map<std::string, std::size_t> ignored;
-        for (const tinygltf::AnimationChannel& channel : animation.channels)
-            if (!readChannelInto(take, animation, channel))
-                ++ignored["of '" + oneLine(channel.target_path, 40) + "'"];
-        if (withoutNode.withoutTarget > 0)
-            ignored["without a node"] = withoutNode.withoutTarget;
-        for (const auto& [pointer, count] : withoutNode.pointers)
-            ignored["of KHR_animation_pointer to '" + oneLine(pointer, 80) + "'"] = count;
-        for (const auto& [what, count] : ignored)
-            _notes.push_back("take '" + oneLine(take.name) + "': left out " + counted(count, "channel") +
-                             " " + what);
-        return take;
-    }
-
-  private:
-    bool readChannelInto(MotionTake& take, const tinygltf::Animation& animation,
-                         const tinygltf::AnimationChannel& channel) {
-        const std::string& path = channel.target_path;
-        const bool known =
-            path == "translation" || path == "rotation" || path == "scale" || path == "weights";
-        if (!known || channel.target_node < 0)
-            return false;
-        if (static_cast<std::size_t>(channel.target_node) >= _places.size())
-            fail("an animation moves a node that does not exist");
-        if (path == "weights" && targetsOf(channel.target_node) == 0)
-            return false;
-        if (channel.sampler < 0 || static_cast<std::size_t>(channel.sampler) >= animation.samplers.size())
-            fail("an animation uses a sampler that does not exist");
-        if (!_seen.insert({channel.target_node, path}).second)
-            fail("an animation sets the " + path + " of node " + std::to_string(channel.target_node) +
-                 " twice");
-        const tinygltf::AnimationSampler& sampler =
-            animation.samplers[static_cast<std::size_t>(channel.sampler)];
-        MotionTrack& track = trackOf(take, _places[static_cast<std::size_t>(channel.target_node)]);
-        if (path == "translation")
-            track.translation = readChannel<3>(_model, sampler, _budget);
-        else if (path == "scale")
-            track.scale = readChannel<3>(_model, sampler, _budget);
-        else if (path == "weights")
-            track.weights = readWeights(channel.target_node, sampler);
-        else
-            track.quaternion = readChannel<4>(_model, sampler, _budget);
-        return true;
-    }
-
-    /// Morph targets of what a node shows.
-    std::size_t targetsOf(int node) const {
-        const int mesh = _model.nodes[static_cast<std::size_t>(node)].mesh;
-        if (mesh < 0 || static_cast<std::size_t>(mesh) >= _model.meshes.size())
-            return 0;
-        const auto& parts = _model.meshes[static_cast<std::size_t>(mesh)].primitives;
-        return parts.empty() ? 0 : parts.front().targets.size();
-    }
-
-    /// The weights of all morph targets stand one after the other for each key.
-    std::vector<MotionChannel<1>> readWeights(int node, const tinygltf::AnimationSampler& sampler) {
-        MotionChannel<1> all;
-        all.interpolation = interpolationOf(sampler.interpolation);
-        const std::vector<double> times = readGltfAccessor(_model, sampler.input, 1);
-        const std::vector<double> values = readGltfAccessor(_model, sampler.output, 1);
-        const std::size_t rows = all.interpolation == Interpolation::Cubic ? 3 : 1;
-        const std::size_t targets = targetsOf(node);
-        if (values.size() != times.size() * rows * targets)
-            fail("an animation has not as many values as times");
-        std::vector<MotionChannel<1>> weights(targets, all);
-        for (std::size_t i = 0; i < times.size(); ++i)
-            for (std::size_t j = 0; j < targets; ++j) {
-                const auto value = [&](std::size_t row) -> std::array<double, 1> {
-                    return {values[(i * rows + row) * targets + j]};
-                };
-                if (rows == 3)
-                    _budget.add(weights[j], {times[i], value(1), value(0), value(2)});
-                else
-                    _budget.add(weights[j], {times[i], value(0), {}, {}});
-            }
-        return weights;
-    }
-
-    MotionTrack& trackOf(MotionTake& take, std::uint32_t node) {
-        const auto [entry, isNew] = _tracks.try_emplace(node, take.tracks.size());
-        if (isNew)
-            take.tracks.emplace_back().node = node;
-        return take.tracks[entry->second];
-    }
-
-    const tinygltf::Model& _model;
-    const std::vector<std::uint32_t>& _places;
-    KeyBudget& _budget;
-    std::vector<std::string>& _notes;
-    std::map<std::uint32_t, std::size_t> _tracks;
-    std::set<std::pair<int, std::string>> _seen;
-};
-
 /// Counts the keys that all channels together stand for; many of them may share one list of numbers.
 void expectKeys(const tinygltf::Model& model, KeyBudget& budget) {
     for (const tinygltf::Animation& animation : model.animations)
@@ -277,13 +143,6 @@ void expectKeys(const tinygltf::Model& model, KeyBudget& budget) {
             if (static_cast<std::size_t>(times) < model.accessors.size())
                 budget.expect(model.accessors[static_cast<std::size_t>(times)].count);
         }
-}
-
-std::string leftOut(const tinygltf::Model& model) {
-    LeftOut rest;
-    rest.add(model.cameras.size(), "camera", "cameras");
-    rest.add(model.lights.size(), "light", "lights");
-    return rest.note();
 }
 
 } // namespace
@@ -303,11 +162,9 @@ Motion readGltf(const ConfinedFolder& folder, KeyBudget budget) {
     const std::vector<std::uint32_t> places = putParentsFirst(nodes);
     motion.nodes = std::move(nodes);
     for (std::size_t i = 0; i < model.animations.size(); ++i)
-        motion.takes.push_back(TakeReader(model, places, budget, motion.notes)
-                                   .read(model.animations[i], i, outline.animations[i]));
+        motion.takes.push_back(readGltfTake(model, i, outline.animations[i], places, budget, motion.notes));
     readGltfMeshes(model, places, folder, motion);
-    if (const std::string note = leftOut(model); !note.empty())
-        motion.notes.push_back(note);
+    readGltfCameras(model, places, motion);
     return motion;
 }
 

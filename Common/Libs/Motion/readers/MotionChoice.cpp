@@ -39,6 +39,13 @@ void scaleLengths(Motion& motion, double factor) {
         for (MotionMorph& morph : mesh.morphs)
             scale(morph.offsets);
     }
+    for (MotionCamera& camera : motion.cameras)
+        scale(camera.position);
+    for (MotionLight& light : motion.lights) {
+        scale(light.position);
+        light.attenuation[1] /= factor;
+        light.attenuation[2] /= factor * factor;
+    }
     constexpr std::size_t cells = 16, translation = 12;
     for (MotionSkin& skin : motion.skins)
         for (std::size_t i = 0; i + cells <= skin.inverseBinds.size(); i += cells)
@@ -52,15 +59,24 @@ void turnZUp(Motion& motion) {
     const double half = std::sqrt(0.5); // a quarter turn back about X
     motion.nodes.insert(
         motion.nodes.begin(),
-        {"z_up", MotionNode::noParent, {0, 0, 0}, {-half, 0, 0, half}, {1, 1, 1}, sceneOrder});
+        {"z_up", MotionNode::noParent, {0, 0, 0}, {-half, 0, 0, half}, {1, 1, 1}, sceneOrder, true});
     for (std::size_t i = 1; i < motion.nodes.size(); ++i)
         ++motion.nodes[i].parent; // of roots, noParent becomes 0
-    for (MotionTake& take : motion.takes)
+    for (MotionTake& take : motion.takes) {
         for (MotionTrack& track : take.tracks)
             ++track.node;
-    for (MotionMesh& mesh : motion.meshes)
-        for (std::uint32_t& node : mesh.nodes)
-            ++node;
+        for (MotionPropertyTrack& track : take.properties)
+            if (track.property == MotionProperty::Visible)
+                ++track.owner;
+    }
+    const auto shift = [](auto& list) {
+        for (auto& carried : list)
+            for (std::uint32_t& node : carried.nodes)
+                ++node;
+    };
+    shift(motion.meshes);
+    shift(motion.cameras);
+    shift(motion.lights);
     for (MotionSkin& skin : motion.skins)
         for (std::uint32_t& joint : skin.joints)
             ++joint;

@@ -8,7 +8,8 @@ namespace ka::motion {
 /// @throws Failure (Usage), which names those that there are, when there is none.
 void keepTake(Motion& motion, const std::string& name);
 
-/// Makes every length `factor` times as long: places of nodes and corners, keys, and what binds skins.
+/// Makes every length `factor` times as long: places of nodes and corners, keys, what binds skins, and the distances
+/// at which lights fade.
 void scaleLengths(Motion& motion, double factor);
 
 /// Turns a motion whose Z points up so that Y does, by a node "z_up" above everything.

@@ -7,7 +7,7 @@ namespace ka::motion {
 
 namespace {
 
-constexpr std::uint32_t magic = 0x6B614D32;
+constexpr std::uint32_t magic = 0x6B614D33;
 
 /// The layout, told once for both directions: `stream` either packs the parts that it is given or fills them.
 template <class Stream, class Part>
@@ -29,6 +29,28 @@ void describe(Stream& stream, Part& part) {
     } else if constexpr (std::is_same_v<Plain, MotionTake>) {
         stream(part.name);
         stream.list(part.tracks);
+        stream.list(part.properties);
+    } else if constexpr (std::is_same_v<Plain, MotionPropertyTrack>) {
+        stream(part.property);
+        stream(part.owner);
+        stream.list(part.components);
+    } else if constexpr (std::is_same_v<Plain, MotionCamera>) {
+        stream(part.name);
+        stream.numbers(part.nodes);
+        stream(part.fieldOfView);
+        stream(part.position);
+        stream(part.direction);
+        stream(part.up);
+    } else if constexpr (std::is_same_v<Plain, MotionLight>) {
+        stream(part.name);
+        stream.numbers(part.nodes);
+        stream(part.kind);
+        stream(part.color);
+        stream(part.position);
+        stream(part.direction);
+        stream(part.innerCone);
+        stream(part.outerCone);
+        stream(part.attenuation);
     } else if constexpr (std::is_same_v<Plain, MotionNode>) {
         stream(part.name);
         stream(part.parent);
@@ -36,6 +58,7 @@ void describe(Stream& stream, Part& part) {
         stream(part.rotation);
         stream(part.scale);
         stream(part.order);
+        stream(part.isVisible);
     } else if constexpr (std::is_same_v<Plain, MotionMaterial>) {
         stream(part.name);
         stream(part.color);
@@ -68,6 +91,8 @@ void describe(Stream& stream, Part& part) {
         stream.list(part.meshes);
         stream.list(part.materials);
         stream.list(part.skins);
+        stream.list(part.cameras);
+        stream.list(part.lights);
         stream.list(part.notes);
     } else {
         stream(part.time);
@@ -134,13 +159,10 @@ class Unpacker {
         _bytes.remove_prefix(sizeof value);
     }
 
-    void operator()(Interpolation& value) {
-        std::uint8_t number = 0;
-        (*this)(number);
-        if (number > static_cast<std::uint8_t>(Interpolation::Cubic))
-            return fail();
-        value = static_cast<Interpolation>(number);
-    }
+    void operator()(Interpolation& value) { choice(value, Interpolation::Cubic); }
+    void operator()(MotionProperty& value) { choice(value, MotionProperty::Visible); }
+    void operator()(LightKind& value) { choice(value, LightKind::Spot); }
+    void operator()(bool& value) { choice(value, true); }
 
     void operator()(EulerOrder& order) {
         EulerOrder read{};
@@ -193,6 +215,16 @@ class Unpacker {
     bool isComplete() const { return !_failed && _bytes.empty(); }
 
   private:
+    /// One of the values up to `last`.
+    template <class Choice>
+    void choice(Choice& value, Choice last) {
+        std::uint8_t number = 0;
+        (*this)(number);
+        if (number > static_cast<std::uint8_t>(last))
+            return fail();
+        value = static_cast<Choice>(number);
+    }
+
     void fail() {
         _failed = true;
         _bytes = {};

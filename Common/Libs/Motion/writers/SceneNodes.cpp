@@ -65,7 +65,7 @@ class NodeDescriber {
         identity.setIdentity();
         if (parts != osg::NullFC) {
             if (!parts->getMatrix().equals(identity, 0.0F)) {
-                MotionNode outer{made.name + "_matrix", parent, {}, {}, {1, 1, 1}, sceneOrder};
+                MotionNode outer{made.name + "_matrix", parent, {}, {}, {1, 1, 1}, sceneOrder, true};
                 takeApart(parts->getMatrix(), outer);
                 made.parent = append(std::move(outer), node);
             }
