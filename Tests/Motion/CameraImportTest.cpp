@@ -12,6 +12,7 @@
 #include <OpenSG/OSGSpotLight.h>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <kaMotion/Exporting.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/Saving.h>
 #include <optional>
@@ -210,6 +211,29 @@ TEST_F(Stage, KeepsItsCamerasAndLightsInAScene) {
     EXPECT_EQ(nodeName(core<osg::SpotLightPtr>("torch")->getBeacon()), "hand");
     const auto paint = osg::SimpleMaterialPtr::dcast(core<osg::MaterialGroupPtr>("paint")->getMaterial());
     EXPECT_NEAR(paint->getEmission()[2], 0.5F, 1e-6F);
+}
+
+TEST_F(Stage, KeepsItsCamerasLightsAndWeightsInAnExport) {
+    GltfFile file = stage();
+    const int times = file.floats({0, 1, 3}, "SCALAR");
+    file.channel(3, "weights", times, file.floats({0, 1, 1, 0.5F, 0.25F, 0}, "SCALAR"), "LINEAR");
+    open(file);
+    const ExportedFile exported = exportAs(ExportKind::Glb, *_project, exportedObjects(), ExportOptions());
+    _project.reset();
+    ProjectFiles files;
+    files.file = _folder.put("again.glb", exported.bytes);
+    files.import.framesPerSecond = 25.0;
+    _project.emplace(files);
+    EXPECT_EQ(nodeName(node("eye")->getParent()), "tripod");
+    EXPECT_FLOAT_EQ(core<osg::CameraSettingPtr>("eye")->getFieldOfView(), 0.5F);
+    EXPECT_EQ(core<osg::DirectionalLightPtr>("sun")->getDiffuse(), osg::Color4f(2, 1, 0.5F, 1));
+    const auto torch = core<osg::SpotLightPtr>("torch");
+    EXPECT_FLOAT_EQ(torch->getSpotCutOff(), 0.3F);
+    EXPECT_NEAR(std::pow(std::cos(0.2F), torch->getSpotExponent()), 0.5F, 1e-4F);
+    EXPECT_FALSE(node("hidden")->getActive());
+    show(20.0F); // at 25 frames a second of the export that is two seconds of the source at 10
+    EXPECT_NEAR(core<osg::MorphTargetPtr>("shape 1")->getWeight(), 0.625F, 1e-4F);
+    EXPECT_NEAR(core<osg::MorphTargetPtr>("shape 2")->getWeight(), 0.25F, 1e-4F);
 }
 
 TEST(AssimpStage, HasTheSameCamerasLightsAndShapes) {

@@ -95,6 +95,8 @@ void GltfMeshWriter::write(ordered_json& document, ordered_json& nodes) {
                 nodes[node]["children"].push_back(at);
             }
             nodes[at]["mesh"] = document["meshes"].size() - 1;
+            if (!weights.empty())
+                _shapes.try_emplace(node, at, weights.size());
             if (kind.second != MotionMesh::none)
                 nodes[at]["skin"] = skins.at(kind.second);
             isFirst = false;

@@ -16,6 +16,9 @@ class GltfMeshWriter {
     /// Adds to the document's lists, and to `nodes` which mesh and skin each shows.
     void write(nlohmann::ordered_json& document, nlohmann::ordered_json& nodes);
 
+    /// The node of the document that shows the shapes of a node, and how many; none for a node without.
+    const std::map<std::uint32_t, std::pair<std::size_t, std::size_t>>& shapes() const { return _shapes; }
+
   private:
     nlohmann::ordered_json primitiveOf(const MotionMesh& mesh);
     nlohmann::ordered_json materialOf(const MotionMaterial& material, nlohmann::ordered_json& document);
@@ -23,6 +26,7 @@ class GltfMeshWriter {
 
     const Motion& _motion;
     GltfBuffer& _buffer;
+    std::map<std::uint32_t, std::pair<std::size_t, std::size_t>> _shapes;
     std::map<std::int32_t, std::size_t> _plain; ///< materials once more, without their pictures
 };
 

@@ -3,7 +3,9 @@
 #include "kaMotion/Failure.h"
 #include "kaMotion/Text.h"
 #include "writers/GltfBuffer.h"
+#include "writers/GltfCameraWriter.h"
 #include "writers/GltfMeshWriter.h"
+#include "writers/WeightRows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,21 +48,25 @@ double earliest(const MotionChannel<Width>& channel) {
 
 double earliest(const MotionTake& take) {
     double first = std::numeric_limits<double>::infinity();
-    for (const MotionTrack& track : take.tracks)
+    for (const MotionTrack& track : take.tracks) {
         first =
             std::min({first, earliest(track.translation), earliest(track.scale), earliest(track.quaternion)});
+        for (const MotionChannel<1>& weight : track.weights)
+            first = std::min(first, earliest(weight));
+    }
     return first;
 }
 
 class GltfDocument {
   public:
-    explicit GltfDocument(const Motion& motion) : _motion(motion) {}
+    explicit GltfDocument(const Motion& motion) : _motion(motion), _meshes(motion, _buffer) {}
 
     WrittenGltf write(bool isBinary) {
         addNodes();
+        _meshes.write(_shown, _nodes);
         for (const MotionTake& take : _motion.takes)
             addAnimation(take);
-        GltfMeshWriter(_motion, _buffer).write(_shown, _nodes);
+        writeGltfCameras(_motion, _shown, _nodes);
         ordered_json document = assembled();
         _written.bytes = isBinary ? binary(document) : text(document);
         return std::move(_written);
@@ -100,6 +106,7 @@ class GltfDocument {
             addChannel(track.node, "translation", track.translation);
             addChannel(track.node, "rotation", track.quaternion);
             addChannel(track.node, "scale", track.scale);
+            addWeights(track);
         }
         if (_channels.empty())
             return;
@@ -110,6 +117,30 @@ class GltfDocument {
         ++_written.animations;
         _animations.push_back(
             {{"name", take.name}, {"samplers", std::move(_samplers)}, {"channels", std::move(_channels)}});
+    }
+
+    void addWeights(const MotionTrack& track) {
+        const auto shapes = _meshes.shapes().find(track.node);
+        if (track.weights.empty() || shapes == _meshes.shapes().end())
+            return;
+        const auto [node, count] = shapes->second;
+        const WeightRows rows = weightRows(track.weights, restWeights(track.node, count), _shift);
+        if (rows.times.empty())
+            return;
+        _samplers.push_back({{"input", _buffer.addFloats(rows.times, "SCALAR", 1)},
+                             {"output", _buffer.addFloats(rows.values, "SCALAR", 1)},
+                             {"interpolation", interpolationName(rows.interpolation)}});
+        _channels.push_back(
+            {{"sampler", _samplers.size() - 1}, {"target", {{"node", node}, {"path", "weights"}}}});
+    }
+
+    std::vector<float> restWeights(std::uint32_t node, std::size_t count) const {
+        std::vector<float> weights(count);
+        for (const MotionMesh& mesh : _motion.meshes)
+            if (mesh.morphs.size() == count && std::count(mesh.nodes.begin(), mesh.nodes.end(), node) > 0)
+                std::transform(mesh.morphs.begin(), mesh.morphs.end(), weights.begin(),
+                               [](const MotionMorph& morph) { return morph.weight; });
+        return weights;
     }
 
     template <std::size_t Width>
@@ -216,6 +247,7 @@ class GltfDocument {
     const Motion& _motion;
     WrittenGltf _written;
     GltfBuffer _buffer;
+    GltfMeshWriter _meshes;
     std::vector<std::size_t> _roots;
     ordered_json _nodes = ordered_json::array(), _animations = ordered_json::array();
     ordered_json _shown = ordered_json::object(); ///< meshes and what belongs to them

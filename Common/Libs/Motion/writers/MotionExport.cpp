@@ -2,6 +2,7 @@
 
 #include "kaMotion/Text.h"
 #include "readers/MeshCheck.h"
+#include "writers/SceneCameras.h"
 #include "writers/SceneMeshes.h"
 #include "writers/SceneNodes.h"
 
@@ -64,6 +65,9 @@ class MotionDescriber {
     Motion run(const Project& project, const std::vector<kaAnimationObject*>& objects) {
         _scene = describeNodes(project.root());
         _report.nodes = _scene.nodes.size();
+        _motion.nodes = _scene.nodes;
+        _morphs = describeMeshes(project.root(), _scene, _motion);
+        describeCameras(project.root(), _scene, _motion);
         std::vector<kaAnimationObject*> loose;
         for (kaAnimationObject* object : objects) {
             if (object->getTypeID() == KA_TYPE_STRIP)
@@ -74,8 +78,6 @@ class MotionDescriber {
         if (!loose.empty())
             addTake(loose.size() == 1 ? utf8FromLatin1(loose.front()->getName()) : "animation", loose);
         noteTheRest();
-        _motion.nodes = std::move(_scene.nodes);
-        describeMeshes(project.root(), _scene, _motion);
         readPictures(_motion, project.file());
         checkMeshes(_motion, _motion.notes);
         _report.notes.insert(_report.notes.end(), _motion.notes.begin(), _motion.notes.end());
@@ -90,10 +92,14 @@ class MotionDescriber {
         std::vector<kaAnimationCurve2D*> curves;
         bool isEvaluated = false;
     };
-    using NodeCurves = std::map<std::uint32_t, std::array<std::array<Driven, 3>, 3>>;
+    struct NodeCurves {
+        std::array<std::array<Driven, 3>, 3> parts;
+        std::map<std::size_t, Driven> weights; ///< by the shape
+    };
+    using TakeCurves = std::map<std::uint32_t, NodeCurves>; ///< by the node
 
     void addTake(const std::string& name, const std::vector<kaAnimationObject*>& objects) {
-        NodeCurves nodes;
+        TakeCurves nodes;
         std::set<kaAnimationCurve2D*> seen;
         for (kaAnimationObject* object : objects)
             for (kaAnimationCurve2D* curve : object->getCurves())
@@ -101,7 +107,8 @@ class MotionDescriber {
                     place(*curve, nodes);
         evaluateShared(objects, nodes);
         MotionTake take{name, {}};
-        for (const auto& [node, parts] : nodes) {
+        for (const auto& [node, driven] : nodes) {
+            const auto& parts = driven.parts;
             MotionTrack track;
             track.node = node;
             if (isDriven(parts[0]))
@@ -110,6 +117,10 @@ class MotionDescriber {
                 track.quaternion = sampleRotation(functions(node, 1, parts[1]), _options, _report.channels);
             if (isDriven(parts[2]))
                 track.scale = sampleVector(functions(node, 2, parts[2]), _options, _report.channels);
+            for (const auto& [shape, weight] : driven.weights) {
+                track.weights.resize(std::max(track.weights.size(), shape + 1));
+                track.weights[shape] = sampleWeight(weight);
+            }
             take.tracks.push_back(std::move(track));
         }
         if (take.tracks.empty())
@@ -122,11 +133,32 @@ class MotionDescriber {
         return std::any_of(part.begin(), part.end(), [](const Driven& d) { return !d.curves.empty(); });
     }
 
-    void place(kaAnimationCurve2D& curve, NodeCurves& nodes) {
+    MotionChannel<1> sampleWeight(const Driven& weight) {
+        const CurveFunction none(0.0);
+        const MotionChannel<3> wide =
+            sampleVector({CurveFunction(keysOf(weight), 0.0), none, none}, _options, _report.channels);
+        MotionChannel<1> channel{wide.interpolation, {}};
+        for (const MotionKey<3>& key : wide.keys)
+            channel.keys.push_back({key.time, {key.value[0]}, {key.inTangent[0]}, {key.outTangent[0]}});
+        return channel;
+    }
+
+    std::vector<PlainKey> keysOf(const Driven& driven) const {
+        return driven.isEvaluated ? _evaluated.at(driven.curves.front()->getField())
+                                  : plainKeys(*driven.curves.front());
+    }
+
+    void place(kaAnimationCurve2D& curve, TakeCurves& nodes) {
         if (!curve.isActive())
             return void(++_inactive);
         const kaAnimationField* field = kaAnimationManager::the()->getField(curve.getField());
-        if (field != nullptr && field->attribute == "weight")
+        if (field != nullptr && field->attribute == "weight") {
+            const auto morph = _morphs.find(static_cast<osg::UInt32>(field->nodeID));
+            if (morph == _morphs.end())
+                return void(++_others[field->attribute]);
+            return drive(curve, nodes[morph->second.node].weights[morph->second.shape]);
+        }
+        if (field != nullptr && isCarried(field->attribute))
             return void(++_others[field->attribute]);
         const auto node = field == nullptr ? _scene.places.end()
                                            : _scene.places.find(static_cast<osg::UInt32>(field->nodeID));
@@ -136,7 +168,16 @@ class MotionDescriber {
         if (!placementOf(field->attribute, placement) ||
             osg::Transform3DPtr::dcast(_scene.sources[node->second]->getCore()) == osg::NullFC)
             return void(++_others[field->attribute]);
-        Driven& driven = nodes[node->second][static_cast<std::size_t>(placement.part)][placement.axis];
+        drive(curve, nodes[node->second].parts[static_cast<std::size_t>(placement.part)][placement.axis]);
+    }
+
+    /// Of what a node carries rather than of its place: nodes of cameras, lights and materials are not described.
+    static bool isCarried(const std::string& attribute) {
+        Placement placement;
+        return !placementOf(attribute, placement);
+    }
+
+    void drive(kaAnimationCurve2D& curve, Driven& driven) {
         driven.curves.push_back(&curve);
         driven.isEvaluated = driven.curves.size() > 1 || curve.isRepeating() || isInRepeating(curve);
         ++_report.curves;
@@ -152,13 +193,18 @@ class MotionDescriber {
     }
 
     /// Fields that more than their one curve decides, as playback has them.
-    void evaluateShared(const std::vector<kaAnimationObject*>& objects, NodeCurves& nodes) {
+    void evaluateShared(const std::vector<kaAnimationObject*>& objects, const TakeCurves& nodes) {
         std::map<kaUID, std::vector<std::pair<float, float>>> fields;
-        for (auto& [node, parts] : nodes)
-            for (const auto& part : parts)
-                for (const Driven& driven : part)
-                    if (driven.isEvaluated)
-                        fields[driven.curves.front()->getField()];
+        const auto list = [&fields](const Driven& driven) {
+            if (driven.isEvaluated)
+                fields[driven.curves.front()->getField()];
+        };
+        for (const auto& [node, curves] : nodes) {
+            for (const auto& part : curves.parts)
+                std::for_each(part.begin(), part.end(), list);
+            for (const auto& [shape, weight] : curves.weights)
+                list(weight);
+        }
         if (fields.empty())
             return;
         constexpr double perFrame = 2.0, most = 1e7;
@@ -182,8 +228,7 @@ class MotionDescriber {
         std::array<std::vector<PlainKey>, 3> keys;
         for (std::size_t axis = 0; axis < 3; ++axis)
             if (!driven[axis].curves.empty())
-                keys[axis] = driven[axis].isEvaluated ? _evaluated.at(driven[axis].curves.front()->getField())
-                                                      : plainKeys(*driven[axis].curves.front());
+                keys[axis] = keysOf(driven[axis]);
         return {CurveFunction(std::move(keys[0]), rest[0]), CurveFunction(std::move(keys[1]), rest[1]),
                 CurveFunction(std::move(keys[2]), rest[2])};
     }
@@ -222,6 +267,7 @@ class MotionDescriber {
     ExportReport& _report;
     SceneNodes _scene;
     Motion _motion;
+    MorphPlaces _morphs;
     std::map<kaUID, std::vector<PlainKey>> _evaluated; ///< by field, of the take that is being added
     std::map<std::string, std::size_t> _others;        ///< curves of other attributes
     std::size_t _homeless = 0, _inactive = 0, _evaluatedFields = 0;

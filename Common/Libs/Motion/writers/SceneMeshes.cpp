@@ -35,7 +35,7 @@ class MeshDescriber {
   public:
     MeshDescriber(const SceneNodes& scene, Motion& motion) : _scene(scene), _motion(motion) {}
 
-    void run(const osg::NodePtr& root) {
+    MorphPlaces run(const osg::NodePtr& root) {
         struct Pending {
             osg::NodePtr node;
             std::int32_t place; ///< of the nearest described node at or above it
@@ -59,6 +59,7 @@ class MeshDescriber {
         if (_left > 0)
             _motion.notes.push_back("left out " + counted(_left, "part") +
                                     " of meshes that are not triangles");
+        return std::move(_morphs);
     }
 
   private:
@@ -76,11 +77,14 @@ class MeshDescriber {
             mesh.texCoords = numbersOf(*geometry->getTexCoords()->getMFTexCoords(), 2);
         mesh.material = materialOf(geometry->getMaterial());
         readSkin(node, mesh);
+        std::vector<osg::UInt32> shapes;
         for (osg::UInt32 i = 0; i < node->getNChildren(); ++i) {
             const osg::MorphTargetPtr target = osg::MorphTargetPtr::dcast(node->getChild(i)->getCore());
-            if (target != osg::NullFC)
-                mesh.morphs.push_back({nodeName(node->getChild(i)), target->getWeight(),
-                                       numbersOf(*target->getMFOffsets(), 3)});
+            if (target == osg::NullFC)
+                continue;
+            shapes.push_back(node->getChild(i).getFieldContainerId());
+            mesh.morphs.push_back(
+                {nodeName(node->getChild(i)), target->getWeight(), numbersOf(*target->getMFOffsets(), 3)});
         }
         if (place == MotionNode::noParent) { // a skin, or a geometry that nothing places
             _motion.nodes.push_back({mesh.name.empty() ? "mesh" : mesh.name,
@@ -92,6 +96,8 @@ class MeshDescriber {
             place = static_cast<std::int32_t>(_motion.nodes.size() - 1);
         }
         mesh.nodes.push_back(static_cast<std::uint32_t>(place));
+        for (std::size_t i = 0; i < shapes.size(); ++i)
+            _morphs[shapes[i]] = {static_cast<std::uint32_t>(place), i, mesh.morphs[i].weight};
         _motion.meshes.push_back(std::move(mesh));
     }
 
@@ -175,13 +181,14 @@ class MeshDescriber {
     const SceneNodes& _scene;
     Motion& _motion;
     std::map<osg::UInt32, std::int32_t> _materials;
+    MorphPlaces _morphs;
     std::size_t _left = 0;
 };
 
 } // namespace
 
-void describeMeshes(const osg::NodePtr& root, const SceneNodes& scene, Motion& motion) {
-    MeshDescriber(scene, motion).run(root);
+MorphPlaces describeMeshes(const osg::NodePtr& root, const SceneNodes& scene, Motion& motion) {
+    return MeshDescriber(scene, motion).run(root);
 }
 
 void readPictures(Motion& motion, const std::string& file) {

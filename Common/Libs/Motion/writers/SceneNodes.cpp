@@ -5,7 +5,10 @@
 #include "kaMotion/Text.h"
 #include "readers/NodeOrder.h"
 
+#include <OpenSG/OSGCameraSetting.h>
 #include <OpenSG/OSGGeometry.h>
+#include <OpenSG/OSGLight.h>
+#include <OpenSG/OSGMaterialGroup.h>
 #include <OpenSG/OSGTransform3D.h>
 #include <OpenSG/OSGTransformAttachment.h>
 #include <kaNodeUtils.h>
@@ -49,9 +52,13 @@ class NodeDescriber {
                 _pending.push_back({node->getChild(i), parent});
     }
 
-    /// What is shown, with what is below it.
+    /// What is shown, with what is below it, and what other nodes carry.
     static bool isShape(const osg::NodePtr& node) {
-        return osg::GeometryPtr::dcast(node->getCore()) != osg::NullFC;
+        const osg::NodeCorePtr core = node->getCore();
+        const bool isCarried = osg::CameraSettingPtr::dcast(core) != osg::NullFC ||
+                               osg::LightPtr::dcast(core) != osg::NullFC ||
+                               osg::MaterialGroupPtr::dcast(core) != osg::NullFC;
+        return osg::GeometryPtr::dcast(core) != osg::NullFC || (isCarried && node->getNChildren() == 0);
     }
 
     /// @return its place.
@@ -78,6 +85,7 @@ class NodeDescriber {
         } else if (matrix != osg::NullFC) {
             takeApart(matrix->getMatrix(), made);
         }
+        made.isVisible = node->getTravMask() != 0;
         const std::int32_t place = append(std::move(made), node);
         _found.places.emplace(node.getFieldContainerId(), static_cast<std::uint32_t>(place));
         return place;
