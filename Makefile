@@ -28,19 +28,23 @@ demo: setup ## import a real motion, play it and draw it into out/
 # Without a display the window opens on one in memory, for three seconds.
 STUDIO_FILE ?= /usr/share/assimp/models/BVH/01_01.bvh
 .PHONY: studio
-studio: setup setup-studio ## build the studio and open it on a real motion
-	@test -f build/release/build.ninja || cmake --preset release
+studio: setup setup-studio configure-studio ## build the studio and open it on a real motion
 	cmake --build --preset release --target ka-studio
 	@if [ -n "$${DISPLAY:-}$${WAYLAND_DISPLAY:-}" ]; then build/release/bin/ka-studio $(STUDIO_FILE); \
 	else echo "no display: opened for three seconds on one in memory"; \
 		xvfb-run -a build/release/bin/ka-studio --quit-after 3 $(STUDIO_FILE); fi
 
+# Qt 3D may have come after the tree was configured.
+.PHONY: configure-studio
+configure-studio:
+	@grep -qs '^Qt53DRender_DIR:PATH=/' build/release/CMakeCache.txt || cmake --preset release
+
 .PHONY: bench-studio
-bench-studio: setup setup-studio build-release ## measure what a user of the studio waits for, as a table
+bench-studio: setup setup-studio configure-studio build-release ## measure what a user of the studio waits for, as a table
 	xvfb-run -a -s "-screen 0 1600x1000x24" build/release/bin/ka-studio-bench
 
 .PHONY: test
-test: setup-studio setup-python configure-python test-release ## build everything, optimised, and run all tests
+test: setup-studio setup-python configure-python configure-studio test-release ## build everything, optimised, and run all tests
 
 # The Python package is a part of the tests' build alone: it has packages of its own.
 .PHONY: configure-python

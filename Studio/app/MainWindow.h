@@ -85,6 +85,8 @@ class MainWindow : public QMainWindow {
     void buildViewMenu();
     void buildTransport();
     void buildSceneMenu();
+    void addCameras(QMenu* menu);
+    void addDrawings(QMenu* menu);
     void buildClipMenu();
     void addFlag(QMenu* menu, const char* name, const QString& text, const QString& tip, int flag);
     void onPicked(unsigned int node);

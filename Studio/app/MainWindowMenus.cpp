@@ -176,6 +176,7 @@ void MainWindow::buildViewMenu() {
               tr("What is dragged goes to whole values"), false,
               [this](bool on) { _axis.setSnapsValues(on); });
     _viewMenu->addSeparator();
+    addDrawings(_viewMenu);
     QMenu* panels = _viewMenu->addMenu(tr("&Panels"));
     connect(panels, &QMenu::aboutToShow, this, [this, panels] {
         panels->clear();

@@ -173,10 +173,10 @@ void MainWindow::buildSceneMenu() {
               [this](bool on) { _scene->setTrail(on); });
     addSwitch("ghosts", tr("&Ghosts"), Qt::Key_G, tr("The figure some frames before and after"), false,
               [this](bool on) { _scene->setGhosts(on); });
-    addSwitch("zUp", tr("&Z is up"), 0, tr("Which direction of the world is up"), false, [this](bool on) {
-        _scene->camera().setZUp(on);
-        _scene->update();
-    });
+    addSwitch("bones", tr("&Bones"), Qt::Key_B, tr("Joints and bones"), true,
+              [this](bool on) { _scene->setBones(on); });
+    addSwitch("zUp", tr("&Z is up"), 0, tr("Which direction of the world is up"), false,
+              [this](bool on) { _scene->setZUp(on); });
     menu->addSeparator();
     addAction(menu, "sceneAll", tr("Frame a&ll"), QKeySequence(Qt::SHIFT | Qt::Key_A),
               tr("Show the whole figure"), [this] { _scene->frameAll(); });
@@ -184,17 +184,16 @@ void MainWindow::buildSceneMenu() {
               tr("Show the picked joint"), [this] { _scene->frameSelection(); });
     using Side = OrbitCamera::Side;
     const auto addView = [&](const char* name, const QString& text, Side side) {
-        addAction(menu, name, text, {}, tr("Look from there"), [this, side] {
-            _scene->camera().look(side);
-            _scene->update();
-        });
+        addAction(menu, name, text, {}, tr("Look from there"), [this, side] { _scene->look(side); });
     };
     addView("viewFront", tr("From the fr&ont"), Side::Front);
     addView("viewBack", tr("From &behind"), Side::Back);
     addView("viewLeft", tr("From the l&eft"), Side::Left);
     addView("viewRight", tr("From the r&ight"), Side::Right);
     addView("viewTop", tr("From abo&ve"), Side::Top);
+    addView("viewBottom", tr("From belo&w"), Side::Bottom);
     addView("viewCorner", tr("From a &corner"), Side::Corner);
+    addCameras(menu);
     addAction(menu, "playAll", tr("Play e&verything"), {},
               tr("All blocks that stand by themselves, and the first clip"), [this] {
                   std::vector<kaUID> played;

@@ -1,9 +1,14 @@
 #include "Importer.h"
 #include "MainWindow.h"
+#ifdef KA_WITH_OPENGL
+#include "drawing/DrawingProcess.h"
+#endif
+#include "views/SceneView.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
+#include <cstdio>
 
 /// The studio: opens what the command line names.
 int main(int argc, char** argv) {
@@ -13,6 +18,15 @@ int main(int argc, char** argv) {
             QCoreApplication core(argc, argv);
             return Importer::run(core.arguments().at(i + 2), core.arguments().at(i + 1));
         }
+    if (argc == 3 && QString::fromLocal8Bit(argv[1]) == QLatin1String("--draw-into")) {
+#ifdef KA_WITH_OPENGL
+        QGuiApplication gui(argc, argv);
+        return runDrawing(QString::fromLocal8Bit(argv[2]).toInt());
+#else
+        std::puts("without");
+        return 1;
+#endif
+    }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
@@ -32,8 +46,16 @@ int main(int argc, char** argv) {
         QCoreApplication::translate("main", "End after so many seconds of being open."),
         QStringLiteral("seconds"));
     parser.addOption(quit);
+    const QCommandLineOption drawing(
+        QStringLiteral("drawing"),
+        QCoreApplication::translate("main", "How the scene is drawn: automatic, opengl or plain."),
+        QStringLiteral("way"));
+    parser.addOption(drawing);
     parser.process(application);
     MainWindow window;
+    if (parser.isSet(drawing))
+        if (const auto way = SceneView::drawingNamed(parser.value(drawing)))
+            window.sceneView().setDrawing(*way);
     window.show();
     const bool isRecovered = !parser.isSet(quit) && window.offerRecovery();
     if (!isRecovered && !parser.positionalArguments().isEmpty())

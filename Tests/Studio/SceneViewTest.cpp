@@ -51,9 +51,9 @@ TEST_F(Scene, OrbitsPansAndZooms) {
     drag(view(), QPoint(60, 60), QPoint(160, 60));
     EXPECT_GT((view().camera().eye() - eye).length(), 1.0F);
     EXPECT_NEAR(static_cast<double>((view().camera().target() - target).length()), 0.0, 1e-5);
-    const QPointF before = view().camera().project(target, view().size()).value();
+    const QPointF before = view().viewpoint().project(target, view().size()).value();
     drag(view(), QPoint(60, 60), QPoint(90, 70), Qt::MiddleButton);
-    const QPointF moved = view().camera().project(target, view().size()).value() - before;
+    const QPointF moved = view().viewpoint().project(target, view().size()).value() - before;
     EXPECT_NEAR(moved.x(), 30.0, 1.0) << "what is looked at goes along with the hand";
     EXPECT_NEAR(moved.y(), 10.0, 1.0);
     const float distance = view().camera().distance();
@@ -84,7 +84,7 @@ TEST_F(Scene, MovesAJointByAnArrowAndSetsKeys) {
     const float before = place("hip").x();
     ASSERT_EQ(key(way, 25), nullptr);
     const QPoint tip = view().pixelOfGizmo(0).toPoint();
-    const double units = static_cast<double>(view().camera().unitsPerPixel(place("hip"), view().size()));
+    const double units = static_cast<double>(view().viewpoint().unitsPerPixel(place("hip"), view().size()));
     drag(view(), tip, tip + QPoint(40, 0));
     ASSERT_NE(key(way, 25), nullptr) << "auto-key sets one";
     EXPECT_NEAR(static_cast<double>(key(way, 25)->getMaximum() - before), 40 * units, 0.1 * 40 * units);

@@ -1,5 +1,7 @@
 #include "WindowFixture.h"
 
+#include "space/DrawingClient.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QMessageBox>
@@ -47,6 +49,8 @@ void WindowFixture::SetUp() {
     startApplication();
     QSettings().clear();
     Importer::setProgram(QStringLiteral(KA_STUDIO_PROGRAM));
+    DrawingClient::setProgram(QStringLiteral(KA_STUDIO_PROGRAM));
+    qputenv("KA_STUDIO_DRAWING", "plain"); // tests of the other drawing ask for it
     _window = std::make_unique<MainWindow>();
     MainWindow::Answers answers;
     answers.message = [this](const QString& text) { _messages.append(text); };

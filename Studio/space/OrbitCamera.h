@@ -1,15 +1,10 @@
 #pragma once
 
-#include <QMatrix4x4>
-#include <QPointF>
-#include <QSizeF>
-#include <QVector3D>
-#include <optional>
+#include "Viewpoint.h"
 
 namespace ka::studio {
 
-/// A camera that looks at a point from a distance and turns about it. Angles in degrees, lengths in the
-/// scene's unit.
+/// A camera that looks at a point from a distance and turns about it. Angles in degrees, lengths in the scene's unit.
 class OrbitCamera {
   public:
     enum class Side { Front, Back, Left, Right, Top, Bottom, Corner };
@@ -21,6 +16,8 @@ class OrbitCamera {
     /// Looks at a box from the side it is on, with all of it in view.
     void frame(const QVector3D& low, const QVector3D& high);
     void look(Side side);
+    /// Stands where a viewpoint is and looks along with it, upright.
+    void standAt(const Viewpoint& viewpoint);
     void setTarget(const QVector3D& target) { _target = target; }
     const QVector3D& target() const { return _target; }
     float distance() const { return _distance; }
@@ -28,13 +25,8 @@ class OrbitCamera {
     bool isZUp() const { return _isZUp; }
     QVector3D up() const { return _isZUp ? QVector3D(0, 0, 1) : QVector3D(0, 1, 0); }
     QVector3D eye() const;
-    QVector3D direction() const { return (_target - eye()).normalized(); }
 
-    QMatrix4x4 viewMatrix() const;
-    /// Where a place is seen, in pixels; none behind the camera.
-    std::optional<QPointF> project(const QVector3D& place, const QSizeF& view) const;
-    /// Length in the scene that a pixel covers at a place's depth.
-    float unitsPerPixel(const QVector3D& place, const QSizeF& view) const;
+    Viewpoint viewpoint() const;
 
   private:
     QVector3D _target{0, 0, 0};

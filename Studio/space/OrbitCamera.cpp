@@ -10,10 +10,6 @@ namespace {
 
 constexpr float HalfField = 20.0F; ///< Degrees from the middle of the view to its upper edge.
 
-float focalLength(const QSizeF& view) {
-    return static_cast<float>(view.height()) / 2 / std::tan(qDegreesToRadians(HalfField));
-}
-
 } // namespace
 
 void OrbitCamera::orbit(float turn, float lift) {
@@ -39,16 +35,25 @@ QVector3D OrbitCamera::eye() const {
     return _target + off * _distance;
 }
 
-QMatrix4x4 OrbitCamera::viewMatrix() const {
+void OrbitCamera::standAt(const Viewpoint& viewpoint) {
+    const QVector3D off = -viewpoint.direction();
+    const QVector3D ahead = _isZUp ? QVector3D(off.x(), off.z(), -off.y()) : off;
+    _turn = qRadiansToDegrees(std::atan2(ahead.x(), ahead.z()));
+    _lift = std::clamp(qRadiansToDegrees(std::asin(std::clamp(ahead.y(), -1.0F, 1.0F))), -89.0F, 89.0F);
+    _distance = std::clamp(viewpoint.distance(), 1e-3F, 1e7F);
+    _target = viewpoint.eye() - off * _distance;
+}
+
+Viewpoint OrbitCamera::viewpoint() const {
     QMatrix4x4 matrix;
     matrix.lookAt(eye(), _target, up());
-    return matrix;
+    return Viewpoint(matrix, HalfField, _distance);
 }
 
 void OrbitCamera::pan(const QPointF& pixels, const QSizeF& view) {
-    const QMatrix4x4 matrix = viewMatrix();
-    const QVector3D right = matrix.row(0).toVector3D(), above = matrix.row(1).toVector3D();
-    const float units = unitsPerPixel(_target, view);
+    const Viewpoint seen = viewpoint();
+    const QVector3D right = seen.view().row(0).toVector3D(), above = seen.view().row(1).toVector3D();
+    const float units = seen.unitsPerPixel(_target, view);
     _target += (above * static_cast<float>(pixels.y()) - right * static_cast<float>(pixels.x())) * units;
 }
 
@@ -56,19 +61,6 @@ void OrbitCamera::frame(const QVector3D& low, const QVector3D& high) {
     _target = (low + high) / 2;
     const float radius = std::max((high - low).length() / 2, 1e-2F);
     _distance = std::clamp(radius / std::sin(qDegreesToRadians(HalfField)), 1e-3F, 1e7F);
-}
-
-std::optional<QPointF> OrbitCamera::project(const QVector3D& place, const QSizeF& view) const {
-    const QVector3D seen = viewMatrix().map(place);
-    if (!(seen.z() < -1e-4F * _distance))
-        return std::nullopt;
-    const float scale = focalLength(view) / -seen.z();
-    return QPointF(view.width() / 2 + static_cast<double>(seen.x() * scale),
-                   view.height() / 2 - static_cast<double>(seen.y() * scale));
-}
-
-float OrbitCamera::unitsPerPixel(const QVector3D& place, const QSizeF& view) const {
-    return std::max(-viewMatrix().map(place).z(), 1e-4F) / focalLength(view);
 }
 
 } // namespace ka::studio

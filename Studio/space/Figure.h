@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVector3D>
 #include <kaAnimationTypes.h>
+#include <unordered_map>
 #include <vector>
 
 namespace ka::studio {
@@ -18,25 +19,27 @@ class Figure {
         QString name;
     };
 
-    /// Takes in the nodes, parents before children.
+    /// Takes in the nodes, parents before children, and where they stand.
     void setNodes(const std::vector<osg::NodePtr>& nodes);
     const std::vector<Joint>& joints() const { return _joints; }
     int indexOf(unsigned int node) const; ///< -1 where it is none of them.
 
-    /// Where the joints are in the world now. What has gone since stays at the origin.
-    std::vector<QVector3D> places() const;
-    /// From a joint's own space to the world.
-    QMatrix4x4 worldOf(int joint) const;
+    /// Looks where the joints are now. What has gone since, and what is nowhere, goes to the origin.
+    void update();
+    /// Where the joints were at the last look.
+    const std::vector<QVector3D>& places() const { return _places; }
+    /// From a joint's own space to the world, at the last look.
+    const QMatrix4x4& worldOf(int joint) const { return _worlds[static_cast<std::size_t>(joint)]; }
+    bool isHidden(int joint) const { return _isHidden[static_cast<std::size_t>(joint)]; }
     /// From the space that a joint's translation is in to the world.
     QMatrix4x4 parentWorldOf(int joint) const;
 
-    /// The places at other frames, by evaluating the objects there; the scene is left as they have it at
-    /// `frame`.
-    std::vector<std::vector<QVector3D>> placesAt(const std::vector<float>& frames,
-                                                 const std::vector<kaUID>& objects, float frame) const;
-
   private:
     std::vector<Joint> _joints;
+    std::unordered_map<unsigned int, int> _indices;
+    std::vector<QMatrix4x4> _worlds;
+    std::vector<QVector3D> _places;
+    std::vector<bool> _isHidden; ///< or below what is
 };
 
 } // namespace ka::studio

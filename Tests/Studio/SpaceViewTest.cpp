@@ -1,0 +1,201 @@
+#include "SmallModels.h"
+#include "WindowFixture.h"
+#include "views/SceneView.h"
+#include "views/SpaceDrawing.h"
+
+#include <QAction>
+#include <csignal>
+#include <kaAnimationManager.h>
+
+namespace ka::studio {
+
+namespace {
+
+/// Long for a machine that is busy with others; drawing takes a part of a second.
+constexpr int Patience = 60000;
+
+bool isLike(const QColor& seen, const QColor& wanted) {
+    const auto bright = [](int part) { return part > 140; };
+    const auto dark = [](int part) { return part < 110; };
+    return (wanted.red() > 0 ? bright(seen.red()) : dark(seen.red())) &&
+           (wanted.green() > 0 ? bright(seen.green()) : dark(seen.green())) &&
+           (wanted.blue() > 0 ? bright(seen.blue()) : dark(seen.blue()));
+}
+
+/// The view drawn with OpenGL, on a display that may have it in software only.
+class Space : public testing::WindowFixture {
+  protected:
+    void SetUp() override {
+        WindowFixture::SetUp();
+        window().resize(1200, 800);
+    }
+    void TearDown() override {
+        qunsetenv("QT_XCB_GL_INTEGRATION");
+        WindowFixture::TearDown();
+    }
+
+    SceneView& view() { return window().sceneView(); }
+
+    void openModel(const std::string& name, const std::string& content, bool isDrawn = true) {
+        trigger("drawOpenGL");
+        window().openPath(QString::fromStdString(put(name, content)));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return window().session().isOpen() || !_messages.isEmpty(); },
+                                    Patience));
+        ASSERT_TRUE(_messages.isEmpty()) << _messages.join('\n').toStdString();
+        if (isDrawn)
+            waitForPicture();
+    }
+    /// Until what is shown is how things are.
+    void waitForPicture() {
+        ASSERT_TRUE(
+            QTest::qWaitFor([this] { return view().isDrawnByOpenGL() && view().isUpToDate(); }, Patience))
+            << view().note().toStdString();
+    }
+    QColor colorAt(const QVector3D& place) {
+        const QPoint pixel =
+            view().viewpoint().project(place, view().size()).value_or(QPointF(-1, -1)).toPoint();
+        return view().grab().toImage().pixelColor(pixel);
+    }
+    QPoint pixelAt(const QVector3D& place) {
+        return view().viewpoint().project(place, view().size()).value_or(QPointF(-1, -1)).toPoint();
+    }
+    int joint(const char* name) {
+        for (std::size_t i = 0; i < view().figure().joints().size(); ++i)
+            if (view().figure().joints()[i].name == name)
+                return static_cast<int>(i);
+        return -1;
+    }
+    unsigned int nodeOf(const char* name) {
+        return joint(name) < 0 ? 0 : view().figure().joints()[static_cast<std::size_t>(joint(name))].node;
+    }
+};
+
+#define EXPECT_SEEN(place, color)                                                                            \
+    EXPECT_TRUE(isLike(colorAt(place), color)) << colorAt(place).name().toStdString()
+
+TEST_F(Space, ShowsAPictureTheRightWayRound) {
+    openModel("board.gltf", testing::picturedBoard());
+    trigger("viewFront");
+    window().action("bones")->setChecked(false);
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(-0.5F, 0.5F, 0), Qt::red);
+    EXPECT_SEEN(QVector3D(0.5F, 0.5F, 0), Qt::green);
+    EXPECT_SEEN(QVector3D(-0.5F, -0.5F, 0), Qt::blue);
+    EXPECT_SEEN(QVector3D(0.5F, -0.5F, 0), Qt::yellow);
+    picture("space-board");
+    trigger("viewBack");
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(-0.5F, 0.5F, 0), Qt::red);
+}
+
+TEST_F(Space, BendsASkinWithItsJointAndNotWithItsNode) {
+    openModel("bound.gltf", testing::boundBoard());
+    trigger("viewFront");
+    window().action("bones")->setChecked(false);
+    view().camera().frame(QVector3D(-12, -12, 0), QVector3D(12, 12, 0));
+    window().head().scrub(window().transport().begin());
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(0, 0, 0), Qt::green);
+    EXPECT_FALSE(isLike(colorAt(QVector3D(10, 0, 0)), Qt::green));
+    window().head().scrub(window().transport().end());
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(10, 0, 0), Qt::green);
+    EXPECT_FALSE(isLike(colorAt(QVector3D(0, 0, 0)), Qt::green));
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(10.6F, 0.6F, 0)));
+    EXPECT_EQ(view().pickedNode(), nodeOf("hand")) << "a click on a skin picks the joint that moves it there";
+}
+
+TEST_F(Space, MorphsAMeshByItsWeight) {
+    openModel("morphed.gltf", testing::morphedBoard());
+    trigger("viewFront");
+    window().action("bones")->setChecked(false);
+    view().camera().frame(QVector3D(-12, -12, 0), QVector3D(12, 12, 0));
+    window().head().scrub(window().transport().begin());
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(0, 0, 0), Qt::blue);
+    window().head().scrub(window().transport().end());
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(0, 10, 0), Qt::blue);
+    EXPECT_FALSE(isLike(colorAt(QVector3D(0, 0, 0)), Qt::blue));
+}
+
+TEST_F(Space, PicksTheNodeOfAMesh) {
+    openModel("board.gltf", testing::picturedBoard());
+    trigger("viewFront");
+    waitForPicture();
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(0.7F, 0.7F, 0)));
+    EXPECT_EQ(view().pickedNode(), nodeOf("board"));
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(1.4F, 1.2F, 0)));
+    EXPECT_EQ(view().pickedNode(), 0U) << "beside it";
+}
+
+TEST_F(Space, GoesOnWithoutOpenGLAndSaysSo) {
+    qputenv("QT_XCB_GL_INTEGRATION", "none");
+    openModel("board.gltf", testing::picturedBoard(), false);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return view().space() == nullptr; }, Patience));
+    EXPECT_FALSE(view().isDrawnByOpenGL());
+    EXPECT_TRUE(view().isUpToDate());
+    EXPECT_TRUE(view().note().contains("without OpenGL")) << view().note().toStdString();
+    EXPECT_TRUE(view().note().contains("OpenGL 3.2")) << view().note().toStdString();
+    picture("space-without");
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, view().pixelOfJoint(joint("board")).toPoint());
+    EXPECT_EQ(view().pickedNode(), nodeOf("board")) << "joints are there to be picked";
+    // Another screen, another chance.
+    qunsetenv("QT_XCB_GL_INTEGRATION");
+    trigger("drawOpenGL");
+    waitForPicture();
+}
+
+TEST_F(Space, OutlivesACrashOfTheDriver) {
+    openModel("board.gltf", testing::picturedBoard());
+    const qint64 first = view().space()->processId();
+    ASSERT_GT(first, 0);
+    const std::string before = Document::text();
+    kill(static_cast<pid_t>(first), SIGSEGV);
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            const qint64 now = view().space() == nullptr ? 0 : view().space()->processId();
+            return now > 0 && now != first && view().isDrawnByOpenGL() && view().isUpToDate();
+        },
+        Patience))
+        << "it is started again";
+    kill(static_cast<pid_t>(view().space()->processId()), SIGSEGV);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return view().space() == nullptr; }, Patience))
+        << "but not for ever";
+    EXPECT_TRUE(view().note().contains("crashed")) << view().note().toStdString();
+    EXPECT_EQ(Document::text(), before);
+    EXPECT_TRUE(_messages.isEmpty());
+}
+
+TEST_F(Space, StaysAliveBesideADriverThatHangs) {
+    openModel("board.gltf", testing::picturedBoard());
+    const auto process = static_cast<pid_t>(view().space()->processId());
+    kill(process, SIGSTOP);
+    trigger("viewTop");
+    for (int i = 0; i < 20; ++i)
+        view().grab(); // the last picture
+    EXPECT_TRUE(view().isDrawnByOpenGL());
+    EXPECT_FALSE(view().isUpToDate());
+    kill(process, SIGCONT);
+    waitForPicture();
+}
+
+TEST_F(Space, ChangesBetweenDrawingsAndScenes) {
+    openModel("board.gltf", testing::picturedBoard());
+    trigger("drawPlain");
+    EXPECT_FALSE(view().isDrawnByOpenGL());
+    view().grab();
+    trigger("drawOpenGL");
+    waitForPicture();
+    window().resize(900, 600);
+    waitForPicture();
+    window().openPath(figureScene());
+    ASSERT_EQ(view().meshes().parts.size(), 0U);
+    waitForPicture();
+    window().resize(1300, 850);
+    waitForPicture();
+}
+
+} // namespace
+
+} // namespace ka::studio
