@@ -1,4 +1,6 @@
+#include "SpaceBench.h"
 #include "app/MainWindow.h"
+#include "space/DrawingClient.h"
 #include "views/ChannelTree.h"
 #include "views/ClipTimeline.h"
 #include "views/DopeSheet.h"
@@ -181,6 +183,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setOrganizationName(QStringLiteral("kaAnimation-bench"));
     QSettings().clear();
     Importer::setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/ka-studio"));
+    DrawingClient::setProgram(QCoreApplication::applicationDirPath() + QStringLiteral("/ka-studio"));
     const QString model =
         argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("/usr/share/assimp/models/BVH/01_03.bvh");
     MainWindow window;
@@ -197,5 +200,6 @@ int main(int argc, char** argv) {
     measureDrag(window);
     measurePlaying(window);
     measureTimeline(window);
+    measureSpace(window, row);
     return 0;
 }

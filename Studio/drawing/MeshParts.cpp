@@ -4,8 +4,9 @@
 #include "PictureTexture.h"
 #include "SpaceShaders.h"
 
-#include <Qt3DRender/QGeometryRenderer>
 #include <algorithm>
+#include <tuple>
+#include <utility>
 
 namespace ka::studio {
 
@@ -14,10 +15,7 @@ using namespace Qt3DRender;
 namespace {
 
 constexpr std::size_t MostLights = 8;
-
-QMatrix4x4 matrixOf(const std::array<float, 16>& columns) {
-    return QMatrix4x4(columns.data()).transposed(); // it takes rows
-}
+constexpr std::size_t BatchCorners = 65536; ///< What moves is sent anew with all of its batch.
 
 QVector3D vectorOf(const std::array<float, 3>& three) {
     return {three[0], three[1], three[2]};
@@ -34,12 +32,6 @@ SpaceLight headlight(const QMatrix4x4& view) {
     return light;
 }
 
-QParameter* addParameter(QMaterial* material, const char* name, const QVariant& value) {
-    auto* parameter = new QParameter(QString::fromLatin1(name), value, material);
-    material->addParameter(parameter);
-    return parameter;
-}
-
 } // namespace
 
 MeshParts::MeshParts(Qt3DCore::QEntity* root, QLayer* opaque, QLayer* clear, SpaceScene scene)
@@ -52,24 +44,37 @@ MeshParts::MeshParts(Qt3DCore::QEntity* root, QLayer* opaque, QLayer* clear, Spa
       _lightDirections(new QParameter(QStringLiteral("lightDirections[0]"), QVariantList(), _root)),
       _lightColors(new QParameter(QStringLiteral("lightColors[0]"), QVariantList(), _root)),
       _lightFades(new QParameter(QStringLiteral("lightFades[0]"), QVariantList(), _root)) {
+    using Kind = std::tuple<int, bool, bool, bool>; // material, and which lists there are
+    struct Open {
+        std::vector<MeshBatch::Member> members;
+        std::size_t corners = 0;
+    };
+    std::map<Kind, Open> open;
     std::size_t weight = 0;
-    for (const SpacePart& part : _scene.parts) {
-        _entities.push_back(build(part));
-        _entities.back().firstWeight = weight;
-        weight += part.morphs.size();
+    for (std::size_t i = 0; i < _scene.parts.size(); ++i) {
+        const SpaceMesh& mesh = _scene.meshes[static_cast<std::size_t>(_scene.parts[i].mesh)];
+        Open& batch =
+            open[{mesh.material, mesh.normals.empty(), mesh.colors.empty(), mesh.texCoords.empty()}];
+        if (batch.corners > 0 && batch.corners + mesh.corners() > BatchCorners)
+            build(std::exchange(batch, {}).members);
+        batch.members.push_back({static_cast<int>(i), weight, 0});
+        batch.corners += mesh.corners();
+        weight += _scene.parts[i].morphs.size();
     }
+    for (auto& [kind, batch] : open)
+        build(std::move(batch.members));
 }
 
 MeshParts::~MeshParts() {
+    _batches.clear();
     delete _root;
 }
 
-MeshParts::Look& MeshParts::lookOf(int material) {
-    const auto [known, isNew] = _looks.try_emplace(material);
+QAbstractTexture* MeshParts::textureOf(int material) {
+    const auto [known, isNew] = _textures.try_emplace(material, nullptr);
     if (isNew) {
-        known->second.picture = pictureOf(_scene.materials[static_cast<std::size_t>(material)]);
-        if (!known->second.picture.isNull())
-            known->second.texture = makeTexture(known->second.picture, _root);
+        const QImage picture = pictureOf(_scene.materials[static_cast<std::size_t>(material)]);
+        known->second = picture.isNull() ? nullptr : makeTexture(picture, _root);
     }
     return known->second;
 }
@@ -92,53 +97,19 @@ QEffect* MeshParts::effectFor(const SpaceMesh& mesh, bool hasPicture, bool isCle
     return known->second;
 }
 
-QGeometry* MeshParts::geometryOf(const SpaceMesh& mesh, Entity& entity) {
-    auto* geometry = new QGeometry(_root);
-    entity.positions = addFloats(geometry, "vertexPosition", mesh.positions, 3);
-    if (!mesh.normals.empty())
-        entity.normals = addFloats(geometry, "cornerNormal", mesh.normals, 3);
-    if (!mesh.colors.empty())
-        addFloats(geometry, "cornerColor", mesh.colors, 4);
-    if (!mesh.texCoords.empty())
-        addFloats(geometry, "cornerPlace", mesh.texCoords, 2);
-    addIndices(geometry, mesh.indices);
-    return geometry;
-}
-
-MeshParts::Entity MeshParts::build(const SpacePart& part) {
-    const SpaceMesh& mesh = _scene.meshes[static_cast<std::size_t>(part.mesh)];
-    const SpaceMaterial& look = _scene.materials[static_cast<std::size_t>(mesh.material)];
-    Entity entity;
-    QGeometry* geometry = nullptr;
-    if (part.isRigid()) {
-        QGeometry*& shared = _geometries[part.mesh];
-        Entity nobody;
-        shared = shared != nullptr ? shared : geometryOf(mesh, nobody);
-        geometry = shared;
-    } else {
-        geometry = geometryOf(mesh, entity);
-        entity.positions->setUsage(QBuffer::StreamDraw);
-    }
-    auto* node = new Qt3DCore::QEntity(_root);
-    auto* renderer = new QGeometryRenderer(node);
-    renderer->setGeometry(geometry);
-    renderer->setPrimitiveType(QGeometryRenderer::Triangles);
-    renderer->setVertexCount(static_cast<int>(mesh.indices.size()));
-    auto* material = new QMaterial(node);
-    QAbstractTexture* texture = mesh.texCoords.empty() ? nullptr : lookOf(mesh.material).texture;
-    const bool isClear = look.color[3] < 0.995F;
+void MeshParts::build(std::vector<MeshBatch::Member> members) {
+    const auto part = static_cast<std::size_t>(members.front().part);
+    const SpaceMesh& mesh = _scene.meshes[static_cast<std::size_t>(_scene.parts[part].mesh)];
+    QAbstractTexture* texture = mesh.texCoords.empty() ? nullptr : textureOf(mesh.material);
+    const bool isClear = _scene.materials[static_cast<std::size_t>(mesh.material)].color[3] < 0.995F;
+    auto* entity = new Qt3DCore::QEntity(_root);
+    auto* material = new QMaterial(entity);
     material->setEffect(effectFor(mesh, texture != nullptr, isClear));
-    entity.color = addParameter(material, "color", QVector4D());
-    entity.glow = addParameter(material, "glow", QVector3D());
     if (texture != nullptr)
-        addParameter(material, "picture", QVariant::fromValue(texture));
-    entity.picked = addParameter(material, "picked", 0.0F);
-    entity.world = addParameter(material, "world", QMatrix4x4());
-    entity.node = node;
-    node->addComponent(renderer);
-    node->addComponent(material);
-    node->addComponent(isClear ? _clear : _opaque);
-    return entity;
+        material->addParameter(
+            new QParameter(QStringLiteral("picture"), QVariant::fromValue(texture), material));
+    entity->addComponent(isClear ? _clear : _opaque);
+    _batches.push_back(std::make_unique<MeshBatch>(_scene, std::move(members), material, entity));
 }
 
 void MeshParts::setLights(const SpaceFrame& frame) {
@@ -165,31 +136,9 @@ void MeshParts::setLights(const SpaceFrame& frame) {
 
 void MeshParts::update(const SpaceFrame& frame) {
     setLights(frame);
-    const bool isFirst = _pose.worlds.empty();
-    const bool hasMoved = isFirst || _pose.worlds != frame.pose.worlds || _pose.weights != frame.pose.weights;
-    for (std::size_t i = 0; i < _entities.size(); ++i) {
-        const SpacePart& part = _scene.parts[i];
-        Entity& entity = _entities[i];
-        const bool isPicked = std::find(frame.pickedParts.begin(), frame.pickedParts.end(),
-                                        static_cast<int>(i)) != frame.pickedParts.end();
-        entity.picked->setValue(isPicked ? 1.0F : 0.0F);
-        const auto& look =
-            frame.pose
-                .looks[static_cast<std::size_t>(_scene.meshes[static_cast<std::size_t>(part.mesh)].material)];
-        entity.color->setValue(QVector4D(look[0], look[1], look[2], look[3]));
-        entity.glow->setValue(QVector3D(look[4], look[5], look[6]));
-        entity.node->setEnabled(frame.pose.isHidden[i] == 0);
-        if (part.isRigid()) {
-            if (part.mover >= 0)
-                entity.world->setValue(matrixOf(frame.pose.worlds[static_cast<std::size_t>(part.mover)]));
-        } else if (hasMoved) {
-            deform(_scene, part, frame.pose, entity.firstWeight, _corners);
-            entity.positions->setData(bytesOfList(_corners.positions));
-            if (entity.normals != nullptr)
-                entity.normals->setData(bytesOfList(_corners.normals));
-        }
-    }
-    _pose = frame.pose;
+    for (const auto& batch : _batches)
+        batch->update(frame, _shown);
+    _shown = frame.pose;
 }
 
 } // namespace ka::studio

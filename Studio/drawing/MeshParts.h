@@ -1,22 +1,17 @@
 #pragma once
 
-#include "space/Deformer.h"
-#include "space/SpaceFrame.h"
+#include "MeshBatch.h"
 
 #include <QImage>
-#include <Qt3DCore/QEntity>
-#include <Qt3DRender/QBuffer>
 #include <Qt3DRender/QEffect>
-#include <Qt3DRender/QGeometry>
 #include <Qt3DRender/QLayer>
-#include <Qt3DRender/QParameter>
+#include <Qt3DRender/QTexture>
 #include <map>
-#include <vector>
+#include <memory>
 
 namespace ka::studio {
 
-/// The meshes of a scene, an entity a part. Rigid parts share the geometry of their mesh and are placed by the graphics
-/// card; the corners of the others are put into the world here.
+/// The meshes of a scene: their batches, pictures and effects, and the light on them.
 class MeshParts {
   public:
     MeshParts(Qt3DCore::QEntity* root, Qt3DRender::QLayer* opaque, Qt3DRender::QLayer* clear,
@@ -28,37 +23,19 @@ class MeshParts {
     void update(const SpaceFrame& frame);
 
   private:
-    struct Entity {
-        std::size_t firstWeight = 0;
-        Qt3DCore::QEntity* node = nullptr;
-        Qt3DRender::QParameter* world = nullptr;
-        Qt3DRender::QParameter* color = nullptr;
-        Qt3DRender::QParameter* glow = nullptr;
-        Qt3DRender::QParameter* picked = nullptr;
-        Qt3DRender::QBuffer* positions = nullptr; ///< of parts that bend
-        Qt3DRender::QBuffer* normals = nullptr;
-    };
-    struct Look {
-        QImage picture;
-        Qt3DRender::QAbstractTexture* texture = nullptr;
-    };
-
-    Entity build(const SpacePart& part);
-    Qt3DRender::QGeometry* geometryOf(const SpaceMesh& mesh, Entity& entity);
+    void build(std::vector<MeshBatch::Member> members);
     Qt3DRender::QEffect* effectFor(const SpaceMesh& mesh, bool hasPicture, bool isClear);
-    Look& lookOf(int material);
+    Qt3DRender::QAbstractTexture* textureOf(int material);
     void setLights(const SpaceFrame& frame);
 
     SpaceScene _scene;
     Qt3DCore::QEntity* _root; ///< of these alone
     Qt3DRender::QLayer *_opaque, *_clear;
-    std::map<int, Qt3DRender::QGeometry*> _geometries; ///< of rigid parts, by mesh
-    std::map<int, Look> _looks;
+    std::map<int, Qt3DRender::QAbstractTexture*> _textures; ///< by material; null for none
     std::map<QByteArray, Qt3DRender::QEffect*> _effects;
-    std::vector<Entity> _entities;
+    std::vector<std::unique_ptr<MeshBatch>> _batches;
     Qt3DRender::QParameter *_lightCount, *_lightPlaces, *_lightDirections, *_lightColors, *_lightFades;
-    SpacePose _pose; ///< that is shown
-    WorldCorners _corners;
+    SpacePose _shown;
 };
 
 } // namespace ka::studio

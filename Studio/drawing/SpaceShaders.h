@@ -19,18 +19,17 @@ out vec4 painted;
 in vec2 cornerPlace;
 out vec2 place;
 #endif
+in float cornerTint;
+out float tint;
 out vec3 inWorld;
-uniform mat4 world;
 uniform mat4 viewProjectionMatrix;
 
 void main() {
-    vec4 at = world * vec4(vertexPosition, 1.0);
-    inWorld = at.xyz;
-    gl_Position = viewProjectionMatrix * at;
+    inWorld = vertexPosition;
+    tint = cornerTint;
+    gl_Position = viewProjectionMatrix * vec4(vertexPosition, 1.0);
 #ifdef HAS_NORMAL
-    // The cofactors turn normals as the inverse transposed does, up to their length.
-    normal = mat3(cross(world[1].xyz, world[2].xyz), cross(world[2].xyz, world[0].xyz),
-                  cross(world[0].xyz, world[1].xyz)) * cornerNormal;
+    normal = cornerNormal;
 #endif
 #ifdef HAS_COLOR
     painted = cornerColor;
@@ -52,12 +51,12 @@ in vec4 painted;
 in vec2 place;
 uniform sampler2D picture;
 #endif
+in float tint;
 in vec3 inWorld;
 out vec4 result;
 uniform vec3 eyePosition;
 uniform vec4 color;
 uniform vec3 glow;
-uniform float picked;
 uniform int lightCount;
 uniform vec4 lightPlaces[8];     // w: 0 directional, 1 point, 2 spot
 uniform vec4 lightDirections[8]; // w: cosine of the cone's half angle
@@ -101,7 +100,7 @@ void main() {
     for (int i = 0; i < lightCount; ++i)
         light += lightAt(i, facing);
     vec3 lit = own.rgb * min(light, vec3(1.6)) + glow;
-    lit = mix(lit, vec3(1.0, 0.55, 0.05), 0.35 * picked);
+    lit = mix(lit, vec3(1.0, 0.55, 0.05), 0.35 * tint);
     result = vec4(pow(clamp(lit, 0.0, 1.0), vec3(1.0 / 2.2)), own.a);
 }
 )";

@@ -25,6 +25,21 @@ void apply(const Matrix& m, const float* from, float w, float* to) {
         to[row] = m[row] * x + m[4 + row] * y + m[8 + row] * z + m[12 + row] * w;
 }
 
+/// What turns normals as the inverse transposed does, up to their length: they stay upright on what is scaled.
+Matrix cofactors(const Matrix& m) {
+    const auto cross = [&m](std::size_t a, std::size_t b, std::size_t row) {
+        const std::size_t next = (row + 1) % 3, last = (row + 2) % 3;
+        return m[4 * a + next] * m[4 * b + last] - m[4 * a + last] * m[4 * b + next];
+    };
+    Matrix result{};
+    for (std::size_t row = 0; row < 3; ++row) {
+        result[row] = cross(1, 2, row);
+        result[4 + row] = cross(2, 0, row);
+        result[8 + row] = cross(0, 1, row);
+    }
+    return result;
+}
+
 constexpr Matrix Identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
 void bend(const SpaceSkin& skin, const SpacePose& pose, WorldCorners& corners) {
@@ -95,10 +110,11 @@ void deform(const SpaceScene& scene, const SpacePart& part, const SpacePose& pos
     if (part.isSkinned())
         return bend(part.skin, pose, corners);
     const Matrix& world = part.mover < 0 ? Identity : pose.worlds[static_cast<std::size_t>(part.mover)];
+    const Matrix turned = cofactors(world);
     for (std::size_t i = 0; i < corners.positions.size(); i += 3) {
         apply(world, &corners.positions[i], 1.0F, &corners.positions[i]);
         if (!corners.normals.empty())
-            apply(world, &corners.normals[i], 0.0F, &corners.normals[i]);
+            apply(turned, &corners.normals[i], 0.0F, &corners.normals[i]);
     }
 }
 

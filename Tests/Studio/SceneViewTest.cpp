@@ -15,12 +15,21 @@ namespace ka::studio {
 
 namespace {
 
-class Scene : public testing::WindowFixture {
+/// The same with either drawing.
+class Scene : public testing::WindowFixture, public ::testing::WithParamInterface<const char*> {
   protected:
     void SetUp() override {
         WindowFixture::SetUp();
+        trigger(GetParam());
         openFigure();
-        QTest::qWait(20);
+        waitForPicture();
+    }
+    /// Until what is shown is how things are.
+    void waitForPicture() {
+        const bool isWanted = view().drawing() == SceneView::Drawing::OpenGL;
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return view().isUpToDate() && view().isDrawnByOpenGL() == isWanted; }, 60000))
+            << view().note().toStdString();
     }
 
     SceneView& view() { return window().sceneView(); }
@@ -35,7 +44,7 @@ class Scene : public testing::WindowFixture {
     }
 };
 
-TEST_F(Scene, ShowsTheFigureWhereThePlayheadIs) {
+TEST_P(Scene, ShowsTheFigureWhereThePlayheadIs) {
     ASSERT_GE(joint("arm"), 0);
     EXPECT_EQ(view().figure().joints()[static_cast<std::size_t>(joint("arm"))].parent, joint("hip"));
     EXPECT_NEAR(static_cast<double>(place("hip").x()), 0.0, 1e-4);
@@ -46,7 +55,7 @@ TEST_F(Scene, ShowsTheFigureWhereThePlayheadIs) {
     picture("scene");
 }
 
-TEST_F(Scene, OrbitsPansAndZooms) {
+TEST_P(Scene, OrbitsPansAndZooms) {
     const QVector3D eye = view().camera().eye(), target = view().camera().target();
     drag(view(), QPoint(60, 60), QPoint(160, 60));
     EXPECT_GT((view().camera().eye() - eye).length(), 1.0F);
@@ -63,7 +72,7 @@ TEST_F(Scene, OrbitsPansAndZooms) {
     EXPECT_LT(view().camera().distance(), distance);
 }
 
-TEST_F(Scene, PicksAJointAndShowsItsCurves) {
+TEST_P(Scene, PicksAJointAndShowsItsCurves) {
     QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, view().pixelOfJoint(joint("arm")).toPoint());
     ASSERT_NE(view().pickedNode(), 0U);
     EXPECT_EQ(view().pickedNode(), view().figure().joints()[static_cast<std::size_t>(joint("arm"))].node);
@@ -74,7 +83,7 @@ TEST_F(Scene, PicksAJointAndShowsItsCurves) {
     EXPECT_EQ(view().pickedNode(), 0U);
 }
 
-TEST_F(Scene, MovesAJointByAnArrowAndSetsKeys) {
+TEST_P(Scene, MovesAJointByAnArrowAndSetsKeys) {
     const kaUID way = curve("hip", "translationX");
     view().pick(view().figure().joints()[static_cast<std::size_t>(joint("hip"))].node);
     trigger("viewFront");
@@ -96,7 +105,7 @@ TEST_F(Scene, MovesAJointByAnArrowAndSetsKeys) {
     EXPECT_NEAR(static_cast<double>(place("hip").x()), static_cast<double>(before), 1e-4);
 }
 
-TEST_F(Scene, TurnsAJointByARing) {
+TEST_P(Scene, TurnsAJointByARing) {
     const kaUID turn = curve("arm", "rotationZ");
     view().pick(view().figure().joints()[static_cast<std::size_t>(joint("arm"))].node);
     trigger("viewFront");
@@ -114,7 +123,7 @@ TEST_F(Scene, TurnsAJointByARing) {
     picture("rotate");
 }
 
-TEST_F(Scene, LeavesKeysAloneWithoutAutoKey) {
+TEST_P(Scene, LeavesKeysAloneWithoutAutoKey) {
     view().pick(view().figure().joints()[static_cast<std::size_t>(joint("hip"))].node);
     window().action("autoKey")->setChecked(false);
     trigger("viewFront");
@@ -127,6 +136,14 @@ TEST_F(Scene, LeavesKeysAloneWithoutAutoKey) {
     EXPECT_EQ(window().session().document().history().count(), 0);
     EXPECT_EQ(key(curve("hip", "translationX"), 25), nullptr);
 }
+
+#ifdef KA_STUDIO_WITH_OPENGL
+INSTANTIATE_TEST_SUITE_P(Drawn, Scene, ::testing::Values("drawPlain", "drawOpenGL"),
+                         [](const auto& drawing) { return std::string(drawing.param); });
+#else
+INSTANTIATE_TEST_SUITE_P(Drawn, Scene, ::testing::Values("drawPlain"),
+                         [](const auto& drawing) { return std::string(drawing.param); });
+#endif
 
 class Playing : public testing::WindowFixture {};
 

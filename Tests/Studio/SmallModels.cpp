@@ -134,4 +134,20 @@ std::string morphedBoard() {
                     buffer);
 }
 
+std::string litBoard(bool fromTheFront) {
+    Buffer buffer;
+    buffer.add(Corners, 3, BoardBounds);
+    buffer.add(Facing, 3);
+    buffer.addIndices(Indices);
+    return document(R"("scene":0,"scenes":[{"nodes":[0,1,2]}],"extensionsUsed":["KHR_lights_punctual"],
+        "extensions":{"KHR_lights_punctual":{"lights":[{"type":"directional","intensity":5}]}},
+        "cameras":[{"type":"perspective","perspective":{"yfov":1.5707963,"znear":0.1}}],
+        "nodes":[{"name":"board","mesh":0},{"name":"camera","camera":0,"translation":[0,0,10]},
+                 {"name":"sun","extensions":{"KHR_lights_punctual":{"light":0}},"translation":[0,0,3],"rotation":)" +
+                        std::string(fromTheFront ? "[0,0,0,1]" : "[0,1,0,0]") + R"(}],
+        "meshes":[{"primitives":[{"attributes":{"POSITION":0,"NORMAL":1},"indices":2,"material":0}]}],)" +
+                        colored("[0.8,0.8,0.8,1]"),
+                    buffer);
+}
+
 } // namespace ka::studio::testing

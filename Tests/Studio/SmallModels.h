@@ -18,4 +18,9 @@ std::string boundBoard();
 /// Y. Its weight goes from 0 to 1 in one second.
 std::string morphedBoard();
 
+/// A grey square of 2 by 2 units around the origin, facing +Z, on a node "board"; a node "sun" 3 units along +Z from
+/// which a directional light shines towards -Z, or the other way, so that it falls on the back; and a node "camera" 10
+/// units along +Z that looks at it and sees 90 degrees from below to above.
+std::string litBoard(bool fromTheFront);
+
 } // namespace ka::studio::testing

@@ -39,8 +39,10 @@ class Space : public testing::WindowFixture {
     void openModel(const std::string& name, const std::string& content, bool isDrawn = true) {
         trigger("drawOpenGL");
         window().openPath(QString::fromStdString(put(name, content)));
-        ASSERT_TRUE(QTest::qWaitFor([this] { return window().session().isOpen() || !_messages.isEmpty(); },
-                                    Patience));
+        const QString shown = QString::fromStdString(name);
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return window().session().files().shownName() == shown || !_messages.isEmpty(); },
+            Patience));
         ASSERT_TRUE(_messages.isEmpty()) << _messages.join('\n').toStdString();
         if (isDrawn)
             waitForPicture();
@@ -127,6 +129,53 @@ TEST_F(Space, PicksTheNodeOfAMesh) {
     EXPECT_EQ(view().pickedNode(), nodeOf("board"));
     QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(1.4F, 1.2F, 0)));
     EXPECT_EQ(view().pickedNode(), 0U) << "beside it";
+}
+
+TEST_F(Space, LightsTheSceneWithItsOwnLights) {
+    openModel("lit.gltf", testing::litBoard(true));
+    trigger("viewFront");
+    window().action("bones")->setChecked(false);
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(0.7F, 0.7F, 0), Qt::white);
+    picture("space-lit");
+    openModel("unlit.gltf", testing::litBoard(false));
+    waitForPicture();
+    EXPECT_SEEN(QVector3D(0.7F, 0.7F, 0), QColor(Qt::black));
+}
+
+TEST_F(Space, LooksThroughACameraOfTheScene) {
+    openModel("lit.gltf", testing::litBoard(true));
+    ASSERT_EQ(view().sceneCameras().size(), 1U);
+    EXPECT_EQ(view().sceneCameras()[0].name, "camera");
+    trigger("nextCamera");
+    waitForPicture();
+    const double width = view().width(), height = view().height();
+    const QPointF seen = view().viewpoint().project(QVector3D(2, 5, 0), view().size()).value_or(QPointF());
+    EXPECT_NEAR(seen.x(), width / 2 + height / 10, 0.5) << "five tenths of the half height are five units";
+    EXPECT_NEAR(seen.y(), height / 4, 0.5);
+    EXPECT_SEEN(QVector3D(0.5F, 0.5F, 0), Qt::white);
+    EXPECT_FALSE(isLike(colorAt(QVector3D(1.5F, 0.5F, 0)), Qt::black));
+    picture("space-camera");
+    drag(view(), QPoint(40, 40), QPoint(44, 40));
+    EXPECT_EQ(view().seenThrough(), 0U) << "turning about leaves the camera";
+    EXPECT_LT((view().viewpoint().eye() - QVector3D(0, 0, 10)).length(), 1.0F) << "from where it was";
+    trigger("nextCamera");
+    trigger("nextCamera");
+    EXPECT_EQ(view().seenThrough(), 0U) << "after the last one";
+}
+
+TEST_F(Space, PicksLampsAndCamerasByTheirSigns) {
+    openModel("lit.gltf", testing::litBoard(true));
+    trigger("viewTop");
+    window().action("bones")->setChecked(false);
+    waitForPicture();
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(0, 0, 3)));
+    EXPECT_EQ(view().pickedNode(), nodeOf("sun"));
+    trigger("viewRight");
+    view().camera().frame(QVector3D(-12, -12, -12), QVector3D(12, 12, 12));
+    QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(0, 0, 10)));
+    EXPECT_EQ(view().pickedNode(), nodeOf("camera"));
+    picture("space-signs");
 }
 
 TEST_F(Space, GoesOnWithoutOpenGLAndSaysSo) {
