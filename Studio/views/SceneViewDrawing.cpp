@@ -140,7 +140,7 @@ void SceneView::drawFixtures(QPainter& painter, const Viewpoint& from) const {
         if (camera.setting == _through || !seen.has_value())
             continue;
         painter.setPen(QPen(ink, 1.2));
-        const float length = 0.12F * _size;
+        const float length = std::max(0.12F * _size, 30 * from.unitsPerPixel(seen->eye(), size()));
         QVector3D corners[4];
         for (int i = 0; i < 4; ++i) // of a picture as wide as usual
             corners[i] =
