@@ -102,8 +102,9 @@ TEST_P(Meeting, FindsWhatIsFirst) {
     pose.isHidden = {0, 0};
     const SpaceHit hit = meet(scene, pose, GetParam().origin, GetParam().direction);
     EXPECT_EQ(hit.part, GetParam().part);
-    if (hit.part >= 0)
+    if (hit.part >= 0) {
         EXPECT_FLOAT_EQ(hit.distance, GetParam().distance);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Rays, Meeting,
