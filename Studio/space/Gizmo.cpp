@@ -66,6 +66,9 @@ int Gizmo::axisAt(const QPointF& pixel) const {
     double best = Reach;
     for (int axis = 0; axis < 3; ++axis) {
         const std::vector<QVector3D> points = line(axis);
+        const QPointF whole = seen(points.back()) - centre();
+        if (_kind == Kind::Arrows && std::hypot(whole.x(), whole.y()) < 2 * Reach)
+            continue; // it points at the viewer: no way of the hand would be along it
         for (std::size_t i = 1; i < points.size(); ++i) {
             // The foot of an arrow belongs to all three.
             const QPointF from =
