@@ -172,6 +172,31 @@ void kaAnimationController::evaluate(float frame, bool evalObject, bool evalCurv
 
 // Object playback.
 
+namespace {
+
+/// Fewer are in the caches from one tick to the next.
+constexpr std::size_t FewObjects = 256;
+
+/// Ids are random, so what plays under the next one lies anywhere: its memory is asked for while others play,
+/// a step further each time.
+void fetchAhead(const kaRunningObjects::Order& order, std::size_t place) {
+    constexpr std::size_t Step = 8;
+    const auto ahead = [&order, place](std::size_t steps) {
+        return place + steps * Step < order.size() ? &order[place + steps * Step] : nullptr;
+    };
+    if (const kaRunningObjects::Entry* entry = ahead(4)) {
+        entry->object.fetch();
+        kaEvaluation::fetchObject(entry->address);
+    }
+    for (const std::size_t steps : {std::size_t(3), std::size_t(2), std::size_t(1)}) {
+        const kaRunningObjects::Entry* entry = ahead(steps);
+        if (const kaAnimationObject* object = entry ? entry->object.get() : nullptr)
+            kaEvaluation::fetch(*object, steps);
+    }
+}
+
+} // namespace
+
 void kaAnimationController::loop() {
     const kaReentryGuard tick(_played->loop, 1);
     if (_pausing || !tick)
@@ -180,10 +205,13 @@ void kaAnimationController::loop() {
     std::vector<kaUID> finished;
     // The objects themselves, too: what ended may have been taken out of the running ones since.
     kaWeakList<kaAnimationObject> ended;
-    for (kaUID id : _played->running.ids()) {
-        kaAnimationObject* object = _played->running.find(id);
+    const auto order = _played->running.order();
+    for (std::size_t i = 0; i < order->size(); ++i) {
+        if (order->size() > FewObjects)
+            fetchAhead(*order, i);
+        kaAnimationObject* object = _played->running.find(*order, i);
         if (object && object->isActive() && !object->isPausing() && playOn(*object, time, ended))
-            finished.push_back(id);
+            finished.push_back((*order)[i].id);
     }
     ended.visit([](kaAnimationObject& object) { object.setUseCustomRange(false); });
     for (kaUID id : finished)
@@ -257,8 +285,9 @@ void kaAnimationController::reset() {
     const kaReentryGuard level(_played->reset, 1);
     if (!level)
         return;
-    for (kaUID id : _played->running.ids()) {
-        kaAnimationObject* object = _played->running.find(id);
+    const auto order = _played->running.order();
+    for (std::size_t i = 0; i < order->size(); ++i) {
+        kaAnimationObject* object = _played->running.find(*order, i);
         if (!object)
             continue;
         const kaWeak<kaAnimationObject> alive(*object);

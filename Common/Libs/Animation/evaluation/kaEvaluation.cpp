@@ -7,6 +7,7 @@
 #include "kaEvaluationPass.h"
 #include "kaEvaluationPlan.h"
 #include "kaFold.h"
+#include "kaObjectGroup.h"
 #include "kaWeak.h"
 
 #include <algorithm>
@@ -20,6 +21,14 @@ struct Range {
     float lo;
     float hi;
 };
+
+/// Nothing for null.
+void fetchLines(const void* address, std::size_t bytes) {
+    constexpr std::size_t Line = 64;
+    const auto* first = static_cast<const char*>(address);
+    for (std::size_t i = 0; first && i < bytes; i += Line)
+        __builtin_prefetch(first + i, 1);
+}
 
 /// No plan is let go of below this many.
 constexpr std::size_t ManyPlans = 64;
@@ -57,13 +66,30 @@ bool kaEvaluation::computeCurveValue(kaAnimationCurve2D* curve, float frame, flo
 kaEvaluationPlan& kaEvaluation::planOf(const kaAnimationObject& object) {
     if (_depth == 0 && (_orphans > 0 || _plans.size() >= _plansAtSweep))
         sweepPlans();
+    kaEvaluationPlan* kept = keptPlanOf(object);
+    kaEvaluationPlan& found = kept ? *kept : madePlanOf(object);
+    keepPlanOf(object, nullptr); // should memory run out
+    found.refresh(object);
+    keepPlanOf(object, &found);
+    found.lastUse = ++_uses;
+    return found;
+}
+
+/// Found without a look-up where the object has room for its address.
+kaEvaluationPlan* kaEvaluation::keptPlanOf(const kaAnimationObject& object) {
+    return object._group ? object._group->plan : nullptr;
+}
+
+kaEvaluationPlan& kaEvaluation::madePlanOf(const kaAnimationObject& object) {
     std::unique_ptr<kaEvaluationPlan>& plan = _plans[&object];
     if (!plan)
         plan = std::make_unique<kaEvaluationPlan>(_orphans);
-    kaEvaluationPlan& found = *plan;
-    found.refresh(object);
-    found.lastUse = ++_uses;
-    return found;
+    return *plan;
+}
+
+void kaEvaluation::keepPlanOf(const kaAnimationObject& object, kaEvaluationPlan* plan) {
+    if (object._group)
+        object._group->plan = plan;
 }
 
 /// Lets go of the plans of objects that have gone or that memory ran out for, and of those that were not used
@@ -72,11 +98,35 @@ void kaEvaluation::sweepPlans() {
     const std::uint64_t recent = 2 * static_cast<std::uint64_t>(_plans.size());
     for (auto plan = _plans.begin(); plan != _plans.end();) {
         const auto current = plan++;
-        if (!current->second || current->second->isOrphaned() || _uses - current->second->lastUse > recent)
-            _plans.erase(current);
+        const kaEvaluationPlan* found = current->second.get();
+        if (found && !found->isOrphaned() && _uses - found->lastUse <= recent)
+            continue;
+        if (found && found->hasObject())
+            keepPlanOf(*current->first, nullptr);
+        _plans.erase(current);
     }
     _orphans = 0;
     _plansAtSweep = std::max(ManyPlans, 2 * _plans.size());
+}
+
+void kaEvaluation::fetchObject(const void* address) {
+    fetchLines(address, sizeof(kaAnimationObject));
+}
+
+void kaEvaluation::fetch(const kaAnimationObject& object, std::size_t step) {
+    const kaAnimationObject::Group* group = object._group.get();
+    const kaEvaluationPlan* plan = step < 3 ? keptPlanOf(object) : nullptr;
+    if (step == 3 && group) {
+        __builtin_prefetch(&group->sequences);
+        __builtin_prefetch(&group->playback, 1);
+        __builtin_prefetch(&group->children);
+    } else if (step == 2 && group) {
+        fetchLines(group->playback.get(), sizeof(*group->playback));
+        fetchLines(plan, sizeof(*plan));
+    } else if (plan) {
+        __builtin_prefetch(plan->leaves.data());
+        __builtin_prefetch(plan->curves.data());
+    }
 }
 
 void kaEvaluation::collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished,

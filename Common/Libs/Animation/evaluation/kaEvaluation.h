@@ -38,11 +38,19 @@ class kaEvaluation {
     void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
+    /// Starts fetching from memory what evaluating an object and noting how it plays will read, in steps that
+    /// go from one address to the next: first the object itself, then 3, 2 and 1.
+    static void fetchObject(const void* address);
+    static void fetch(const kaAnimationObject& object, std::size_t step);
+
   private:
     class PassLease;
 
     /// Stands while an evaluation runs and the object model is not edited.
     kaEvaluationPlan& planOf(const kaAnimationObject& object);
+    static kaEvaluationPlan* keptPlanOf(const kaAnimationObject& object);
+    static void keepPlanOf(const kaAnimationObject& object, kaEvaluationPlan* plan);
+    kaEvaluationPlan& madePlanOf(const kaAnimationObject& object);
     void sweepPlans();
 
     std::unordered_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;

@@ -52,12 +52,14 @@ void kaEvaluationPlan::changed(std::uint32_t place, kaChange change) noexcept {
 void kaEvaluationPlan::remake(const kaAnimationObject& object) {
     _stale = true; // unless this comes to its end
     kaDependents::leave(*this);
+    _told = false;
     leaves.clear();
     curves.clear();
     objects.clear();
     _lacksCurves = false;
     _rereadsAll = false;
     kaDependents::enter(object, *this, RootPlace);
+    _told = true;
     _orphaned = false;
     visit(object);
     const std::size_t places = curves.size() + leaves.size();

@@ -57,6 +57,8 @@ class kaEvaluationPlan final : public kaDependent {
 
     std::uint64_t lastUse = 0; ///< for the owner
     bool isOrphaned() const { return _orphaned; }
+    /// Whether the object is certainly there: the plan would have been told.
+    bool hasObject() const { return _told && !_orphaned; }
 
     /// `visit(part, key to order by, frame to sample at, leaf)` for every leaf that has a part at `frame`.
     template <class Visit>
@@ -131,6 +133,7 @@ class kaEvaluationPlan final : public kaDependent {
     std::vector<bool> _isTouched;
     std::size_t& _gone;
     bool _orphaned = false;
+    bool _told = false; ///< of the object's end; not after memory has run out
     bool _stale = true; ///< what is below has changed
     bool _rereadsAll =
         false; ///< some key list does not know its keys: after any edit all are asked for again

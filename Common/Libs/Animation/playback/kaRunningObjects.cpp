@@ -10,18 +10,23 @@ const kaRunningObjects::Map& kaRunningObjects::map() const {
         if (!current->second) {
             _objects.erase(current->first);
             _references.erase(current);
+            _order.reset();
         }
     }
     _departures = kaWeakSlots::departures();
     return _objects;
 }
 
-std::vector<kaUID> kaRunningObjects::ids() const {
-    std::vector<kaUID> result;
-    result.reserve(map().size());
-    for (const auto& entry : map())
-        result.push_back(entry.first);
-    return result;
+std::shared_ptr<const kaRunningObjects::Order> kaRunningObjects::order() const {
+    map(); // takes out what has been freed
+    if (!_order) {
+        auto order = std::make_shared<Order>();
+        order->reserve(_references.size());
+        for (const auto& [id, object] : _references)
+            order->push_back({id, object.get(), object});
+        _order = std::move(order);
+    }
+    return _order;
 }
 
 /// Looks at one entry only: asked for each object of a tick in which others are freed.
@@ -35,6 +40,7 @@ void kaRunningObjects::insert(kaAnimationObject& object) {
     if (find(id))
         return;
     erase(id); // what stood there has been freed
+    _order.reset();
     const auto entry = _objects.emplace(id, &object).first;
     try {
         _references.emplace(id, object);
@@ -45,11 +51,15 @@ void kaRunningObjects::insert(kaAnimationObject& object) {
 }
 
 void kaRunningObjects::erase(kaUID id) {
+    if (_references.count(id) == 0)
+        return;
+    _order.reset();
     _objects.erase(id);
     _references.erase(id);
 }
 
 void kaRunningObjects::clear() {
+    _order.reset();
     _objects.clear();
     _references.clear();
 }

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <vector>
 
 class kaAnimationObject;
@@ -17,8 +18,22 @@ class kaRunningObjects {
 
     /// Cost: a compare while nothing that had a weak reference has gone, else one for each object.
     const Map& map() const;
-    std::vector<kaUID> ids() const;
     kaAnimationObject* find(kaUID id) const; ///< Null when none plays under that id.
+
+    /// What plays, to be gone through while objects come and go.
+    struct Entry {
+        kaUID id;
+        const void* address; ///< of the object when it started: to be fetched, not to be read
+        kaWeak<kaAnimationObject> object;
+    };
+    using Order = std::vector<Entry>;
+    /// In ascending order of ids. Cost: none while nothing has been entered or taken out.
+    std::shared_ptr<const Order> order() const;
+    /// What plays under the id of an entry of that order now; null when nothing does. Cost: a few compares
+    /// while nothing has been entered or taken out since.
+    kaAnimationObject* find(const Order& order, std::size_t place) const {
+        return &order == _order.get() ? order[place].object.get() : find(order[place].id);
+    }
 
     /// Enters an object under its id; an id that has an object keeps it.
     void insert(kaAnimationObject& object);
@@ -28,5 +43,6 @@ class kaRunningObjects {
   private:
     mutable Map _objects;
     mutable std::map<kaUID, kaWeak<kaAnimationObject>> _references; ///< under the same ids
-    mutable std::uint64_t _departures = 0; ///< at the last look for what has been freed
+    mutable std::uint64_t _departures = 0;       ///< at the last look for what has been freed
+    mutable std::shared_ptr<const Order> _order; ///< null where it is to be made anew
 };

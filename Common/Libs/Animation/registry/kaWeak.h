@@ -27,6 +27,9 @@ class kaWeak {
     }
     explicit operator bool() const { return kaWeakSlots::find(_slot, _generation) != nullptr; }
 
+    /// Starts fetching from memory what `get` reads.
+    void fetch() const { kaWeakSlots::fetch(_slot); }
+
   private:
     kaWeakSlots::Slot _slot = 0;
     std::uint32_t _generation = 0;
