@@ -113,7 +113,7 @@ void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curv
 
 void kaAnimationController::evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi,
                                            float frame, bool motionBlurOnly) {
-    _evaluation->evaluateCurves(std::move(curves), lo, hi, frame, motionBlurOnly);
+    _evaluation->evaluateCurves(curves, lo, hi, frame, motionBlurOnly);
 }
 
 void kaAnimationController::evaluateSequences(const std::vector<kaAnimationSequence*>& sequences,

@@ -1,7 +1,7 @@
 #include "kaEvaluation.h"
 
 #include "kaAnimationCurve2D.h"
-#include "kaAnimationUtils.h"
+#include "kaAnimationField.h"
 #include "kaCurveView.h"
 #include "kaEdits.h"
 #include "kaEvaluationPass.h"
@@ -168,26 +168,71 @@ bool kaEvaluation::evaluateObject(kaAnimationObject* object, float frame, bool m
     return object->isReversePlay() ? reached < range.lo : reached > range.hi;
 }
 
-void kaEvaluation::evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
-                                  bool motionBlurOnly) {
-    const auto passedOver = [motionBlurOnly](const kaAnimationCurve2D* curve) {
-        return !curve || !curve->isActive() || (motionBlurOnly && !curve->isMotionBlur());
-    };
-    curves.erase(std::remove_if(curves.begin(), curves.end(), passedOver), curves.end());
+namespace {
+
+/// A curve with what it is ordered by.
+struct TimedCurve {
+    float begin;
+    float end;
+    kaAnimationCurve2D* curve;
+};
+
+/// Equal and incomparable ones stay in their order.
+template <class Before>
+void sortStably(std::vector<TimedCurve>& curves, Before&& before) {
+    if (!std::is_sorted(curves.begin(), curves.end(), before))
+        std::stable_sort(curves.begin(), curves.end(), before);
+}
+
+/// How far ahead of its use a curve is asked for.
+constexpr std::size_t CurvesAhead = 12;
+
+std::vector<TimedCurve> timedCurves(const std::vector<kaAnimationCurve2D*>& curves, bool motionBlurOnly) {
+    std::vector<TimedCurve> timed;
+    timed.reserve(curves.size());
+    for (std::size_t i = 0; i < curves.size(); ++i) {
+        if (i + CurvesAhead < curves.size())
+            fetchLines(curves[i + CurvesAhead], sizeof(kaAnimationCurve2D));
+        kaAnimationCurve2D* curve = curves[i];
+        if (curve && curve->isActive() && (!motionBlurOnly || curve->isMotionBlur()))
+            timed.push_back({curve->getBegin(), curve->getEnd(), curve});
+    }
+    return timed;
+}
+
+} // namespace
+
+/// Asks for what sampling the curves from `place` on will read.
+void kaEvaluation::fetchCurves(const kaAnimationCurve2D* soon, const kaAnimationCurve2D* next) {
+    fetchLines(soon, soon ? sizeof(*soon) : 0);
+    if (!next)
+        return;
+    fetchLines(next->_view.get(), sizeof(kaCurveView));
+    fetchLines(next->_resolvedField, sizeof(kaAnimationField));
+}
+
+void kaEvaluation::evaluateCurves(const std::vector<kaAnimationCurve2D*>& curves, float lo, float hi,
+                                  float frame, bool motionBlurOnly) {
+    std::vector<TimedCurve> timed = timedCurves(curves, motionBlurOnly);
     float at = frame;
     at = at < lo ? lo : at;
     at = at > hi ? hi : at;
     const PassLease pass(*this);
-    std::stable_sort(curves.begin(), curves.end(), &kaAnimationUtils::sortBeginBased);
-    for (auto curve = curves.rbegin(); curve != curves.rend(); ++curve)
-        if ((*curve)->getBegin() > at)
-            pass->sample(**curve, (*curve)->getBegin());
-    std::stable_sort(curves.begin(), curves.end(), &kaAnimationUtils::sortEndBased);
-    for (kaAnimationCurve2D* curve : curves)
-        if (curve->getEnd() < at)
-            pass->sample(*curve, curve->getEnd());
-    for (kaAnimationCurve2D* curve : curves)
-        if (curve->getBegin() <= at && at <= curve->getEnd())
-            pass->sample(*curve, at);
+    const auto ahead = [&timed](std::size_t place) {
+        return place < timed.size() ? timed[place].curve : nullptr;
+    };
+    sortStably(timed, [](const TimedCurve& a, const TimedCurve& b) { return a.begin < b.begin; });
+    for (auto one = timed.rbegin(); one != timed.rend(); ++one)
+        if (one->begin > at)
+            pass->sample(*one->curve, one->begin);
+    sortStably(timed, [](const TimedCurve& a, const TimedCurve& b) { return a.end < b.end; });
+    for (const TimedCurve& one : timed)
+        if (one.end < at)
+            pass->sample(*one.curve, one.end);
+    for (std::size_t i = 0; i < timed.size(); ++i) {
+        fetchCurves(ahead(i + CurvesAhead), ahead(i + CurvesAhead / 2));
+        if (timed[i].begin <= at && at <= timed[i].end)
+            pass->sample(*timed[i].curve, at);
+    }
     pass->write(nullptr);
 }

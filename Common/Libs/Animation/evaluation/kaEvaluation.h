@@ -35,7 +35,7 @@ class kaEvaluation {
     void collectCurvesWithFrame(kaAnimationObject* object, float frame, CurveFrames& finished,
                                 CurveFrames& running, CurveFrames& upcoming, bool motionBlurOnly);
     bool evaluateObject(kaAnimationObject* object, float frame, bool motionBlurOnly);
-    void evaluateCurves(std::vector<kaAnimationCurve2D*> curves, float lo, float hi, float frame,
+    void evaluateCurves(const std::vector<kaAnimationCurve2D*>& curves, float lo, float hi, float frame,
                         bool motionBlurOnly);
 
     /// Starts fetching from memory what evaluating an object and noting how it plays will read, in steps that
@@ -52,6 +52,7 @@ class kaEvaluation {
     static void keepPlanOf(const kaAnimationObject& object, kaEvaluationPlan* plan);
     kaEvaluationPlan& madePlanOf(const kaAnimationObject& object);
     void sweepPlans();
+    static void fetchCurves(const kaAnimationCurve2D* soon, const kaAnimationCurve2D* next);
 
     std::unordered_map<const kaAnimationObject*, std::unique_ptr<kaEvaluationPlan>> _plans;
     std::uint64_t _uses = 0;

@@ -6,6 +6,7 @@
 #include "kaEdits.h"
 #include "kaEvaluationPlan.h"
 #include "kaFieldAccess.h"
+#include "kaFieldBinding.h"
 #include "kaObjectRegistry.h"
 #include "kaSceneAccess.h"
 #include "kaSegment.h"
@@ -116,26 +117,54 @@ inline void kaEvaluationPass::store(kaEvaluationPlan& plan, const Sampled& sampl
 void kaEvaluationPass::sample(kaAnimationCurve2D& curve, float frame) {
     kaCurveView& view = curve.view();
     kaAnimationField* field = curve.resolvedField();
-    float value = 0.0F;
-    if (!field || !view.hasSpan() || !view.sample(frame, value))
+    if (!field || !view.hasSpan())
         return;
-    field->value = value;
-    _written.push_back({field->getId(), field, NoCurve});
+    if (const kaSegment* segment = view.isPacked() ? view.segmentAt(frame) : nullptr) {
+        _segments[_waiting] = segment;
+        _frames[_waiting] = frame;
+        _fields[_waiting] = field;
+        if (++_waiting == Block)
+            flushFields();
+        return;
+    }
+    flushFields();
+    float value = 0.0F;
+    if (view.sample(frame, value))
+        store(*field, value);
 }
 
-inline void kaEvaluationPass::fetch(const kaEvaluationPlan& plan, std::size_t place) const {
+/// What was sampled beside any plan.
+void kaEvaluationPass::flushFields() {
+    std::array<float, Block> values;
+    std::array<bool, Block> written;
+    kaSegmentIteration::sampleEach(_segments.data(), _frames.data(), _waiting, values.data(), written.data());
+    for (std::size_t i = 0; i < _waiting; ++i)
+        if (written[i])
+            store(*_fields[i], values[i]);
+    _waiting = 0;
+}
+
+void kaEvaluationPass::store(kaAnimationField& field, float value) {
+    field.value = value;
+    _written.push_back({field.getId(), &field, NoCurve});
+}
+
+inline void kaEvaluationPass::fetch(const kaEvaluationPlan* plan, std::size_t place) const {
     if (place + Ahead >= _written.size())
         return;
     const Written& written = _written[place + Ahead];
     __builtin_prefetch(written.field);
-    if (written.curve != NoCurve)
-        plan.curves[written.curve].cache.fetch();
+    if (plan && written.curve != NoCurve)
+        plan->curves[written.curve].cache.fetch();
+    else
+        kaFieldBinding::fetch(*written.field);
 }
 
 /// A store, and what the host does when it is announced, can change what another field addresses, so every
 /// value is compared again. Once the object model has been edited, which includes fields that come or go, the
 /// plan is left alone and fields are found by id.
 void kaEvaluationPass::write(kaEvaluationPlan* plan) {
+    flushFields();
     const kaObjectRegistry& registry = kaObjectRegistry::the();
     const osg::FieldContainerStore& containers = kaSceneAccess::store();
     const std::uint64_t edits = kaEdits::count;
@@ -146,8 +175,7 @@ void kaEvaluationPass::write(kaEvaluationPlan* plan) {
                 kaFieldAccess::write(*field);
             continue;
         }
-        if (plan)
-            fetch(*plan, i);
+        fetch(plan, i);
         kaFieldCache* cache = written.curve != NoCurve ? &plan->curves[written.curve].cache : nullptr;
         if (cache && cache->serves(*written.field, containers))
             cache->write(*written.field, containers);

@@ -53,7 +53,9 @@ class kaEvaluationPass {
     void sampleCurve(kaEvaluationPlan& plan, std::size_t curve, float frame);
     void flush(kaEvaluationPlan& plan);
     void store(kaEvaluationPlan& plan, const Sampled& sampled, const osg::FieldContainerStore& containers);
-    void fetch(const kaEvaluationPlan& plan, std::size_t place) const;
+    void flushFields();
+    void store(kaAnimationField& field, float value);
+    void fetch(const kaEvaluationPlan* plan, std::size_t place) const;
 
     std::vector<Run> _finished;
     std::vector<Run> _running;
@@ -66,6 +68,7 @@ class kaEvaluationPass {
     std::array<const kaSegment*, Block> _segments;
     std::array<float, Block> _frames;
     std::array<std::uint32_t, Block> _places;
+    std::array<kaAnimationField*, Block> _fields; ///< of what is sampled beside any plan
     std::size_t _waiting = 0;
     bool _motionBlurOnly = false;
     /// All that was stored, beginning with the first value that differed from the scene's.

@@ -20,7 +20,7 @@ struct kaAnimationObject::Group {
     std::set<kaUID> sequences;
     std::uint64_t curvesRevision = 0;
     std::unique_ptr<Playback> playback;
-    kaEvaluationPlan* plan = nullptr; ///< what evaluation has made of the object, while it keeps that
+    kaEvaluationPlan* plan = nullptr;   ///< what evaluation has made of the object, while it keeps that
     kaAnimationObject* above = nullptr; ///< where destruction goes on once this one's children have gone
 
     /// The curves that `curves` names, while registry and set are as they were.
