@@ -26,6 +26,38 @@ Motion moved() {
     return motion;
 }
 
+Motion withTimes(const std::vector<double>& times) {
+    Motion motion;
+    motion.nodes.resize(1);
+    MotionTake take;
+    take.tracks.resize(1);
+    for (const double time : times)
+        take.tracks[0].translation.keys.push_back({time, {}, {}, {}});
+    motion.takes.push_back(take);
+    return motion;
+}
+
+TEST(OwnRate, IsThatOfTheKeys) {
+    EXPECT_EQ(ownRate(withTimes({0, 0.5, 1})), 2.0);
+    EXPECT_EQ(ownRate(withTimes({0, 0.1, 0.2, 0.5, 0.6})), 10.0) << "keys may be missing";
+    // A capture states 0.0083333 seconds a frame: its frames shall be whole ones.
+    std::vector<double> times;
+    for (int i = 0; i < 4500; ++i)
+        times.push_back(i * 0.0083333);
+    EXPECT_NEAR(ownRate(withTimes(times)), 1.0 / 0.0083333, 1e-9);
+    // In single precision.
+    times.clear();
+    for (int i = 0; i < 4500; ++i)
+        times.push_back(static_cast<double>(static_cast<float>(i) / 30.0F));
+    EXPECT_EQ(ownRate(withTimes(times)), 30.0);
+}
+
+TEST(OwnRate, IsNoneWhereKeysStandAnywhere) {
+    EXPECT_EQ(ownRate(withTimes({0, 0.5, 1.2})), 0.0);
+    EXPECT_EQ(ownRate(withTimes({1})), 0.0);
+    EXPECT_EQ(ownRate(Motion()), 0.0);
+}
+
 } // namespace
 
 TEST(MotionChoice, KeepsOneTake) {

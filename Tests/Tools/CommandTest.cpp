@@ -86,7 +86,7 @@ TEST(CommandTest, AChoiceIsOneOfItsWords) {
     expectRefused({"info", "walk.bvh", "--format", ""}, "--format");
     EXPECT_EQ(partOf("info", "--format").typeName, "text|json");
     EXPECT_EQ(partOf("info", "--format").defaultText, "text");
-    EXPECT_EQ(partOf("sample", "--format").typeName, "csv|json");
+    EXPECT_EQ(partOf("sample", "--format").typeName, "csv|json|npz");
     EXPECT_EQ(partOf("play", "--format").typeName, "text|json") << "what completion offers";
     EXPECT_EQ(partOf("sample", "--format").defaultText, "csv");
     EXPECT_EQ(partOf("pose", "--format").defaultText, "json");

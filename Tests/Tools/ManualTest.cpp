@@ -125,9 +125,9 @@ TEST_F(ManualTest, BashCompletesEveryOptionOfEveryCommand) {
 }
 
 TEST_F(ManualTest, BashCompletesWhatFollowsAnOption) {
-    EXPECT_THAT(completed({"sample", "--format", ""}), ElementsAre("csv", "json"));
+    EXPECT_THAT(completed({"sample", "--format", ""}), ElementsAre("csv", "json", "npz"));
     EXPECT_THAT(completed({"sample", "--format", "=", "j"}), ElementsAre("json"));
-    EXPECT_THAT(completed({"sample", "--format", "="}), ElementsAre("csv", "json"));
+    EXPECT_THAT(completed({"sample", "--format", "="}), ElementsAre("csv", "json", "npz"));
     EXPECT_THAT(completed({"upgrade", "old.osg", "--format", "t"}), ElementsAre("text"));
     EXPECT_THAT(completed({"sample", "--step", ""}), ElementsAre());
     EXPECT_THAT(completed({"plot", "-o", "ka-anim."}), UnorderedElementsAre("ka-anim.1", "ka-anim.bash"));

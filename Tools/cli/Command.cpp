@@ -12,6 +12,14 @@ using namespace motion;
 
 namespace {
 
+/// What is wrong with a text that is to be a number above zero; empty for one that is.
+std::string faultOfPositive(const std::string& text, double high) {
+    const std::optional<double> value = parseNumber(text);
+    if (!value || !(*value > 0.0))
+        return "'" + oneLine(text) + "' is not a number above zero";
+    return *value <= high ? std::string() : "'" + oneLine(text) + "' is above " + formatNumber(high);
+}
+
 /// Without the parser's own name for the type, which would stand in the help.
 template <class Value>
 CLI::Option* addOption(CLI::App& command, const std::string& names, Value& value,
@@ -62,6 +70,27 @@ Command::Option Command::option(const std::string& names, int& value, const std:
 Command::Option Command::option(const std::string& names, std::size_t& value,
                                 const std::string& description) {
     return Option(addOption(*_command, names, value, description));
+}
+
+Command::Option Command::quantity(const std::string& names, double& value,
+                                  const std::vector<std::pair<std::string, double>>& words, double high,
+                                  const std::string& description) {
+    const std::map<std::string, double> meanings(words.begin(), words.end());
+    const auto read = [&value, meanings, high, names](const std::vector<std::string>& given) {
+        const auto word = meanings.find(given.front());
+        const std::string fault =
+            word == meanings.end() ? faultOfPositive(given.front(), high) : std::string();
+        if (!fault.empty())
+            throw CLI::ValidationError(names, fault);
+        value = word == meanings.end() ? *parseNumber(given.front()) : word->second;
+        return true;
+    };
+    std::string list = "NUMBER";
+    for (const auto& [word, meaning] : words)
+        list += "|" + word;
+    return Option(
+        _command->add_option(names, read, description, false, [&value] { return formatNumber(value); })
+            ->type_name(list));
 }
 
 Command::Option Command::option(const std::string& names, std::vector<std::string>& values,
@@ -138,12 +167,7 @@ Command::Option Command::Option::finite() const {
 }
 
 Command::Option Command::Option::aboveZero(double high) const {
-    _option->check([high](const std::string& text) {
-        const std::optional<double> value = parseNumber(text);
-        if (!value || !(*value > 0.0))
-            return "'" + oneLine(text) + "' is not a number above zero";
-        return *value <= high ? std::string() : "'" + oneLine(text) + "' is above " + formatNumber(high);
-    });
+    _option->check([high](const std::string& text) { return faultOfPositive(text, high); });
     return *this;
 }
 

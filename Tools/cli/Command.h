@@ -44,6 +44,11 @@ class Command {
     Option option(const std::string& names, int& value, const std::string& description);
     Option option(const std::string& names, std::size_t& value, const std::string& description);
 
+    /// Adds an option whose value is a number above zero, up to `high`, or one of these words, which stand for numbers.
+    Option quantity(const std::string& names, double& value,
+                    const std::vector<std::pair<std::string, double>>& words, double high,
+                    const std::string& description);
+
     /// Adds an option that may be repeated, with one value each time.
     Option option(const std::string& names, std::vector<std::string>& values, const std::string& description);
 

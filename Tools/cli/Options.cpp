@@ -3,8 +3,9 @@
 namespace ka::tools {
 
 void addModelOptions(Command& command, ProjectFiles& files) {
-    command.option("--fps", files.import.framesPerSecond, "frames to a second of the model")
-        .aboveZero(1e6)
+    command
+        .quantity("--fps", files.import.framesPerSecond, {{"source", 0.0}}, 1e6,
+                  "frames to a second of the model; source: the rate of its own keys")
         .showsDefault();
     command
         .option("--tolerance", files.import.rotationTolerance,
@@ -14,9 +15,16 @@ void addModelOptions(Command& command, ProjectFiles& files) {
     command.option("--take", files.import.take, "the take of a model to import, by name (default: all)")
         .takes("NAME");
     command
-        .option("--units", files.import.unit,
-                "scene units for a unit of the model: 0.01 for centimetres as metres")
-        .aboveZero()
+        .quantity("--units", files.import.unit,
+                  {{"mm", 0.001},
+                   {"cm", 0.01},
+                   {"dm", 0.1},
+                   {"m", 1.0},
+                   {"km", 1000.0},
+                   {"in", 0.0254},
+                   {"ft", 0.3048},
+                   {"yd", 0.9144}},
+                  1e30, "scene units for a unit of the model, or what the model is in, to become metres")
         .showsDefault();
     command.choice("--up", files.import.isZUp, {{"y", false}, {"z", true}},
                    "the axis of the model that points up; the scene's is y");

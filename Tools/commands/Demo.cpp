@@ -65,7 +65,7 @@ ExitCode demo(const DemoOptions& options, Output& output) {
     const Project project(options.files, terminal);
     const auto objects = project.playable("");
     const Playback playback = playThrough(objects);
-    const double fps = options.files.import.framesPerSecond;
+    const double fps = project.framesPerSecond();
     output.write(summary(project.report(), playback, fps));
     std::error_code error;
     std::filesystem::create_directories(options.folder, error);

@@ -91,10 +91,10 @@ ExitCode exportMotion(const ExportCommandOptions& options, Output& output) {
                                            printedPath(options.output));
     ExportOptions how = options.how;
     how.order = orderOf(options.order);
-    how.sampling.framesPerSecond = options.files.import.framesPerSecond;
     // The other half is left to whoever turns quaternions into angles again.
     how.sampling.tolerance = options.files.import.rotationTolerance / 2;
     const Project project(options.files);
+    how.sampling.framesPerSecond = project.framesPerSecond();
     std::vector<std::string> notes = project.report().notes;
     const auto objects = chosenObjects(project, options, *kind, notes);
     ExportedFile file = exportAs(*kind, project, objects, how);

@@ -20,7 +20,8 @@ struct ImportCommandOptions {
 };
 
 std::string reportAsJson(const ImportReport& report, const std::vector<std::string>& faults) {
-    nlohmann::ordered_json document{{"nodes", report.nodes},
+    nlohmann::ordered_json document{{"framesPerSecond", shortened(report.framesPerSecond)},
+                                    {"nodes", report.nodes},
                                     {"meshes", report.meshes},
                                     {"triangles", report.triangles},
                                     {"cameras", report.cameras},
@@ -77,6 +78,8 @@ ExitCode import(const ImportCommandOptions& options, Output& output) {
         faults = allFaults(std::move(faults), save(project.root(), options.outputs, terminal));
     sayReport(project.report());
     const ExitCode found = sayFaults(faults);
+    if (options.files.import.framesPerSecond == 0.0)
+        say(formatNumber(project.framesPerSecond(), 6) + " frames a second, as the model has them");
     if (options.asJson)
         output.write(reportAsJson(project.report(), faults));
     return options.strict && project.report().findings > 0 ? ExitCode::Findings : found;

@@ -179,9 +179,11 @@ std::string playThrough(const PlayOptions& options, const PlayPlan& plan, Output
     return summaryOf(player, !plays);
 }
 
-ExitCode play(const PlayOptions& options, Output& output) {
+ExitCode play(const PlayOptions& asked, Output& output) {
     Terminal terminal;
-    const Project project(options.files, terminal);
+    const Project project(asked.files, terminal);
+    PlayOptions options = asked;
+    options.files.import.framesPerSecond = project.framesPerSecond();
     const PlayPlan plan = planOf(options, project);
     const std::string summary = playThrough(options, plan, output);
     output.finish(); // so that the last word comes last on a terminal

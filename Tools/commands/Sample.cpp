@@ -2,11 +2,14 @@
 #include "cli/Progress.h"
 #include "commands/Commands.h"
 
+#include <algorithm>
 #include <cmath>
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaMotion/CurveChoice.h>
+#include <kaMotion/CurveTable.h>
 #include <kaMotion/Text.h>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -15,16 +18,18 @@ namespace ka::tools {
 
 namespace {
 
+enum class SampleFormat { Csv, Json, Npz };
+
 struct SampleOptions {
     ProjectFiles files;
     std::vector<std::string> curves;
     std::string object;
     std::optional<double> from, to;
     double step = 1.0;
-    Format format = Format::Csv;
+    SampleFormat format = SampleFormat::Csv;
 };
 
-constexpr double mostSamples = 1e9;
+constexpr double mostSamples = 1e9, mostTableNumbers = 1e8;
 
 /// A cell of a table: in quotes where it holds what would end it.
 std::string cell(const std::string& text) {
@@ -57,7 +62,8 @@ struct Origin {
 /// Writes one line for each sample; the brackets around them depend on the format.
 class SampleWriter {
   public:
-    SampleWriter(Output& output, Format format) : _output(output), _isJson(format == Format::Json) {
+    SampleWriter(Output& output, SampleFormat format)
+        : _output(output), _isJson(format == SampleFormat::Json) {
         _output.write(_isJson ? "[" : "curve,frame,value,clip,node,attribute,unit\n");
     }
 
@@ -113,7 +119,36 @@ void sampleCurve(kaAnimationCurve2D* curve, const SampleOptions& options, Sample
     }
 }
 
+/// One table for all curves: from the first frame of any to the last, without a value outside of a curve's span.
+CurveTable tableOf(const CurveList& curves, const SampleOptions& options, double framesPerSecond) {
+    CurveTable table;
+    table.framesPerSecond = framesPerSecond;
+    double from = HUGE_VAL, to = -HUGE_VAL;
+    for (const kaAnimationCurve2D* curve : curves) {
+        from = std::min(from, static_cast<double>(curve->getBegin()));
+        to = std::max(to, static_cast<double>(curve->getEnd()));
+        table.columns.push_back({curveLabel(curve), curveUnit(curve)});
+    }
+    from = options.from.value_or(from);
+    to = options.to.value_or(to);
+    const double count = from <= to ? std::floor((to - from) / options.step + 1e-9) + 1 : 0.0;
+    if (count * static_cast<double>(std::max<std::size_t>(curves.size(), 1)) > mostTableNumbers)
+        throw Failure(ExitCode::Usage, "more than a hundred million samples");
+    for (double i = 0; i < count; ++i) {
+        table.frames.push_back(from + i * options.step);
+        for (kaAnimationCurve2D* curve : curves) {
+            float value = 0.0F;
+            const bool hasValue = kaAnimationController::the()->computeCurveValue(
+                curve, static_cast<float>(table.frames.back()), value);
+            table.values.push_back(hasValue ? value : std::numeric_limits<float>::quiet_NaN());
+        }
+    }
+    return table;
+}
+
 ExitCode sample(const SampleOptions& options, Output& output) {
+    if (options.format == SampleFormat::Npz && output.isTerminal())
+        throw Failure(ExitCode::Usage, "npz is binary: send it to a file with > samples.npz");
     Terminal terminal;
     const Project project(options.files, terminal);
     CurveList curves = curvesBelow(project.playable(options.object));
@@ -122,6 +157,10 @@ ExitCode sample(const SampleOptions& options, Output& output) {
         curves = allCurves();
     if (!options.curves.empty())
         curves = chooseCurves(curves, options.curves);
+    if (options.format == SampleFormat::Npz) {
+        output.write(npzOf(tableOf(curves, options, project.framesPerSecond())));
+        return ExitCode::Fine;
+    }
     SampleWriter writer(output, options.format);
     for (kaAnimationCurve2D* curve : curves)
         sampleCurve(curve, options, writer);
@@ -143,9 +182,12 @@ void addSampleCommand(CLI::App& program, Action& action) {
     command.option("--from", options->from, "first frame (default: each curve's own)").finite();
     command.option("--to", options->to, "last frame (default: each curve's own)").finite();
     command.option("--step", options->step, "frames from sample to sample").aboveZero().showsDefault();
-    addFormatOption(command, options->format);
+    command.choice("--format", options->format,
+                   {{"csv", SampleFormat::Csv}, {"json", SampleFormat::Json}, {"npz", SampleFormat::Npz}},
+                   "csv, json, or npz: a NumPy archive with a column for each curve");
     command.examples({"ka-anim sample walk.bvh --curve Hips.translationX",
-                      "ka-anim sample walk.bvh --curve Hips --from 0 --to 10 --step 0.5 --format json"});
+                      "ka-anim sample walk.bvh --curve Hips --from 0 --to 10 --step 0.5 --format json",
+                      "ka-anim sample walk.bvh --format npz > walk.npz"});
     command.runs(action, [options](Output& output) { return sample(*options, output); });
 }
 

@@ -30,67 +30,64 @@ QColor colorOf(BodySide side) {
     }
 }
 
-/// Looks down on the figure from the front left, without perspective: the same everywhere in the picture.
-struct View {
-    static constexpr double turn = 0.6, tilt = 0.32; ///< radians
-
-    /// Right and down in the picture, for a point relative to the camera's target.
-    static QPointF project(const Vec3& p) {
-        const double across = p[0] * std::cos(turn) - p[2] * std::sin(turn);
-        const double away = p[0] * std::sin(turn) + p[2] * std::cos(turn);
-        return {across, -(p[1] * std::cos(tilt) - away * std::sin(tilt))};
-    }
-};
-
-/// What all cells share.
-struct Stage {
-    double ground = 0.0;  ///< height of the lowest joint
-    double reach = 1.0;   ///< half the width and height of what a cell shows
-    double lift = 0.0;    ///< of the middle of a cell above the ground
-    double spacing = 1.0; ///< between the lines on the ground
-};
-
-Vec3 footprint(const FigurePose& pose, double ground) {
-    Vec3 low{1e30, 0, 1e30}, high{-1e30, 0, -1e30};
-    for (const Vec3& joint : pose.joints)
-        for (const std::size_t axis : {std::size_t{0}, std::size_t{2}}) {
-            low[axis] = std::min(low[axis], joint[axis]);
-            high[axis] = std::max(high[axis], joint[axis]);
-        }
-    return {(low[0] + high[0]) / 2, ground, (low[2] + high[2]) / 2};
-}
+constexpr double radiansPerDegree = 3.14159265358979323846 / 180.0;
 
 Vec3 minus(const Vec3& a, const Vec3& b) {
     return {a[0] - b[0], a[1] - b[1], a[2] - b[2]};
 }
 
-/// A round number of units about half as long as the figure reaches.
-double stepFor(double reach) {
-    const std::vector<double> ticks = niceTicks(0.0, reach, 2);
-    return ticks.size() > 1 ? ticks[1] - ticks[0] : reach;
+/// The figure as seen from the camera.
+class Projection {
+  public:
+    explicit Projection(const FigureView& view)
+        : _turnSine(std::sin(view.turn * radiansPerDegree)),
+          _turnCosine(std::cos(view.turn * radiansPerDegree)),
+          _tiltSine(std::sin(view.tilt * radiansPerDegree)),
+          _tiltCosine(std::cos(view.tilt * radiansPerDegree)) {}
+
+    /// Right and down in the picture, for a point relative to the camera's target.
+    QPointF project(const Vec3& p) const {
+        return {p[0] * _turnCosine - p[2] * _turnSine, -(p[1] * _tiltCosine - toCamera(p) * _tiltSine)};
+    }
+
+    /// How near a point is to the camera.
+    double nearness(const Vec3& p) const { return p[1] * _tiltSine + toCamera(p) * _tiltCosine; }
+
+    /// The sine of the angle from the ground to the camera.
+    double tilt() const { return _tiltSine; }
+
+  private:
+    double toCamera(const Vec3& p) const { return p[0] * _turnSine + p[2] * _turnCosine; }
+
+    double _turnSine, _turnCosine, _tiltSine, _tiltCosine;
+};
+
+/// Every point that a pose has.
+template <class Visit>
+void eachPoint(const FigurePose& pose, const Visit& visit) {
+    std::for_each(pose.joints.begin(), pose.joints.end(), visit);
+    for (const FigureFace& face : pose.faces)
+        std::for_each(face.corners.begin(), face.corners.end(), visit);
+    for (const FigureAxes& axes : pose.axes)
+        visit(axes.origin);
 }
 
-Stage stageFor(const std::vector<FigurePose>& poses) {
-    Stage stage;
-    stage.ground = std::numeric_limits<double>::infinity();
-    for (const FigurePose& pose : poses)
-        for (const Vec3& joint : pose.joints)
-            stage.ground = std::min(stage.ground, joint[1]);
-    double left = 0, right = 0, top = 0, bottom = 0;
-    for (const FigurePose& pose : poses) {
-        const Vec3 target = footprint(pose, stage.ground);
-        for (const Vec3& joint : pose.joints) {
-            const QPointF p = View::project(minus(joint, target));
-            left = std::min(left, p.x());
-            right = std::max(right, p.x());
-            top = std::min(top, p.y());
-            bottom = std::max(bottom, p.y());
+/// The middle of a pose, on a ground of this height.
+Vec3 footprint(const FigurePose& pose, double ground) {
+    Vec3 low{1e30, 0, 1e30}, high{-1e30, 0, -1e30};
+    eachPoint(pose, [&](const Vec3& point) {
+        for (const std::size_t axis : {std::size_t{0}, std::size_t{2}}) {
+            low[axis] = std::min(low[axis], point[axis]);
+            high[axis] = std::max(high[axis], point[axis]);
         }
-    }
-    stage.reach = std::max({-left, right, (bottom - top) / 2, 1e-6}) * 1.12;
-    stage.lift = (top + bottom) / 2;
-    stage.spacing = stepFor(stage.reach);
-    return stage;
+    });
+    return {(low[0] + high[0]) / 2, ground, (low[2] + high[2]) / 2};
+}
+
+/// The round number of units, 1, 2 or 5 times a power of ten, nearest above a third of how far the figure reaches.
+double stepFor(double reach) {
+    const std::vector<double> ticks = niceTicks(0.0, 3.0 * reach, 9);
+    return ticks.size() > 1 ? ticks[1] - ticks[0] : reach;
 }
 
 int rowsFor(int poses) {
@@ -99,8 +96,12 @@ int rowsFor(int poses) {
 
 class SheetPainter {
   public:
-    SheetPainter(QImage& image, const Stage& stage, const std::vector<FigureBone>& bones)
-        : _painter(&image), _stage(stage), _bones(bones) {
+    SheetPainter(QImage& image, const FigureStage& stage, const std::vector<FigureBone>& bones)
+        : _painter(&image),
+          _stage(stage),
+          _projection(stage.view()),
+          _bones(bones),
+          _spacing(stepFor(stage.reach())) {
         image.fill(Qt::white);
         _painter.setRenderHint(QPainter::Antialiasing);
     }
@@ -125,8 +126,11 @@ class SheetPainter {
             x += 100;
         }
         _painter.setPen(faint);
+        _painter.setFont(pictureFont(14));
         _painter.drawText(QRectF(x, margin + 26, width - x - margin, 24), Qt::AlignRight | Qt::AlignVCenter,
-                          QString("lines on the ground: %1 units apart").arg(_stage.spacing));
+                          QString("lines on the ground: %1 %2 apart")
+                              .arg(_spacing)
+                              .arg(_spacing == 1.0 ? "unit" : "units"));
     }
 
     void drawCell(const QRectF& cell, const FigurePose& pose) {
@@ -136,12 +140,14 @@ class SheetPainter {
         const QRectF view = cell.adjusted(0, 0, 0, -labelHeight);
         _painter.save();
         _painter.setClipRect(view);
-        _scale = std::min(view.width(), view.height()) / 2 / _stage.reach;
-        _middle = view.center() - QPointF(0, _stage.lift * _scale);
-        _target = footprint(pose, _stage.ground);
+        _scale = std::min(view.width(), view.height()) / 2 / _stage.reach();
+        _middle = view.center() - QPointF(0, _stage.lift() * _scale);
+        _target = footprint(pose, _stage.ground());
         drawGround(view);
         drawBones(pose, true);
+        drawFaces(pose);
         drawBones(pose, false);
+        drawAxes(pose);
         _painter.restore();
         _painter.setFont(pictureFont(15));
         _painter.setPen(ink);
@@ -150,17 +156,22 @@ class SheetPainter {
     }
 
   private:
-    QPointF at(const Vec3& point) const { return _middle + View::project(minus(point, _target)) * _scale; }
+    QPointF at(const Vec3& point) const {
+        return _middle + _projection.project(minus(point, _target)) * _scale;
+    }
 
     void drawGround(const QRectF& view) {
-        const double span = (view.width() + view.height()) / _scale / std::sin(View::tilt);
-        const double step = _stage.spacing;
+        // Seen along the ground there is none.
+        if (_projection.tilt() < 0.05)
+            return;
+        const double span = (view.width() + view.height()) / _scale / _projection.tilt();
+        const double step = _spacing;
         _painter.setPen(QPen(groundColor, 1));
         for (const std::size_t axis : {std::size_t{0}, std::size_t{2}}) {
             const std::size_t across = 2 - axis;
             const double first = std::ceil((_target[axis] - span) / step) * step;
             for (double place = first; place <= _target[axis] + span; place += step) {
-                Vec3 from{0, _stage.ground, 0};
+                Vec3 from{0, _stage.ground(), 0};
                 from[axis] = place;
                 Vec3 to = from;
                 from[across] = _target[across] - span;
@@ -171,11 +182,11 @@ class SheetPainter {
     }
 
     void drawBones(const FigurePose& pose, bool asShadow) {
-        const double width = std::max(2.5, _scale * _stage.reach * 0.022);
+        const double width = std::max(2.5, _scale * _stage.reach() * 0.022);
         for (const FigureBone& bone : _bones) {
             Vec3 from = pose.joints[bone.from], to = pose.joints[bone.to];
             if (asShadow)
-                from[1] = to[1] = _stage.ground;
+                from[1] = to[1] = _stage.ground();
             const QColor color = asShadow ? shadowColor : colorOf(bone.side);
             _painter.setPen(QPen(color, asShadow ? width * 1.4 : width, Qt::SolidLine, Qt::RoundCap));
             _painter.drawLine(at(from), at(to));
@@ -187,9 +198,58 @@ class SheetPainter {
         }
     }
 
+    /// From the farthest to the nearest, each as bright as it faces the camera and the sky.
+    void drawFaces(const FigurePose& pose) {
+        std::vector<std::pair<double, const FigureFace*>> byDepth;
+        byDepth.reserve(pose.faces.size());
+        for (const FigureFace& face : pose.faces) {
+            double near = 0.0;
+            for (const Vec3& corner : face.corners)
+                near += _projection.nearness(minus(corner, _target));
+            byDepth.emplace_back(near, &face);
+        }
+        std::sort(byDepth.begin(), byDepth.end(),
+                  [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (const auto& [near, face] : byDepth) {
+            const QColor color = QColor(face->color).darker(static_cast<int>(100 / brightness(*face)));
+            // An outline of the same colour closes the seams between neighbours.
+            _painter.setPen(QPen(color, 0.6));
+            _painter.setBrush(color);
+            const QPointF points[] = {at(face->corners[0]), at(face->corners[1]), at(face->corners[2])};
+            _painter.drawPolygon(points, 3);
+        }
+    }
+
+    double brightness(const FigureFace& face) const {
+        const Vec3 a = minus(face.corners[1], face.corners[0]), b = minus(face.corners[2], face.corners[0]);
+        const Vec3 normal{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+        const double length =
+            std::sqrt(normal[0] * normal[0] + normal[1] * normal[1] + normal[2] * normal[2]);
+        if (!(length > 0.0))
+            return 1.0;
+        const double toCamera = std::abs(_projection.nearness(normal)) / length;
+        return 0.5 + 0.3 * toCamera + 0.2 * std::max(0.0, normal[1] / length);
+    }
+
+    void drawAxes(const FigurePose& pose) {
+        const QColor colors[] = {QColor(0xC0, 0x39, 0x2B), QColor(0x27, 0x8E, 0x4B),
+                                 QColor(0x2C, 0x6F, 0xBB)};
+        const double length = _stage.reach() * 0.18;
+        for (const FigureAxes& axes : pose.axes)
+            for (std::size_t axis = 0; axis < 3; ++axis) {
+                Vec3 end = axes.origin;
+                for (std::size_t i = 0; i < 3; ++i)
+                    end[i] += axes.ends[axis][i] * length;
+                _painter.setPen(QPen(colors[axis], 2.5, Qt::SolidLine, Qt::RoundCap));
+                _painter.drawLine(at(axes.origin), at(end));
+            }
+    }
+
     QPainter _painter;
-    Stage _stage;
+    const FigureStage& _stage;
+    Projection _projection;
     const std::vector<FigureBone>& _bones;
+    double _spacing;
     double _scale = 1.0;
     QPointF _middle;
     Vec3 _target{};
@@ -216,11 +276,58 @@ BodySide sideOfName(const std::string& name) {
     return BodySide::Middle;
 }
 
-QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& poses,
-                       const std::vector<FigureBone>& bones, QSize size) {
+void FigureStage::include(const FigurePose& pose) {
+    const Projection projection(_view);
+    const Vec3 target = footprint(pose, 0.0);
+    eachPoint(pose, [&](const Vec3& point) {
+        const QPointF p = projection.project(minus(point, target));
+        _ground = std::min(_ground, point[1]);
+        _left = std::min(_left, p.x());
+        _right = std::max(_right, p.x());
+        _top = std::min(_top, p.y());
+        _bottom = std::max(_bottom, p.y());
+    });
+}
+
+double FigureStage::ground() const {
+    return std::isfinite(_ground) ? _ground : 0.0;
+}
+
+double FigureStage::fromGround(double height) const {
+    return height + ground() * std::cos(_view.tilt * radiansPerDegree);
+}
+
+double FigureStage::reach() const {
+    const double top = std::min(0.0, fromGround(_top)), bottom = std::max(0.0, fromGround(_bottom));
+    const double reach = std::max({-_left, _right, (bottom - top) / 2});
+    return reach > 1e-9 && std::isfinite(reach) ? reach * 1.12 : 1.0; // a point has room about it
+}
+
+double FigureStage::lift() const {
+    return std::isfinite(_ground) ? (std::min(0.0, fromGround(_top)) + std::max(0.0, fromGround(_bottom))) / 2
+                                  : 0.0;
+}
+
+QImage drawFigureFrame(const QString& title, const FigurePose& pose, const std::vector<FigureBone>& bones,
+                       const FigureStage& stage, QSize size) {
     startDrawing();
     QImage image(size, QImage::Format_RGB32);
-    SheetPainter painter(image, stageFor(poses), bones);
+    SheetPainter painter(image, stage, bones);
+    painter.drawTitle(title, size.width());
+    painter.drawCell(QRectF(margin, margin + titleHeight, size.width() - 2.0 * margin,
+                            size.height() - 2.0 * margin - titleHeight),
+                     pose);
+    return image;
+}
+
+QImage drawFigureSheet(const QString& title, const std::vector<FigurePose>& poses,
+                       const std::vector<FigureBone>& bones, QSize size, const FigureView& view) {
+    startDrawing();
+    FigureStage stage(view);
+    for (const FigurePose& pose : poses)
+        stage.include(pose);
+    QImage image(size, QImage::Format_RGB32);
+    SheetPainter painter(image, stage, bones);
     painter.drawTitle(title, size.width());
     const int rows = rowsFor(static_cast<int>(poses.size()));
     const double width = (size.width() - 2.0 * margin - (columns - 1) * gap) / columns;

@@ -9,15 +9,16 @@ namespace ka::motion {
 
 /// What became of a model.
 struct ImportReport {
-    std::size_t nodes = 0;     ///< of the scene, its root and what shows meshes included
-    std::size_t meshes = 0;    ///< of one material each
-    std::size_t triangles = 0; ///< in all meshes
-    std::size_t cameras = 0;   ///< nodes that carry one
-    std::size_t lights = 0;    ///< nodes that carry one
-    std::size_t clips = 0;     ///< one for each take
-    std::size_t blocks = 0;    ///< one for each moved node of each take
-    std::size_t curves = 0;    ///< in all blocks
-    std::size_t keys = 0;      ///< on all curves
+    double framesPerSecond = 0.0; ///< of the scene, for a second of the model; 0 where none was read
+    std::size_t nodes = 0;        ///< of the scene, its root and what shows meshes included
+    std::size_t meshes = 0;       ///< of one material each
+    std::size_t triangles = 0;    ///< in all meshes
+    std::size_t cameras = 0;      ///< nodes that carry one
+    std::size_t lights = 0;       ///< nodes that carry one
+    std::size_t clips = 0;        ///< one for each take
+    std::size_t blocks = 0;       ///< one for each moved node of each take
+    std::size_t curves = 0;       ///< in all blocks
+    std::size_t keys = 0;         ///< on all curves
     std::size_t addedKeys =
         0; ///< that the source does not have, for rotations to keep their way between keys
     std::size_t mergedKeys = 0; ///< left out because a document cannot tell their frames apart

@@ -19,11 +19,17 @@ bool isGltf(const std::string& extension) {
     return extension == "gltf" || extension == "glb";
 }
 
-/// Files of other names that are glTF inside, such as .vrm.
-bool startsAsBinaryGltf(const std::string& path) {
+/// Files of other names that are glTF inside, such as .vrm: binary, or the text of an object with an "asset".
+bool startsAsGltf(const std::string& path) {
+    constexpr std::size_t enough = 1 << 16;
     std::ifstream file(path, std::ios::binary);
-    char start[4]{};
-    return file.read(start, sizeof start) && std::string(start, sizeof start) == "glTF";
+    std::string start(enough, '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<std::size_t>(file.gcount()));
+    if (start.compare(0, 4, "glTF") == 0)
+        return true;
+    const std::size_t first = start.find_first_not_of(" \t\r\n");
+    return first != std::string::npos && start[first] == '{' && start.find("\"asset\"") != std::string::npos;
 }
 
 /// The project's own reader is held to the same limits, but it may run where the system cannot confine it.
@@ -43,7 +49,7 @@ ReaderResult readByExtension(const std::string& path, const ReaderLimits& limits
     const ConfinedFolder folder(path);
     if (extension == "bvh")
         return {readBvhFile(folder, path, limits), Confinement::Whole};
-    const bool isForGltf = isGltf(extension) || startsAsBinaryGltf(path);
+    const bool isForGltf = isGltf(extension) || startsAsGltf(path);
     if (!isForGltf && !isKnownToAssimp(extension))
         throw unreadable(path, extension.empty() ? "no extension tells what kind of model it is"
                                                  : "no reader for '." + oneLine(extension, 20) + "' files");

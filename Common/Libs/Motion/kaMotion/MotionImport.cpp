@@ -68,6 +68,7 @@ class MotionImporter {
     MotionImporter(const Motion& motion, const ImportOptions& options) : _motion(motion), _options(options) {
         _report.notes = groupedNotes(motion.notes);
         _report.rotationTolerance = options.rotationTolerance;
+        _report.framesPerSecond = options.framesPerSecond;
     }
 
     ImportReport run(const osg::NodePtr& root) {

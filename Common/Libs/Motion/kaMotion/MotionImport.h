@@ -12,7 +12,7 @@ namespace ka::motion {
 
 /// How a motion becomes curves.
 struct ImportOptions {
-    double framesPerSecond = 25.0;   ///< frames of the scene for a second of the source
+    double framesPerSecond = 25.0;   ///< frames of the scene for a second of the source; 0: see `ownRate`
     double rotationTolerance = 0.01; ///< degrees that a converted rotation may be off between keys
     KeyBudget budget;                ///< keys that may be built, those that rotations need included
     std::string take;                ///< the one to import by its name; empty for all

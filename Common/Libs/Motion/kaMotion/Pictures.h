@@ -2,8 +2,10 @@
 
 #include <QImage>
 #include <QString>
+#include <functional>
 #include <kaMotion/CurveChoice.h>
 #include <kaMotion/FigureSheet.h>
+#include <kaMotion/Listener.h>
 #include <kaMotion/Project.h>
 
 #pragma GCC visibility push(default)
@@ -25,13 +27,35 @@ struct PictureRange {
 QImage plotCurves(const QString& title, const CurveList& curves, const PictureRange& range, QSize size,
                   bool withHandles);
 
-/// Draws the figure that the placed nodes make at `count` frames spread evenly over the range. Evaluates the
-/// objects; the scene is left at the last of the frames.
-/// @throws Failure (Unreadable) when there is no figure: fewer than two nodes, or positions that are not
-/// finite.
+/// What of a scene is drawn.
+enum class FigureShow {
+    Auto, ///< meshes where there are any, else bones
+    Meshes, ///< in light and shade, as shapes and skins have them; boxes where there are more than 60 000 triangles
+    Boxes, ///< one about each mesh
+    Bones, ///< a line from each placed node to the one above it; with axes where these lines stand still
+    Axes   ///< of each placed node
+};
+
+/// How a figure is drawn.
+struct FigureOptions {
+    FigureShow show = FigureShow::Auto; ///< what of the scene
+    FigureView view;                    ///< from where
+    bool isZUp = false;                 ///< Z points up in the scene, not Y
+};
+
+/// Draws the figure at `count` frames spread evenly over the range. Evaluates the objects; the scene is left at the
+/// last of the frames.
+/// @throws Failure (Unreadable) when there is nothing to draw, or positions are not finite.
 QImage renderFigure(const QString& title, const Project& project,
                     const std::vector<kaAnimationObject*>& objects, const PictureRange& range, int count,
-                    QSize size);
+                    QSize size, const FigureOptions& options = FigureOptions());
+
+/// Draws the figure at every whole frame of the range, all with one scale: the pictures of a film.
+/// @param take  gets each picture; false ends it.
+/// @return false when the listener or `take` ended it.
+bool filmFigure(const QString& title, const Project& project, const std::vector<kaAnimationObject*>& objects,
+                const PictureRange& range, QSize size, const FigureOptions& options, Listener& listener,
+                const std::function<bool(const QImage&)>& take);
 
 } // namespace ka::motion
 #pragma GCC visibility pop

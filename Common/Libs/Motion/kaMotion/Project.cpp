@@ -118,6 +118,10 @@ void Project::exchangeScene(const ProjectFiles& files, Listener& listener) {
 
 void Project::open(const ProjectFiles& files, Listener& listener) {
     _file = files.file;
+    _framesPerSecond = files.import.framesPerSecond;
+    if (_framesPerSecond == 0.0 && (isScene(files.file) || isDocument(files.file)))
+        throw Failure(ExitCode::Usage,
+                      "only a model has a frame rate of its own, not " + printedPath(files.file));
     if (isScene(files.file))
         openScene(files, listener);
     else if (!files.animation.empty())
@@ -153,6 +157,12 @@ void Project::readModel(const ProjectFiles& files, Listener& listener) {
         scaleLengths(model.motion, files.import.unit);
     if (files.import.isZUp)
         turnZUp(model.motion);
+    if (_framesPerSecond == 0.0)
+        _framesPerSecond = ownRate(model.motion);
+    if (_framesPerSecond == 0.0)
+        throw Failure(ExitCode::Usage, printedPath(files.file) +
+                                           " has no frame rate of its own: its keys stand at no "
+                                           "even distance; ask for a number");
     noteConfinement(model.confinement, listener);
     bool lossy = false;
     seedIds(packMotion(model.motion));
@@ -161,6 +171,7 @@ void Project::readModel(const ProjectFiles& files, Listener& listener) {
     try {
         ImportOptions options = files.import;
         options.budget = KeyBudget(files.reader.megabytes);
+        options.framesPerSecond = _framesPerSecond;
         _report = importMotion(model.motion, _root, options);
     } catch (const Failure& failure) {
         throw unreadable(files.file, failure.what());

@@ -46,6 +46,9 @@ class Project {
     /// What was lost and found on the way; its counts are of the model only where a model was read.
     const ImportReport& report() const { return _report; }
 
+    /// Frames of the animation to a second: as asked for, or the model's own.
+    double framesPerSecond() const { return _framesPerSecond; }
+
     /// Every node whose core places it, parents before children.
     std::vector<osg::NodePtr> placedNodes() const;
 
@@ -66,6 +69,7 @@ class Project {
     std::string _file;
     osg::NodePtr _root;
     ImportReport _report;
+    double _framesPerSecond = 25.0;
 };
 
 /// Starts the scene graph, once; projects do it themselves.

@@ -20,6 +20,61 @@ void keepTake(Motion& motion, const std::string& name) {
                                            (known.empty() ? "none" : oneLine(known, 400)));
 }
 
+namespace {
+
+/// The times of the channel with most keys.
+class LongestChannel {
+  public:
+    template <std::size_t Width>
+    void consider(const MotionChannel<Width>& channel) {
+        if (channel.keys.size() <= _times.size())
+            return;
+        _times.clear();
+        for (const MotionKey<Width>& key : channel.keys)
+            _times.push_back(key.time);
+    }
+    const std::vector<double>& times() const { return _times; }
+
+  private:
+    std::vector<double> _times;
+};
+
+} // namespace
+
+double ownRate(const Motion& motion) {
+    LongestChannel longest;
+    for (const MotionTake& take : motion.takes)
+        for (const MotionTrack& track : take.tracks) {
+            longest.consider(track.translation);
+            longest.consider(track.scale);
+            longest.consider(track.angles);
+            longest.consider(track.quaternion);
+            for (const MotionChannel<1>& weight : track.weights)
+                longest.consider(weight);
+        }
+    const std::vector<double>& times = longest.times();
+    if (times.size() < 2)
+        return 0.0;
+    std::vector<double> gaps;
+    for (std::size_t i = 1; i < times.size(); ++i)
+        gaps.push_back(times[i] - times[i - 1]);
+    const double least = *std::min_element(gaps.begin(), gaps.end());
+    // Times in single precision stand a little beside their frames.
+    constexpr double slack = 0.05;
+    double frames = 0.0;
+    for (const double gap : gaps) {
+        const double steps = std::round(gap / least);
+        if (std::abs(gap / least - steps) > slack * std::max(1.0, steps))
+            return 0.0;
+        frames += steps;
+    }
+    const double rate = frames / (times.back() - times.front());
+    if (!std::isfinite(rate))
+        return 0.0;
+    const double whole = std::round(rate);
+    return std::abs(rate - whole) <= 1e-6 * rate ? whole : rate;
+}
+
 void scaleLengths(Motion& motion, double factor) {
     const auto scale = [factor](auto& numbers) {
         for (auto& number : numbers)
