@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QMessageBox>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QSettings>
@@ -189,6 +190,7 @@ int main(int argc, char** argv) {
     MainWindow window;
     MainWindow::Answers answers;
     answers.message = [](const QString& text) { std::fprintf(stderr, "%s\n", text.toUtf8().constData()); };
+    answers.unsavedChanges = [] { return static_cast<int>(QMessageBox::Discard); };
     window.setAnswers(answers);
     window.resize(1600, 1000);
     window.show();

@@ -159,7 +159,7 @@ void SceneFixtures::expose(const QVector3D& place) {
         sum += std::max({light.color[0], light.color[1], light.color[2]}) / std::max(weaker, 1e-4F);
     }
     if (sum > 0.0F && std::isfinite(sum))
-        _exposure = 1.0F / sum;
+        _exposure = 0.8F / sum;
 }
 
 } // namespace ka::studio

@@ -186,6 +186,8 @@ class Intake {
                 material.pictureFile =
                     QDir(_folder).absoluteFilePath(QString::fromStdString(picture->getFileName()));
         }
+        material.hasNoColor = (!material.picture.isEmpty() || !material.pictureFile.isEmpty()) &&
+                              look[0] == 0.0F && look[1] == 0.0F && look[2] == 0.0F;
         _scene.materials.push_back(std::move(material));
         return known->second;
     }
@@ -252,10 +254,12 @@ SpacePose poseOf(const SpaceScene& scene, const Figure& figure) {
         const auto source = osg::SimpleMaterialPtr::dcast(factory->getContainer(material.source));
         const auto& color = material.color;
         const auto& glow = material.glow;
-        pose.looks.push_back(
-            source != osg::NullFC
-                ? lookOf(*source)
-                : std::array<float, 7>{color[0], color[1], color[2], color[3], glow[0], glow[1], glow[2]});
+        std::array<float, 7> look = {color[0], color[1], color[2], color[3], glow[0], glow[1], glow[2]};
+        if (source != osg::NullFC)
+            look = lookOf(*source);
+        if (material.hasNoColor)
+            std::fill_n(look.begin(), 3, 1.0F);
+        pose.looks.push_back(look);
     }
     return pose;
 }

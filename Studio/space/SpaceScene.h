@@ -15,6 +15,8 @@ struct SpaceMaterial {
     std::array<float, 3> glow{};                         ///< light that it gives by itself
     QString pictureFile;                                 ///< absolute path of the base colour's picture
     QByteArray picture;                                  ///< the same as a PNG or JPEG file
+    /// The colour is black beside a picture, by which some files say that they have none.
+    bool hasNoColor = false;
 };
 
 /// Triangles, shown by one or more parts. All lists are checked: of the length that the corners ask for, or empty, and

@@ -44,7 +44,8 @@ void PlainDrawing::drawFigure(QPainter& painter, const SceneShot& shot, const st
         seen.push_back(shot.viewpoint.project(place, shot.size));
     for (std::size_t i = 0; i < joints.size(); ++i) {
         const int parent = joints[i].parent;
-        if (parent < 0 || !seen[i].has_value() || !seen[static_cast<std::size_t>(parent)].has_value())
+        if (parent < 0 || !(*shot.isBone)[i] || !seen[i].has_value() ||
+            !seen[static_cast<std::size_t>(parent)].has_value())
             continue;
         const QPointF from = *seen[static_cast<std::size_t>(parent)], way = *seen[i] - from;
         const double length = std::hypot(way.x(), way.y());

@@ -23,6 +23,9 @@ struct SceneShot {
     const std::vector<SpaceLight>* lights = nullptr;
     int picked = -1; ///< joint
     bool hasBones = true;
+    /// Whether a bone goes to a joint from its parent, by joint: in a scene with meshes only where a skin is, because
+    /// everything else is seen by itself.
+    const std::vector<bool>* isBone = nullptr;
 };
 
 /// Draws the figure and the meshes of a scene. What lies under and over them, and every place that the mouse meets, is

@@ -51,6 +51,7 @@ void SceneView::takeInScene() {
     _fixtures = SceneFixtures();
     if (isOpen)
         _fixtures.takeIn(_session.project().root(), _figure);
+    chooseBones();
     if (left > 0)
         _session.addToReport({tr("%n mesh(es) that are no surfaces are not shown", nullptr, left)});
     _plain->setScene(_meshes);
@@ -61,6 +62,32 @@ void SceneView::takeInScene() {
     frameAll();
     _fixtures.expose(_camera.target());
     refresh();
+}
+
+/// No bone goes to what carries a lamp or a camera alone, which may stand anywhere.
+void SceneView::chooseBones() {
+    const std::vector<Figure::Joint>& joints = _figure.joints();
+    _isBone.assign(joints.size(), true);
+    const auto leaveOut = [this](unsigned int carrier) {
+        if (const int joint = _figure.indexOf(carrier); joint >= 0)
+            _isBone[static_cast<std::size_t>(joint)] = false;
+    };
+    for (const SceneCamera& camera : _fixtures.cameras())
+        leaveOut(camera.carrier);
+    for (const SceneLight& light : _fixtures.lights())
+        leaveOut(light.carrier);
+    std::vector<bool> isOfSkin(joints.size(), _meshes.parts.empty());
+    for (const SpacePart& part : _meshes.parts)
+        for (const int mover : part.skin.movers)
+            isOfSkin[static_cast<std::size_t>(_meshes.movers[static_cast<std::size_t>(mover)])] = true;
+    _isBoneOfSkin = _isBone;
+    for (std::size_t i = 0; i < joints.size(); ++i)
+        if (joints[i].parent >= 0 && !(isOfSkin[i] && isOfSkin[static_cast<std::size_t>(joints[i].parent)]))
+            _isBoneOfSkin[i] = false;
+}
+
+const std::vector<bool>& SceneView::shownBones() const {
+    return isDrawnByOpenGL() ? _isBoneOfSkin : _isBone;
 }
 
 void SceneView::refresh() {
@@ -273,6 +300,7 @@ SceneShot SceneView::shot() const {
     shot.lights = &_lights;
     shot.picked = _picked;
     shot.hasBones = _hasBones;
+    shot.isBone = _space != nullptr ? &_isBoneOfSkin : &_isBone;
     return shot;
 }
 

@@ -94,6 +94,8 @@ class SceneView : public QWidget {
 
     void takeInScene();
     void refresh();
+    void chooseBones();
+    const std::vector<bool>& shownBones() const;
     void touch(); ///< Something is another than before.
     void startOpenGL();
     void sampleMotion();
@@ -123,6 +125,7 @@ class SceneView : public QWidget {
     Figure _figure;
     SpaceScene _meshes;
     SceneFixtures _fixtures;
+    std::vector<bool> _isBone, _isBoneOfSkin; ///< by joint: without meshes to be seen, and with them
     std::vector<SpaceLight> _lights;
     unsigned int _through = 0;
     float _size = 1.0F; ///< of the scene

@@ -16,9 +16,10 @@ const QColor AxisColors[] = {QColor(220, 70, 70), QColor(80, 180, 80), QColor(70
 
 void SceneView::paintEvent(QPaintEvent* /*event*/) {
     sampleMotion();
-    const SceneShot wanted = shot();
+    SceneShot wanted = shot();
     if (_space != nullptr)
         _space->request(wanted);
+    wanted.isBone = &shownBones();
     SceneDrawing* drawing = isDrawnByOpenGL() ? static_cast<SceneDrawing*>(_space.get()) : _plain.get();
     const Viewpoint from = drawing->paintedFrom(wanted);
     QPainter painter(this);

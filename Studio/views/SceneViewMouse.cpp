@@ -47,7 +47,8 @@ int SceneView::jointAt(const QPointF& place) const {
         }
     for (std::size_t i = 0; i < seen.size() && nearest < 0; ++i) {
         const int parent = joints[i].parent;
-        if (parent < 0 || !seen[i].has_value() || !seen[static_cast<std::size_t>(parent)].has_value())
+        if (parent < 0 || !shownBones()[i] || !seen[i].has_value() ||
+            !seen[static_cast<std::size_t>(parent)].has_value())
             continue;
         if (distanceToLine(place, *seen[static_cast<std::size_t>(parent)], *seen[i]) < Reach / 2)
             nearest = parent;

@@ -88,7 +88,7 @@ void SpaceDrawing::fillBones(const SceneShot& shot, std::vector<SpaceBone>& bone
         for (std::size_t i = 0; i < joints.size(); ++i) {
             const int parent = joints[i].parent;
             const bool isPicked = !isGhost && parent >= 0 && parent == shot.picked;
-            if (parent >= 0 && places[i] != places[static_cast<std::size_t>(parent)])
+            if (parent >= 0 && (*shot.isBone)[i] && places[i] != places[static_cast<std::size_t>(parent)])
                 bones.push_back({arrayOf(places[static_cast<std::size_t>(parent)]), arrayOf(places[i]),
                                  isPicked ? 3.0F : _boneColors[i], opacity});
             if (!isGhost && joints.size() < Many)
@@ -129,7 +129,6 @@ void SpaceDrawing::request(const SceneShot& shot) {
 }
 
 void SpaceDrawing::paint(QPainter& painter, const SceneShot& shot) {
-    request(shot);
     if (hasPicture())
         painter.drawImage(QRect(QPoint(), shot.size), _picture);
 }

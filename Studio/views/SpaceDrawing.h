@@ -31,7 +31,7 @@ class SpaceDrawing : public SceneDrawing {
     bool shows(quint64 revision) const { return hasPicture() && _shown.revision == revision; }
     /// What draws, for tests and the report; 0 where nothing does.
     qint64 processId() const;
-    /// Draws of a shot are not asked for by `paint` alone: for those that wait.
+    /// Asks for a picture of a shot, unless there is one, or another is being drawn: `changed` tells when to ask again.
     void request(const SceneShot& shot);
 
   signals:
