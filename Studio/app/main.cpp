@@ -8,60 +8,115 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
+#include <optional>
+
+namespace {
+
+void nameApplication() {
+    QCoreApplication::setOrganizationName(QStringLiteral("kaAnimation"));
+    QCoreApplication::setApplicationName(QStringLiteral("ka-studio"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KA_VERSION));
+}
+
+/// What the command line may say; made once there is an application, whose language the texts are in.
+struct Options {
+    Options() {
+        parser.setApplicationDescription(
+            QCoreApplication::translate("main", "A window in which people animate."));
+        parser.addHelpOption();
+        parser.addVersionOption();
+        parser.addPositionalArgument(
+            QStringLiteral("file"),
+            QCoreApplication::translate("main", "A scene (.osg), a document (.xml) or a model."));
+        parser.addOption(quit);
+        parser.addOption(drawing);
+    }
+
+    QCommandLineOption quit{QStringLiteral("quit-after"),
+                            QCoreApplication::translate("main", "End after so many seconds of being open."),
+                            QStringLiteral("seconds")};
+    QCommandLineOption drawing{
+        QStringLiteral("drawing"),
+        QCoreApplication::translate("main", "How the scene is drawn: automatic, opengl or plain."),
+        QStringLiteral("way")};
+    QCommandLineParser parser;
+};
+
+/// Answers what needs no display: help and version, and the import that the window runs in a process of its own.
+/// @return the exit status; none where a window is wanted.
+std::optional<int> runWithoutDisplay(int argc, char** argv) {
+    QCoreApplication core(argc, argv);
+    const QStringList arguments = core.arguments();
+    const int import = arguments.indexOf(QStringLiteral("--import-into"));
+    if (import > 0 && import + 2 < arguments.size())
+        return ka::studio::Importer::run(arguments.at(import + 2), arguments.at(import + 1));
+    nameApplication();
+    Options options;
+    options.parser.parse(arguments); // an option of the window system is none of ours
+    if (options.parser.isSet(QStringLiteral("version")) || options.parser.isSet(QStringLiteral("help")))
+        options.parser.process(arguments); // ends here
+    return std::nullopt;
+}
+
+/// Qt ends a program that finds no display by `abort`.
+bool hasDisplay(int argc, char** argv) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        if (!qEnvironmentVariableIsEmpty(name))
+            return true;
+    return std::any_of(argv, argv + argc, [](const char* argument) {
+        return qstrncmp(argument, "-platform", 9) == 0 || qstrncmp(argument, "--platform", 10) == 0;
+    });
+}
+
+/// The process that draws the scene for a window.
+int drawInto(int argc, char** argv) {
+#ifdef KA_WITH_OPENGL
+    QGuiApplication gui(argc, argv);
+    return ka::studio::runDrawing(QString::fromLocal8Bit(argv[2]).toInt());
+#else
+    static_cast<void>(argc), static_cast<void>(argv);
+    std::puts("without");
+    return 1;
+#endif
+}
+
+} // namespace
 
 /// The studio: opens what the command line names.
 int main(int argc, char** argv) {
     using namespace ka::studio;
-    for (int i = 1; i + 2 < argc; ++i) // the importing process needs no display
-        if (QString::fromLocal8Bit(argv[i]) == QLatin1String("--import-into")) {
-            QCoreApplication core(argc, argv);
-            return Importer::run(core.arguments().at(i + 2), core.arguments().at(i + 1));
-        }
-    if (argc == 3 && QString::fromLocal8Bit(argv[1]) == QLatin1String("--draw-into")) {
-#ifdef KA_WITH_OPENGL
-        QGuiApplication gui(argc, argv);
-        return runDrawing(QString::fromLocal8Bit(argv[2]).toInt());
-#else
-        std::puts("without");
+    if (argc == 3 && qstrcmp(argv[1], "--draw-into") == 0)
+        return drawInto(argc, argv);
+    if (const std::optional<int> status = runWithoutDisplay(argc, argv))
+        return *status;
+    if (!hasDisplay(argc, argv)) {
+        std::fputs("ka-studio: there is no display: DISPLAY and WAYLAND_DISPLAY are not set\n", stderr);
         return 1;
-#endif
     }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
-    QCoreApplication::setOrganizationName(QStringLiteral("kaAnimation"));
-    QCoreApplication::setApplicationName(QStringLiteral("ka-studio"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(KA_VERSION));
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QCoreApplication::translate("main", "A window in which people animate."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument(
-        QStringLiteral("file"),
-        QCoreApplication::translate("main", "A scene (.osg), a document (.xml) or a model."));
-    const QCommandLineOption quit(
-        QStringLiteral("quit-after"),
-        QCoreApplication::translate("main", "End after so many seconds of being open."),
-        QStringLiteral("seconds"));
-    parser.addOption(quit);
-    const QCommandLineOption drawing(
-        QStringLiteral("drawing"),
-        QCoreApplication::translate("main", "How the scene is drawn: automatic, opengl or plain."),
-        QStringLiteral("way"));
-    parser.addOption(drawing);
+    nameApplication();
+    Options options;
+    QCommandLineParser& parser = options.parser;
     parser.process(application);
+    const auto way = SceneView::drawingNamed(parser.value(options.drawing));
+    if (parser.isSet(options.drawing) && !way) {
+        std::fprintf(stderr, "ka-studio: --drawing is automatic, opengl or plain, not \"%s\"\n",
+                     qUtf8Printable(parser.value(options.drawing)));
+        return 1;
+    }
     MainWindow window;
-    if (parser.isSet(drawing))
-        if (const auto way = SceneView::drawingNamed(parser.value(drawing)))
-            window.sceneView().setDrawing(*way);
+    if (way)
+        window.sceneView().setDrawing(*way);
     window.show();
-    const bool isRecovered = !parser.isSet(quit) && window.offerRecovery();
+    const bool isRecovered = !parser.isSet(options.quit) && window.offerRecovery();
     if (!isRecovered && !parser.positionalArguments().isEmpty())
         window.openPath(parser.positionalArguments().constFirst());
-    if (parser.isSet(quit))
-        QTimer::singleShot(static_cast<int>(parser.value(quit).toDouble() * 1000), &application,
+    if (parser.isSet(options.quit))
+        QTimer::singleShot(static_cast<int>(parser.value(options.quit).toDouble() * 1000), &application,
                            [] { QCoreApplication::exit(0); });
     return QApplication::exec();
 }
