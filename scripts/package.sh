@@ -30,9 +30,11 @@ else
     tar --exclude=./build --exclude=./out -cf - . | tar -C "$tree" -xf -
 fi
 
-# The build has no home, and with it no cache of objects unless it is told where that is.
+# The build has no home, and with it no cache of objects unless it is told where that is. What the cache rewrites paths to
+# would stand in the debug information: a build without it must give the same bytes.
 CCACHE_DIR=${CCACHE_DIR:-$(ccache --get-config cache_dir)}
-export CCACHE_DIR CCACHE_BASEDIR="$tree"
+export CCACHE_DIR
+unset CCACHE_BASEDIR CCACHE_NOHASHDIR
 (cd "$tree" && DEB_BUILD_OPTIONS="parallel=${JOBS:-$(nproc)} ${DEB_BUILD_OPTIONS:-}" dpkg-buildpackage -b -us -uc)
 
 rm -f "$packages"/*.deb "$packages"/*.changes "$packages"/*.buildinfo
