@@ -105,6 +105,7 @@ class kaFileWriter::Buffer : public std::streambuf {
     std::streamsize xsputn(const char* bytes, std::streamsize count) override {
         return _writer.write({bytes, static_cast<std::size_t>(count)}) ? count : 0;
     }
+    int sync() override { return _writer.isOpen() && _writer.flush() ? 0 : -1; }
 
   private:
     kaFileWriter& _writer;

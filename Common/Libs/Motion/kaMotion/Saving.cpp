@@ -76,6 +76,10 @@ std::vector<std::string> save(const osg::NodePtr& root, const SavedFiles& files,
         if (!animation->getError().empty())
             throw outputFailed(*animation);
     }
+    // What is still to be written must find room before the first of them takes its place.
+    for (kaFileWriter* file : {scene.get(), animation.get()})
+        if (file != nullptr && !file->getStream().flush())
+            throw outputFailed(*file);
     for (kaFileWriter* file : {scene.get(), animation.get()}) {
         if (file != nullptr && !file->commit())
             throw outputFailed(*file);
