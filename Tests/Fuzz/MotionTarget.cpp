@@ -1,8 +1,7 @@
-#include "readers/MotionStream.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <kaMotion/Failure.h>
+#include <kaMotion/MotionStream.h>
 #include <string_view>
 
 /// Whatever a reader's process answers is no motion, or one that passes its check, or one clear failure.

@@ -1,10 +1,10 @@
 #include "MotionTesting.h"
-#include "readers/MotionStream.h"
 #include "readers/NodeOrder.h"
 
 #include <cmath>
 #include <gmock/gmock.h>
 #include <kaMotion/Motion.h>
+#include <kaMotion/MotionStream.h>
 #include <limits>
 
 namespace ka::motion {

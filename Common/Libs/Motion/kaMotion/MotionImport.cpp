@@ -65,7 +65,10 @@ class SourceCurve {
 
 class MotionImporter {
   public:
-    MotionImporter(const Motion& motion, const ImportOptions& options) : _motion(motion), _options(options) {
+    MotionImporter(const Motion& motion, const ImportOptions& options, Listener& listener)
+        : _motion(motion), _options(options), _listener(listener) {
+        for (const MotionTake& take : motion.takes)
+            _steps += take.tracks.size();
         _report.notes = groupedNotes(motion.notes);
         _report.rotationTolerance = options.rotationTolerance;
         _report.framesPerSecond = options.framesPerSecond;
@@ -84,6 +87,8 @@ class MotionImporter {
         _report.nodes = nodesBelow(root);
         for (const MotionTake& take : _motion.takes)
             buildTake(take);
+        if (_steps > 0)
+            _listener.progress("building animation", _steps, _steps);
         if (_lossyNames)
             _report.notes.emplace_back("names with characters outside Latin-1 got a '?' in their place");
         if (_report.mergedKeys > 0)
@@ -160,6 +165,7 @@ class MotionImporter {
         _take = _motion.takes.size() > 1 ? " of '" + oneLine(take.name) + "'" : "";
         kaAnimationStrip* clip = manager->createStrip(latin1FromUtf8(take.name, _lossyNames), 0);
         for (const MotionTrack& track : take.tracks) {
+            _listener.progress("building animation", _stepsDone++, _steps);
             kaAnimationUnit* block = buildBlock(track);
             kaAnimationUtils::addAnimationObject(_nodes[track.node], block);
             clip->insertObject(block);
@@ -321,7 +327,9 @@ class MotionImporter {
 
     const Motion& _motion;
     const ImportOptions& _options;
-    std::string _take; ///< which one, where there are several, as a part of messages
+    Listener& _listener;
+    std::size_t _steps = 0, _stepsDone = 0; ///< tracks
+    std::string _take;                      ///< which one, where there are several, as a part of messages
     std::vector<osg::NodePtr> _nodes;
     MorphNodes _morphs;
     Properties _properties;
@@ -331,8 +339,9 @@ class MotionImporter {
 
 } // namespace
 
-ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options) {
-    return MotionImporter(motion, options).run(root);
+ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options,
+                          Listener& listener) {
+    return MotionImporter(motion, options, listener).run(root);
 }
 
 } // namespace ka::motion

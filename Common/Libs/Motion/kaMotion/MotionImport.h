@@ -4,6 +4,7 @@
 #include <kaMotion/CurveFit.h>
 #include <kaMotion/ImportReport.h>
 #include <kaMotion/KeyBudget.h>
+#include <kaMotion/Listener.h>
 #include <kaMotion/Motion.h>
 #include <string>
 
@@ -42,8 +43,9 @@ struct ImportOptions {
 /// interchange and listed, with their block, on their node. Names become Latin-1. Every curve is then
 /// sampled against the source.
 /// @throws Failure (Unreadable), its text without a file's name, when there would be more keys than allowed;
-/// what was built until then stays.
-ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options);
+/// what was built until then stays. The listener hears of every track, as "building animation".
+ImportReport importMotion(const Motion& motion, const osg::NodePtr& root, const ImportOptions& options,
+                          Listener& listener = Listener::none());
 
 } // namespace ka::motion
 #pragma GCC visibility pop

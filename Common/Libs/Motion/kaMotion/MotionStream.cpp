@@ -1,6 +1,5 @@
-#include "readers/MotionStream.h"
-
 #include <cstring>
+#include <kaMotion/MotionStream.h>
 #include <type_traits>
 
 namespace ka::motion {

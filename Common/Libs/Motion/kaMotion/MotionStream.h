@@ -5,9 +5,10 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default)
 namespace ka::motion {
 
-/// A motion as bytes for the way from a reader's process to ours. Of one machine only: numbers are stored as
+/// A motion as bytes for the way from one process to another. Of one machine only: numbers are stored as
 /// they stand in memory.
 std::string packMotion(const Motion& motion);
 
@@ -17,3 +18,4 @@ std::string packMotion(const Motion& motion);
 std::optional<Motion> unpackMotion(std::string_view bytes);
 
 } // namespace ka::motion
+#pragma GCC visibility pop

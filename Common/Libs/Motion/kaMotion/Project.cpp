@@ -1,5 +1,4 @@
 #include "readers/MotionChoice.h"
-#include "readers/MotionStream.h"
 
 #include <OpenSG/OSGBaseFunctions.h>
 #include <OpenSG/OSGGroup.h>
@@ -15,6 +14,7 @@
 #include <kaAnimationUnit.h>
 #include <kaMotion/Failure.h>
 #include <kaMotion/ModelReader.h>
+#include <kaMotion/MotionStream.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/SceneFiles.h>
 #include <kaMotion/Text.h>
@@ -92,6 +92,22 @@ Project::Project(const ProjectFiles& files, Listener& listener) {
     }
 }
 
+Project::Project(ReadModel model, const ProjectFiles& files, Listener& listener) : _file(files.file) {
+    startScene();
+    try {
+        build(std::move(model), files, listener);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+Project::Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report)
+    : _file(file), _root(root), _report(report) {
+    osg::addRefCP(_root);
+    kaAnimationManager::setSceneRootNode(_root);
+}
+
 Project::~Project() {
     close();
 }
@@ -130,7 +146,7 @@ void Project::open(const ProjectFiles& files, Listener& listener) {
     else if (isDocument(files.file))
         openDocument(files, listener);
     else
-        readModel(files, listener);
+        build(readModel(files.file, files.reader), files, listener);
 }
 
 void Project::openScene(const ProjectFiles& files, Listener& listener) {
@@ -149,8 +165,7 @@ void Project::openDocument(const ProjectFiles& files, Listener& listener) {
     readDocument(files.file, listener);
 }
 
-void Project::readModel(const ProjectFiles& files, Listener& listener) {
-    ReadModel model = motion::readModel(files.file, files.reader);
+void Project::build(ReadModel model, const ProjectFiles& files, Listener& listener) {
     if (!files.import.take.empty())
         keepTake(model.motion, files.import.take);
     if (files.import.unit != 1.0)
@@ -172,7 +187,7 @@ void Project::readModel(const ProjectFiles& files, Listener& listener) {
         ImportOptions options = files.import;
         options.budget = KeyBudget(files.reader.megabytes);
         options.framesPerSecond = _framesPerSecond;
-        _report = importMotion(model.motion, _root, options);
+        _report = importMotion(model.motion, _root, options, listener);
     } catch (const Failure& failure) {
         throw unreadable(files.file, failure.what());
     }

@@ -14,6 +14,8 @@ class kaAnimationObject;
 #pragma GCC visibility push(default)
 namespace ka::motion {
 
+struct ReadModel;
+
 /// What a command works on, and how it is to be read.
 struct ProjectFiles {
     std::string file;      ///< a model, a scene or an animation document
@@ -30,6 +32,14 @@ class Project {
     /// itself or a model.
     /// @throws Failure (Unreadable), and (Usage) for a document that is to go with anything but a scene.
     explicit Project(const ProjectFiles& files, Listener& listener = Listener::none());
+    /// Builds a model that was read before, or by another process.
+    /// @param files  how it is to be built; its file is what the model is known by.
+    /// @throws Failure (Unreadable) when there would be more keys than the reader's limits allow.
+    Project(ReadModel model, const ProjectFiles& files, Listener& listener = Listener::none());
+    /// Takes over a scene that is in memory, with everything that is registered.
+    /// @param root  counted by whoever gives it; counted once more here.
+    /// @param file  what it is known by.
+    Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report);
     ~Project();
     Project(const Project&) = delete;
     Project& operator=(const Project&) = delete;
@@ -64,7 +74,7 @@ class Project {
     void openDocument(const ProjectFiles& files, Listener& listener);
     void close();
     void leaveScene();
-    void readModel(const ProjectFiles& files, Listener& listener);
+    void build(ReadModel model, const ProjectFiles& files, Listener& listener);
 
     std::string _file;
     osg::NodePtr _root;

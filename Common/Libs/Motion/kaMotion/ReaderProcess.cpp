@@ -2,7 +2,6 @@
 #include "base/Sanitizer.h"
 #include "readers/CallFilter.h"
 #include "readers/ConfinedFolder.h"
-#include "readers/MotionStream.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -13,6 +12,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <kaMotion/Failure.h>
+#include <kaMotion/MotionStream.h>
 #include <kaMotion/ReaderProcess.h>
 #include <kaMotion/Text.h>
 #include <memory>
