@@ -1,12 +1,12 @@
 #include "Importer.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <cstdio>
-#include <kaAnimationManager.h>
+#include <kaFileWriter.h>
 #include <kaMotion/Failure.h>
-#include <kaMotion/Project.h>
-#include <kaMotion/Saving.h>
+#include <kaMotion/MotionStream.h>
 
 namespace ka::studio {
 
@@ -16,8 +16,6 @@ QString& program() {
     static QString path;
     return path;
 }
-
-const char Mark[] = "report: "; ///< What the other process has to tell stands behind this.
 
 } // namespace
 
@@ -46,7 +44,7 @@ void Importer::start(const QString& model) {
     _isGivenUp = false;
     _folder = std::make_unique<QTemporaryDir>();
     const QString path = program().isEmpty() ? QCoreApplication::applicationFilePath() : program();
-    _process.start(path, {QStringLiteral("--import-into"), _folder->path(), _model});
+    _process.start(path, {QStringLiteral("--read-into"), resultFile(), _model});
 }
 
 void Importer::cancel() {
@@ -57,38 +55,50 @@ void Importer::cancel() {
     _process.waitForFinished();
 }
 
-bool Importer::hasFinished(const QString& scene) const {
-    return _folder != nullptr && !isRunning() && scene == _folder->filePath(QStringLiteral("scene.osg"));
+QString Importer::resultFile() const {
+    return _folder->filePath(QStringLiteral("motion"));
 }
 
 void Importer::onFinished(int code, QProcess::ExitStatus status) {
-    QStringList report;
-    for (const QString& line : QString::fromUtf8(_process.readAllStandardOutput()).split(QLatin1Char('\n')))
-        if (line.startsWith(QLatin1String(Mark)))
-            report.append(line.mid(static_cast<int>(sizeof Mark) - 1));
     if (_isGivenUp) {
         emit failed(_model, QString());
     } else if (status != QProcess::NormalExit || code != 0) {
         const QString why = QString::fromUtf8(_process.readAllStandardError()).trimmed();
         emit failed(_model, why.isEmpty() ? tr("The import of %1 ended without a result.").arg(_model) : why);
     } else {
-        emit finished(_model, _folder->filePath(QStringLiteral("scene.osg")),
-                      _folder->filePath(QStringLiteral("scene.xml")), report);
+        emit finished(_model);
     }
 }
 
-int Importer::run(const QString& model, const QString& folder) {
-    const auto tell = [](const std::string& line) { std::printf("%s%s\n", Mark, line.c_str()); };
+std::optional<ka::motion::ReadModel> Importer::takeModel() {
+    if (_folder == nullptr || isRunning())
+        return std::nullopt;
+    QFile file(resultFile());
+    const uchar* bytes = file.open(QIODevice::ReadOnly) ? file.map(0, file.size()) : nullptr;
+    std::optional<ka::motion::Motion> motion;
+    constexpr qint64 HeaderSize = 1; // the confinement of the reader
+    if (bytes != nullptr && file.size() > HeaderSize)
+        motion = ka::motion::unpackMotion({reinterpret_cast<const char*>(bytes) + HeaderSize,
+                                           static_cast<std::size_t>(file.size() - HeaderSize)});
+    std::optional<ka::motion::ReadModel> model;
+    if (motion.has_value())
+        model = ka::motion::ReadModel{std::move(*motion), 0, static_cast<ka::motion::Confinement>(bytes[0])};
+    file.close();
+    _folder.reset();
+    return model;
+}
+
+int Importer::run(const QString& model, const QString& file) {
     try {
-        ka::motion::ProjectFiles files;
-        files.file = model.toUtf8().toStdString();
-        ka::motion::Project project(files);
-        const std::string base = folder.toUtf8().toStdString() + "/scene";
-        const std::vector<std::string> differences =
-            ka::motion::save(project.root(), {base + ".osg", base + ".xml"});
-        for (const auto* lines : {&project.report().notes, &project.report().faults, &differences})
-            for (const std::string& line : *lines)
-                tell(line);
+        const ka::motion::ReadModel read =
+            ka::motion::readModel(model.toUtf8().toStdString(), ka::motion::ReaderLimits());
+        kaFileWriter writer(file.toUtf8().toStdString());
+        writer.write(std::string(1, static_cast<char>(read.confinement)));
+        writer.write(ka::motion::packMotion(read.motion));
+        if (!writer.commit()) {
+            std::fprintf(stderr, "%s\n", writer.getError().c_str());
+            return static_cast<int>(ka::motion::ExitCode::OutputFailed);
+        }
     } catch (const ka::motion::Failure& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
         return static_cast<int>(failure.code());

@@ -3,11 +3,13 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <kaMotion/ModelReader.h>
 #include <memory>
+#include <optional>
 
 namespace ka::studio {
 
-/// Imports a model in a process of its own, this program once more, so that the window stays alive and giving
+/// Reads a model in a process of its own, this program once more, so that the window stays alive and giving
 /// up is safe at any moment.
 class Importer : public QObject {
     Q_OBJECT
@@ -23,21 +25,19 @@ class Importer : public QObject {
     void cancel();
     bool isRunning() const { return _process.state() != QProcess::NotRunning; }
 
-    /// Whether a scene is what the last import has made.
-    bool hasFinished(const QString& scene) const;
+    /// What the import that has finished has read; nothing a second time, and nothing where it is damaged.
+    std::optional<ka::motion::ReadModel> takeModel();
 
-    /// What the process does: imports `model` and writes a scene and its document into `folder`, with what
-    /// there is to tell as lines on standard output. @return the exit code.
-    static int run(const QString& model, const QString& folder);
+    /// What the process does: reads `model` and writes what it holds into `file`. @return the exit code.
+    static int run(const QString& model, const QString& file);
 
   signals:
-    /// The model as a scene and a document, which last until the next import.
-    void finished(const QString& model, const QString& scene, const QString& animation,
-                  const QStringList& report);
+    void finished(const QString& model);                   ///< `takeModel` has it.
     void failed(const QString& model, const QString& why); ///< Also given up: with an empty text.
 
   private:
     void onFinished(int code, QProcess::ExitStatus status);
+    QString resultFile() const;
 
     QProcess _process;
     std::unique_ptr<QTemporaryDir> _folder;

@@ -6,6 +6,7 @@
 #include "views/SceneView.h"
 
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -28,7 +29,7 @@ namespace {
 
 const char RecentKey[] = "recentFiles";
 constexpr int RecentCount = 10;
-constexpr int LayoutVersion = 1; ///< Raised when docks are added, so that an older layout does not hide them.
+constexpr int LayoutVersion = 2; ///< Raised when docks are added, so that an older layout does not hide them.
 
 } // namespace
 
@@ -48,22 +49,19 @@ MainWindow::MainWindow() : _transport(_head), _recovery(_session) {
     buildHelpMenu();
     connect(&_session, &Session::opened, this, &MainWindow::onOpened);
     connect(&_session, &Session::saved, this, &MainWindow::refreshTitle);
-    connect(&_session, &Session::progress, this, [this](const QString& what, int percent) {
+    connect(&_session, &Session::cameBack, this, &MainWindow::showEverything);
+    LongWork& work = _session.work();
+    connect(&work, &LongWork::started, this, &MainWindow::onWorkStarted);
+    connect(&work, &LongWork::ended, this, &MainWindow::onWorkEnded);
+    connect(&work, &LongWork::progressed, this, [this](const QString& what, int percent) {
         _progress->setFormat(what + QStringLiteral(" %p%"));
         _progress->setRange(0, 100);
         _progress->setValue(percent);
-        _progress->setVisible(percent < 100);
-        _progress->repaint();
+        _progress->show();
     });
     connect(&_session.document().history(), &QUndoStack::cleanChanged, this, &MainWindow::refreshTitle);
     connect(&_session.document(), &Document::changed, this, [this] { _transport.evaluate(); });
-    connect(&_importer, &Importer::finished, this,
-            [this](const QString& model, const QString& scene, const QString& animation,
-                   const QStringList& report) {
-                _progress->hide();
-                _giveUp->hide();
-                openFiles({scene, animation, model}, true, report);
-            });
+    connect(&_importer, &Importer::finished, this, &MainWindow::openRead);
     connect(&_importer, &Importer::failed, this, [this](const QString& model, const QString& why) {
         _progress->hide();
         _giveUp->hide();
@@ -118,21 +116,59 @@ void MainWindow::openPath(const QString& path) {
     _importer.start(path);
 }
 
-void MainWindow::openFiles(const SessionFiles& files, bool isForeign, const QStringList& report) {
-    _transport.setObjects({});
-    const QString fault =
-        _session.open(files, isForeign, report, isForeign && _importer.hasFinished(files.scene));
+/// What goes on as long work leaves the window drawn and everything else alone.
+void MainWindow::onWorkStarted(bool canBeGivenUp) {
+    _transport.pause();
+    _giveUp->setVisible(canBeGivenUp);
+    _guard->begin();
+}
+
+void MainWindow::onWorkEnded() {
+    _guard->end();
     _progress->hide();
-    if (!fault.isEmpty()) {
+    _giveUp->hide();
+}
+
+void MainWindow::opening(const std::function<QString()>& open) {
+    _transport.setObjects({});
+    const QString fault = open();
+    if (_session.work().isGivenUp())
+        say(tr("%1; what was open stays").arg(fault));
+    else if (!fault.isEmpty())
         tell(tr("%1\n\nWhat was open stays. Check the file, or choose another one.").arg(fault));
-        return;
-    }
+}
+
+void MainWindow::openRead(const QString& model) {
+    onWorkEnded();
+    opening([this, &model] {
+        std::optional<ka::motion::ReadModel> read = _importer.takeModel();
+        return read.has_value() ? _session.openModel(std::move(*read), model)
+                                : tr("The import of %1 ended without a result.").arg(model);
+    });
+}
+
+void MainWindow::openFiles(const SessionFiles& files, bool isForeign, const QStringList& report) {
+    opening([&] { return _session.open(files, isForeign, report); });
+}
+
+/// Of what was opened, for the next time.
+void MainWindow::rememberOpened() {
+    const SessionFiles& files = _session.files();
     rememberRecent(files.source.isEmpty() ? (files.scene.isEmpty() ? files.animation : files.scene)
                                           : files.source);
 }
 
 /// What is new is shown at once: all of it played, the first block's curves in the editor.
 void MainWindow::onOpened() {
+    showEverything();
+    rememberOpened();
+    const int lines = _session.report().size();
+    say(lines == 0 ? tr("Opened %1").arg(_session.files().shownName())
+                   : tr("Opened %1; %n line(s) in the report (File, Report)", nullptr, lines)
+                         .arg(_session.files().shownName()));
+}
+
+void MainWindow::showEverything() {
     _keys.clear();
     _bars.clear();
     std::vector<kaUID> played;
@@ -147,10 +183,6 @@ void MainWindow::onOpened() {
     _curves->frameAll();
     _scene->frameAll();
     refreshTitle();
-    const int lines = _session.report().size();
-    say(lines == 0 ? tr("Opened %1").arg(_session.files().shownName())
-                   : tr("Opened %1; %n line(s) in the report (File, Report)", nullptr, lines)
-                         .arg(_session.files().shownName()));
 }
 
 void MainWindow::showCurves() {
@@ -171,7 +203,9 @@ bool MainWindow::save() {
     if (_session.isChangedOnDisk() && !(_answers.overwrite ? _answers.overwrite() : ask()))
         return false;
     const QString fault = _session.saveTo(_session.files());
-    if (!fault.isEmpty())
+    if (_session.work().isGivenUp())
+        say(tr("Saving was given up; the file is as it was"));
+    else if (!fault.isEmpty())
         tell(tr("%1\n\nNothing was written over. Save under another name, or make room.").arg(fault));
     else
         say(tr("Saved %1").arg(_session.files().shownName()));
@@ -192,10 +226,12 @@ bool MainWindow::saveAs() {
         return false;
     const SessionFiles files = Session::filesFor(chosen);
     const QString fault = _session.saveTo(files);
-    if (!fault.isEmpty()) {
+    if (_session.work().isGivenUp())
+        say(tr("Saving was given up; nothing was written"));
+    else if (!fault.isEmpty())
         tell(tr("%1\n\nNothing was written over. Choose another place.").arg(fault));
+    if (!fault.isEmpty())
         return false;
-    }
     rememberRecent(files.scene.isEmpty() ? files.animation : files.scene);
     say(tr("Saved %1").arg(_session.files().shownName()));
     return true;
@@ -244,6 +280,17 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     _recovery.forget();
     keepLayout();
     event->accept();
+}
+
+/// Sizes of docks mean something only once the window is laid out.
+void MainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    if (_hasLayout)
+        return;
+    _hasLayout = true;
+    const auto dock = [this](const char* name) { return findChild<QDockWidget*>(QString::fromLatin1(name)); };
+    resizeDocks({dock("sceneDock"), dock("clipsDock")}, {height() * 2 / 7, height() * 2 / 7}, Qt::Vertical);
+    resizeDocks({dock("channelsDock"), dock("keysDock")}, {260, 300}, Qt::Horizontal);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
@@ -296,7 +343,7 @@ void MainWindow::keepLayout() {
 void MainWindow::restoreLayout() {
     const QSettings settings;
     restoreGeometry(settings.value("geometry").toByteArray());
-    restoreState(settings.value("layout").toByteArray(), LayoutVersion);
+    _hasLayout = restoreState(settings.value("layout").toByteArray(), LayoutVersion);
 }
 
 } // namespace ka::studio

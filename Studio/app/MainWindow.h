@@ -1,7 +1,9 @@
 #pragma once
 
+#include "BusyGuard.h"
 #include "Importer.h"
 #include "Recovery.h"
+#include "document/CurveOperations.h"
 #include "document/KeyEdits.h"
 #include "document/Session.h"
 #include "playback/Transport.h"
@@ -22,6 +24,9 @@ class ChannelTree;
 class ClipTimeline;
 class DopeSheet;
 class KeyFields;
+class Outliner;
+class Properties;
+class OperationDialog;
 class SceneView;
 
 /// The studio's window: the views on what is open, and every action in a menu.
@@ -37,6 +42,8 @@ class MainWindow : public QMainWindow {
     CurveEditor& curveEditor() { return *_curves; }
     ChannelTree& channels() { return *_channels; }
     KeyFields& keyFields() { return *_keyFields; }
+    Outliner& outliner() { return *_outliner; }
+    Properties& properties() { return *_properties; }
     SceneView& sceneView() { return *_scene; }
     ClipTimeline& timeline() { return *_timeline; }
     DopeSheet& dopeSheet() { return *_dopes; }
@@ -66,12 +73,14 @@ class MainWindow : public QMainWindow {
         std::function<void(const QString&)> message;        ///< Instead of a box with this text.
         std::function<QString(const QString& former)> name; ///< Another name; an empty text for none.
         std::function<bool()> recover;                      ///< Whether what was kept is opened.
+        std::function<bool(OperationDialog&)> dialog;       ///< Whether an operation is carried out.
         std::function<bool()> overwrite; ///< Whether a file that has changed meanwhile is written over.
     };
     void setAnswers(const Answers& answers) { _answers = answers; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -82,7 +91,15 @@ class MainWindow : public QMainWindow {
     void buildFileMenu();
     void buildEditMenu();
     void buildCurveMenu();
+    void buildOperationMenu(QMenu* menu);
     void buildViewMenu();
+    std::vector<kaUID> chosenCurves(bool takesWholeRotations = false) const;
+    bool isWished(OperationDialog& dialog);
+    void operate(const QString& name, const std::vector<kaUID>& curves, const CurveOperation& operation);
+    void reduceKeys();
+    void smoothCurves();
+    void bakeCurves();
+    void removePeaks();
     void buildTransport();
     void buildSceneMenu();
     void addCameras(QMenu* menu);
@@ -96,7 +113,13 @@ class MainWindow : public QMainWindow {
     void fillRecent(QMenu* menu);
     void rememberRecent(const QString& path);
     void openFiles(const SessionFiles& files, bool isForeign, const QStringList& report);
+    void openRead(const QString& model);
+    void rememberOpened();
+    void opening(const std::function<QString()>& open);
     void onOpened();
+    void showEverything();
+    void onWorkStarted(bool canBeGivenUp);
+    void onWorkEnded();
     void showCurves();
     void goToKey(bool next);
     void copyKeysOfSelection();
@@ -121,6 +144,8 @@ class MainWindow : public QMainWindow {
     CurveEditor* _curves = nullptr;
     ChannelTree* _channels = nullptr;
     KeyFields* _keyFields = nullptr;
+    Outliner* _outliner = nullptr;
+    Properties* _properties = nullptr;
     SceneView* _scene = nullptr;
     ClipTimeline* _timeline = nullptr;
     DopeSheet* _dopes = nullptr;
@@ -128,6 +153,8 @@ class MainWindow : public QMainWindow {
     QLabel* _rate = nullptr;
     QProgressBar* _progress = nullptr;
     QToolButton* _giveUp = nullptr;
+    BusyGuard* _guard = nullptr;
+    bool _hasLayout = false; ///< One of an earlier run, or the first one.
     QMenu* _viewMenu = nullptr;
 };
 

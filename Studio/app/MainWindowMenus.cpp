@@ -141,6 +141,7 @@ void MainWindow::buildCurveMenu() {
     addAction(menu, "unify", tr("&Unify handles"), QKeySequence(Qt::Key_8),
               tr("Both handles of a key on one line"),
               [this, &document] { unifyHandles(document, _keys.ids()); });
+    buildOperationMenu(menu);
 }
 
 void MainWindow::buildViewMenu() {
@@ -151,8 +152,8 @@ void MainWindow::buildViewMenu() {
               tr("Show the selected keys"), [this] { _curves->frameSelection(); });
     addAction(_viewMenu, "home", tr("&Home"), QKeySequence(Qt::Key_Home), tr("Show the playing range"),
               [this] {
-                  _axis.show(static_cast<double>(_transport.begin()), static_cast<double>(_transport.end()),
-                             _curves->width());
+                  _axis.frame(static_cast<double>(_transport.begin()), static_cast<double>(_transport.end()),
+                              _curves->width());
               });
     _viewMenu->addSeparator();
     const auto addSwitch = [this](const char* name, const QString& text, const QKeySequence& keys,

@@ -2,6 +2,8 @@
 #include "document/ContainerEdits.h"
 #include "views/ChannelTree.h"
 #include "views/ClipTimeline.h"
+#include "views/Outliner.h"
+#include "views/Properties.h"
 #include "views/SceneView.h"
 
 #include <QActionGroup>
@@ -14,10 +16,9 @@ namespace ka::studio {
 
 /// A picked joint shows its curves: those of its blocks.
 void MainWindow::onPicked(unsigned int node) {
-    std::vector<kaUID> blocks;
-    for (const kaAnimationObject* object : kaAnimationManager::the()->getObjects(KA_TYPE_UNIT))
-        if (node != 0 && static_cast<const kaAnimationUnit*>(object)->getNodeID() == node)
-            blocks.push_back(object->getId());
+    const std::vector<kaUID> blocks = blocksOfNode(node);
+    _outliner->showNode(node);
+    _properties->showNode(node);
     if (!blocks.empty())
         _channels->choose(blocks);
     say(node == 0        ? tr("Nothing is picked")

@@ -3,6 +3,8 @@
 #include "views/ClipTimeline.h"
 #include "views/DopeSheet.h"
 #include "views/KeyFields.h"
+#include "views/Outliner.h"
+#include "views/Properties.h"
 #include "views/SceneView.h"
 
 #include <QAction>
@@ -11,6 +13,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QProgressBar>
+#include <QScrollArea>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -53,7 +56,7 @@ void MainWindow::buildViews() {
     _curves = new CurveEditor(_session.document(), _axis, _head, _keys, this);
     setCentralWidget(_curves);
     _scene = new SceneView(_session, _transport, _head, this);
-    QDockWidget* sceneDock = addDock(*this, "sceneDock", tr("Scene"), _scene, Qt::TopDockWidgetArea);
+    addDock(*this, "sceneDock", tr("Scene"), _scene, Qt::TopDockWidgetArea);
     _timeline = new ClipTimeline(_session.document(), _axis, _head, _bars, this);
     QDockWidget* clips = addDock(*this, "clipsDock", tr("Clips"), _timeline, Qt::BottomDockWidgetArea);
     _dopes = new DopeSheet(_session.document(), _axis, _head, _keys, this);
@@ -63,11 +66,18 @@ void MainWindow::buildViews() {
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::TopRightCorner, Qt::RightDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
-    resizeDocks({sceneDock, clips}, {330, 150}, Qt::Vertical);
     _channels = new ChannelTree(_session.document(), this);
     addDock(*this, "channelsDock", tr("Channels"), _channels, Qt::LeftDockWidgetArea);
+    _outliner = new Outliner(_session, _bars, this);
+    addDock(*this, "outlinerDock", tr("Outliner"), _outliner, Qt::LeftDockWidgetArea);
     _keyFields = new KeyFields(_session.document(), _keys, this);
     addDock(*this, "keysDock", tr("Keys"), _keyFields, Qt::RightDockWidgetArea);
+    _properties = new Properties(_session, _bars, this);
+    auto* scroll = new QScrollArea(this);
+    scroll->setWidget(_properties);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    addDock(*this, "propertiesDock", tr("Properties"), scroll, Qt::RightDockWidgetArea);
     auto* history = new QUndoView(&_session.document().history(), this);
     history->setEmptyLabel(tr("As it was opened"));
     addDock(*this, "historyDock", tr("History"), history, Qt::RightDockWidgetArea);
@@ -77,17 +87,30 @@ void MainWindow::buildViews() {
     _progress = new QProgressBar(this);
     _progress->setMaximumWidth(260);
     _giveUp = new QToolButton(this);
+    _giveUp->setObjectName(QStringLiteral("giveUp"));
     _giveUp->setText(tr("Give up"));
-    _giveUp->setToolTip(tr("Give the import up; what is open stays"));
+    _giveUp->setToolTip(tr("Give up what goes on; what is open stays"));
     statusBar()->addWidget(_hint, 1);
     statusBar()->addPermanentWidget(_progress);
     statusBar()->addPermanentWidget(_giveUp);
     statusBar()->addPermanentWidget(_rate);
     _progress->hide();
     _giveUp->hide();
-    connect(_giveUp, &QToolButton::clicked, &_importer, &Importer::cancel);
+    const auto giveUp = [this] {
+        _importer.cancel();
+        _session.work().giveUp();
+    };
+    _guard = new BusyGuard(*_giveUp, this);
+    connect(_giveUp, &QToolButton::clicked, this, giveUp);
+    connect(_guard, &BusyGuard::endWanted, this, giveUp);
     connect(_channels, &ChannelTree::shownChanged, this, &MainWindow::showCurves);
     connect(_keyFields, &KeyFields::refused, this, &MainWindow::say);
+    connect(_properties, &Properties::refused, this, &MainWindow::say);
+    connect(_outliner, &Outliner::played, this, &MainWindow::playOnly);
+    connect(_outliner, &Outliner::nodeChosen, this, [this](unsigned int node) {
+        _scene->pick(node);
+        onPicked(node);
+    });
     const auto sayHint = [this](const QString& text) {
         if (!text.isEmpty())
             say(text);
@@ -168,7 +191,11 @@ void MainWindow::buildTransport() {
         const QSignalBlocker quiet(frame);
         frame->setValue(static_cast<double>(value));
     });
+    connect(&_axis, &TimeAxis::rangeWanted, this, [this](double begin, double end) {
+        _transport.setRange(static_cast<float>(begin), static_cast<float>(end));
+    });
     connect(&_transport, &Transport::stateChanged, this, [this, in, out] {
+        _axis.setRange(static_cast<double>(_transport.begin()), static_cast<double>(_transport.end()));
         const QSignalBlocker quietIn(in), quietOut(out);
         in->setValue(static_cast<double>(_transport.begin()));
         out->setValue(static_cast<double>(_transport.end()));

@@ -49,7 +49,7 @@ struct Options {
 std::optional<int> runWithoutDisplay(int argc, char** argv) {
     QCoreApplication core(argc, argv);
     const QStringList arguments = core.arguments();
-    const int import = arguments.indexOf(QStringLiteral("--import-into"));
+    const int import = arguments.indexOf(QStringLiteral("--read-into"));
     if (import > 0 && import + 2 < arguments.size())
         return ka::studio::Importer::run(arguments.at(import + 2), arguments.at(import + 1));
     nameApplication();

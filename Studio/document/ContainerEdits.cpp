@@ -77,6 +77,14 @@ bool changeSpan(Document& document, const QString& name, kaUID id, float begin, 
 
 } // namespace
 
+std::vector<kaUID> blocksOfNode(unsigned int node) {
+    std::vector<kaUID> blocks;
+    for (const kaAnimationObject* object : manager()->getObjects(KA_TYPE_UNIT))
+        if (node != 0 && static_cast<const kaAnimationUnit*>(object)->getNodeID() == node)
+            blocks.push_back(object->getId());
+    return blocks;
+}
+
 bool rename(Document& document, kaUID id, const std::string& name) {
     kaAnimationObject* object = find(id);
     return object != nullptr && document.edit(tr("Rename"), {{id}, {}}, [&] { object->setName(name); });

@@ -11,6 +11,9 @@ namespace ka::studio {
 /// A switch of an object.
 enum class ObjectFlag { Active, Repeating, MotionBlur, CustomRange };
 
+/// The blocks that move a node.
+std::vector<kaUID> blocksOfNode(unsigned int node);
+
 bool rename(Document& document, kaUID object, const std::string& name);
 bool setFlag(Document& document, kaUID object, ObjectFlag flag, bool on);
 bool isFlagged(const kaAnimationObject& object, ObjectFlag flag);

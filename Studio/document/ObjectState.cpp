@@ -193,7 +193,7 @@ ObjectState stateOf(const kaAnimationObject& object) {
 
 FieldState stateOf(const kaAnimationField& field) {
     return {field.getId(),   field.fcID,     field.nodeID, field.name,
-            field.attribute, field.valuePos, field.dirty};
+            field.attribute, field.valuePos, field.dirty,  field.value};
 }
 
 void create(const KeyState& state) {
@@ -230,7 +230,7 @@ void create(const ObjectState& state) {
 }
 
 void create(const FieldState& state) {
-    kaAnimationManager::the()->createField(state.id);
+    kaAnimationManager::the()->createField(state.id)->value = state.value;
 }
 
 void apply(const KeyState& state, kaControlPoint2D& key) {

@@ -58,6 +58,7 @@ struct FieldState {
     std::string name, attribute;
     unsigned int valuePos = 0;
     bool dirty = true;
+    float value = 0.0F; ///< As evaluated last: given to a field that is made, and no difference otherwise.
 
     bool operator==(const FieldState& other) const;
 };

@@ -2,13 +2,11 @@
 
 #include <OpenSG/OSGNode.h>
 #include <QFileInfo>
-#include <QXmlAttributes>
 #include <kaAnimationManager.h>
-#include <kaDocumentParser.h>
 #include <kaMotion/Failure.h>
+#include <kaMotion/ModelReader.h>
 #include <kaMotion/Project.h>
 #include <kaMotion/Saving.h>
-#include <kaMotion/SceneFiles.h>
 
 namespace ka::studio {
 
@@ -18,34 +16,13 @@ std::string utf8(const QString& text) {
     return text.toUtf8().toStdString();
 }
 
-/// Sees whether a document is well-formed, and builds nothing.
-class Nobody : public kaDocumentParser::Visitor {
-  public:
-    void beginElement(int, int, const QString&, const QXmlAttributes&) override {}
-    void text(const QString&) override {}
-    void endElement(int) override {}
-};
-
 } // namespace
 
-/// Hands the library's progress on, and keeps its notes.
-class Session::Progress : public ka::motion::Listener {
-  public:
-    Progress(Session& session, QStringList& notes) : _session(session), _notes(notes) {}
-
-    bool progress(const std::string& what, std::size_t done, std::size_t total) override {
-        const int percent = total > 0 ? static_cast<int>(100 * done / total) : 0;
-        if (percent != _percent)
-            emit _session.progress(QString::fromStdString(what), percent);
-        _percent = percent;
-        return true;
-    }
-    void note(const std::string& line) override { _notes.append(QString::fromStdString(line)); }
-
-  private:
-    Session& _session;
-    QStringList& _notes;
-    int _percent = -1;
+/// What the session is to be of.
+struct Session::Opening {
+    SessionFiles files;
+    bool isForeign;
+    QStringList report;
 };
 
 QString SessionFiles::shownName() const {
@@ -97,56 +74,88 @@ SessionFiles Session::filesFor(const QString& chosen) {
     return files;
 }
 
-/// Reads the files without building anything of them, so that what is open need not go for what cannot come.
-QString Session::faultOf(const SessionFiles& files) {
-    try {
-        if (!files.scene.isEmpty()) {
-            ka::motion::ImportReport report;
-            osg::NodePtr root = ka::motion::readScene(utf8(files.scene), report);
-            osg::addRefCP(root);
-            osg::subRefCP(root); // the last one frees it
-        }
-    } catch (const ka::motion::Failure& failure) {
-        return QString::fromStdString(failure.what());
-    }
-    kaDocumentFault fault;
-    Nobody nobody;
-    if (files.animation.isEmpty() ||
-        kaDocumentParser::visitFile(files.animation, kaAnimationManager::getMaximumFileSize(), nobody,
-                                    &fault))
-        return {};
-    return tr("%1, line %2: %3")
-        .arg(files.animation)
-        .arg(fault.line)
-        .arg(QString::fromStdString(fault.message));
-}
-
-QString Session::open(const SessionFiles& files, bool isForeign, const QStringList& report, bool isSeen) {
-    const QString fault = isSeen ? QString() : faultOf(files);
-    if (!fault.isEmpty())
-        return fault;
-    _document.history().clear();
-    _project.reset(); // there is one registry: the former goes before the next comes
-    QStringList notes = report;
-    QString failed;
-    try {
-        Progress progress(*this, notes);
+QString Session::open(const SessionFiles& files, bool isForeign, const QStringList& report) {
+    return exchange({files, isForeign, report}, [this, &files] {
         ka::motion::ProjectFiles wanted;
         wanted.file = utf8(files.scene.isEmpty() ? files.animation : files.scene);
         wanted.animation = files.scene.isEmpty() ? std::string() : utf8(files.animation);
-        _project = std::make_unique<ka::motion::Project>(wanted, progress);
-        for (const std::string& note : _project->report().notes)
-            notes.append(QString::fromStdString(note));
-    } catch (const ka::motion::Failure& failure) {
-        failed = QString::fromStdString(failure.what());
-    }
-    _files = _project != nullptr ? files : SessionFiles();
-    _isForeign = isForeign && _project != nullptr;
-    _report = notes;
+        return std::make_unique<ka::motion::Project>(wanted, _work);
+    });
+}
+
+QString Session::openModel(ka::motion::ReadModel model, const QString& file, const QStringList& report) {
+    return exchange({{{}, {}, file}, true, report}, [this, &model, &file] {
+        ka::motion::ProjectFiles wanted;
+        wanted.file = utf8(file);
+        return std::make_unique<ka::motion::Project>(std::move(model), wanted, _work);
+    });
+}
+
+QString Session::exchange(const Opening& opening, const MakeProject& make) {
+    if (_work.isRunning())
+        return tr("Something else is still going on.");
+    const LongWork::Run run(_work, LongWork::Ending::Throw);
+    const QString fault = exchangeProject(make);
+    if (!fault.isEmpty())
+        return fault;
+    _document.history().clear();
+    _files = opening.files;
+    _isForeign = opening.isForeign;
+    _report = opening.report + _work.notes();
+    for (const auto* lines : {&_project->report().notes, &_project->report().faults})
+        for (const std::string& line : *lines)
+            _report.append(QString::fromStdString(line));
     noteStamps();
     _document.announceAll();
     emit opened();
-    return failed;
+    return fault;
+}
+
+/// There is one registry: the former project goes before the next comes, and comes back where that fails.
+QString Session::exchangeProject(const MakeProject& make) {
+    Snapshot former;
+    const auto step = [this, &former](const char* what) {
+        return [this, &former, what](std::size_t done) { _work.progress(what, done, former.size()); };
+    };
+    osg::NodePtr root;
+    std::unique_ptr<ka::motion::Project> made;
+    std::string file;
+    ka::motion::ImportReport report;
+    QString fault;
+    const auto comeBack = [&] {
+        if (root == osg::NullFC)
+            return;
+        _work.holdOn();
+        _project.reset();
+        _project = std::make_unique<ka::motion::Project>(root, file, report);
+        former.bringBack(step("bringing back what was open"));
+        _document.announceAll();
+        emit cameBack();
+    };
+    try {
+        if (_project != nullptr) {
+            former = Snapshot::everything(_project->root(), step("keeping what is open"));
+            root = _project->root();
+            osg::addRefCP(root);
+            file = _project->file();
+            report = _project->report();
+            former.takeAway(nullptr);
+            _project.reset();
+            _document.announceAll();
+        }
+        made = make();
+    } catch (const ka::motion::Failure& failure) {
+        fault = QString::fromStdString(failure.what());
+        comeBack();
+    } catch (const LongWork::GivenUp&) {
+        fault = tr("Opening was given up");
+        comeBack();
+    }
+    if (made != nullptr)
+        _project = std::move(made);
+    if (root != osg::NullFC)
+        osg::subRefCP(root);
+    return fault;
 }
 
 Session::Stamp Session::stampOf(const QString& path) {
@@ -171,12 +180,18 @@ bool Session::isChangedOnDisk() const {
 QString Session::saveTo(const SessionFiles& files) {
     if (!isOpen())
         return tr("Nothing is open.");
+    if (_work.isRunning())
+        return tr("Something else is still going on.");
     try {
         const ka::motion::SavedFiles names{utf8(files.scene), utf8(files.animation)};
         ka::motion::checkNames(names);
-        Progress progress(*this, _report);
-        for (const std::string& line : ka::motion::save(_project->root(), names, progress))
+        const LongWork::Run run(_work, LongWork::Ending::Throw);
+        const std::vector<std::string> differences = ka::motion::save(_project->root(), names, _work);
+        _report += _work.notes();
+        for (const std::string& line : differences)
             _report.append(QString::fromStdString(line));
+    } catch (const LongWork::GivenUp&) {
+        return tr("Saving was given up");
     } catch (const ka::motion::Failure& failure) {
         return QString::fromStdString(failure.what());
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Document.h"
+#include "LongWork.h"
 
 #include <QDateTime>
 #include <QStringList>
@@ -8,7 +9,7 @@
 
 namespace ka::motion {
 class Project;
-class Listener;
+struct ReadModel;
 } // namespace ka::motion
 
 namespace ka::studio {
@@ -33,6 +34,7 @@ class Session : public QObject {
     ~Session() override;
 
     Document& document() { return _document; }
+    LongWork& work() { return _work; } ///< What takes long: opening, saving, operations on many keys.
     bool isOpen() const { return _project != nullptr; }
     const ka::motion::Project& project() const { return *_project; } ///< Only while something is open.
     const SessionFiles& files() const { return _files; }
@@ -42,16 +44,15 @@ class Session : public QObject {
     const QStringList& report() const { return _report; }
     void addToReport(const QStringList& lines) { _report += lines; }
 
-    /// Opens a scene with its animation, a scene or a document. What was open goes only when this has been
-    /// seen to be readable.
-    /// @param isForeign  the files are not the user's own (an import, a recovery): there is something to
-    /// save,
-    ///                   and saving asks where to.
+    /// Opens a scene with its animation, a scene or a document, as long work that can be given up.
+    /// @param isForeign  the files are not the user's own (a recovery): there is something to save, and
+    ///                   saving asks where to.
     /// @param report  what is to be told besides.
-    /// @return an empty text, or what went wrong, with what was open still there.
-    /// @param isSeen  the files have just been written by a program of ours, and need no look beforehand.
-    QString open(const SessionFiles& files, bool isForeign = false, const QStringList& report = {},
-                 bool isSeen = false);
+    /// @return an empty text, or what went wrong; a line of its own kind for what was given up
+    ///         (`LongWork::isGivenUp`). Then what was open is there again, ids, history and all.
+    QString open(const SessionFiles& files, bool isForeign = false, const QStringList& report = {});
+    /// The same for a model that another process has read. It is nobody's own file: saving asks where to.
+    QString openModel(ka::motion::ReadModel model, const QString& file, const QStringList& report = {});
 
     /// Whether `save` knows where to.
     bool hasOwnFiles() const { return isOpen() && !_isForeign; }
@@ -67,20 +68,23 @@ class Session : public QObject {
 
   signals:
     void opened();
+    void cameBack(); ///< After `opened` could not come about: what was open is there again.
     void saved();
-    void progress(const QString& what, int percent);
 
   private:
-    class Progress;
+    using MakeProject = std::function<std::unique_ptr<ka::motion::Project>()>;
+    struct Opening;
     struct Stamp {
         QDateTime time;
         qint64 size = -1;
     };
     static Stamp stampOf(const QString& path);
-    static QString faultOf(const SessionFiles& files);
+    QString exchange(const Opening& opening, const MakeProject& make);
+    QString exchangeProject(const MakeProject& make);
     void noteStamps();
 
     Document _document;
+    LongWork _work;
     std::unique_ptr<ka::motion::Project> _project;
     SessionFiles _files;
     bool _isForeign = false;

@@ -111,6 +111,35 @@ Snapshot::Snapshot(const Scope& scope, const Snapshot& earlier) : Snapshot(scope
     sortKeys();
 }
 
+Snapshot Snapshot::everything(const osg::NodePtr& root, const std::function<void(std::size_t)>& step) {
+    Snapshot all;
+    std::vector<osg::NodePtr> pending{root};
+    while (!pending.empty()) {
+        const osg::NodePtr node = pending.back();
+        pending.pop_back();
+        if (node == osg::NullFC)
+            continue;
+        if (attachmentOf(node.getFieldContainerId()) != osg::NullFC)
+            all._listings.emplace(node.getFieldContainerId(), listingOf(node.getFieldContainerId()));
+        for (osg::UInt32 i = 0; i < node->getNChildren(); ++i)
+            pending.push_back(node->getChild(i));
+    }
+    const kaAnimationManager* manager = kaAnimationManager::the();
+    for (const auto& [id, field] : manager->getFields())
+        all._fields.emplace(id, stateOf(*field));
+    for (const unsigned int type :
+         {KA_TYPE_POINT, KA_TYPE_CURVE, KA_TYPE_UNIT, KA_TYPE_STREAK, KA_TYPE_STRIP, KA_TYPE_SEQUENCE})
+        for (const kaAnimationObject* object : manager->getObjects(type)) {
+            if (type != KA_TYPE_POINT)
+                all._objects.emplace(object->getId(), stateOf(*object));
+            else if (const auto* key = static_cast<const kaControlPoint2D*>(object); !key->isTangent())
+                all._keys.push_back(stateOf(*key));
+            step(all.size());
+        }
+    all.sortKeys();
+    return all;
+}
+
 void Snapshot::sortKeys() {
     std::sort(_keys.begin(), _keys.end(), byId);
     const auto sameId = [](const KeyState& a, const KeyState& b) { return a.id == b.id; };
@@ -234,9 +263,10 @@ Snapshot Snapshot::exchange() const {
 
 /// What goes is first cut off from what stands around it, so that nothing else goes along or is told: those
 /// have states of their own.
-void Snapshot::destroyAbsent() const {
+void Snapshot::destroy(const std::vector<kaUID>& ids, const std::function<void(std::size_t)>& step) {
     kaAnimationManager* manager = kaAnimationManager::the();
-    for (const kaUID id : _absent) {
+    std::size_t count = 0;
+    for (const kaUID id : ids) {
         kaAnimationObject* object = manager->getObject(id);
         if (object == nullptr)
             continue;
@@ -244,29 +274,44 @@ void Snapshot::destroyAbsent() const {
         if (object->getTypeID() != KA_TYPE_POINT)
             object->setChildIDs({});
     }
-    for (const kaUID id : _absent) {
+    for (const kaUID id : ids) {
         manager->destroyObject(manager->getObject(id));
         manager->destroyField(manager->getField(id));
+        if (step)
+            step(++count);
     }
 }
 
-void Snapshot::restore() const {
+void Snapshot::takeAway(const std::function<void(std::size_t)>& step) const {
+    destroy(ids(), step);
+}
+
+void Snapshot::restore(const std::function<void(std::size_t)>& step) const {
     kaAnimationManager* manager = kaAnimationManager::the();
-    destroyAbsent();
+    std::size_t count = 0;
+    const auto done = [&] {
+        if (step)
+            step(++count);
+    };
+    destroy(_absent, nullptr);
     for (const auto& [id, state] : _fields) {
         if (manager->getField(id) == nullptr)
             create(state);
         apply(state, *manager->getField(id));
     }
-    for (const KeyState& state : _keys)
+    for (const KeyState& state : _keys) {
         if (manager->getPoint2D(state.id) == nullptr)
             create(state);
+        done();
+    }
     for (const auto& [id, state] : _objects)
         if (manager->getObject(id) == nullptr)
             create(state);
-    for (const KeyState& state : _keys)
+    for (const KeyState& state : _keys) {
         if (kaControlPoint2D* key = manager->getPoint2D(state.id))
             apply(state, *key);
+        done();
+    }
     for (const auto& [id, state] : _objects)
         if (kaAnimationObject* object = manager->getObject(id))
             apply(state, *object);

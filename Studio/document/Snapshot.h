@@ -2,6 +2,8 @@
 
 #include "ObjectState.h"
 
+#include <OpenSG/OSGNode.h>
+#include <functional>
 #include <map>
 #include <unordered_set>
 #include <vector>
@@ -25,6 +27,15 @@ class Snapshot {
     explicit Snapshot(const Scope& scope);
     /// The same, with what `earlier` tells of and is still there, in scope or not.
     Snapshot(const Scope& scope, const Snapshot& earlier);
+
+    /// The whole registry, and what the nodes at and below `root` list.
+    /// @param step  called now and then with how many objects were noted; what it throws passes through.
+    static Snapshot everything(const osg::NodePtr& root, const std::function<void(std::size_t)>& step);
+    /// Destroys everything that it tells of, one by one: nothing is told of it, and nodes go on listing it.
+    void takeAway(const std::function<void(std::size_t)>& step) const;
+    /// Puts a registry that holds nothing into the state that `everything` noted, on the nodes it was of.
+    void bringBack(const std::function<void(std::size_t)>& step) const { restore(step); }
+    std::size_t size() const { return _keys.size() + _objects.size() + _fields.size(); }
 
     /// Leaves in `before` and `after` only what differs between them; what one of them does not know at all
     /// is noted there as absent.
@@ -52,8 +63,8 @@ class Snapshot {
     void includeNode(unsigned int node);
     void includeId(kaUID id);
     void sortKeys();
-    void restore() const;
-    void destroyAbsent() const;
+    void restore(const std::function<void(std::size_t)>& step = nullptr) const;
+    static void destroy(const std::vector<kaUID>& ids, const std::function<void(std::size_t)>& step);
     static Listing listingOf(unsigned int node);
     static void applyListing(unsigned int node, const Listing& listing);
 

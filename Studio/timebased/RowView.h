@@ -14,8 +14,8 @@ class RowView : public TimeView {
   public:
     RowView(TimeAxis& axis, PlayHead& head, QWidget* parent = nullptr);
 
-    static constexpr int RowHeight = 22;   ///< Pixels.
-    static constexpr int LabelWidth = 150; ///< Pixels, over the content.
+    static constexpr int RowHeight = 22;                    ///< Pixels.
+    static constexpr int LabelWidth = TimeAxis::LeftMargin; ///< Pixels, over the content.
 
     /// The part of the widget that a row takes, wherever it is scrolled to.
     QRect rowRect(int row) const;
@@ -23,6 +23,7 @@ class RowView : public TimeView {
 
   protected:
     virtual int rowCount() const = 0;
+    /// @param rect  the part of the row that is drawn; the painter is clipped to it.
     virtual void drawRow(QPainter& painter, int row, const QRect& rect) = 0;
     virtual QString rowLabel(int row) const = 0;
     /// Over all rows.
@@ -39,10 +40,15 @@ class RowView : public TimeView {
 
   private:
     void scrollTo(int offset);
-    void drawRows(QPainter& painter);
+    /// @param from,to  the pixels across that are drawn
+    void drawRows(QPainter& painter, int from, int to);
+    void drawLabels(QPainter& painter);
+    bool scrollRows();
 
     int _offset = 0;
-    QPixmap _rows; ///< as they were drawn last
+    // The rows as they were drawn last, where time stood then and how they were scrolled.
+    QPixmap _rows;
+    AxisMap _drawn;
     bool _isStale = true;
 };
 

@@ -16,9 +16,22 @@ class TimeAxis : public QObject {
 
     const AxisMap& map() const { return _map; } ///< Frames to pixels from a view's left edge.
 
+    /// Pixels that `frame` leaves free at the left, in all views: some have the names of rows there.
+    static constexpr int LeftMargin = 150;
+
     void show(double begin, double end, double pixels);
+    /// Shows these frames with some room at the right, and more at the left.
+    void frame(double begin, double end, double pixels);
     void pan(double pixels);
     void zoom(double pixel, double factor);
+
+    /// The frames that are played, in and out: a band in every ruler, whose ends can be dragged. Empty when both
+    /// are the same.
+    double rangeBegin() const { return _rangeBegin; }
+    double rangeEnd() const { return _rangeEnd; }
+    void setRange(double begin, double end);
+    /// A user's wish for another range, by dragging; whoever plays grants it by `setRange`.
+    void askForRange(double begin, double end) { emit rangeWanted(begin, end); }
 
     /// Labels in seconds rather than frames.
     bool isInSeconds() const { return _inSeconds; }
@@ -31,9 +44,12 @@ class TimeAxis : public QObject {
 
   signals:
     void changed();
+    void rangeChanged();
+    void rangeWanted(double begin, double end);
 
   private:
     AxisMap _map;
+    double _rangeBegin = 0.0, _rangeEnd = 0.0;
     bool _inSeconds = false, _snapsFrames = true, _snapsValues = false;
 };
 

@@ -13,6 +13,9 @@ namespace ka::studio {
 namespace {
 
 constexpr double WheelStep = 1.2; ///< Zoom of one notch of the wheel.
+constexpr int BandHeight = 5;     ///< Pixels of the range at the foot of the ruler.
+constexpr double RangeReach =
+    6.0; ///< Pixels beside an end of the range within which a press takes hold of it.
 
 } // namespace
 
@@ -22,6 +25,7 @@ TimeView::TimeView(TimeAxis& axis, PlayHead& head, QWidget* parent)
     setMouseTracking(true);
     setMinimumSize(160, 80);
     connect(&axis, &TimeAxis::changed, this, [this] { update(); });
+    connect(&axis, &TimeAxis::rangeChanged, this, [this] { update(); });
     connect(&head, &PlayHead::moved, this, [this] { update(); });
 }
 
@@ -39,32 +43,63 @@ QString TimeView::label(double frame) const {
 void TimeView::drawRuler(QPainter& painter) const {
     const QRect ruler(0, 0, width(), RulerHeight);
     painter.fillRect(ruler, palette().color(QPalette::Button));
+    drawRange(painter);
     painter.setPen(palette().color(QPalette::ButtonText));
+    const QRectF flag = headFlag();
     const double unit = _axis.isInSeconds() ? static_cast<double>(_head.framesPerSecond()) : 1.0;
     const double distance = 70.0 / std::abs(_axis.map().scale()) / unit; // room for a label
     for (const double tick : niceTicks(frameAt(0) / unit, frameAt(width()) / unit, distance)) {
         const int x = static_cast<int>(std::lround(pixelOf(tick * unit)));
         painter.drawLine(x, RulerHeight - 7, x, RulerHeight);
-        painter.drawText(QRect(x + 3, 2, 90, RulerHeight - 6), Qt::AlignLeft | Qt::AlignVCenter,
-                         label(tick * unit));
+        const QString text = label(tick * unit);
+        const QRect place(x + 3, 2, painter.fontMetrics().horizontalAdvance(text), RulerHeight - 6);
+        if (!flag.intersects(place)) // the playhead says where it is itself
+            painter.drawText(place, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextDontClip, text);
     }
     painter.drawLine(0, RulerHeight - 1, width(), RulerHeight - 1);
 }
 
-void TimeView::drawHead(QPainter& painter) const {
+/// A band at the foot of the ruler, with an end on each side to take hold of.
+void TimeView::drawRange(QPainter& painter) const {
+    const double begin = pixelOf(_axis.rangeBegin()), end = pixelOf(_axis.rangeEnd());
+    if (!(begin < end))
+        return;
+    QColor color = palette().color(QPalette::Highlight);
+    color.setAlpha(110);
+    const double left = std::max(begin, -10.0), right = std::min(end, width() + 10.0);
+    painter.fillRect(QRectF(left, RulerHeight - BandHeight, std::max(0.0, right - left), BandHeight), color);
+    color.setAlpha(255);
+    for (const double x : {begin, end})
+        if (x > -10 && x < width() + 10)
+            painter.fillRect(QRectF(x - 2, RulerHeight - BandHeight - 2, 4, BandHeight + 2), color);
+}
+
+QString TimeView::headText() const {
+    return label(static_cast<double>(std::round(_head.frame() * 100) / 100));
+}
+
+QRectF TimeView::headFlag() const {
     const double x = pixelOf(static_cast<double>(_head.frame()));
     if (x < -40 || x > width() + 40)
+        return {};
+    const int wide = fontMetrics().horizontalAdvance(headText()) + 8;
+    return {x - wide / 2.0, 1, static_cast<double>(wide), RulerHeight - BandHeight - 2};
+}
+
+void TimeView::drawHead(QPainter& painter) const {
+    const QRectF flag = headFlag();
+    if (flag.isNull())
         return;
+    const double x = flag.center().x();
     const QColor color(220, 60, 50);
     painter.setPen(QPen(color, 1));
-    painter.drawLine(QPointF(x, RulerHeight), QPointF(x, height()));
-    const QString text = label(static_cast<double>(std::round(_head.frame() * 100) / 100));
-    const int wide = painter.fontMetrics().horizontalAdvance(text) + 8;
-    const QRectF flag(x - wide / 2.0, 2, wide, RulerHeight - 5);
+    painter.drawLine(QPointF(x, flag.bottom()), QPointF(x, height()));
+    painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(color);
     painter.drawRoundedRect(flag, 3, 3);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(Qt::white);
-    painter.drawText(flag, Qt::AlignCenter, text);
+    painter.drawText(flag, Qt::AlignCenter, headText());
     painter.setBrush(Qt::NoBrush);
 }
 
@@ -85,11 +120,39 @@ void TimeView::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
+double TimeView::wholeFrameAt(const QPoint& position) const {
+    const double frame = frameAt(position.x());
+    return _axis.snapsFrames() ? std::round(frame) : frame;
+}
+
 void TimeView::scrubTo(const QPoint& position) {
-    float frame = static_cast<float>(frameAt(position.x()));
-    if (_axis.snapsFrames())
-        frame = std::round(frame);
-    _head.scrub(frame);
+    _head.scrub(static_cast<float>(wholeFrameAt(position)));
+}
+
+/// The ends of the range are taken at the foot of the ruler; Shift begins another one anywhere.
+void TimeView::pressRuler(const QMouseEvent& event) {
+    const QPoint at = event.pos();
+    const bool isAtFoot = at.y() >= RulerHeight - BandHeight - 3 && _axis.rangeBegin() < _axis.rangeEnd();
+    const double toBegin = std::abs(pixelOf(_axis.rangeBegin()) - at.x());
+    const double toEnd = std::abs(pixelOf(_axis.rangeEnd()) - at.x());
+    if (event.modifiers().testFlag(Qt::ShiftModifier)) {
+        _rangeStart = wholeFrameAt(at);
+        _drag = Drag::Range;
+    } else if (isAtFoot && std::min(toBegin, toEnd) <= RangeReach) {
+        _drag = Drag::Range;
+        _rangeStart = toBegin < toEnd ? _axis.rangeEnd() : _axis.rangeBegin();
+    } else {
+        _drag = Drag::Scrub;
+        scrubTo(at);
+    }
+}
+
+void TimeView::dragRange(const QPoint& position) {
+    const double other = wholeFrameAt(position);
+    const double begin = std::min(_rangeStart, other), end = std::max(_rangeStart, other);
+    if (begin < end)
+        _axis.askForRange(begin, end);
+    emit hint(tr("Plays from %1 to %2").arg(label(begin), label(end)));
 }
 
 void TimeView::startBox(const QPoint& from) {
@@ -106,8 +169,7 @@ void TimeView::mousePressEvent(QMouseEvent* event) {
         _drag = Drag::Pan;
         setCursor(Qt::ClosedHandCursor);
     } else if (event->button() == Qt::LeftButton && event->pos().y() < RulerHeight) {
-        _drag = Drag::Scrub;
-        scrubTo(event->pos());
+        pressRuler(*event);
     } else if (event->button() == Qt::LeftButton) {
         _drag = Drag::Content;
         pressContent(event);
@@ -124,6 +186,9 @@ void TimeView::mouseMoveEvent(QMouseEvent* event) {
         break;
     case Drag::Scrub:
         scrubTo(event->pos());
+        break;
+    case Drag::Range:
+        dragRange(event->pos());
         break;
     case Drag::Box:
         _box->setBottomRight(event->pos());

@@ -54,11 +54,17 @@ class TimeView : public QWidget {
     PlayHead& head() { return _head; }
 
   private:
-    enum class Drag { None, Pan, Scrub, Box, Content };
+    enum class Drag { None, Pan, Scrub, Range, Box, Content };
 
     void drawRuler(QPainter& painter) const;
+    void drawRange(QPainter& painter) const;
     void drawHead(QPainter& painter) const;
+    QRectF headFlag() const; ///< Where the playhead's label is; null where it is not seen.
+    QString headText() const;
+    void pressRuler(const QMouseEvent& event);
     void scrubTo(const QPoint& position);
+    void dragRange(const QPoint& position);
+    double wholeFrameAt(const QPoint& position) const; ///< Where whole frames are wanted, else any.
     QString label(double frame) const;
 
     TimeAxis& _axis;
@@ -66,6 +72,7 @@ class TimeView : public QWidget {
     Drag _drag = Drag::None;
     QPoint _last;
     std::optional<QRect> _box;
+    double _rangeStart = 0.0; ///< where a range was begun
 };
 
 } // namespace ka::studio

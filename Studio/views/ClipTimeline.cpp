@@ -41,6 +41,16 @@ QColor colorOf(const kaAnimationObject& object) {
     }
 }
 
+/// A filled rectangle with a border, of whole pixels: the same however it is clipped, which lines are not.
+void fillFramed(QPainter& painter, const QRect& rect, const QColor& fill, const QColor& frame, int border) {
+    const QRect inside = rect.adjusted(border, border, -border, -border);
+    painter.fillRect(inside, fill);
+    painter.fillRect(QRect(rect.topLeft(), QPoint(rect.right(), inside.top() - 1)), frame);
+    painter.fillRect(QRect(QPoint(rect.left(), inside.bottom() + 1), rect.bottomRight()), frame);
+    painter.fillRect(QRect(rect.left(), inside.top(), border, inside.height()), frame);
+    painter.fillRect(QRect(inside.right() + 1, inside.top(), border, inside.height()), frame);
+}
+
 } // namespace
 
 ClipTimeline::ClipTimeline(Document& document, TimeAxis& axis, PlayHead& head, IdSelection& selection,
@@ -157,27 +167,55 @@ void ClipTimeline::drawBar(QPainter& painter, kaUID id, const QRect& bar) const 
         painter.fillRect(bar.adjusted(0, 0, -1, 0), color);
         return;
     }
-    painter.setBrush(color);
-    painter.setPen(QPen(isSelected ? QColor(255, 200, 40) : color.darker(150), isSelected ? 2 : 1));
-    painter.drawRect(bar);
+    fillFramed(painter, bar, color, isSelected ? QColor(255, 200, 40) : color.darker(150),
+               isSelected ? 2 : 1);
     if (bar.width() < 30)
         return;
-    QString text = QString::fromLatin1(object->getName().c_str());
-    if (object->isRepeating())
-        text += QStringLiteral(" \u21bb");
-    if (object->isUseCustomRange())
-        text += tr(" [%1, %2]")
-                    .arg(static_cast<double>(object->getCustomBegin()))
-                    .arg(static_cast<double>(object->getCustomEnd()));
     painter.setPen(Qt::white);
-    const QRect inside = bar.intersected(rect().adjusted(LabelWidth, 0, 0, 0)).adjusted(5, 0, -3, 0);
-    painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter, text);
+    const QRect inside = bar.adjusted(5, 0, -3, 0);
+    painter.drawText(inside, Qt::AlignLeft | Qt::AlignVCenter, nameOf(*object));
 }
 
-void ClipTimeline::drawRow(QPainter& painter, int row, const QRect& /*rect*/) {
+/// With its switches: \u21bb for repeating, the custom range, MB for motion blur; muted ones are pale.
+QString ClipTimeline::nameOf(const kaAnimationObject& object) const {
+    QString text = QString::fromLatin1(object.getName().c_str());
+    if (object.isRepeating())
+        text += QStringLiteral(" \u21bb");
+    if (object.isUseCustomRange())
+        text += tr(" [%1, %2]")
+                    .arg(static_cast<double>(object.getCustomBegin()))
+                    .arg(static_cast<double>(object.getCustomEnd()));
+    if (isFlagged(object, ObjectFlag::MotionBlur))
+        text += tr(" MB");
+    return text;
+}
+
+/// Bars that begin before what is seen say at its edge what they are.
+void ClipTimeline::drawNames(QPainter& painter) const {
+    for (int row = std::max(0, rowAt(RulerHeight)); row < rowCount() && rowRect(row).top() < height(); ++row)
+        for (const kaUID id : barsOf(row)) {
+            const QRect bar = barRect(id, row);
+            if (bar.left() >= LabelWidth || bar.right() < LabelWidth + 30)
+                continue;
+            const kaAnimationObject& object = *objectWith(id);
+            const QString text = nameOf(object);
+            const int wide = painter.fontMetrics().horizontalAdvance(text) + 10;
+            const QRect place(LabelWidth, bar.top() + 1, std::min(wide, bar.right() - LabelWidth - 1),
+                              bar.height() - 1);
+            QColor color = colorOf(object);
+            color.setAlpha(object.isActive() ? 255 : 90);
+            painter.fillRect(place, palette().color(QPalette::Base));
+            painter.fillRect(place, color);
+            painter.setPen(Qt::white);
+            painter.drawText(place.adjusted(5, 0, -3, 0), Qt::AlignLeft | Qt::AlignVCenter, text);
+        }
+}
+
+void ClipTimeline::drawRow(QPainter& painter, int row, const QRect& rect) {
+    constexpr int Border = 2; // pixels that a bar's outline may stand out
     for (const kaUID id : barsOf(row)) {
         const QRect bar = barRect(id, row);
-        if (!bar.isNull() && bar.right() >= LabelWidth && bar.left() <= width())
+        if (!bar.isNull() && bar.right() >= rect.left() - Border && bar.left() <= rect.right() + Border)
             drawBar(painter, id, bar);
     }
 }
@@ -208,6 +246,7 @@ void ClipTimeline::drawLinks(QPainter& painter) const {
 }
 
 void ClipTimeline::drawOver(QPainter& painter) {
+    drawNames(painter);
     drawLinks(painter);
     if (_drag == Drag::Link) {
         painter.setPen(QPen(palette().color(QPalette::Highlight), 2, Qt::DashLine));
@@ -370,12 +409,8 @@ void ClipTimeline::frameAll() {
             begin = std::min(begin, static_cast<double>(object->getBegin()));
             end = std::max(end, static_cast<double>(object->getEnd()));
         }
-    constexpr double Margin = 20; // pixels
-    if (begin > end)
-        return;
-    const double frames = std::max(end - begin, 1.0);
-    const double aPixel = frames / std::max(width() - LabelWidth - 2 * Margin, 1.0);
-    axis().show(begin - (LabelWidth + Margin) * aPixel, begin + frames + Margin * aPixel, width());
+    if (begin <= end)
+        axis().frame(begin, end, width());
 }
 
 } // namespace ka::studio

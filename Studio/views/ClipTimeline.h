@@ -60,6 +60,8 @@ class ClipTimeline : public RowView {
     QRect barRect(kaUID object, int row) const;
     void drawBar(QPainter& painter, kaUID object, const QRect& bar) const;
     void drawLinks(QPainter& painter) const;
+    void drawNames(QPainter& painter) const;
+    QString nameOf(const kaAnimationObject& object) const;
     double dragged(const QPoint& to) const; ///< Frames, whole ones where those are wanted.
     bool isPossible() const;
     void finish(Qt::KeyboardModifiers modifiers, const QPoint& at);

@@ -329,10 +329,10 @@ void CurveEditor::frameAll() {
     if (begin > end)
         return;
     const double space = 0.08; // of the extent, on each side
-    const double frames = std::max(end - begin, 1.0), span = std::max(high - low, 1e-3);
+    const double span = std::max(high - low, 1e-3);
     _values.show(low - space * span, high + space * span, -contentRect().height());
     _values.pan(RulerHeight);
-    axis().show(begin - space * frames, end + space * frames, width());
+    axis().frame(begin, end, width());
 }
 
 void CurveEditor::frameSelection() {
@@ -354,7 +354,7 @@ void CurveEditor::frameSelection() {
     const double frames = std::max(end - begin, 2.0), span = std::max(high - low, 1e-3);
     _values.show(low - 0.25 * span, high + 0.25 * span, -contentRect().height());
     _values.pan(RulerHeight);
-    axis().show(begin - 0.25 * frames, end + 0.25 * frames, width());
+    axis().frame(begin - 0.25 * frames, end + 0.25 * frames, width());
 }
 
 void CurveEditor::insertAtHead() {

@@ -12,7 +12,8 @@ namespace ka::studio {
 
 namespace {
 
-constexpr double Reach = 6.0; ///< Pixels beside a mark within which a click takes hold of it.
+constexpr double Reach = 6.0;        ///< Pixels beside a mark within which a click takes hold of it.
+constexpr double MarkDistance = 6.0; ///< Pixels from mark to mark below which they are drawn as lines.
 
 } // namespace
 
@@ -64,34 +65,51 @@ QString DopeSheet::rowLabel(int row) const {
 }
 
 /// Of the marks in one column of pixels one is drawn, a selected one first: 1 for a mark, 2 for a selected one.
-void DopeSheet::markColumns(kaUID curve, std::vector<char>& columns) const {
+/// @param left  the pixel of the first column.
+void DopeSheet::markColumns(kaUID curve, int left, std::vector<char>& columns) const {
     const CurveTrace& trace = _scene.trace(curve);
-    const auto [first, last] = trace.within(frameAt(0), frameAt(width()));
+    const auto [first, last] =
+        trace.within(frameAt(left), frameAt(left + static_cast<double>(columns.size())));
     for (std::size_t i = first; i < last; ++i) {
-        const auto x =
-            static_cast<std::size_t>(std::max(0.0, pixelOf(static_cast<double>(trace.frames()[i]))));
-        if (x < columns.size())
-            columns[x] = std::max(columns[x], _selection.contains(trace.keys()[i]) ? char(2) : char(1));
+        const double x = pixelOf(static_cast<double>(trace.frames()[i])) - left;
+        const auto column = static_cast<std::size_t>(std::max(0.0, x));
+        if (column < columns.size())
+            columns[column] =
+                std::max(columns[column], _selection.contains(trace.keys()[i]) ? char(2) : char(1));
     }
 }
 
+/// Whether marks would hide each other: by the keys of the whole curve, so that a row keeps its look while it is
+/// panned.
+bool DopeSheet::isDense(kaUID curve) const {
+    const CurveTrace& trace = _scene.trace(curve);
+    if (trace.size() < 2)
+        return false;
+    const double frames =
+        static_cast<double>(trace.frames().back()) - static_cast<double>(trace.frames().front());
+    return static_cast<double>(trace.size()) * MarkDistance > frames * std::abs(axis().map().scale());
+}
+
 void DopeSheet::drawRow(QPainter& painter, int row, const QRect& rect) {
-    std::vector<char> columns(static_cast<std::size_t>(width()) + 1, 0);
-    for (const kaUID curve : curvesOfRow(row))
-        markColumns(curve, columns);
-    const auto marks = std::count_if(columns.begin(), columns.end(), [](char mark) { return mark != 0; });
-    const bool isDense = static_cast<int>(marks) * 6 > width(); // then marks would hide each other
     const double middle = rect.center().y() + 0.5, size = row == 0 ? 5.5 : 4.5;
+    const int reach = static_cast<int>(std::ceil(size)) + 1; // a mark stands out by as much
+    const int left = rect.left() - reach;
+    std::vector<char> columns(static_cast<std::size_t>(rect.width() + 2 * reach), 0);
+    const std::vector<kaUID> curves = curvesOfRow(row);
+    for (const kaUID curve : curves)
+        markColumns(curve, left, columns);
+    const bool isLine = std::any_of(curves.begin(), curves.end(), [this](kaUID id) { return isDense(id); });
     painter.setPen(QPen(palette().color(QPalette::Text), 0.8));
-    for (std::size_t x = 0; x < columns.size(); ++x) {
-        if (columns[x] == 0)
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+        if (columns[column] == 0)
             continue;
-        const QColor color = columns[x] == 2 ? QColor(255, 200, 40) : palette().color(QPalette::Mid);
-        if (isDense) {
-            painter.fillRect(QRectF(static_cast<double>(x), middle - size, 1, 2 * size), color);
+        const QColor color = columns[column] == 2 ? QColor(255, 200, 40) : palette().color(QPalette::Mid);
+        const double x = left + static_cast<double>(column);
+        if (isLine) {
+            painter.fillRect(QRectF(x, middle - size, 1, 2 * size), color);
             continue;
         }
-        const double at = static_cast<double>(x) + 0.5;
+        const double at = x + 0.5;
         const QPointF mark[] = {
             {at, middle - size}, {at + size, middle}, {at, middle + size}, {at - size, middle}};
         painter.setBrush(color);

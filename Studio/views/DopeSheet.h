@@ -35,7 +35,8 @@ class DopeSheet : public RowView {
   private:
     std::vector<kaUID> keysAt(int row, double x) const;
     std::vector<kaUID> curvesOfRow(int row) const;
-    void markColumns(kaUID curve, std::vector<char>& columns) const;
+    void markColumns(kaUID curve, int left, std::vector<char>& columns) const;
+    bool isDense(kaUID curve) const;
 
     Document& _document;
     IdSelection& _selection;

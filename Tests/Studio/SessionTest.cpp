@@ -9,9 +9,14 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
+#include <QToolButton>
+#include <csignal>
 #include <fstream>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/Saving.h>
+#include <sys/resource.h>
 
 namespace ka::studio {
 
@@ -72,6 +77,83 @@ TEST_F(Files, KeepWhatIsOpenWhenAnotherCannotBe) {
     EXPECT_TRUE(window().session().isOpen());
 }
 
+/// A capture of more keys than are read in a blink, as a scene and its document.
+class LargeFiles : public Files {
+  protected:
+    QString largeScene() {
+        std::string motion =
+            "HIERARCHY\nROOT hip { OFFSET 0 0 0 CHANNELS 6 Xposition Yposition Zposition Zrotation "
+            "Yrotation Xrotation End Site { OFFSET 0 1 0 } }\nMOTION\nFrames: 5000\nFrame Time: "
+            "0.04\n";
+        for (int i = 0; i < 5000; ++i)
+            motion += std::to_string(i % 7) + " 0 0 " + std::to_string(i % 11) + " 0 0\n";
+        ka::motion::ProjectFiles files;
+        files.file = put("large.bvh", motion);
+        const ka::motion::Project project(files);
+        EXPECT_TRUE(
+            ka::motion::save(project.root(), {folder() + "/large.osg", folder() + "/large.xml"}).empty());
+        return QString::fromStdString(folder() + "/large.osg");
+    }
+};
+
+TEST_F(LargeFiles, TakeNoInputWhileTheyOpenAndComeBackToWhatWasOpenWhenGivenUp) {
+    const QString large = largeScene();
+    openFigure();
+    Document& document = window().session().document();
+    const kaUID changed = key(curve("hip", "translationX"), 20.0F)->getId();
+    setTangentType(document, {changed}, kaControlPoint2D::TANGENT_FLAT);
+    const std::string before = Document::text();
+    LongWork& work = window().session().work();
+    work.setInterval(0); // on every machine there is time to give it up
+    int calls = 0;
+    QObject::connect(&work, &LongWork::progressed, &window(), [&](const QString& what) {
+        if (what != "reading animation" || ++calls != 2)
+            return;
+        EXPECT_FALSE(window().session().isOpen()) << "nothing is half open";
+        QTest::keyClick(&window(), Qt::Key_Delete); // nobody hears it
+        QTest::mouseClick(&window().curveEditor(), Qt::LeftButton, Qt::NoModifier, QPoint(200, 100));
+        QTest::mouseClick(window().findChild<QToolButton*>("giveUp"), Qt::LeftButton);
+    });
+    window().openPath(large);
+    ASSERT_EQ(calls, 2);
+    work.setInterval(30);
+    EXPECT_TRUE(work.isGivenUp());
+    EXPECT_TRUE(_messages.isEmpty());
+    EXPECT_EQ(window().windowTitle(), "scene.osg[*] - ka-studio");
+    EXPECT_TRUE(window().isWindowModified());
+    EXPECT_EQ(Document::text(), before);
+    // The history is there as well, and its steps work.
+    ASSERT_EQ(document.history().index(), 1);
+    document.history().undo();
+    EXPECT_NE(kaAnimationManager::the()->getPoint2D(changed)->getTangentType(),
+              kaControlPoint2D::TANGENT_FLAT);
+    document.history().redo();
+    EXPECT_EQ(Document::text(), before);
+    QObject::disconnect(&work, &LongWork::progressed, &window(), nullptr);
+    window().openPath(large);
+    EXPECT_EQ(window().windowTitle(), "large.osg[*] - ka-studio");
+    EXPECT_GT(kaAnimationManager::the()->getObjectCount(), 10000U);
+}
+
+TEST_F(LargeFiles, StayAsTheyWereWhenSavingIsGivenUp) {
+    const QString large = largeScene();
+    window().openPath(large);
+    Document& document = window().session().document();
+    rename(document, kaAnimationManager::the()->getObjects(KA_TYPE_STRIP).front()->getId(), "another");
+    const std::string before = contentOf(folder() + "/large.xml");
+    window().session().work().setInterval(0);
+    QObject::connect(&window().session().work(), &LongWork::progressed, &window(),
+                     [this] { QTest::keyClick(&window(), Qt::Key_Escape); });
+    EXPECT_FALSE(window().save());
+    EXPECT_EQ(contentOf(folder() + "/large.xml"), before);
+    EXPECT_TRUE(window().isWindowModified());
+    window().session().work().setInterval(30);
+    QObject::disconnect(&window().session().work(), &LongWork::progressed, &window(), nullptr);
+    EXPECT_TRUE(window().save());
+    EXPECT_NE(contentOf(folder() + "/large.xml"), before);
+    EXPECT_FALSE(window().isWindowModified());
+}
+
 TEST_F(Files, AskBeforeChangesGo) {
     openFigure();
     setTangentType(window().session().document(), {key(curve("hip", "translationX"), 20.0F)->getId()},
@@ -104,7 +186,7 @@ TEST_F(Files, TellWhenAFileHasChangedMeanwhile) {
     EXPECT_EQ(contentOf(document), Document::text());
 }
 
-TEST_F(Files, LoseNothingOnAFullDisk) {
+TEST_F(Files, LoseNothingWhereTheyCannotBeWritten) {
     openFigure();
     const std::string before = Document::text();
     _saveName = "/dev/full/scene.osg";
@@ -112,6 +194,47 @@ TEST_F(Files, LoseNothingOnAFullDisk) {
     ASSERT_EQ(_messages.size(), 1);
     EXPECT_EQ(Document::text(), before);
     EXPECT_EQ(window().windowTitle(), "scene.osg[*] - ka-studio");
+}
+
+/// For a while no file may grow beyond some bytes, as on a disk that is full.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t room) {
+        _formerAction = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &_former);
+        const rlimit limit{room, _former.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &_former);
+        std::signal(SIGXFSZ, _formerAction);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit _former{};
+    void (*_formerAction)(int) = nullptr;
+};
+
+TEST_F(Files, StayWholeOnAFullDiskAndCanBeSavedOnceThereIsRoom) {
+    openFigure();
+    const std::string scene = figureScene().toStdString(),
+                      document = scene.substr(0, scene.size() - 3) + "xml";
+    const std::string sceneBefore = contentOf(scene), documentBefore = contentOf(document);
+    setTangentType(window().session().document(), {key(curve("hip", "translationX"), 20.0F)->getId()},
+                   kaControlPoint2D::TANGENT_FLAT);
+    {
+        const FullDisk full(3000); // room for the scene, not for its document
+        EXPECT_FALSE(window().save());
+    }
+    ASSERT_EQ(_messages.size(), 1);
+    EXPECT_TRUE(_messages.front().contains("make room")) << _messages.front().toStdString();
+    EXPECT_EQ(contentOf(scene), sceneBefore);
+    EXPECT_EQ(contentOf(document), documentBefore);
+    EXPECT_TRUE(window().isWindowModified());
+    EXPECT_TRUE(window().save());
+    EXPECT_EQ(contentOf(document), Document::text());
 }
 
 TEST_F(Files, AreTakenFromADrop) {

@@ -12,6 +12,8 @@
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationUnit.h>
+#include <kaMotion/Project.h>
+#include <kaMotion/Saving.h>
 #include <sstream>
 
 namespace ka::studio::testing {
@@ -52,12 +54,11 @@ void WindowFixture::SetUp() {
     DrawingClient::setProgram(QStringLiteral(KA_STUDIO_PROGRAM));
     qputenv("KA_STUDIO_DRAWING", "plain"); // tests of the other drawing ask for it
     _window = std::make_unique<MainWindow>();
-    MainWindow::Answers answers;
-    answers.message = [this](const QString& text) { _messages.append(text); };
-    answers.unsavedChanges = [this] { return _unsaved; };
-    answers.saveName = [this] { return _saveName; };
-    answers.overwrite = [this] { return _overwrite; };
-    _window->setAnswers(answers);
+    _answers.message = [this](const QString& text) { _messages.append(text); };
+    _answers.unsavedChanges = [this] { return _unsaved; };
+    _answers.saveName = [this] { return _saveName; };
+    _answers.overwrite = [this] { return _overwrite; };
+    setAnswers();
     _unsaved = QMessageBox::Discard;
     _window->resize(1400, 880);
     _window->show();
@@ -73,12 +74,12 @@ QString WindowFixture::figureScene() {
     const QString scene = QString::fromStdString(_folder.at("figure/scene.osg"));
     if (!std::filesystem::exists(scene.toStdString())) {
         std::filesystem::create_directory(_folder.at("figure"));
-        QProcess import;
-        import.start(QStringLiteral(KA_STUDIO_PROGRAM),
-                     {QStringLiteral("--import-into"), QString::fromStdString(_folder.at("figure")),
-                      QString::fromStdString(_folder.put("figure.bvh", figure()))});
-        EXPECT_TRUE(import.waitForFinished());
-        EXPECT_EQ(import.exitCode(), 0) << import.readAllStandardError().toStdString();
+        EXPECT_FALSE(_window->session().isOpen()) << "there is one registry";
+        ka::motion::ProjectFiles files;
+        files.file = _folder.put("figure.bvh", figure());
+        const ka::motion::Project project(files);
+        const std::string document = _folder.at("figure/scene.xml");
+        EXPECT_TRUE(ka::motion::save(project.root(), {scene.toStdString(), document}).empty());
     }
     return scene;
 }

@@ -39,6 +39,9 @@ class WindowFixture : public ::testing::Test {
     /// Keeps a picture of the window, where KA_STUDIO_PICTURES names a folder.
     void picture(const QString& name);
 
+    void setAnswers() { _window->setAnswers(_answers); }
+
+    MainWindow::Answers _answers; ///< `setAnswers` gives them to the window.
     QStringList _messages;
     int _unsaved = 0;
     QString _saveName;
