@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "WelcomePage.h"
 #include "views/ChannelTree.h"
 #include "views/DopeSheet.h"
 #include "views/KeyFields.h"
@@ -17,6 +18,7 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QSettings>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -72,6 +74,9 @@ MainWindow::MainWindow() : _transport(_head), _recovery(_session) {
     });
     restoreLayout();
     refreshTitle();
+    showMiddle();
+    constexpr double Start = 100.0; // frames that an empty window shows
+    _axis.frame(0.0, Start, width());
 }
 
 MainWindow::~MainWindow() {
@@ -131,6 +136,7 @@ void MainWindow::onWorkEnded() {
 
 void MainWindow::opening(const std::function<QString()>& open) {
     _transport.setObjects({});
+    _session.work().forget();
     const QString fault = open();
     if (_session.work().isGivenUp())
         say(tr("%1; what was open stays").arg(fault));
@@ -168,7 +174,16 @@ void MainWindow::onOpened() {
                          .arg(_session.files().shownName()));
 }
 
+/// The page that comes to the front is laid out at once: what follows asks it for its size.
+void MainWindow::showMiddle() {
+    _welcome->showRecent(QSettings().value(RecentKey).toStringList());
+    QWidget* page = _session.isOpen() ? static_cast<QWidget*>(_curves) : _welcome;
+    _middle->setCurrentWidget(page);
+    page->setGeometry(_middle->rect());
+}
+
 void MainWindow::showEverything() {
+    showMiddle();
     _keys.clear();
     _bars.clear();
     std::vector<kaUID> played;
@@ -202,6 +217,7 @@ bool MainWindow::save() {
     };
     if (_session.isChangedOnDisk() && !(_answers.overwrite ? _answers.overwrite() : ask()))
         return false;
+    _session.work().forget();
     const QString fault = _session.saveTo(_session.files());
     if (_session.work().isGivenUp())
         say(tr("Saving was given up; the file is as it was"));
@@ -225,6 +241,7 @@ bool MainWindow::saveAs() {
     if (chosen.isEmpty())
         return false;
     const SessionFiles files = Session::filesFor(chosen);
+    _session.work().forget();
     const QString fault = _session.saveTo(files);
     if (_session.work().isGivenUp())
         say(tr("Saving was given up; nothing was written"));
@@ -289,7 +306,7 @@ void MainWindow::showEvent(QShowEvent* event) {
         return;
     _hasLayout = true;
     const auto dock = [this](const char* name) { return findChild<QDockWidget*>(QString::fromLatin1(name)); };
-    resizeDocks({dock("sceneDock"), dock("clipsDock")}, {height() * 2 / 7, height() * 2 / 7}, Qt::Vertical);
+    resizeDocks({dock("sceneDock"), dock("clipsDock")}, {height() / 3, height() / 4}, Qt::Vertical);
     resizeDocks({dock("channelsDock"), dock("keysDock")}, {260, 300}, Qt::Horizontal);
 }
 

@@ -15,6 +15,7 @@
 #include <functional>
 
 class QLabel;
+class QStackedWidget;
 class QProgressBar;
 class QToolButton;
 
@@ -28,6 +29,7 @@ class Outliner;
 class Properties;
 class OperationDialog;
 class SceneView;
+class WelcomePage;
 
 /// The studio's window: the views on what is open, and every action in a menu.
 class MainWindow : public QMainWindow {
@@ -118,6 +120,7 @@ class MainWindow : public QMainWindow {
     void opening(const std::function<QString()>& open);
     void onOpened();
     void showEverything();
+    void showMiddle();
     void onWorkStarted(bool canBeGivenUp);
     void onWorkEnded();
     void showCurves();
@@ -141,6 +144,8 @@ class MainWindow : public QMainWindow {
     CopiedKeys _copied;
     Answers _answers;
 
+    QStackedWidget* _middle = nullptr; ///< What is open, else how to begin.
+    WelcomePage* _welcome = nullptr;
     CurveEditor* _curves = nullptr;
     ChannelTree* _channels = nullptr;
     KeyFields* _keyFields = nullptr;

@@ -1,35 +1,22 @@
 #include "MainWindow.h"
+#include "ShortcutDialog.h"
 #include "views/ChannelTree.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDialog>
 #include <QFileDialog>
-#include <QHeaderView>
-#include <QKeySequenceEdit>
 #include <QMenuBar>
-#include <QSettings>
-#include <QTableWidget>
-#include <QVBoxLayout>
 #include <algorithm>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
 
 namespace ka::studio {
 
-namespace {
-
-const char ShortcutsGroup[] = "shortcuts/";
-
-} // namespace
-
 /// Every action has a name, by which its shortcut is kept when users change it.
 QAction* MainWindow::addAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
                                const QString& tip, const std::function<void()>& run) {
     QAction* action = menu->addAction(text);
     action->setObjectName(QString::fromLatin1(name));
-    action->setProperty("ownKeys", keys);
-    action->setShortcut(QSettings().value(ShortcutsGroup + action->objectName(), keys).value<QKeySequence>());
+    action->setProperty(ShortcutDialog::OwnKeys, keys);
+    action->setShortcut(ShortcutDialog::keysOf(action->objectName(), keys));
     action->setToolTip(tip);
     action->setStatusTip(tip);
     connect(action, &QAction::triggered, this, run);
@@ -72,12 +59,17 @@ void MainWindow::buildEditMenu() {
     QUndoStack& history = _session.document().history();
     QAction* undo = history.createUndoAction(this, tr("&Undo"));
     undo->setObjectName(QStringLiteral("undo"));
-    undo->setShortcut(QKeySequence::Undo);
     QAction* redo = history.createRedoAction(this, tr("&Redo"));
     redo->setObjectName(QStringLiteral("redo"));
-    redo->setShortcut(QKeySequence::Redo);
-    menu->addAction(undo);
-    menu->addAction(redo);
+    for (const auto& [action, keys, tip] :
+         {std::tuple(undo, QKeySequence(QKeySequence::Undo), tr("Take the last step back")),
+          std::tuple(redo, QKeySequence(QKeySequence::Redo), tr("Do it again"))}) {
+        action->setProperty(ShortcutDialog::OwnKeys, keys);
+        action->setShortcut(ShortcutDialog::keysOf(action->objectName(), keys));
+        action->setToolTip(tip);
+        action->setStatusTip(tip);
+        menu->addAction(action);
+    }
     menu->addSeparator();
     addAction(menu, "cut", tr("Cu&t keys"), QKeySequence::Cut, tr("Copy the selected keys and delete them"),
               [this] {
@@ -193,30 +185,12 @@ void MainWindow::buildHelpMenu() {
               tr("A figure that walks, to try things with"), [this] { openSample(); });
     addAction(menu, "shortcuts", tr("&Shortcuts..."), QKeySequence(Qt::Key_F1),
               tr("All actions with their shortcuts, to be changed"), [this] {
-                  auto* dialog = new QDialog(this);
+                  QList<QAction*> actions;
+                  for (QAction* action : findChildren<QAction*>())
+                      if (action->property(ShortcutDialog::OwnKeys).isValid())
+                          actions.append(action);
+                  auto* dialog = new ShortcutDialog(actions, this);
                   dialog->setAttribute(Qt::WA_DeleteOnClose);
-                  dialog->setWindowTitle(tr("Shortcuts"));
-                  auto* table = new QTableWidget(dialog);
-                  table->setColumnCount(2);
-                  table->setHorizontalHeaderLabels({tr("Action"), tr("Shortcut")});
-                  table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-                  for (QAction* action : findChildren<QAction*>()) {
-                      if (!action->property("ownKeys").isValid())
-                          continue;
-                      const int row = table->rowCount();
-                      table->insertRow(row);
-                      table->setItem(row, 0,
-                                     new QTableWidgetItem(action->text().remove(QLatin1Char('&')) +
-                                                          QStringLiteral(" - ") + action->toolTip()));
-                      auto* keys = new QKeySequenceEdit(action->shortcut(), table);
-                      table->setCellWidget(row, 1, keys);
-                      connect(keys, &QKeySequenceEdit::editingFinished, action, [action, keys] {
-                          action->setShortcut(keys->keySequence());
-                          QSettings().setValue(ShortcutsGroup + action->objectName(), keys->keySequence());
-                      });
-                  }
-                  (new QVBoxLayout(dialog))->addWidget(table);
-                  dialog->resize(720, 640);
                   dialog->show();
               });
 }

@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+#include "WelcomePage.h"
 #include "views/ChannelTree.h"
 #include "views/ClipTimeline.h"
 #include "views/DopeSheet.h"
@@ -14,6 +15,7 @@
 #include <QMenuBar>
 #include <QProgressBar>
 #include <QScrollArea>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -54,7 +56,14 @@ QDoubleSpinBox* addNumber(QToolBar& bar, const char* name, const QString& label,
 
 void MainWindow::buildViews() {
     _curves = new CurveEditor(_session.document(), _axis, _head, _keys, this);
-    setCentralWidget(_curves);
+    _middle = new QStackedWidget(this);
+    _welcome = new WelcomePage(_middle);
+    _middle->addWidget(_welcome);
+    _middle->addWidget(_curves);
+    setCentralWidget(_middle);
+    connect(_welcome, &WelcomePage::sampleWanted, this, &MainWindow::openSample);
+    connect(_welcome, &WelcomePage::openWanted, this, [this] { action(QStringLiteral("open"))->trigger(); });
+    connect(_welcome, &WelcomePage::fileWanted, this, &MainWindow::openPath);
     _scene = new SceneView(_session, _transport, _head, this);
     addDock(*this, "sceneDock", tr("Scene"), _scene, Qt::TopDockWidgetArea);
     _timeline = new ClipTimeline(_session.document(), _axis, _head, _bars, this);
@@ -154,6 +163,15 @@ void MainWindow::buildTransport() {
         QStyle::SP_MediaSeekForward, [this] { goToKey(true); });
     add("last", tr("&Last frame"), QKeySequence(Qt::CTRL | Qt::Key_End), tr("Go to the end of the range"),
         QStyle::SP_MediaSkipForward, [this] { _head.scrub(_transport.end()); });
+    addAction(menu, "rangeIn", tr("Range &in here"), QKeySequence(Qt::Key_BracketLeft),
+              tr("Playing begins at the playhead"),
+              [this] { _transport.setRange(_head.frame(), _transport.end()); });
+    addAction(menu, "rangeOut", tr("Range &out here"), QKeySequence(Qt::Key_BracketRight),
+              tr("Playing ends at the playhead"),
+              [this] { _transport.setRange(_transport.begin(), _head.frame()); });
+    addAction(menu, "rangeWhole", tr("&Whole range"), QKeySequence(Qt::Key_Backslash),
+              tr("Playing goes from the first frame to the last"),
+              [this] { _transport.setObjects(std::vector<kaUID>(_transport.objects())); });
     QAction* loop =
         addAction(menu, "loop", tr("&Loop"), QKeySequence(Qt::Key_L), tr("Begin again at the end"), [] {});
     loop->setCheckable(true);

@@ -22,6 +22,13 @@ void LongWork::giveUp() {
     _isGivenUp = _isRunning && _ending != Ending::Never;
 }
 
+void LongWork::holdOn() {
+    if (_ending == Ending::Never)
+        return;
+    _ending = Ending::Never;
+    emit started(false);
+}
+
 bool LongWork::progress(const std::string& what, std::size_t done, std::size_t total) {
     if (!_isRunning || _sinceEvents.elapsed() < _interval)
         return !_isGivenUp;

@@ -46,7 +46,8 @@ class LongWork : public QObject, public ka::motion::Listener {
     /// Milliseconds from one look at the window's events to the next; 30 unless set.
     void setInterval(int milliseconds) { _interval = milliseconds; }
     /// From now on the work must run to its end.
-    void holdOn() { _ending = Ending::Never; }
+    void holdOn();
+    void forget() { _isGivenUp = false; } ///< What became of the last one.
 
     bool progress(const std::string& what, std::size_t done, std::size_t total) override;
     void note(const std::string& line) override { _notes.append(QString::fromStdString(line)); }

@@ -177,6 +177,24 @@ bool Session::isChangedOnDisk() const {
            (differs(_files.scene, _sceneStamp) || differs(_files.animation, _animationStamp));
 }
 
+/// Once the files are written there is nothing to give up.
+class Session::Saving : public ka::motion::Listener {
+  public:
+    explicit Saving(LongWork& work) : _work(work) {}
+
+    bool progress(const std::string& what, std::size_t done, std::size_t total) override {
+        if (what == "checking") {
+            _work.holdOn();
+            _work.forget(); // a wish that came too late
+        }
+        return _work.progress(what, done, total);
+    }
+    void note(const std::string& line) override { _work.note(line); }
+
+  private:
+    LongWork& _work;
+};
+
 QString Session::saveTo(const SessionFiles& files) {
     if (!isOpen())
         return tr("Nothing is open.");
@@ -186,7 +204,8 @@ QString Session::saveTo(const SessionFiles& files) {
         const ka::motion::SavedFiles names{utf8(files.scene), utf8(files.animation)};
         ka::motion::checkNames(names);
         const LongWork::Run run(_work, LongWork::Ending::Throw);
-        const std::vector<std::string> differences = ka::motion::save(_project->root(), names, _work);
+        Saving saving(_work);
+        const std::vector<std::string> differences = ka::motion::save(_project->root(), names, saving);
         _report += _work.notes();
         for (const std::string& line : differences)
             _report.append(QString::fromStdString(line));

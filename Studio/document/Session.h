@@ -74,6 +74,7 @@ class Session : public QObject {
   private:
     using MakeProject = std::function<std::unique_ptr<ka::motion::Project>()>;
     struct Opening;
+    class Saving;
     struct Stamp {
         QDateTime time;
         qint64 size = -1;

@@ -1,13 +1,17 @@
 #include "WindowFixture.h"
+#include "app/ShortcutDialog.h"
 #include "document/ContainerEdits.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDropEvent>
+#include <QKeySequenceEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QToolButton>
 #include <csignal>
@@ -247,6 +251,43 @@ TEST_F(Files, AreTakenFromADrop) {
     QApplication::sendEvent(&window(), &drop);
     EXPECT_TRUE(window().session().isOpen());
     EXPECT_EQ(QSettings().value("recentFiles").toStringList(), QStringList{figureScene()});
+}
+
+TEST_F(Files, AreReachedFromTheFirstPage) {
+    auto* page = window().findChild<QWidget*>("welcome");
+    ASSERT_TRUE(page->isVisible());
+    EXPECT_FALSE(window().curveEditor().isVisible());
+    QTest::mouseClick(page->findChild<QPushButton*>("welcomeSample"), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().session().isOpen(); }, 30000));
+    EXPECT_FALSE(page->isVisible());
+    EXPECT_TRUE(window().curveEditor().isVisible());
+    EXPECT_TRUE(window().session().files().shownName().startsWith("walk"));
+}
+
+TEST_F(Files, HaveShortcutsThatCanBeSearchedChangedAndSetBack) {
+    QAction* play = window().action("play");
+    const auto dialog = [this] {
+        trigger("shortcuts");
+        return window().findChild<ShortcutDialog*>();
+    };
+    std::unique_ptr<ShortcutDialog> shown(dialog());
+    ASSERT_NE(shown, nullptr);
+    const auto press = [&shown](const char* action, Qt::Key key) {
+        QKeySequenceEdit& edit = shown->editOf(action);
+        edit.setFocus();
+        QTest::keyClick(&edit, key);
+        emit edit.editingFinished(); // else a second later
+    };
+    press("play", Qt::Key_F9);
+    EXPECT_EQ(play->shortcut(), QKeySequence(Qt::Key_F9));
+    press("loop", Qt::Key_F9);
+    EXPECT_EQ(window().action("loop")->shortcut(), QKeySequence(Qt::Key_L)) << "another action has it";
+    picture("studio-shortcuts");
+    // It holds for the next window.
+    EXPECT_EQ(ShortcutDialog::keysOf("play", Qt::Key_Space), QKeySequence(Qt::Key_F9));
+    shown->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::RestoreDefaults)->click();
+    EXPECT_EQ(play->shortcut(), QKeySequence(Qt::Key_Space));
+    EXPECT_EQ(shown->editOf("play").keySequence(), QKeySequence(Qt::Key_Space));
 }
 
 TEST_F(Files, HaveEveryActionInAMenuWithATooltip) {

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QMessageBox>
+#include <QPalette>
 #include <QSettings>
 #include <QSignalSpy>
 #include <QStandardPaths>
@@ -27,6 +28,13 @@ void startApplication() {
     static char* arguments[] = {name, nullptr};
     static QApplication* application = new QApplication(count, arguments);
     static_cast<void>(application);
+    if (qEnvironmentVariableIsSet("KA_STUDIO_DARK")) {
+        QApplication::setStyle(QStringLiteral("Fusion"));
+        QPalette dark(QColor(53, 53, 57), QColor(40, 40, 44));
+        dark.setColor(QPalette::Base, QColor(30, 30, 33));
+        dark.setColor(QPalette::AlternateBase, QColor(38, 38, 42));
+        QApplication::setPalette(dark);
+    }
     QStandardPaths::setTestModeEnabled(true);
     QCoreApplication::setOrganizationName(QStringLiteral("kaAnimation-test"));
     QCoreApplication::setApplicationName(QStringLiteral("ka-studio-test"));

@@ -102,11 +102,13 @@ void OutlineOutput::endElement() {
     --_depth;
 }
 
-std::vector<std::string> checkWritten(const DocumentOutline& written) {
+std::vector<std::string> checkWritten(const DocumentOutline& written, Listener& listener) {
     const ElementsById byId(written);
     DocumentCurves curves(written, byId);
     std::vector<std::string> faults;
+    std::size_t done = 0;
     for (const DocumentOutline::Element& element : written.elements) {
+        listener.progress("checking", done++, written.elements.size());
         const kaAnimationObject* object =
             element.kind == Kind::Curve ? kaAnimationManager::the()->getObject(element.id) : nullptr;
         if (object == nullptr || object->getTypeID() != KA_TYPE_CURVE)

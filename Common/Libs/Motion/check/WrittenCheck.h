@@ -2,6 +2,7 @@
 
 #include <kaAnimationXmlOutput.h>
 #include <kaMotion/DocumentOutline.h>
+#include <kaMotion/Listener.h>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ class OutlineOutput final : public kaAnimationXmlOutput {
 /// @return a line for each curve that is not what was meant or has no value somewhere in its span, with its
 ///         name and the frame; empty when all is well. Cost: O(n log n), a few samples for each key that the
 ///         document does not hold exactly.
-std::vector<std::string> checkWritten(const DocumentOutline& written);
+/// @param listener  hears of every element, as "checking"; it cannot end the check.
+std::vector<std::string> checkWritten(const DocumentOutline& written, Listener& listener = Listener::none());
 
 } // namespace ka::motion

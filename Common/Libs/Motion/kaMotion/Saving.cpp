@@ -86,7 +86,7 @@ std::vector<std::string> save(const osg::NodePtr& root, const SavedFiles& files,
         if (file != nullptr && !file->getWarning().empty())
             listener.note(file->getWarning());
     }
-    return checkWritten(written);
+    return checkWritten(written, listener);
 }
 
 } // namespace ka::motion

@@ -20,7 +20,8 @@ void checkNames(const SavedFiles& files);
 
 /// Writes the scene and the animation document. Each file is replaced as a whole or not at all, and none
 /// before all of them have been written in full. What a file could not keep of the rights of the one before
-/// is a note of the listener. What stands in the document is then sampled against what is registered.
+/// is a note of the listener. What stands in the document is then sampled against what is registered; the
+/// files are in place when the listener hears of "checking".
 /// @return a line for each curve that will not play from the document as it was meant to, or has no value
 ///         somewhere in its span: nothing to be silent about.
 /// @throws Failure (OutputFailed); (Unreadable) when the scene holds what no file can; (Usage) when both lead
