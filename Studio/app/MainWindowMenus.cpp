@@ -10,9 +10,30 @@
 
 namespace ka::studio {
 
+namespace {
+
+/// Of the actions that are not given a shortcut where they are made.
+QKeySequence furtherKeys(const char* name) {
+    static const std::map<std::string, const char*> keys{
+        {"report", "Ctrl+Alt+R"},      {"sample", "Ctrl+Alt+O"},     {"seconds", "Ctrl+Alt+S"},
+        {"newClip", "Ctrl+Alt+N"},     {"newTrack", "Ctrl+Alt+T"},   {"placeBlock", "Ctrl+Alt+V"},
+        {"flip", "Ctrl+Alt+F"},        {"flagActive", "Ctrl+Alt+A"}, {"flagRepeating", "Ctrl+Alt+P"},
+        {"flagBlur", "Ctrl+Alt+B"},    {"flagRange", "Ctrl+Alt+C"},  {"setRange", "Ctrl+Alt+I"},
+        {"playAll", "Ctrl+Alt+Space"}, {"everyFrame", "Ctrl+Alt+E"}, {"zUp", "Ctrl+Alt+Z"},
+        {"trail", "Ctrl+Alt+W"},       {"viewFront", "Ctrl+Alt+1"},  {"viewBack", "Ctrl+Alt+2"},
+        {"viewLeft", "Ctrl+Alt+3"},    {"viewRight", "Ctrl+Alt+4"},  {"viewTop", "Ctrl+Alt+5"},
+        {"viewBottom", "Ctrl+Alt+6"},  {"viewCorner", "Ctrl+Alt+7"}, {"drawAutomatic", "Ctrl+Alt+8"},
+        {"drawOpenGL", "Ctrl+Alt+9"},  {"drawPlain", "Ctrl+Alt+0"}};
+    const auto found = keys.find(name);
+    return found != keys.end() ? QKeySequence(QString::fromLatin1(found->second)) : QKeySequence();
+}
+
+} // namespace
+
 /// Every action has a name, by which its shortcut is kept when users change it.
-QAction* MainWindow::addAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
+QAction* MainWindow::addAction(QMenu* menu, const char* name, const QString& text, const QKeySequence& wanted,
                                const QString& tip, const std::function<void()>& run) {
+    const QKeySequence keys = wanted.isEmpty() ? furtherKeys(name) : wanted;
     QAction* action = menu->addAction(text);
     action->setObjectName(QString::fromLatin1(name));
     action->setProperty(ShortcutDialog::OwnKeys, keys);
@@ -43,8 +64,8 @@ void MainWindow::buildFileMenu() {
     menu->addSeparator();
     addAction(menu, "save", tr("&Save"), QKeySequence::Save,
               tr("Write the scene and its animation to their files"), [this] { save(); });
-    addAction(menu, "saveAs", tr("Save &as..."), QKeySequence::SaveAs, tr("Write them to other files"),
-              [this] { saveAs(); });
+    addAction(menu, "saveAs", tr("Save &as..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S),
+              tr("Write them to other files"), [this] { saveAs(); });
     menu->addSeparator();
     addAction(menu, "export", tr("&Export..."), QKeySequence(Qt::CTRL | Qt::Key_E),
               tr("Write the motion as glTF, BVH, a table or arrays"), [this] { exportFile(); });

@@ -30,7 +30,7 @@ WelcomePage::WelcomePage(QWidget* parent) : QWidget(parent), _recent(new QVBoxLa
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(40, 16, 40, 16);
     layout->addStretch(1);
-    addText(*layout, tr("Animate something"), 1.6);
+    addText(*layout, tr("Begin with"), 1.6);
     auto* buttons = new QHBoxLayout;
     auto* sample = new QPushButton(tr("Open the sample motion"), this);
     sample->setObjectName(QStringLiteral("welcomeSample"));
@@ -41,11 +41,6 @@ WelcomePage::WelcomePage(QWidget* parent) : QWidget(parent), _recent(new QVBoxLa
     buttons->addWidget(open);
     buttons->addStretch(1);
     layout->addLayout(buttons);
-    addText(*layout, tr("1.  Space plays it; drag in a ruler to scrub."), 1.0);
-    addText(*layout, tr("2.  Click a joint in the scene: its curves are shown here."), 1.0);
-    addText(*layout,
-            tr("3.  Drag keys and handles, or the joint itself (W moves, E turns); Ctrl+Z takes it back."),
-            1.0);
     layout->addLayout(_recent);
     layout->addStretch(2);
     connect(sample, &QPushButton::clicked, this, &WelcomePage::sampleWanted);

@@ -6,8 +6,7 @@ class QVBoxLayout;
 
 namespace ka::studio {
 
-/// What a window without anything open shows in its middle: a motion to try things with, three steps, and the
-/// files of late.
+/// What a window without anything open shows in its middle: a motion to try things with and the files of late.
 class WelcomePage : public QWidget {
     Q_OBJECT
 

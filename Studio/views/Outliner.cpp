@@ -53,11 +53,7 @@ Outliner::Outliner(Session& session, IdSelection& bars, QWidget* parent)
     layout->setContentsMargins(4, 4, 4, 4);
     layout->addWidget(_search);
     layout->addWidget(_view);
-    connect(_search, &QLineEdit::textChanged, this, [this](const QString& text) {
-        _filter->setFilterFixedString(text);
-        if (!text.isEmpty())
-            _view->expandAll();
-    });
+    connect(_search, &QLineEdit::textChanged, this, &Outliner::find);
     connect(_model, &QAbstractItemModel::modelAboutToBeReset, this, &Outliner::keepExpanded);
     connect(_model, &QAbstractItemModel::modelReset, this, &Outliner::expandAgain);
     connect(_view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &Outliner::onChosen);
@@ -68,6 +64,20 @@ Outliner::Outliner(Session& session, IdSelection& bars, QWidget* parent)
             _view->setExpanded(index, !_view->isExpanded(index));
     });
     connect(&bars, &IdSelection::changed, this, &Outliner::takeSelection);
+    expandAgain();
+}
+
+/// After a search the tree is open as far as it was before.
+void Outliner::find(const QString& text) {
+    if (!_isSearching)
+        keepExpanded();
+    _isSearching = !text.isEmpty();
+    _filter->setFilterFixedString(text);
+    if (_isSearching) {
+        _view->expandAll();
+        return;
+    }
+    _view->collapseAll();
     expandAgain();
 }
 

@@ -33,6 +33,7 @@ class Outliner : public QWidget {
     void played(kaUID object); ///< A double click on a clip or block.
 
   private:
+    void find(const QString& text);
     void onChosen();
     void takeSelection();
     void choose(const QModelIndex& index, bool isFirst);
@@ -44,6 +45,7 @@ class Outliner : public QWidget {
     QSortFilterProxyModel* _filter;
     QLineEdit* _search;
     QTreeView* _view;
+    bool _isSearching = false;
     bool _isQuiet = false; ///< while it follows others
     std::set<std::pair<int, qulonglong>> _expanded;
 };

@@ -102,7 +102,7 @@ TEST_F(Operations, ReduceTellsBeforehandHowManyKeysAndHowFarOff) {
         number(dialog, "translation").setValue(0.01);
         ASSERT_TRUE(QTest::qWaitFor([&] { return dialog.estimated().contains("11 keys to"); }, 20000));
         tight = dialog.estimated();
-        picture("studio-reduce");
+        picture(dialog, "studio-reduce");
         number(dialog, "translation").setValue(100.0);
         ASSERT_TRUE(QTest::qWaitFor([&] { return dialog.estimated().contains("11 keys to 2"); }, 20000))
             << dialog.estimated().toStdString();

@@ -282,7 +282,7 @@ TEST_F(Files, HaveShortcutsThatCanBeSearchedChangedAndSetBack) {
     EXPECT_EQ(play->shortcut(), QKeySequence(Qt::Key_F9));
     press("loop", Qt::Key_F9);
     EXPECT_EQ(window().action("loop")->shortcut(), QKeySequence(Qt::Key_L)) << "another action has it";
-    picture("studio-shortcuts");
+    picture(*shown, "studio-shortcuts");
     // It holds for the next window.
     EXPECT_EQ(ShortcutDialog::keysOf("play", Qt::Key_Space), QKeySequence(Qt::Key_F9));
     shown->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::RestoreDefaults)->click();
@@ -290,16 +290,19 @@ TEST_F(Files, HaveShortcutsThatCanBeSearchedChangedAndSetBack) {
     EXPECT_EQ(shown->editOf("play").keySequence(), QKeySequence(Qt::Key_Space));
 }
 
-TEST_F(Files, HaveEveryActionInAMenuWithATooltip) {
+TEST_F(Files, HaveEveryActionInAMenuWithATooltipAndAShortcutOfItsOwn) {
     openFigure();
-    int count = 0;
+    std::map<QString, QString> users; // of shortcuts
     for (const QAction* action : window().findChildren<QAction*>())
-        if (action->property("ownKeys").isValid()) {
-            ++count;
-            EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
-            EXPECT_FALSE(action->associatedWidgets().isEmpty()) << action->objectName().toStdString();
+        if (action->property(ShortcutDialog::OwnKeys).isValid()) {
+            const std::string name = action->objectName().toStdString();
+            EXPECT_FALSE(action->toolTip().isEmpty()) << name;
+            EXPECT_FALSE(action->associatedWidgets().isEmpty()) << name;
+            EXPECT_FALSE(action->shortcut().isEmpty()) << name;
+            const auto [user, isNew] = users.emplace(action->shortcut().toString(), action->objectName());
+            EXPECT_TRUE(isNew) << name << " and " << user->second.toStdString();
         }
-    EXPECT_GT(count, 30);
+    EXPECT_GT(users.size(), 60U);
 }
 
 } // namespace

@@ -53,10 +53,31 @@ std::string figure() {
     return text.str();
 }
 
+struct SceneFiles {
+    std::string scene, document;
+};
+
+/// The figure as a scene and its document, made before the first window is: there is one registry.
+const SceneFiles& figureFiles() {
+    static const SceneFiles files = [] {
+        const ka_test::TemporaryFolder folder;
+        ka::motion::ProjectFiles model;
+        model.file = folder.put("figure.bvh", figure());
+        const ka::motion::Project project(model);
+        const std::vector<std::string> faults =
+            ka::motion::save(project.root(), {folder.at("scene.osg"), folder.at("scene.xml")});
+        EXPECT_TRUE(faults.empty());
+        return SceneFiles{ka_test::contentOf(folder.at("scene.osg")),
+                          ka_test::contentOf(folder.at("scene.xml"))};
+    }();
+    return files;
+}
+
 } // namespace
 
 void WindowFixture::SetUp() {
     startApplication();
+    figureFiles();
     QSettings().clear();
     Importer::setProgram(QStringLiteral(KA_STUDIO_PROGRAM));
     DrawingClient::setProgram(QStringLiteral(KA_STUDIO_PROGRAM));
@@ -79,17 +100,13 @@ void WindowFixture::TearDown() {
 }
 
 QString WindowFixture::figureScene() {
-    const QString scene = QString::fromStdString(_folder.at("figure/scene.osg"));
-    if (!std::filesystem::exists(scene.toStdString())) {
+    if (!std::filesystem::exists(_folder.at("figure"))) {
         std::filesystem::create_directory(_folder.at("figure"));
-        EXPECT_FALSE(_window->session().isOpen()) << "there is one registry";
-        ka::motion::ProjectFiles files;
-        files.file = _folder.put("figure.bvh", figure());
-        const ka::motion::Project project(files);
-        const std::string document = _folder.at("figure/scene.xml");
-        EXPECT_TRUE(ka::motion::save(project.root(), {scene.toStdString(), document}).empty());
+        _folder.put("figure.bvh", figure());
+        _folder.put("figure/scene.osg", figureFiles().scene);
+        _folder.put("figure/scene.xml", figureFiles().document);
     }
-    return scene;
+    return QString::fromStdString(_folder.at("figure/scene.osg"));
 }
 
 void WindowFixture::openFigure() {
@@ -132,12 +149,12 @@ void WindowFixture::trigger(const char* action) {
     found->trigger();
 }
 
-void WindowFixture::picture(const QString& name) {
+void WindowFixture::picture(QWidget& widget, const QString& name) {
     const QByteArray folder = qgetenv("KA_STUDIO_PICTURES");
     if (folder.isEmpty())
         return;
     QTest::qWait(50);
-    _window->grab().save(QString::fromLocal8Bit(folder) + QLatin1Char('/') + name + QStringLiteral(".png"));
+    widget.grab().save(QString::fromLocal8Bit(folder) + QLatin1Char('/') + name + QStringLiteral(".png"));
 }
 
 } // namespace ka::studio::testing

@@ -37,7 +37,8 @@ class WindowFixture : public ::testing::Test {
                      Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void trigger(const char* action);
     /// Keeps a picture of the window, where KA_STUDIO_PICTURES names a folder; KA_STUDIO_DARK asks for a dark palette.
-    void picture(const QString& name);
+    void picture(const QString& name) { picture(*_window, name); }
+    static void picture(QWidget& widget, const QString& name);
 
     void setAnswers() { _window->setAnswers(_answers); }
 
