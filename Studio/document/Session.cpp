@@ -121,13 +121,14 @@ QString Session::exchangeProject(const MakeProject& make) {
     std::unique_ptr<ka::motion::Project> made;
     std::string file;
     ka::motion::ImportReport report;
+    double framesPerSecond = 0.0;
     QString fault;
     const auto comeBack = [&] {
         if (root == osg::NullFC)
             return;
         _work.holdOn();
         _project.reset();
-        _project = std::make_unique<ka::motion::Project>(root, file, report);
+        _project = std::make_unique<ka::motion::Project>(root, file, report, framesPerSecond);
         former.bringBack(step("bringing back what was open"));
         _document.announceAll();
         emit cameBack();
@@ -139,6 +140,7 @@ QString Session::exchangeProject(const MakeProject& make) {
             osg::addRefCP(root);
             file = _project->file();
             report = _project->report();
+            framesPerSecond = _project->framesPerSecond();
             former.takeAway(nullptr);
             _project.reset();
             _document.announceAll();

@@ -92,7 +92,8 @@ Project::Project(const ProjectFiles& files, Listener& listener) {
     }
 }
 
-Project::Project(ReadModel model, const ProjectFiles& files, Listener& listener) : _file(files.file) {
+Project::Project(ReadModel model, const ProjectFiles& files, Listener& listener)
+    : _file(files.file), _framesPerSecond(files.import.framesPerSecond) {
     startScene();
     try {
         build(std::move(model), files, listener);
@@ -102,8 +103,9 @@ Project::Project(ReadModel model, const ProjectFiles& files, Listener& listener)
     }
 }
 
-Project::Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report)
-    : _file(file), _root(root), _report(report) {
+Project::Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report,
+                 double framesPerSecond)
+    : _file(file), _root(root), _report(report), _framesPerSecond(framesPerSecond) {
     osg::addRefCP(_root);
     kaAnimationManager::setSceneRootNode(_root);
 }

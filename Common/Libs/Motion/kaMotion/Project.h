@@ -38,8 +38,9 @@ class Project {
     Project(ReadModel model, const ProjectFiles& files, Listener& listener = Listener::none());
     /// Takes over a scene that is in memory, with everything that is registered.
     /// @param root  counted by whoever gives it; counted once more here.
-    /// @param file  what it is known by.
-    Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report);
+    /// @param file,report,framesPerSecond  as that project had them.
+    Project(const osg::NodePtr& root, const std::string& file, const ImportReport& report,
+            double framesPerSecond);
     ~Project();
     Project(const Project&) = delete;
     Project& operator=(const Project&) = delete;
