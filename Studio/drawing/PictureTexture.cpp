@@ -64,7 +64,6 @@ QImage pictureOf(const SpaceMaterial& material) {
             return {};
         reader.setFileName(material.pictureFile);
     }
-    reader.setDecideFormatFromContent(true);
     const QSize size = reader.size();
     if (qint64{size.width()} * size.height() > MostPixels)
         return {};

@@ -97,6 +97,21 @@ std::size_t SpaceScene::triangles() const {
     return count;
 }
 
+std::size_t SpaceScene::bytes() const {
+    std::size_t numbers = 0, pictures = 0;
+    for (const SpaceMesh& mesh : meshes)
+        numbers += mesh.positions.size() + mesh.normals.size() + mesh.colors.size() + mesh.texCoords.size() +
+                   mesh.indices.size();
+    for (const SpacePart& part : parts) {
+        numbers += part.skin.indices.size() + part.skin.weights.size() + part.skin.inverseBinds.size();
+        for (const SpaceMorph& morph : part.morphs)
+            numbers += morph.offsets.size();
+    }
+    for (const SpaceMaterial& material : materials)
+        pictures += static_cast<std::size_t>(material.picture.size());
+    return numbers * sizeof(float) + pictures;
+}
+
 void deform(const SpaceScene& scene, const SpacePart& part, const SpacePose& pose, std::size_t firstWeight,
             WorldCorners& corners) {
     const SpaceMesh& mesh = scene.meshes[static_cast<std::size_t>(part.mesh)];

@@ -11,8 +11,9 @@ namespace ka::studio {
 
 namespace {
 
-constexpr int Descriptor = 3;       ///< Where the process finds the pictures.
-constexpr int PatienceSeconds = 60; ///< More than the process has itself.
+constexpr int Descriptor = 3;                           ///< Where the process finds the pictures.
+constexpr std::size_t MostBytes = std::size_t{1} << 30; ///< Of a scene, which goes over in one piece.
+constexpr int PatienceSeconds = 60;                     ///< More than the process has itself.
 
 QString& program() {
     static QString path;
@@ -101,8 +102,11 @@ void DrawingClient::send(SpaceMessage kind, const QByteArray& bytes) {
 }
 
 void DrawingClient::sendScene(const SpaceScene& scene) {
-    if (!_driver.isEmpty())
-        send(SpaceMessage::Scene, bytesOf(scene));
+    if (_driver.isEmpty())
+        return;
+    if (scene.bytes() > MostBytes)
+        return giveUp(tr("the scene is too large for it"));
+    send(SpaceMessage::Scene, bytesOf(scene));
 }
 
 void DrawingClient::draw(SpaceFrame frame) {

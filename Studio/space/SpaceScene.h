@@ -66,6 +66,7 @@ struct SpaceScene {
     std::vector<int> movers; ///< joints of the figure that move any part
 
     std::size_t triangles() const;
+    std::size_t bytes() const; ///< About what its lists and pictures take.
 };
 
 /// How the parts stand at one moment.

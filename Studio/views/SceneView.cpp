@@ -54,11 +54,11 @@ void SceneView::takeInScene() {
     chooseBones();
     if (left > 0)
         _session.addToReport({tr("%n mesh(es) that are no surfaces are not shown", nullptr, left)});
+    _triangles = _meshes.triangles();
     _plain->setScene(_meshes);
     startOpenGL();
     if (_space != nullptr)
         _space->setScene(_meshes);
-    refresh();
     frameAll();
     _fixtures.expose(_camera.target());
     refresh();
@@ -90,10 +90,23 @@ const std::vector<bool>& SceneView::shownBones() const {
     return isDrawnByOpenGL() ? _isBoneOfSkin : _isBone;
 }
 
+/// What is seen is looked at when it is drawn: while a picture is being made, the state in between is nobody's.
 void SceneView::refresh() {
+    _isFigureOld = true;
+    touch();
+}
+
+void SceneView::lookAgain() {
+    if (!_isFigureOld)
+        return;
+    _isFigureOld = false;
     _figure.update();
     _lights = _fixtures.shining();
-    touch();
+}
+
+const Figure& SceneView::figure() {
+    lookAgain();
+    return _figure;
 }
 
 void SceneView::touch() {
@@ -252,6 +265,7 @@ void addPart(Box& box, const SpaceScene& scene, const SpacePose& pose, std::size
 } // namespace
 
 void SceneView::frameAll() {
+    lookAgain();
     Box box;
     // Of a scene with meshes only those count: its nodes may stand anywhere.
     const SpacePose pose = poseOf(_meshes, _figure);
@@ -270,6 +284,7 @@ void SceneView::frameAll() {
 void SceneView::frameSelection() {
     if (_picked < 0)
         return frameAll();
+    lookAgain();
     const std::vector<Figure::Joint>& joints = _figure.joints();
     Box box;
     box.add(_figure.places()[static_cast<std::size_t>(_picked)]);

@@ -38,7 +38,7 @@ class SceneView : public QWidget {
     OrbitCamera& camera() { return _camera; }
     /// From where the scene is seen: the camera's, or that of a camera of the scene.
     Viewpoint viewpoint() const;
-    const Figure& figure() const { return _figure; }
+    const Figure& figure(); ///< As it stands now.
     const SpaceScene& meshes() const { return _meshes; }
     /// The picked joint's container id; 0 for none.
     unsigned int pickedNode() const;
@@ -68,8 +68,8 @@ class SceneView : public QWidget {
     unsigned int seenThrough() const { return _through; }
 
     QSize sizeHint() const override { return {640, 420}; }
-    QPointF pixelOfJoint(int joint) const; ///< For tests and hints; far outside where it is not seen.
-    QPointF pixelOfGizmo(int axis) const;  ///< The end of an arrow, or a place on a ring.
+    QPointF pixelOfJoint(int joint); ///< For tests and hints; far outside where it is not seen.
+    QPointF pixelOfGizmo(int axis);  ///< The end of an arrow, or a place on a ring.
 
   public slots:
     void frameAll();
@@ -94,6 +94,7 @@ class SceneView : public QWidget {
 
     void takeInScene();
     void refresh();
+    void lookAgain();
     void chooseBones();
     const std::vector<bool>& shownBones() const;
     void touch(); ///< Something is another than before.
@@ -129,6 +130,8 @@ class SceneView : public QWidget {
     std::vector<SpaceLight> _lights;
     unsigned int _through = 0;
     float _size = 1.0F; ///< of the scene
+    std::size_t _triangles = 0;
+    bool _isFigureOld = false; ///< The scene has moved since it was looked at.
     int _picked = -1;
     Tool _tool = Tool::Select;
     bool _autoKey = true, _hasTrail = true, _hasGhosts = false, _hasBones = true;

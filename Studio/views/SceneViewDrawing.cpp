@@ -16,6 +16,8 @@ const QColor AxisColors[] = {QColor(220, 70, 70), QColor(80, 180, 80), QColor(70
 
 void SceneView::paintEvent(QPaintEvent* /*event*/) {
     sampleMotion();
+    if (!isDrawnByOpenGL() || _space->isFree())
+        lookAgain();
     SceneShot wanted = shot();
     if (_space != nullptr)
         _space->request(wanted);
@@ -66,7 +68,7 @@ void SceneView::drawNotes(QPainter& painter) const {
     const QRect inside = rect().adjusted(8, 4, -8, -4);
     QString content = tr("%n joint(s)", nullptr, static_cast<int>(_figure.joints().size()));
     if (!_meshes.parts.empty())
-        content += tr(", %L1 triangles").arg(_meshes.triangles());
+        content += tr(", %L1 triangles").arg(_triangles);
     painter.drawText(inside, Qt::AlignRight | Qt::AlignBottom, content + QStringLiteral(", ") + note());
     painter.setPen(palette().color(QPalette::WindowText));
     for (const SceneCamera& camera : _fixtures.cameras())

@@ -24,7 +24,8 @@ double distanceBetween(const QPointF& a, const QPointF& b) {
 
 } // namespace
 
-QPointF SceneView::pixelOfJoint(int joint) const {
+QPointF SceneView::pixelOfJoint(int joint) {
+    lookAgain();
     return viewpoint()
         .project(_figure.places()[static_cast<std::size_t>(joint)], size())
         .value_or(QPointF(-1e4, -1e4));
@@ -97,7 +98,8 @@ std::optional<Gizmo> SceneView::gizmo(const Viewpoint& from) const {
     return Gizmo(Gizmo::Kind::Rings, place, axes, from, size());
 }
 
-QPointF SceneView::pixelOfGizmo(int axis) const {
+QPointF SceneView::pixelOfGizmo(int axis) {
+    lookAgain();
     const std::optional<Gizmo> shown = gizmo(viewpoint());
     return shown.has_value() ? shown->handle(axis) : QPointF(-1e4, -1e4);
 }
@@ -105,6 +107,7 @@ QPointF SceneView::pixelOfGizmo(int axis) const {
 void SceneView::mousePressEvent(QMouseEvent* event) {
     if (_drag != Drag::None)
         return;
+    lookAgain();
     _pressed = _last = event->localPos();
     _hasMoved = false;
     if (event->button() == Qt::MiddleButton || event->modifiers().testFlag(Qt::ShiftModifier)) {
@@ -125,6 +128,7 @@ void SceneView::mousePressEvent(QMouseEvent* event) {
 }
 
 void SceneView::dragGizmo(const QPointF& to) {
+    lookAgain();
     const std::optional<Gizmo> shown = gizmo(viewpoint());
     if (!shown.has_value())
         return;
@@ -168,6 +172,7 @@ void SceneView::mouseReleaseEvent(QMouseEvent* event) {
         _isTrailStale = true;
     } else if (ended == Drag::Orbit && !_hasMoved) {
         const QPointF at = event->localPos();
+        lookAgain();
         _picked = _hasBones ? jointAt(at) : -1;
         if (_picked < 0)
             _picked = jointOfFixtureAt(at);

@@ -57,6 +57,10 @@ qint64 SpaceDrawing::processId() const {
     return _client == nullptr ? 0 : _client->processId();
 }
 
+bool SpaceDrawing::isFree() const {
+    return _client != nullptr && _client->isFree();
+}
+
 QString SpaceDrawing::note() const {
     return _client == nullptr ? QString() : tr("drawn by %1").arg(_client->driver());
 }

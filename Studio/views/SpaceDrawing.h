@@ -29,6 +29,8 @@ class SpaceDrawing : public SceneDrawing {
     bool hasPicture() const { return !_picture.isNull(); }
     /// Whether the picture is that of a shot.
     bool shows(quint64 revision) const { return hasPicture() && _shown.revision == revision; }
+    /// Whether it would draw a picture that is asked for now.
+    bool isFree() const;
     /// What draws, for tests and the report; 0 where nothing does.
     qint64 processId() const;
     /// Asks for a picture of a shot, unless there is one, or another is being drawn: `changed` tells when to ask again.

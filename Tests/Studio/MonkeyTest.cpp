@@ -43,8 +43,8 @@ class Monkey : public testing::WindowFixture {
             "flatten",    "unify",      "frameAll",      "frameSelection", "normalised", "scaling",
             "newClip",    "newTrack",   "newMarker",     "placeBlock",     "flip",       "duplicateBar",
             "deleteBar",  "flagActive", "flagRepeating", "setRange",       "toolMove",   "toolRotate",
-            "toolSelect", "ghosts",     "trail",         "play",           "stop",       "nextKey",
-            "seconds"};
+            "toolSelect", "bones",      "viewTop",       "nextCamera",     "sceneAll",   "sceneSelection",
+            "ghosts",     "trail",      "play",          "stop",           "nextKey",    "seconds"};
         const bool large = kaAnimationManager::the()->getObjectCount() > 3000;
         const int which = below(static_cast<int>(std::size(actions)));
         const std::string name = actions[which];
