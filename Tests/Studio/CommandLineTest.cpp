@@ -41,7 +41,9 @@ TEST_P(CommandLineWithoutDisplay, AnswersOrSaysWhatIsMissing) {
     const Case& c = GetParam();
     const Outcome outcome = runWithoutDisplay(c.arguments);
     EXPECT_EQ(outcome.status, c.status) << outcome.errors.toStdString();
-    EXPECT_TRUE(outcome.output.startsWith(QLatin1String(c.output))) << outcome.output.toStdString();
+    const QString output = QString::fromLatin1(c.output);
+    EXPECT_EQ(outcome.output.left(output.size()), output);
+    EXPECT_EQ(outcome.output.isEmpty(), output.isEmpty());
     EXPECT_EQ(outcome.errors, QLatin1String(c.errors));
 }
 
@@ -65,8 +67,9 @@ TEST(CommandLine, RefusesAWayOfDrawingThatThereIsNot) {
                    QStringLiteral("crayon")});
     ASSERT_TRUE(process.waitForFinished(-1));
     EXPECT_EQ(process.exitCode(), 1);
-    EXPECT_EQ(process.readAllStandardError(),
-              QByteArray("ka-studio: --drawing is automatic, opengl or plain, not \"crayon\"\n"));
+    const QByteArray errors = process.readAllStandardError(); // Qt may have said something before
+    EXPECT_TRUE(errors.endsWith("ka-studio: --drawing is automatic, opengl or plain, not \"crayon\"\n"))
+        << errors.toStdString();
 }
 
 } // namespace
