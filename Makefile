@@ -69,6 +69,13 @@ bench: build-release ## measure the hot operations as ratios to a plain referenc
 		--benchmark_min_time=0.1 --benchmark_enable_random_interleaving=true \
 		--benchmark_out=$(OUT)/bench.json --benchmark_out_format=json
 
+.PHONY: bench-growth
+bench-growth: setup-docs build-release ## draw how long operations take for a thousand to a million items
+	mkdir -p $(OUT)
+	KA_BENCH_GROWTH=1 build/release/bin/ka-bench --benchmark_filter=^growth/ \
+		--benchmark_out=$(OUT)/growth.json --benchmark_out_format=json > $(OUT)/growth.txt || true
+	scripts/growth_picture.py $(OUT)/growth.json Docs/images/growth.png
+
 .PHONY: round-trips
 round-trips: setup-round-trips build-release ## import, export and import all test models; glTF past its public validator (network)
 	scripts/round-trips.sh build/release/bin/ka-round-trip

@@ -163,4 +163,14 @@ BENCHMARK(removeConstantKeys)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benc
 BENCHMARK(addDescendingKeys)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(destroyListedCurves)->Arg(10000)->Arg(40000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
+const bool registered = [] {
+    workload::drawn("key recorded and sampled", record, 1000000, false);
+    workload::drawn("key set inside and sampled", setKeyInside, 1000000, false);
+    workload::drawn("twenty keys dragged and sampled", dragTwenty, 1000000, false);
+    workload::drawn("keys removed one by one", removeConstantKeys, 1000000, true);
+    workload::drawn("blocks inserted on a track", insertBlocks, 100000, true);
+    workload::drawn("listed curves destroyed", destroyListedCurves, 100000, true);
+    return true;
+}();
+
 } // namespace

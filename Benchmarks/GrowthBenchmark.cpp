@@ -114,4 +114,11 @@ BENCHMARK(makeAttributesUnique)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(be
 BENCHMARK(nameAttributes)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(listen)->Arg(10000)->Arg(100000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
+const bool registered = [] {
+    workload::drawn("curves of a field found", curvesOfAField, 100000, false);
+    workload::drawn("listeners registered", listen, 100000, true);
+    workload::drawn("fields' references changed", changeEveryFieldsReferences, 100000, true);
+    return true;
+}();
+
 } // namespace

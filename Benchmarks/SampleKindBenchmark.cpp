@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
+#include <iterator>
 #include <kaAnimationController.h>
 #include <kaAnimationManager.h>
 #include <kaCurveSampling.h>
@@ -146,6 +147,27 @@ void many(benchmark::State& state, Kind kind, std::size_t keys, bool inOrder) {
     workload::clearAll();
 }
 
+/// Many curves at one frame each time, frames in order.
+void curvesAtOnce(benchmark::State& state, Kind kind, std::size_t keys, bool) {
+    constexpr std::size_t Curves = 256;
+    const std::vector<kaAnimationCurve2D*> curves = [&] {
+        std::vector<kaAnimationCurve2D*> made;
+        for (std::size_t i = 0; i < Curves; ++i)
+            made.push_back(curveOf(segmentsOf(kind, keys - 1)));
+        return made;
+    }();
+    const std::vector<float> frames = framesOf(keys - 1, true);
+    std::vector<float> values(Curves);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(kaCurveSampling::sample(curves.data(), Curves, frames[i], values.data()));
+        benchmark::ClobberMemory();
+        i = i + 1 < frames.size() ? i + 1 : 0;
+    }
+    state.counters["frames"] = static_cast<double>(Curves);
+    workload::clearAll();
+}
+
 struct Named {
     const char* name;
     Kind kind;
@@ -170,6 +192,7 @@ const bool registered = [] {
                 add("sampleOne", one, named, keys, inOrder);
             add("sampleMany", many, named, 256, inOrder);
         }
+    add("sampleCurves", curvesAtOnce, Kinds[std::size(Kinds) - 1], 16, true);
     return true;
 }();
 

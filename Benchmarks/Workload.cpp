@@ -4,12 +4,14 @@
 #include <OpenSG/OSGTransform3D.h>
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <kaAnimationController.h>
 #include <kaAnimationField.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationStreak.h>
 #include <kaAnimationUnit.h>
 #include <random>
+#include <string>
 
 namespace {
 
@@ -57,6 +59,16 @@ namespace workload {
 
 void compared(benchmark::internal::Benchmark* one) {
     one->Repetitions(10)->Unit(benchmark::kMillisecond);
+}
+
+void drawn(const char* name, void (*function)(benchmark::State& state), int most, bool each) {
+    if (!std::getenv("KA_BENCH_GROWTH"))
+        return;
+    auto* line = benchmark::RegisterBenchmark(
+        (std::string("growth/") + (each ? "each/" : "one/") + name).c_str(), function);
+    for (int count = 1000; count <= most; count *= 10)
+        line->Arg(count);
+    line->Iterations(each ? 1 : 200)->Repetitions(2);
 }
 
 std::vector<float> randomFrames(std::size_t count, float last) {

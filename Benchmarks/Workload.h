@@ -14,6 +14,11 @@ namespace workload {
 /// moment of the machine, so both are repeated oftener. In milliseconds.
 void compared(benchmark::internal::Benchmark* one);
 
+/// One line of the picture of growth: the benchmark at a thousand, ten thousand, ... up to `most`. Registered only where
+/// the environment has KA_BENCH_GROWTH, under growth/`name`.
+/// @param each  whether one iteration does as many things, not one among as many.
+void drawn(const char* name, void (*function)(benchmark::State& state), int most, bool each);
+
 /// Frames in [0, last], the same ones in every run.
 std::vector<float> randomFrames(std::size_t count, float last);
 
