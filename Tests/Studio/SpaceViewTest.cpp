@@ -1,9 +1,12 @@
 #include "SmallModels.h"
 #include "WindowFixture.h"
+#include "space/Deformer.h"
+#include "space/SceneIntake.h"
 #include "views/SceneView.h"
 #include "views/SpaceDrawing.h"
 
 #include <QAction>
+#include <QFileInfo>
 #include <csignal>
 #include <kaAnimationManager.h>
 
@@ -176,6 +179,93 @@ TEST_F(Space, PicksLampsAndCamerasByTheirSigns) {
     QTest::mouseClick(&view(), Qt::LeftButton, Qt::NoModifier, pixelAt(QVector3D(0, 0, 10)));
     EXPECT_EQ(view().pickedNode(), nodeOf("camera"));
     picture("space-signs");
+}
+
+struct Model {
+    const char* name;
+    const char* path; ///< below the folder of the test models
+};
+
+class SpaceOf : public Space, public ::testing::WithParamInterface<Model> {
+  protected:
+    /// Of some of the triangles, wherever the deformer has them, how many have something before the sky at their middle.
+    double coveredTriangles() {
+        const SpaceScene& scene = view().meshes();
+        const SpacePose pose = poseOf(scene, view().figure());
+        const QImage seen = view().grab().toImage();
+        int all = 0, covered = 0;
+        std::size_t weight = 0;
+        for (const SpacePart& part : scene.parts) {
+            WorldCorners corners;
+            deform(scene, part, pose, weight, corners);
+            weight += part.morphs.size();
+            const auto& indices = scene.meshes[static_cast<std::size_t>(part.mesh)].indices;
+            for (std::size_t i = 0; i + 3 <= indices.size(); i += 3 * 5) {
+                QVector3D middle;
+                for (std::size_t j = i; j < i + 3; ++j) {
+                    const float* at = &corners.positions[3 * indices[j]];
+                    middle += QVector3D(at[0], at[1], at[2]) / 3;
+                }
+                const QPoint pixel = pixelAt(middle);
+                if (!seen.rect().contains(pixel))
+                    continue;
+                const QColor here = seen.pixelColor(pixel), sky = seen.pixelColor(1, pixel.y());
+                covered += std::abs(here.red() - sky.red()) + std::abs(here.green() - sky.green()) +
+                                       std::abs(here.blue() - sky.blue()) >
+                                   30
+                               ? 1
+                               : 0;
+                ++all;
+            }
+        }
+        EXPECT_GT(all, 10);
+        return static_cast<double>(covered) / std::max(all, 1);
+    }
+};
+
+TEST_P(SpaceOf, DrawsEveryMeshWhereItsTrianglesAre) {
+    const QString path = QStringLiteral("/usr/share/assimp/models/") + QLatin1String(GetParam().path);
+    if (!QFileInfo::exists(path))
+        GTEST_SKIP() << "without " << path.toStdString();
+    trigger("drawOpenGL");
+    window().openPath(path);
+    ASSERT_TRUE(
+        QTest::qWaitFor([this] { return window().session().isOpen() || !_messages.isEmpty(); }, Patience));
+    ASSERT_TRUE(_messages.isEmpty()) << _messages.join('\n').toStdString();
+    waitForPicture();
+    picture(QStringLiteral("space-") + QLatin1String(GetParam().name));
+    window().action("bones")->setChecked(false);
+    const Transport& transport = window().transport();
+    for (const float part : {0.0F, 0.4F, 0.9F}) {
+        window().head().scrub(transport.begin() + part * (transport.end() - transport.begin()));
+        trigger("sceneAll");
+        waitForPicture();
+        EXPECT_GT(coveredTriangles(), 0.95) << "at " << part << " of its time";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, SpaceOf,
+                         ::testing::Values(Model{"ox", "X/Testwuson.X"}, Model{"limb", "FBX/huesitos.fbx"},
+                                           Model{"fixer", "IQM/mrfixit.iqm"},
+                                           Model{"duck", "Collada/duck.dae"},
+                                           Model{"spider", "FBX/spider.fbx"}),
+                         [](const auto& model) { return std::string(model.param.name); });
+
+TEST_F(Space, ShowsWayGhostsAndRingsOfAFigure) {
+    trigger("drawOpenGL");
+    trigger("sample");
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().session().isOpen(); }, Patience));
+    window().action("ghosts")->setChecked(true);
+    trigger("toolRotate");
+    window().head().scrub(20.0F);
+    view().pick(nodeOf("LeftForeArm"));
+    ASSERT_NE(view().pickedNode(), 0U);
+    QTest::qWait(200);
+    waitForPicture();
+    const QPoint joint = view().pixelOfJoint(this->joint("LeftForeArm")).toPoint();
+    EXPECT_TRUE(isLike(view().grab().toImage().pixelColor(joint), Qt::yellow))
+        << "the picked joint stands out";
+    picture("studio-space");
 }
 
 TEST_F(Space, GoesOnWithoutOpenGLAndSaysSo) {
