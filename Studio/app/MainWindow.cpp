@@ -310,6 +310,12 @@ void MainWindow::showEvent(QShowEvent* event) {
     resizeDocks({dock("channelsDock"), dock("keysDock")}, {260, 300}, Qt::Horizontal);
 }
 
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        drawSigns();
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     if (event->mimeData()->hasUrls())
         event->acceptProposedAction();

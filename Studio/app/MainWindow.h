@@ -28,6 +28,7 @@ class KeyFields;
 class Outliner;
 class Properties;
 class OperationDialog;
+enum class TransportSign;
 class SceneView;
 class WelcomePage;
 
@@ -83,6 +84,7 @@ class MainWindow : public QMainWindow {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -124,6 +126,7 @@ class MainWindow : public QMainWindow {
     void onWorkStarted(bool canBeGivenUp);
     void onWorkEnded();
     void showCurves();
+    void drawSigns();
     void goToKey(bool next);
     void copyKeysOfSelection();
     void pasteKeysAtHead(const QString& name);
@@ -154,6 +157,7 @@ class MainWindow : public QMainWindow {
     SceneView* _scene = nullptr;
     ClipTimeline* _timeline = nullptr;
     DopeSheet* _dopes = nullptr;
+    std::vector<std::pair<QAction*, TransportSign>> _signs; ///< of the transport's buttons
     QLabel* _hint = nullptr;
     QLabel* _rate = nullptr;
     QProgressBar* _progress = nullptr;

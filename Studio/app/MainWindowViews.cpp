@@ -1,4 +1,5 @@
 #include "MainWindow.h"
+#include "TransportIcons.h"
 #include "WelcomePage.h"
 #include "views/ChannelTree.h"
 #include "views/ClipTimeline.h"
@@ -17,7 +18,6 @@
 #include <QScrollArea>
 #include <QStackedWidget>
 #include <QStatusBar>
-#include <QStyle>
 #include <QToolBar>
 #include <QToolButton>
 #include <QUndoView>
@@ -138,31 +138,31 @@ void MainWindow::buildTransport() {
     bar->setObjectName(QStringLiteral("transport"));
     addToolBar(Qt::BottomToolBarArea, bar);
     const auto add = [&](const char* name, const QString& text, const QKeySequence& keys, const QString& tip,
-                         QStyle::StandardPixmap icon, const std::function<void()>& run) {
+                         TransportSign sign, const std::function<void()>& run) {
         QAction* action = addAction(menu, name, text, keys, tip, run);
-        action->setIcon(style()->standardIcon(icon));
+        _signs.emplace_back(action, sign);
         bar->addAction(action);
     };
     add("first", tr("&First frame"), QKeySequence(Qt::CTRL | Qt::Key_Home),
-        tr("Go to the begin of the range"), QStyle::SP_MediaSkipBackward,
+        tr("Go to the begin of the range"), TransportSign::First,
         [this] { _head.scrub(_transport.begin()); });
     add("previousKey", tr("Pre&vious key"), QKeySequence(Qt::Key_Comma),
-        tr("Go to the key before the playhead"), QStyle::SP_MediaSeekBackward, [this] { goToKey(false); });
+        tr("Go to the key before the playhead"), TransportSign::PreviousKey, [this] { goToKey(false); });
     add("reverse", tr("Play &backwards"), QKeySequence(Qt::SHIFT | Qt::Key_Space), tr("Play backwards"),
-        QStyle::SP_ArrowBack, [this] { _transport.play(true); });
+        TransportSign::Reverse, [this] { _transport.play(true); });
     add("stop", tr("&Stop"), QKeySequence(Qt::CTRL | Qt::Key_Space), tr("Stop and go to the begin"),
-        QStyle::SP_MediaStop, [this] { _transport.stop(); });
+        TransportSign::Stop, [this] { _transport.stop(); });
     add("play", tr("&Play or pause"), QKeySequence(Qt::Key_Space), tr("Play, or pause where it is"),
-        QStyle::SP_MediaPlay, [this] {
+        TransportSign::Play, [this] {
             if (_transport.isPlaying())
                 _transport.pause();
             else
                 _transport.play();
         });
     add("nextKey", tr("&Next key"), QKeySequence(Qt::Key_Period), tr("Go to the key after the playhead"),
-        QStyle::SP_MediaSeekForward, [this] { goToKey(true); });
+        TransportSign::NextKey, [this] { goToKey(true); });
     add("last", tr("&Last frame"), QKeySequence(Qt::CTRL | Qt::Key_End), tr("Go to the end of the range"),
-        QStyle::SP_MediaSkipForward, [this] { _head.scrub(_transport.end()); });
+        TransportSign::Last, [this] { _head.scrub(_transport.end()); });
     addAction(menu, "rangeIn", tr("Range &in here"), QKeySequence(Qt::Key_BracketLeft),
               tr("Playing begins at the playhead"),
               [this] { _transport.setRange(_head.frame(), _transport.end()); });
@@ -176,7 +176,7 @@ void MainWindow::buildTransport() {
         addAction(menu, "loop", tr("&Loop"), QKeySequence(Qt::Key_L), tr("Begin again at the end"), [] {});
     loop->setCheckable(true);
     loop->setChecked(true);
-    loop->setIcon(style()->standardIcon(QStyle::SP_BrowserReload));
+    _signs.emplace_back(loop, TransportSign::Loop);
     bar->addAction(loop);
     connect(loop, &QAction::toggled, this, [this](bool on) { _transport.setLooping(on); });
     QAction* every = addAction(menu, "everyFrame", tr("&Every frame"), {},
@@ -217,14 +217,22 @@ void MainWindow::buildTransport() {
         const QSignalBlocker quietIn(in), quietOut(out);
         in->setValue(static_cast<double>(_transport.begin()));
         out->setValue(static_cast<double>(_transport.end()));
-        action(QStringLiteral("play"))
-            ->setIcon(
-                style()->standardIcon(_transport.isPlaying() ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+        drawSigns();
         if (!_transport.isPlaying())
             _rate->clear();
     });
     connect(&_transport, &Transport::rateMeasured, this,
             [this](double ticks) { _rate->setText(tr("%1 ticks/s").arg(ticks, 0, 'f', 1)); });
+    drawSigns();
+}
+
+/// In the palette's colour, which may change while the window is open.
+void MainWindow::drawSigns() {
+    const QColor color = palette().color(QPalette::ButtonText);
+    for (const auto& [action, sign] : _signs) {
+        const bool isPause = sign == TransportSign::Play && _transport.isPlaying();
+        action->setIcon(transportIcon(isPause ? TransportSign::Pause : sign, color));
+    }
 }
 
 void MainWindow::goToKey(bool next) {
