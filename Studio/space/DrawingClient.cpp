@@ -68,8 +68,10 @@ void DrawingClient::start() {
     _process = std::make_unique<Child>(_pictures.descriptor());
     connect(_process.get(), &QProcess::readyReadStandardOutput, this, &DrawingClient::readAnswers);
     connect(_process.get(), QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-            [this](int /*code*/, QProcess::ExitStatus status) {
-                giveUp(status == QProcess::CrashExit ? tr("its driver crashed") : tr("it ended"));
+            [this](int code, QProcess::ExitStatus status) {
+                const bool isCrash =
+                    status == QProcess::CrashExit || code != 0; // some builds catch the signal
+                giveUp(isCrash ? tr("its driver crashed") : tr("it ended"));
             });
     connect(_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
