@@ -1,3 +1,4 @@
+#include "Impatient.h"
 #include "MotionTesting.h"
 #include "OperationsCurve.h"
 #include "operations/CurveEdit.h"
@@ -23,6 +24,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using testing::Impatient;
 
 /// A trunk with two arms and a tip on each, in a scene of its own.
 struct Figure {
@@ -287,6 +289,19 @@ TEST_F(ClipsTest, NodesAndTheirBlocksAreRenamedByAPattern) {
                 HasSubstr("did you mean 'rig:Hips'?"));
     EXPECT_THAT(testing::failureOf([&] { rename(_project->root(), "rig:*", "*?"); }),
                 HasSubstr("more wildcards"));
+}
+
+TEST_F(ClipsTest, RenamingAndDeletingThatAreCancelledChangeNothing) {
+    open({1.0, "rig:", {}, {}}, {swinging()});
+    const std::size_t objects = kaAnimationManager::the()->getObjectCount();
+    for (int calls = 1; calls <= 2; ++calls) {
+        Impatient renaming(calls), curves(calls), clips(1);
+        EXPECT_TRUE(rename(_project->root(), "rig:*Arm", "*_arm", renaming).isCancelled);
+        EXPECT_TRUE(removeCurves(allCurves(), curves).isCancelled);
+        EXPECT_TRUE(removeClips(selectedClips({}), clips).isCancelled);
+    }
+    EXPECT_FALSE(keysOf("rig:LeftArm.rotationX").empty());
+    EXPECT_EQ(kaAnimationManager::the()->getObjectCount(), objects);
 }
 
 TEST_F(ClipsTest, DeletingCurvesTakesWhatIsEmptyThen) {

@@ -1,3 +1,4 @@
+#include "Impatient.h"
 #include "MotionTesting.h"
 #include "OperationsCurve.h"
 
@@ -16,16 +17,7 @@ namespace ka::motion {
 namespace {
 
 using ::testing::HasSubstr;
-
-/// Cancels when it has been told for the n-th time.
-class Impatient : public Listener {
-  public:
-    explicit Impatient(int calls) : _calls(calls) {}
-    bool progress(const std::string&, std::size_t, std::size_t) override { return --_calls > 0; }
-
-  private:
-    int _calls;
-};
+using testing::Impatient;
 
 /// The first frames of a real capture.
 class ReduceTest : public ::testing::Test {

@@ -2,6 +2,7 @@
 
 #include "kaMotion/Exporting.h"
 #include "kaMotion/Pose.h"
+#include "kaMotion/Reduce.h"
 #include "writers/SceneNodes.h"
 
 #pragma GCC diagnostic push
@@ -82,19 +83,20 @@ void compare(const Places& before, const Places& after, bool startsAtZero, Round
     if (before.clips.size() != after.clips.size())
         trip.fault =
             std::to_string(before.clips.size()) + " clips became " + std::to_string(after.clips.size());
-    // BVH adds end sites and may add a root: nodes are found by name there. glTF may get nodes for meshes at the end.
+    // BVH adds end sites, may add a root and puts nodes in another order: they are found by name there. glTF keeps the
+    // order, and may get nodes for meshes, cameras and lights in between.
     std::vector<std::size_t> partners;
-    for (std::size_t i = 0; i < before.names.size(); ++i) {
-        const bool isSame = !startsAtZero ? before.names.size() <= after.names.size()
-                                          : before.names.size() == after.names.size();
-        std::string name = before.names[i];
+    std::size_t from = 0;
+    for (const std::string& own : before.names) {
+        std::string name = own;
         std::replace(name.begin(), name.end(), ' ', '_');
         const auto found =
-            std::find_if(after.names.begin(), after.names.end(),
-                         [&](const std::string& other) { return other == name || other == before.names[i]; });
-        partners.push_back(isSame ? i : static_cast<std::size_t>(found - after.names.begin()));
+            std::find_if(after.names.begin() + static_cast<std::ptrdiff_t>(from), after.names.end(),
+                         [&](const std::string& other) { return other == name || other == own; });
+        partners.push_back(static_cast<std::size_t>(found - after.names.begin()));
         if (partners.back() == after.names.size())
-            trip.fault = "node '" + before.names[i] + "' is gone";
+            trip.fault = "node '" + own + "' is gone";
+        from = startsAtZero ? 0 : partners.back() + 1;
     }
     for (std::size_t i = 0; i < before.clips.size() && trip.fault.empty(); ++i) {
         const ClipPlaces &a = before.clips[i], &b = after.clips[i];
@@ -206,7 +208,8 @@ class Witness {
 
 } // namespace
 
-RoundTrip roundTrip(const std::string& model, const std::string& target, double framesPerSecond) {
+RoundTrip roundTrip(const std::string& model, const std::string& target, double framesPerSecond,
+                    double thinning) {
     RoundTrip trip;
     const ExportKind kind = *exportKind(target);
     ProjectFiles files;
@@ -215,6 +218,13 @@ RoundTrip roundTrip(const std::string& model, const std::string& target, double 
     Places before;
     {
         const Project project(files);
+        trip.keysBefore = project.report().keys;
+        if (thinning > 0.0) {
+            before = placesOf(project, kind);
+            ReduceOptions how;
+            how.world = thinning * std::max(sizeOf(before), 1e-9);
+            trip.keysThinned = reduce(allCurves(), project.root(), how).keysAfter;
+        }
         ExportOptions options;
         options.sampling.framesPerSecond = framesPerSecond;
         const ExportedFile file = exportAs(kind, project, clipsOf(project, kind), options);
@@ -222,7 +232,8 @@ RoundTrip roundTrip(const std::string& model, const std::string& target, double 
         std::string error, warning;
         if (!kaFile::writeSafely(target, file.bytes, error, warning))
             trip.fault = error;
-        before = placesOf(project, kind);
+        if (!(thinning > 0.0))
+            before = placesOf(project, kind);
     }
     const bool movesNothing = kind != ExportKind::Bvh && trip.channels == 0;
     if (!trip.fault.empty() || before.clips.empty() || movesNothing)
@@ -230,10 +241,11 @@ RoundTrip roundTrip(const std::string& model, const std::string& target, double 
     files.file = target;
     {
         const Project project(files);
+        trip.keysAgain = project.report().keys;
         compare(before, placesOf(project, kind), kind == ExportKind::Bvh, trip);
     }
     trip.size = sizeOf(before);
-    if (kind == ExportKind::Glb || kind == ExportKind::Gltf)
+    if (!(thinning > 0.0) && (kind == ExportKind::Glb || kind == ExportKind::Gltf))
         Witness(target, before, framesPerSecond, trip).testify();
     return trip;
 }

@@ -15,9 +15,15 @@ struct RoundTrip {
     double witnessedValue = 0.0, witnessedRotation = 0.0;
     std::size_t witnessedKeys = 0;
 
+    /// With thinning: keys of the model, after thinning, and of what was read again.
+    std::size_t keysBefore = 0, keysThinned = 0, keysAgain = 0;
+
     bool isWithin(double part) const { return fault.empty() && worst <= part * size; }
 };
 
 /// Reads a model, exports it to `target`, reads that and compares the places of all nodes in the world at
 /// every whole frame of every clip. For glTF, Assimp is the witness of the keys.
-RoundTrip roundTrip(const std::string& model, const std::string& target, double framesPerSecond = 25.0);
+/// @param thinning  above 0: between import and export its keys are reduced, so that no node moves further in the world
+/// than this part of the scene's size; the comparison is with what was there before, and without the witness.
+RoundTrip roundTrip(const std::string& model, const std::string& target, double framesPerSecond = 25.0,
+                    double thinning = 0.0);

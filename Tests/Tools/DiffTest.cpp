@@ -102,6 +102,16 @@ const Change changes[] = {
      "yes\n"},
 };
 
+TEST_F(DiffTest, ClipsOfAFileUnderAnotherNameAreKnownByWhatTheyDrive) {
+    _folder.put("walk.bvh", shortCapture(5));
+    std::string text = shortCapture(5);
+    _folder.put("stroll.bvh", text + "\n"); // other bytes, so other ids
+    const ProgramRun run = runKaAnim({"diff", "walk.bvh", "stroll.bvh"}, _folder.at(""));
+    EXPECT_EQ(run.code, 1);
+    EXPECT_THAT(run.output, HasSubstr("clip  walk  name  walk | stroll\n"));
+    EXPECT_EQ(run.output.find("presence"), run.output.npos) << run.output;
+}
+
 TEST_F(DiffTest, AMovedBlockIsKnownByItsId) {
     std::string moved = replaced(document, R"(<obj id="32"/>)", "");
     moved = replaced(moved, R"(<obj id="31"/>)", R"(<obj id="31"/><obj id="32"/>)");

@@ -122,7 +122,7 @@ RunOperation declareRename(Command& command) {
     return {[line](const OperationInput& input) {
                 if (line->match.empty() || line->to.empty())
                     throw Failure(ExitCode::Usage, "say what to rename with --match, and to what with --to");
-                return rename(input.project.root(), line->match, line->to);
+                return rename(input.project.root(), line->match, line->to, input.listener);
             },
             nullptr};
 }
@@ -132,8 +132,9 @@ RunOperation declareDelete(Command&) {
                 const MotionSelection& selection = input.selection;
                 if (selection.clips.empty() && selection.nodes.empty() && selection.curves.empty())
                     throw Failure(ExitCode::Usage, "say what to delete with --clip, --node or --curve");
-                return selection.nodes.empty() && selection.curves.empty() ? removeClips(input.clips())
-                                                                           : removeCurves(input.curves());
+                return selection.nodes.empty() && selection.curves.empty()
+                           ? removeClips(input.clips(), input.listener)
+                           : removeCurves(input.curves(), input.listener);
             },
             nullptr};
 }

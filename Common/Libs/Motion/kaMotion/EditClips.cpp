@@ -134,6 +134,28 @@ bool capture(const std::string& name, std::size_t n, const std::string& match, s
     return false;
 }
 
+/// A node that gets another name, both in Latin-1.
+struct Renaming {
+    osg::NodePtr node;
+    std::string before, after;
+};
+
+/// Blocks that are called after their node go along.
+void apply(const std::map<osg::UInt32, Renaming>& renamings) {
+    for (kaAnimationObject* object : kaAnimationManager::the()->getObjects(KA_TYPE_UNIT)) {
+        const osg::NodePtr owner = nodeOf(*static_cast<kaAnimationUnit*>(object));
+        const auto renaming =
+            owner == osg::NullFC ? renamings.end() : renamings.find(owner.getFieldContainerId());
+        if (renaming != renamings.end() && object->getName() == renaming->second.before)
+            object->setName(renaming->second.after);
+    }
+    for (const auto& [id, renaming] : renamings) {
+        osg::beginEditCP(renaming.node);
+        osg::setName(renaming.node, renaming.after);
+        osg::endEditCP(renaming.node);
+    }
+}
+
 /// Empty containers go, and what is empty without them.
 void removeEmpty(kaAnimationObject* object) {
     kaAnimationManager* manager = kaAnimationManager::the();
@@ -234,66 +256,79 @@ std::string renamed(const std::string& name, const std::string& match, const std
     return made;
 }
 
-OperationReport rename(const osg::NodePtr& root, const std::string& match, const std::string& to) {
+OperationReport rename(const osg::NodePtr& root, const std::string& match, const std::string& to,
+                       Listener& listener) {
     if (std::count_if(to.begin(), to.end(), isWildcard) >
         std::count_if(match.begin(), match.end(), isWildcard))
         throw Failure(ExitCode::Usage, "the new name has more wildcards than the pattern");
     constexpr std::size_t mostNotes = 5;
     OperationReport report;
     report.operation = "rename";
-    std::size_t count = 0;
+    std::map<osg::UInt32, Renaming> renamings; // by the node's container id
     std::vector<std::string> known;
-    for (const osg::NodePtr& node : nodesBelow(root)) {
+    const std::vector<osg::NodePtr> nodes = nodesBelow(root);
+    for (const osg::NodePtr& node : nodes) {
+        report.isCancelled = !listener.progress("renaming", known.size(), nodes.size());
+        if (report.isCancelled)
+            return report;
         const std::string name = nodeName(node);
         known.push_back(name);
         bool isMatch = false, lossy = false;
         const std::string made = renamed(name, match, to, isMatch);
         if (!isMatch || made == name || name.empty())
             continue;
-        const std::string before = latin1FromUtf8(name, lossy), after = latin1FromUtf8(made, lossy);
-        osg::beginEditCP(node);
-        osg::setName(node, after);
-        osg::endEditCP(node);
-        for (kaAnimationObject* object : kaAnimationManager::the()->getObjects(KA_TYPE_UNIT))
-            if (object->getName() == before && nodeOf(*static_cast<kaAnimationUnit*>(object)) == node)
-                object->setName(after);
-        if (count++ < mostNotes)
+        if (renamings.size() < mostNotes)
             report.notes.push_back("'" + name + "' is '" + made + "' now");
+        renamings[node.getFieldContainerId()] = {node, latin1FromUtf8(name, lossy),
+                                                 latin1FromUtf8(made, lossy)};
     }
-    if (count == 0)
+    if (renamings.empty())
         throw Failure(ExitCode::Usage,
                       "no node is called '" + oneLine(match) + "'" + didYouMean(match, known));
-    report.measures.push_back({"nodes renamed", static_cast<double>(count), "", "", {}, {}});
+    apply(renamings);
+    report.measures.push_back({"nodes renamed", static_cast<double>(renamings.size()), "", "", {}, {}});
     return report;
 }
 
-OperationReport removeCurves(const CurveList& curves) {
+OperationReport removeCurves(const CurveList& curves, Listener& listener) {
     OperationReport report;
     report.operation = "delete";
+    CurveList chosen;
     for (kaAnimationCurve2D* curve : curves) {
+        report.isCancelled = !listener.progress("deleting", chosen.size(), curves.size());
+        if (report.isCancelled)
+            return report;
         if (curve == nullptr)
             continue;
-        ++report.curves;
+        chosen.push_back(curve);
         report.keysBefore += curve->getChildCount();
+    }
+    for (kaAnimationCurve2D* curve : chosen) {
         kaAnimationObject* above = curve->getParentObject();
         kaAnimationManager::the()->destroyCurve2D(curve);
         removeEmpty(above);
     }
-    report.changedCurves = report.curves;
+    report.curves = report.changedCurves = chosen.size();
     return report;
 }
 
-OperationReport removeClips(const std::vector<kaAnimationStrip*>& clips) {
+OperationReport removeClips(const std::vector<kaAnimationStrip*>& clips, Listener& listener) {
     OperationReport report;
     report.operation = "delete";
+    std::vector<kaAnimationStrip*> chosen;
     for (kaAnimationStrip* clip : clips) {
+        report.isCancelled = !listener.progress("deleting", chosen.size(), clips.size());
+        if (report.isCancelled)
+            return report;
         if (clip == nullptr)
             continue;
+        chosen.push_back(clip);
         const CurveList curves = curvesBelow({clip});
         report.curves += curves.size();
         report.keysBefore += keyCount(curves);
-        kaAnimationManager::the()->destroyObject(clip);
     }
+    for (kaAnimationStrip* clip : chosen)
+        kaAnimationManager::the()->destroyObject(clip);
     report.changedCurves = report.curves;
     return report;
 }

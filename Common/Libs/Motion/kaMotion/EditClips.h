@@ -49,18 +49,23 @@ OperationReport split(kaAnimationStrip* clip, const std::vector<double>& frames,
 /// @param to  the new name; its first "*" or "?" stands for what the first of the pattern stood for, and so
 /// on.
 /// @return how many, and as notes the first names before and after.
+/// @param listener  may cancel, which renames nothing.
 /// @throws Failure (Usage) when no node matches, and when `to` has more wildcards than `match`.
-OperationReport rename(const osg::NodePtr& root, const std::string& match, const std::string& to);
+OperationReport rename(const osg::NodePtr& root, const std::string& match, const std::string& to,
+                       Listener& listener = Listener::none());
 
 /// What the pattern makes of a name: `to` with its wildcards filled in. Nothing where the name does not
 /// match.
 std::string renamed(const std::string& name, const std::string& match, const std::string& to, bool& isMatch);
 
 /// Destroys curves, then blocks, tracks and clips that have nothing left in them.
-OperationReport removeCurves(const CurveList& curves);
+/// @param listener  may cancel, which destroys nothing.
+OperationReport removeCurves(const CurveList& curves, Listener& listener = Listener::none());
 
 /// Destroys clips with everything in them.
-OperationReport removeClips(const std::vector<kaAnimationStrip*>& clips);
+/// @param listener  may cancel, which destroys nothing.
+OperationReport removeClips(const std::vector<kaAnimationStrip*>& clips,
+                            Listener& listener = Listener::none());
 
 } // namespace ka::motion
 #pragma GCC visibility pop

@@ -15,6 +15,7 @@
 #include <kaAnimationController.h>
 #include <kaAnimationCurve2D.h>
 #include <kaAnimationManager.h>
+#include <kaAnimationScene.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUnit.h>
 #include <limits>
@@ -120,11 +121,8 @@ ExportedFile exportTable(const std::vector<kaAnimationObject*>& objects, const E
 
 std::vector<kaAnimationObject*> exportedObjects() {
     std::vector<kaAnimationObject*> objects;
-    for (kaAnimationStrip* clip : kaAnimationManager::the()->getSceneStrips())
+    for (kaAnimationStrip* clip : kaAnimationScene::clips())
         objects.push_back(clip);
-    std::stable_sort(
-        objects.begin(), objects.end(),
-        [](const kaAnimationObject* a, const kaAnimationObject* b) { return a->getName() < b->getName(); });
     for (kaAnimationUnit* block : kaAnimationManager::the()->getSceneUnits())
         objects.push_back(block);
     return objects;

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <kaMotion/Matching.h>
 #include <map>
+#include <set>
 #include <string>
 #include <tuple>
 #include <unordered_map>
@@ -52,6 +53,40 @@ class Matcher {
                 [](const Object& object) { return std::tuple(object.type, nameOf(object), object.id); });
         matchBy(a, b, [](const Object& object) { return std::tuple(object.type, nameOf(object)); });
         matchBy(a, b, [](const Object& object) { return std::tuple(object.type, object.id); });
+        matchByDriven(a, b);
+    }
+
+    /// What is called otherwise, as clips and blocks of a model are after its file, but drives the same.
+    void matchByDriven(const Places& a, const Places& b) {
+        std::map<std::pair<unsigned int, std::set<std::string>>, std::pair<Places, std::size_t>> waiting;
+        const auto keyOf = [](const ProjectSummary& summary, std::size_t place) {
+            return std::pair(summary.objects[place].type, drivenBelow(summary, place));
+        };
+        for (const std::size_t place : b)
+            if (_matching.ofB[place] == none && _b.objects[place].type != KA_TYPE_CURVE)
+                waiting[keyOf(_b, place)].first.push_back(place);
+        for (const std::size_t place : a) {
+            if (waiting.empty() || _matching.ofA[place] != none || _a.objects[place].type == KA_TYPE_CURVE)
+                continue;
+            const auto key = keyOf(_a, place);
+            const auto found = key.second.empty() ? waiting.end() : waiting.find(key);
+            if (found != waiting.end() && found->second.second < found->second.first.size())
+                pair(place, found->second.first[found->second.second++]);
+        }
+    }
+
+    /// The labels of the curves at and below an object.
+    static std::set<std::string> drivenBelow(const ProjectSummary& summary, std::size_t place) {
+        std::set<std::string> labels;
+        Places pending{place};
+        while (!pending.empty()) {
+            const Object& object = summary.objects[pending.back()];
+            pending.pop_back();
+            if (object.type == KA_TYPE_CURVE)
+                labels.insert(object.label);
+            pending.insert(pending.end(), object.children.begin(), object.children.end());
+        }
+        return labels;
     }
 
     /// Pairs what has equal keys, in order.

@@ -13,7 +13,8 @@ struct Matching {
 };
 
 /// Pairs objects of one type from the roots down: among siblings by name (curves: by node and attribute) and
-/// id, then by name and order, then by id; what is left anywhere after that by id. So renamed and moved
+/// id, then by name and order, then by id, then clips, tracks and blocks by the curves below them (nodes and
+/// attributes that they drive) and order; what is left anywhere after that by id. So renamed and moved
 /// objects keep their partner, and two imports of one model match although every id is another.
 Matching matchObjects(const ProjectSummary& a, const ProjectSummary& b);
 

@@ -10,6 +10,7 @@
 #include <kaAnimationController.h>
 #include <kaAnimationManager.h>
 #include <kaAnimationObject.h>
+#include <kaAnimationScene.h>
 #include <kaAnimationStrip.h>
 #include <kaAnimationUnit.h>
 #include <kaMotion/Failure.h>
@@ -47,17 +48,6 @@ bool hasNumber(const kaAnimationObject& object, const std::string& text) {
     kaUID id = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), id);
     return error == std::errc() && end == text.data() + text.size() && object.getId() == id;
-}
-
-/// Whole trees from their roots down, which costs no more than they are large.
-void destroyEverything(kaAnimationManager& manager) {
-    for (const bool rootsOnly : {true, false})
-        for (const auto& [id, object] : manager.getObjects()) {
-            kaAnimationObject* alive = manager.getObject(id);
-            if (alive != nullptr && (!rootsOnly || alive->getParentObject() == nullptr))
-                manager.destroyObject(alive);
-        }
-    manager.destroyAllFields();
 }
 
 /// Notes once what a reader could have done on this system.
@@ -115,9 +105,11 @@ Project::~Project() {
 }
 
 void Project::close() {
-    kaAnimationManager* manager = kaAnimationManager::the();
-    manager->terminate();
-    destroyEverything(*manager);
+    if (_root == osg::NullFC) // refused before there was one
+        _root = makeRoot("");
+    kaAnimationScene scene;
+    scene.open(_root, "");
+    scene.close();
     leaveScene();
 }
 
@@ -225,12 +217,9 @@ std::vector<kaAnimationObject*> Project::playable(const std::string& name) const
     std::vector<kaAnimationObject*> objects;
     for (kaAnimationUnit* block : manager->getSceneUnits())
         objects.push_back(block);
-    const std::vector<kaAnimationStrip*> clips = manager->getSceneStrips();
-    const auto byName = [](const kaAnimationStrip* a, const kaAnimationStrip* b) {
-        return a->getName() < b->getName();
-    };
+    const std::vector<kaAnimationStrip*> clips = kaAnimationScene::clips();
     if (!clips.empty())
-        objects.push_back(*std::min_element(clips.begin(), clips.end(), byName));
+        objects.push_back(clips.front());
     return objects;
 }
 
