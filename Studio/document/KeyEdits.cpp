@@ -226,8 +226,12 @@ Ids pasteKeys(Document& document, const CopiedKeys& copied, float frame, const I
     document.edit(name, scope, [&] {
         for (const auto& [target, source] : work)
             if (kaAnimationCurve2D* curve = manager()->getCurve2D(target)) {
+                const std::size_t before = made.size();
                 for (const CopiedKeys::Key& key : source->keys)
                     made.push_back(addCopy(*curve, key, frame - first));
+                for (std::size_t i = before; i < made.size(); ++i)
+                    if (kaControlPoint2D* key = manager()->getPoint2D(made[i]))
+                        fitHandlesAround(*key, *curve);
                 takeInChange(*curve);
             }
     });

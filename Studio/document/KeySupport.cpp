@@ -45,6 +45,32 @@ void computeTangentsAround(kaControlPoint2D& key, kaAnimationCurve2D& curve) {
         next->computeTangents();
 }
 
+void fitHandlesAround(kaControlPoint2D& key, kaAnimationCurve2D& curve) {
+    const auto reach = [](const kaControlPoint2D* handle, const kaControlPoint2D& own) {
+        return handle != nullptr ? std::abs(handle->getBegin() - own.getBegin()) : 0.0F;
+    };
+    const auto shorten = [&reach](kaControlPoint2D* handle, const kaControlPoint2D& own, float room) {
+        const float length = reach(handle, own);
+        if (!(length > room))
+            return;
+        const osg::Pnt2f from = own.getPosition(), to = handle->getPosition();
+        const float factor = room / length;
+        handle->setPosition(from[0] + (to[0] - from[0]) * factor, from[1] + (to[1] - from[1]) * factor);
+    };
+    const auto fit = [&](kaControlPoint2D& from, kaControlPoint2D& to) {
+        const float span = to.getBegin() - from.getBegin();
+        if (!(reach(from.getOutTangent(), from) + reach(to.getInTangent(), to) > span))
+            return;
+        shorten(from.getOutTangent(), from, span / 2);
+        shorten(to.getInTangent(), to, span / 2);
+    };
+    const auto [previous, next] = curve.getPreviousAndNextPoint(&key);
+    if (previous != nullptr)
+        fit(*previous, key);
+    if (next != nullptr)
+        fit(key, *next);
+}
+
 void setNumber(kaControlPoint2D& key, kaAnimationCurve2D& curve, KeyNumber number, float value) {
     const auto [first, last] = freeSpan(key);
     kaControlPoint2D* in = key.getInTangent();

@@ -164,6 +164,28 @@ TEST_F(Curves, CutAndPasteAtThePlayhead) {
     EXPECT_EQ(key(_curve, 57), nullptr);
 }
 
+TEST_F(Curves, ShortenHandlesBetweenWhichKeysArePasted) {
+    trigger("selectAll");
+    trigger("copy");
+    window().head().scrub(1.0F);
+    const std::string before = Document::text();
+    trigger("paste"); // between keys ten frames apart, whose handles are five long
+    ASSERT_EQ(on().getChildCount(), 22U);
+    const kaControlPoint2D* last = nullptr;
+    for (int i = 0; i <= 10; ++i)
+        for (const int frame : {10 * i, 10 * i + 1}) {
+            const kaControlPoint2D* point = key(_curve, static_cast<float>(frame));
+            ASSERT_NE(point, nullptr) << frame;
+            if (last != nullptr) {
+                EXPECT_LE(last->getOutTangent()->getBegin(), point->getInTangent()->getBegin() + 1e-4F)
+                    << frame;
+            }
+            last = point;
+        }
+    trigger("undo");
+    EXPECT_EQ(Document::text(), before);
+}
+
 TEST_F(Curves, TakeNumbersAndSumsInTheFields) {
     window().keySelection().select({key(_curve, 20)->getId(), key(_curve, 50)->getId()}, SelectBy::Replacing);
     QLineEdit& value = window().keyFields().field(KeyNumber::Value);
