@@ -264,7 +264,14 @@ void bindArrays(py::module_& module) {
         "frames\nare taken as they are: before the first key stands the second key's value.");
     auto curves = py::reinterpret_borrow<py::class_<Curve, ObjectReference>>(module.attr("Curve"));
     curves.def(
-        "set_keys", checked([](const Curve& self, const py::array& keys) { setKeys(self, keys); }),
+        "set_keys", checked([](const Curve& self, const py::object& keys) {
+            const py::array table = py::array::ensure(keys);
+            if (!table) {
+                PyErr_Clear();
+                throw py::type_error("keys must be an array, or what NumPy makes one of");
+            }
+            setKeys(self, table);
+        }),
         py::arg("keys"),
         "Replaces all keys, in any order, by those of a structured array with the fields of KEY_DTYPE, or "
         "of an\narray of (frame, value). 'frame' and 'value' must be there; without handles they are "

@@ -48,6 +48,7 @@ MainWindow::MainWindow() : _transport(_head), _recovery(_session) {
     buildSceneMenu();
     buildViewMenu();
     buildTransport();
+    buildConsole();
     buildHelpMenu();
     connect(&_session, &Session::opened, this, &MainWindow::onOpened);
     connect(&_session, &Session::saved, this, &MainWindow::refreshTitle);

@@ -23,6 +23,7 @@ namespace ka::studio {
 
 class ChannelTree;
 class ClipTimeline;
+class ConsolePanel;
 class DopeSheet;
 class KeyFields;
 class Outliner;
@@ -56,6 +57,7 @@ class MainWindow : public QMainWindow {
     PlayHead& head() { return _head; }
     Importer& importer() { return _importer; }
     Recovery& recovery() { return _recovery; }
+    ConsolePanel& console() { return *_console; }
 
     /// Opens what a path names: a scene, a document, or a model, which is imported in the background. What
     /// could not be opened is told to the user, and what was open stays.
@@ -113,6 +115,7 @@ class MainWindow : public QMainWindow {
     void onPicked(unsigned int node);
     void forBars(const std::function<void(kaUID)>& run, const QString& name);
     void playOnly(kaUID object);
+    void buildConsole();
     void buildHelpMenu();
     void fillRecent(QMenu* menu);
     void rememberRecent(const QString& path);
@@ -158,6 +161,7 @@ class MainWindow : public QMainWindow {
     ClipTimeline* _timeline = nullptr;
     DopeSheet* _dopes = nullptr;
     std::vector<std::pair<QAction*, TransportSign>> _signs; ///< of the transport's buttons
+    ConsolePanel* _console = nullptr;
     QLabel* _hint = nullptr;
     QLabel* _rate = nullptr;
     QProgressBar* _progress = nullptr;

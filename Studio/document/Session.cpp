@@ -40,6 +40,7 @@ Session::Session(QObject* parent) : QObject(parent) {
 }
 
 Session::~Session() {
+    emit closing();
     _document.history().clear();
 }
 
@@ -135,6 +136,7 @@ QString Session::exchangeProject(const MakeProject& make) {
     };
     try {
         if (_project != nullptr) {
+            emit closing();
             former = Snapshot::everything(_project->root(), step("keeping what is open"));
             root = _project->root();
             osg::addRefCP(root);

@@ -67,6 +67,7 @@ class Session : public QObject {
     static SessionFiles filesOf(const QString& path);
 
   signals:
+    void closing(); ///< What is open goes now.
     void opened();
     void cameBack(); ///< After `opened` could not come about: what was open is there again.
     void saved();

@@ -162,6 +162,14 @@ class Keys(Rig):
         self.assertEqual((self.curve.begin, self.curve.end), (0, 20))
         self.assertEqual(self.clip.end, 20, "what holds the curve has heard of it")
 
+    def test_what_numpy_makes_an_array_of_is_one(self):
+        self.curve.set_keys([[0, 1], [10, 2.5]])
+        self.assertEqual([(key.frame, key.value) for key in self.curve.keys], [(0, 1), (10, 2.5)])
+        for wrong in ("keys", object(), [[0, "a"]]):
+            with self.assertRaises((TypeError, ValueError)):
+                self.curve.set_keys(wrong)
+        self.assertEqual(len(self.curve), 2)
+
     def test_former_keys_are_gone_and_the_curve_still_plays(self):
         key = self.curve.keys[0]
         count = self.project.object_count
