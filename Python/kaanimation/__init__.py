@@ -33,6 +33,7 @@ opened it. Many motions at once are many processes.
 
 import atexit as _atexit
 from pathlib import Path as _Path
+from typing import Callable as _Callable
 
 from ._core import (
     KEY_DTYPE,
@@ -87,6 +88,11 @@ from ._errors import (
 )
 from ._samples import Samples
 
+def _plain(method: _Callable[[object], str]) -> _Callable[[object], str]:
+    """The same as a function of Python's."""
+    return lambda self: method(self)
+
+
 for _class in (
     Action, Block, Clip, ClosedError, Comparison, Curve, CurveError, Difference, Error, FaultWarning, Field, FileError,
     Finding, GoneError, Host, ImportReport, Joint, Key, Length, Listener, Measure, Node, NoteWarning, Object, OpenError,
@@ -94,6 +100,8 @@ for _class in (
     Track, Trigger, UsageError,
 ):
     _class.__module__ = __name__  # what users see in tracebacks and help()
+    if type(vars(_class).get("__repr__")).__name__ == "instancemethod":  # which pprint cannot look up
+        setattr(_class, "__repr__", _plain(vars(_class)["__repr__"].__func__))
 
 
 def example() -> _Path:

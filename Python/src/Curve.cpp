@@ -214,7 +214,16 @@ void addSelected(py::class_<Curve, ObjectReference>& curves) {
 void bindCurve(py::module_& module) {
     bindKey(module);
     py::class_<Curve, ObjectReference> curves(
-        module, "Curve", "A value as a function of time, made of keys, that drives one number of the scene.");
+        module, "Curve",
+        "A value as a function of time, made of keys, that drives one number of the scene.\n\n"
+        ">>> import kaanimation\n"
+        ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+        "...     curve = project.scene.find('Arm').field('rotationZ').curves[0]\n"
+        "...     curve.set_keys([[0, 10], [20, 30]])\n"
+        "...     key = curve.add_key(10, 25)\n"
+        "...     key.tangent = kaanimation.Tangent.FLAT\n"
+        "...     print(len(curve), curve.value_at(10), curve.sample([0, 20]).values.tolist())\n"
+        "3 25.0 [[10.0], [30.0]]");
     curves.def("__len__", checked([](const Curve& self) { return self.get().getChildCount(); }));
     curves.def(
         "__bool__", [](const Curve&) { return true; }, "A curve without keys is there all the same.");

@@ -211,7 +211,12 @@ void bindHost(py::module_& module) {
     py::class_<Host> hosts(
         module, "Host",
         "What a host program answers and is told. Each is a function, or None for nobody; what it raises "
-        "reaches whoever\nmade the call that led to it.");
+        "reaches whoever\nmade the call that led to it.\n\n"
+        ">>> import kaanimation\n"
+        ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+        "...     project.host.on_paste = lambda filled: print('to paste:', filled)\n"
+        "...     project.copy(project.clips)\n"
+        "to paste: True");
     addCamera(hosts);
     addFunction(hosts, "on_show_curves", &Functions::showCurves, "Called with a list of curves to show.");
     addFunction(hosts, "on_file_progress", &Functions::progress,

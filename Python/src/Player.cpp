@@ -288,7 +288,14 @@ void addStates(py::class_<Player>& players) {
 
 void bindPlayer(py::module_& module) {
     py::class_<Player> players(
-        module, "Player", "Plays the project by a clock of its own, which stands still until it is moved.");
+        module, "Player",
+        "Plays the project by a clock of its own, which stands still until it is moved.\n\n"
+        ">>> import kaanimation\n"
+        ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+        "...     player = project.player\n"
+        "...     player.play()\n"
+        "...     [player.advance(0.04) for _ in range(3)]\n"
+        "[1.0, 2.0, 3.0]");
     addClock(players);
     addTransport(players);
     addSingleObjects(players);

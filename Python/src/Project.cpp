@@ -310,7 +310,16 @@ void bindProject(py::module_& module) {
         module, "Project",
         "An open file: a scene and its animation. There is one at a time in a process, since the "
         "registry of\nobjects is one; use `with`, or call `close`. It belongs to the thread that "
-        "opened it.");
+        "opened it.\n\n"
+        ">>> import kaanimation\n"
+        ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+        "...     door = project.scene.root.add_child('door')\n"
+        "...     curve = project.create_curve(door, 'rotationY')\n"
+        "...     curve.set_keys([[0, 0], [25, 90]])\n"
+        "...     block = project.create_block('opening', [curve])\n"
+        "...     project.evaluate(25)\n"
+        "...     print(door.rotation)\n"
+        "[0.0, 90.0, 0.0]");
     addLists(projects);
     addMaking(projects);
     addFiles(projects);

@@ -23,7 +23,13 @@ void bindOperationReport(py::module_& module) {
         .def_readonly("where", &Measure::where, "The curve or node it was found on; '' when it is of all.")
         .def_readonly("frame", &Measure::frame, "When; None when it is of no single frame.")
         .def_readonly("allowed", &Measure::allowed, "The bound that was asked for; None without one.");
-    py::class_<OperationReport>(module, "Report", "What an operation on motion did; str() gives a few lines.")
+    py::class_<OperationReport>(module, "Report",
+                                "What an operation on motion did; str() gives a few lines.\n\n"
+                                ">>> import kaanimation\n"
+                                ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+                                "...     report = project.clips[0].reduce(rotation=1)\n"
+                                ">>> report.operation, report.keys_before, report.keys_after < 40\n"
+                                "('reduce', 66, True)")
         .def_readonly("operation", &OperationReport::operation, "Its name.")
         .def_readonly("cancelled", &OperationReport::isCancelled,
                       "Whether its progress function gave it up; then nothing was changed.")
@@ -48,6 +54,8 @@ void bindImportReport(py::module_& module) {
     using Report = motion::ImportReport;
     py::class_<Report>(module, "ImportReport", "What became of the model that a project was opened from.")
         .def_readonly("nodes", &Report::nodes, "Of its hierarchy.")
+        .def_readonly("cameras", &Report::cameras, "Nodes that carry a camera.")
+        .def_readonly("lights", &Report::lights, "Nodes that carry a light.")
         .def_readonly("meshes", &Report::meshes, "Meshes, of one material each.")
         .def_readonly("triangles", &Report::triangles, "In all meshes.")
         .def_readonly("clips", &Report::clips, "One for each take.")

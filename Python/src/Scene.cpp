@@ -193,7 +193,12 @@ void bindField(py::module_& module) {
 void bindScene(py::module_& module) {
     bindNode(module);
     bindField(module);
-    py::class_<Scene> scenes(module, "Scene", "The nodes of a project, parents before children.");
+    py::class_<Scene> scenes(module, "Scene",
+                             "The nodes of a project, parents before children.\n\n"
+                             ">>> import kaanimation\n"
+                             ">>> with kaanimation.open(kaanimation.example()) as project:\n"
+                             "...     print([node.name for node in project.scene.find_all('H*')])\n"
+                             "['Hand', 'Hand_End']");
     scenes.def_property_readonly("root",
                                  checked([](const Scene& self) { return wrap(self.session, self.root()); }),
                                  "The node above everything that was read.");

@@ -3,6 +3,7 @@
 #ifdef KA_WITH_OPENGL
 #include "drawing/DrawingProcess.h"
 #endif
+#include "console/ConsolePanel.h"
 #include "views/SceneView.h"
 
 #include <QApplication>
@@ -32,6 +33,7 @@ struct Options {
             QCoreApplication::translate("main", "A scene (.osg), a document (.xml) or a model."));
         parser.addOption(quit);
         parser.addOption(drawing);
+        parser.addOption(script);
     }
 
     QCommandLineOption quit{QStringLiteral("quit-after"),
@@ -41,6 +43,10 @@ struct Options {
         QStringLiteral("drawing"),
         QCoreApplication::translate("main", "How the scene is drawn: automatic, opengl or plain."),
         QStringLiteral("way")};
+    QCommandLineOption script{
+        QStringLiteral("script"),
+        QCoreApplication::translate("main", "Run a Python file on what was opened; may be given again."),
+        QStringLiteral("path")};
     QCommandLineParser parser;
 };
 
@@ -82,6 +88,26 @@ int drawInto(int argc, char** argv) {
 #endif
 }
 
+/// Runs Python files, once what is being imported is there.
+void runScripts(ka::studio::MainWindow& window, const QStringList& paths) {
+    using namespace ka::studio;
+    if (paths.isEmpty())
+        return;
+    const auto run = [&window, paths] {
+        for (const QString& path : paths)
+            window.console().runScript(path);
+    };
+    if (!window.importer().isRunning()) {
+        run();
+        return;
+    }
+    auto* once = new QObject(&window);
+    QObject::connect(&window.session(), &Session::opened, once, [once, run] {
+        once->deleteLater();
+        run();
+    });
+}
+
 } // namespace
 
 /// The studio: opens what the command line names.
@@ -115,6 +141,7 @@ int main(int argc, char** argv) {
     const bool isRecovered = !parser.isSet(options.quit) && window.offerRecovery();
     if (!isRecovered && !parser.positionalArguments().isEmpty())
         window.openPath(parser.positionalArguments().constFirst());
+    runScripts(window, parser.values(options.script));
     if (parser.isSet(options.quit))
         QTimer::singleShot(static_cast<int>(parser.value(options.quit).toDouble() * 1000), &application,
                            [] { QCoreApplication::exit(0); });

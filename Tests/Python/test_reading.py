@@ -2,6 +2,7 @@
 
 import gc
 import pathlib
+import pprint
 import tempfile
 import threading
 import traceback
@@ -65,6 +66,10 @@ class Looking(Rig):
         self.assertEqual(len({self.clip, self.project["swing"], self.block}), 2)
         self.assertNotEqual(self.clip, self.block)
         self.assertNotEqual(self.clip, 3)
+
+    def test_lists_of_objects_can_be_printed_in_columns(self):
+        self.assertIn("<curve 'rotationZ' 0 to 10>", pprint.pformat([self.curve, self.clip]))
+        self.assertIn("<node 'Hand'>", pprint.pformat(self.project.scene.nodes))
 
     def test_help_says_what_everything_is(self):
         for kind in (kaanimation.Project, kaanimation.Clip, kaanimation.Track, kaanimation.Block, kaanimation.Curve,

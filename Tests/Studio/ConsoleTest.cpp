@@ -11,6 +11,7 @@
 #include <QDockWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProcess>
 #include <QToolButton>
 #include <chrono>
 #include <kaAnimationCurve2D.h>
@@ -290,6 +291,30 @@ TEST_F(PythonConsole, RunsScriptsFromTheMenu) {
     EXPECT_NE(told.find("ZeroDivisionError"), std::string::npos) << told;
     EXPECT_EQ(history().count(), 2) << "what it had done by then can be undone";
     QDir(ScriptMenu::folder()).removeRecursively();
+}
+
+TEST_F(PythonConsole, EndsWithTheProgramWhateverScriptsHaveLeft) {
+    const QString scene = figureScene();
+    const std::string told = folder() + "/told.txt";
+    const std::string script =
+        put("leaves.py", "import atexit, kaanimation\n"
+                         "clip = project.clips[0]\n"
+                         "keep = kaanimation.listen('', lambda *_: None)\n"
+                         "project.connect(clip, 0, lambda held=project: None)\n"
+                         "kaanimation.kept = [clip, keep, studio]\n"
+                         "atexit.register(lambda: open(r'" +
+                             told +
+                             "', 'a').write(f' then {clip.is_alive}'))\n"
+                             "open(r'" +
+                             told + "', 'w').write(f'{clip.name} {project.frame_range[1]}')\n");
+    QProcess studio;
+    studio.start(QStringLiteral(KA_STUDIO_PROGRAM),
+                 {QStringLiteral("--quit-after"), QStringLiteral("0.5"), QStringLiteral("--script"),
+                  QString::fromStdString(script), scene});
+    ASSERT_TRUE(studio.waitForFinished(30000));
+    EXPECT_EQ(studio.exitStatus(), QProcess::NormalExit) << studio.readAllStandardError().toStdString();
+    EXPECT_EQ(studio.exitCode(), 0);
+    EXPECT_EQ(ka_test::contentOf(told), "figure 100.0 then False") << "what is registered has gone before";
 }
 
 TEST_F(PythonConsole, SurvivesListenersThatOutliveTheirCommand) {
