@@ -46,7 +46,8 @@ SpaceRenderer::SpaceRenderer() : _root(new Qt3DCore::QEntity) {
 
 SpaceRenderer::~SpaceRenderer() {
     _parts.reset();
-    _engine.setRootEntity({}); // takes the scene down before the surface it is drawn on
+    _engine.setRootEntity({});
+    _root.reset(); // the scene goes before the surface it is drawn on
 }
 
 void SpaceRenderer::setScene(SpaceScene scene) {
