@@ -59,7 +59,7 @@ void fitHandlesAround(kaControlPoint2D& key, kaAnimationCurve2D& curve) {
     };
     const auto fit = [&](kaControlPoint2D& from, kaControlPoint2D& to) {
         const float span = to.getBegin() - from.getBegin();
-        if (!(reach(from.getOutTangent(), from) + reach(to.getInTangent(), to) > span))
+        if (!(reach(from.getOutTangent(), from) + reach(to.getInTangent(), to) >= span))
             return;
         shorten(from.getOutTangent(), from, span / 2);
         shorten(to.getInTangent(), to, span / 2);

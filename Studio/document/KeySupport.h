@@ -11,7 +11,7 @@ void takeInChange(kaAnimationCurve2D& curve);
 /// Recomputes the handles of a key and of its neighbours.
 void computeTangentsAround(kaControlPoint2D& key, kaAnimationCurve2D& curve);
 
-/// Shortens the handles around a key where two that face each other pass each other, along their directions and to
+/// Shortens the handles around a key where two that face each other meet or pass each other, along their directions and to
 /// half of the way: time would stand or run backwards there.
 void fitHandlesAround(kaControlPoint2D& key, kaAnimationCurve2D& curve);
 
