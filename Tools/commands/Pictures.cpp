@@ -194,7 +194,7 @@ void addRenderCommand(CLI::App& program, Action& action) {
     command.option("--count", options->count, "how many frames to draw").between(1, 400).showsDefault();
     command.examples({"ka-anim render walk.bvh -o figure.png",
                       "ka-anim render walk.bvh -o steps.png --from 0 --to 20 --count 8 --width 1200",
-                      "ka-anim render robot.glb --film robot.mp4 --turn -30 --tilt 25"});
+                      "ka-anim render walk.bvh --film film.mp4 --turn -30 --tilt 25 --width 640"});
     command.runs(action, [options](Output&) { return render(*options); });
 }
 
