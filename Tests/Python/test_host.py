@@ -107,6 +107,26 @@ class Hosts(Rig):
         with kaanimation.open(kaanimation.example()) as project:
             self.assertEqual(project.host.roll, 0)
 
+    def test_reading_a_document_tells_how_far_it_is(self):
+        self.host.on_file_progress = self.tell
+        self.project.load(self.project.document())
+        percents = [percent for (percent,) in self.told]
+        self.assertTrue(percents)
+        self.assertLessEqual(max(percents), 100)
+
+    def test_what_is_paused_stands_still(self):
+        player = self.project.player
+        player.play([self.clip])
+        player.advance(0.1)
+        frame = player.frame
+        self.assertEqual(player.full_frame, int(frame))
+        player.paused = True
+        player.advance(0.1)
+        self.assertEqual((player.paused, player.frame), (True, frame))
+        player.paused = False
+        player.advance(0.04)
+        self.assertGreater(player.frame, frame)
+
     def test_the_timeline_says_how_it_runs(self):
         player = self.project.player
         player.play([self.clip], begin=2, end=8, start=3, repeat=True)

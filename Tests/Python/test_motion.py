@@ -197,7 +197,8 @@ class Motions(Rig):
     def test_a_report_is_text_and_json(self):
         import json
 
-        report = self.clip.reduce(dry=True)
+        report = self.clip.reduce(rotation=0.25, dry=True)
+        self.assertEqual({measure.allowed for measure in report.measures if measure.unit == "degrees"}, {0.25})
         told = json.loads(report.json())
         self.assertEqual(told["curves"], 6)
         self.assertTrue(report.dry)
