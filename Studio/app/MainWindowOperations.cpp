@@ -163,7 +163,7 @@ void MainWindow::buildOperationMenu(QMenu* menu) {
               [this] { reduceKeys(); });
     addAction(menu, "smooth", tr("S&mooth..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_M),
               tr("Takes quick jitter off the curves"), [this] { smoothCurves(); });
-    addAction(menu, "removePeaks", tr("Remove &peaks..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_P),
+    addAction(menu, "removePeaks", tr("Remove &peaks..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K),
               tr("Puts single keys that leap out of line back into it"), [this] { removePeaks(); });
     addAction(menu, "bake", tr("Ba&ke..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B),
               tr("Keys at even distances on the curves as they are"), [this] { bakeCurves(); });
