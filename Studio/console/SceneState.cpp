@@ -115,7 +115,8 @@ void SceneState::restore() const {
             node->addAttachment(attachment);
         osg::endEditCP(node);
     }
-    for (const auto& [id, values] : _values) {
+    for (const auto& entry : _values) {
+        const auto& values = entry.second;
         const osg::FieldContainerPtr container = values.container;
         osg::beginEditCP(container);
         forSingleValues(*container, [&](osg::UInt32 field, osg::Field& value) {

@@ -33,7 +33,11 @@ class PictureData : public Qt3DRender::QTextureImageDataGenerator {
         return same != nullptr && same->_picture.cacheKey() == _picture.cacheKey();
     }
 
+    // What Qt's own macro calls is deprecated by Qt.
+    QT_WARNING_PUSH
+    QT_WARNING_DISABLE_DEPRECATED
     QT3D_FUNCTOR(PictureData)
+    QT_WARNING_POP
 
   private:
     QImage _picture;

@@ -23,7 +23,6 @@ namespace {
 using nlohmann::json;
 using testing::TemporaryFolder;
 
-constexpr float degree = 3.14159265F / 180.0F;
 constexpr const char* lightsName = "KHR_lights_punctual";
 
 /// A camera, a sun and a torch, a triangle of one material with two shapes, and a hidden node.

@@ -53,7 +53,8 @@ class PythonConsole : public testing::WindowFixture {
         std::string text;
         for (const osg::NodePtr& node : ka::motion::nodesBelow(window().session().project().root())) {
             text += ka::motion::nodePath(node);
-            for (const float number : ka::motion::readPose({node}).front().position)
+            const auto pose = ka::motion::readPose({node});
+            for (const float number : pose.front().position)
                 text += " " + std::to_string(number);
             text += "\n";
         }
