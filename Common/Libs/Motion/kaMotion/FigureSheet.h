@@ -52,15 +52,16 @@ BodySide sideOfName(const std::string& name);
 /// What the pictures of one figure share, from all of its poses: how much of the world each shows.
 class FigureStage {
   public:
+    /// Without any pose yet. @param view  from where the figure is looked at in all of the pictures.
     explicit FigureStage(const FigureView& view = FigureView()) : _view(view) {}
 
     /// Makes room for a pose.
     void include(const FigurePose& pose);
 
-    const FigureView& view() const { return _view; }
-    double ground() const; ///< height of the lowest point; 0 without any
-    double reach() const;  ///< half the width and height of what is shown
-    double lift() const;   ///< of the middle of the picture above the ground, in the picture's direction
+    const FigureView& view() const { return _view; } ///< from where the figure is looked at
+    double ground() const;                           ///< height of the lowest point; 0 without any
+    double reach() const;                            ///< half the width and height of what is shown
+    double lift() const; ///< of the middle of the picture above the ground, in the picture's direction
 
   private:
     /// Down the picture from the ground to `height`, a place from a ground at height 0.

@@ -33,7 +33,9 @@ class Project {
     /// @throws Failure (Unreadable), and (Usage) for a document that is to go with anything but a scene.
     explicit Project(const ProjectFiles& files, Listener& listener = Listener::none());
     /// Builds a model that was read before, or by another process.
+    /// @param model  what was read; consumed.
     /// @param files  how it is to be built; its file is what the model is known by.
+    /// @param listener  is told how far building has come, and may end it.
     /// @throws Failure (Unreadable) when there would be more keys than the reader's limits allow.
     Project(ReadModel model, const ProjectFiles& files, Listener& listener = Listener::none());
     /// Takes over a scene that is in memory, with everything that is registered.
