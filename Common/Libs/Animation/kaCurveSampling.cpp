@@ -80,7 +80,7 @@ class Cursor {
         }
         const kaSegment* former = _segment;
         _segment = _view.packedSegmentAt(frame);
-        _follows = _segment && (_segment == former || _segment == former + 1);
+        _follows = _segment && former && (_segment == former || _segment == former + 1);
         return _segment;
     }
 
