@@ -133,4 +133,4 @@ build-%: setup
 	cmake --build --preset $*
 
 test-%: build-%
-	ctest --preset $* --no-tests=error --timeout 600 -j $(JOBS)
+	ctest --preset $* --no-tests=error --timeout 1200 -j $(JOBS)
